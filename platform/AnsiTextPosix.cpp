@@ -1,0 +1,95 @@
+#include "platform/AnsiText.h"
+#include "platform/Secret.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+namespace acg
+{
+
+namespace
+{
+
+/// Windows-1252, codes 80 to 9F: the only ones that differ from Latin-1. A code that it leaves open stands
+/// for itself.
+constexpr wchar_t UpperControls[] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, // 80
+    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F, // 88
+    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, // 90
+    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178, // 98
+};
+constexpr unsigned FirstUpperControl = 0x80;
+
+char ToAnsi(wchar_t character)
+{
+    const auto code = static_cast<uint32_t>(character);
+    if (code < FirstUpperControl || (code > 0x9F && code <= 0xFF)) {
+        return static_cast<char>(code);
+    }
+    const auto* found = std::find(std::begin(UpperControls), std::end(UpperControls), character);
+    return found == std::end(UpperControls)
+               ? '?'
+               : static_cast<char>(FirstUpperControl + static_cast<unsigned>(found - UpperControls));
+}
+
+wchar_t FromAnsi(char character)
+{
+    const auto code = static_cast<unsigned char>(character);
+    const unsigned place = code - FirstUpperControl;
+    return code >= FirstUpperControl && place < std::size(UpperControls) ? UpperControls[place]
+                                                                         : static_cast<wchar_t>(code);
+}
+
+using Length = uint32_t;
+
+} // namespace
+
+std::string ToAnsi(std::wstring_view Text)
+{
+    std::string ansi(Text.size(), '\0');
+    std::ranges::transform(Text, ansi.begin(), [](wchar_t character) { return ToAnsi(character); });
+    return ansi;
+}
+
+std::wstring FromAnsi(std::string_view Text)
+{
+    std::wstring wide(Text.size(), L'\0');
+    std::ranges::transform(Text, wide.begin(), [](char character) { return FromAnsi(character); });
+    return wide;
+}
+
+ByteString::~ByteString()
+{
+    if (m_bytes != nullptr) {
+        Wipe(m_bytes, Bytes().size());
+        std::free(m_bytes - sizeof(Length));
+    }
+}
+
+std::string_view ByteString::Bytes() const
+{
+    if (m_bytes == nullptr) {
+        return {};
+    }
+    Length length = 0;
+    std::memcpy(&length, m_bytes - sizeof length, sizeof length);
+    return {m_bytes, length};
+}
+
+char* ByteString::Make(std::string_view Bytes)
+{
+    const auto length = static_cast<Length>(Bytes.size());
+    auto* const memory = static_cast<char*>(std::malloc(sizeof length + length + 1));
+    if (memory == nullptr) {
+        return nullptr;
+    }
+    std::memcpy(memory, &length, sizeof length);
+    std::memcpy(memory + sizeof length, Bytes.data(), length);
+    memory[sizeof length + length] = '\0';
+    return memory + sizeof length;
+}
+
+} // namespace acg

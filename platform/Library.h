@@ -1,0 +1,41 @@
+// Binding a library of the system at run time.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+namespace acg
+{
+
+/// What the look-up of a function in a library gave.
+struct EntryPoint {
+    using Function = void (*)();
+
+    Function Address = nullptr; ///< null where nothing was found
+    bool LibraryLoaded = false; ///< tells a missing function from a missing library
+    int32_t SystemError = 0;    ///< the loader's error code where nothing was found, else 0
+};
+
+/// One library, loaded at the first look-up and kept until the process ends.
+///
+/// It is searched in the folder of the component itself, then where the system searches by default, never
+/// in the current directory. A look-up that failed can be tried again: a library that is put in place
+/// later is then found. Look-ups from several threads are safe.
+class Library
+{
+public:
+    /// Name: without folder, prefix and ending, as in "ACGReader330".
+    explicit constexpr Library(const char* Name) : m_name(Name) {}
+
+    [[nodiscard]] EntryPoint Find(const char* Function);
+
+private:
+    const char* m_name;
+    std::atomic<void*> m_handle = nullptr;
+};
+
+/// The system's error code of the call that has just been made on this thread: GetLastError on Windows,
+/// errno elsewhere.
+[[nodiscard]] int32_t LastSystemError();
+
+} // namespace acg

@@ -1,0 +1,88 @@
+// Text that may hold a key of a card.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace acg
+{
+
+/// Overwrites characters so that no compiler leaves it out.
+template <class Char>
+void Wipe(Char* Text, std::size_t Count)
+{
+    for (volatile Char* at = Text; at != Text + Count; ++at) {
+        *at = Char();
+    }
+}
+
+/// Text that may hold a key: whatever it held is wiped before its memory is given up. It isn't copied, and
+/// grows only by being appended to.
+template <class Char>
+class Secret
+{
+public:
+    using View = std::basic_string_view<Char>;
+    using Text = std::basic_string<Char>;
+
+    Secret() = default;
+    explicit Secret(View Characters) : m_text(Characters) {}
+    explicit Secret(Text&& Characters) { *this = std::move(Characters); }
+    ~Secret() { WipeAll(m_text); }
+    Secret(const Secret&) = delete;
+    Secret& operator=(const Secret&) = delete;
+
+    /// Takes the text over and leaves nothing of it behind.
+    Secret& operator=(Text&& Characters)
+    {
+        m_text.swap(Characters);
+        WipeAll(Characters);
+        return *this;
+    }
+
+    operator View() const { return m_text; }
+    [[nodiscard]] View Characters() const { return m_text; }
+
+    Secret& operator+=(View Characters)
+    {
+        Reserve(m_text.size() + Characters.size());
+        m_text += Characters;
+        return *this;
+    }
+
+    /// Room for Count characters in all.
+    Secret& Reserve(std::size_t Count)
+    {
+        if (Count > m_text.capacity()) {
+            Text larger;
+            larger.reserve(Count);
+            larger = m_text;
+            m_text.swap(larger);
+            WipeAll(larger);
+        }
+        return *this;
+    }
+
+    /// The text itself, for operations that change a text in place. They must not outgrow its room.
+    [[nodiscard]] Text& InPlace() { return m_text; }
+
+    void Clear() { WipeAll(m_text); }
+
+private:
+    /// Wipes the whole of the text's memory, characters that were cut off included, and empties it.
+    static void WipeAll(Text& text)
+    {
+        text.resize(text.capacity());
+        Wipe(text.data(), text.size());
+        text.clear();
+    }
+
+    Text m_text;
+};
+
+using SecretText = Secret<wchar_t>;
+using SecretAnsi = Secret<char>;
+
+} // namespace acg
