@@ -1,0 +1,197 @@
+#include "reader/ReaderDLL.h"
+
+#include "platform/AnsiText.h"
+
+#include <array>
+#include <atomic>
+#include <utility>
+
+#ifdef _WIN32
+#define ACG_READER_CALL __stdcall
+#else
+#define ACG_READER_CALL
+#endif
+
+namespace acg
+{
+
+namespace
+{
+
+constexpr char LibraryName[] = "ACGReader330";
+
+constexpr std::array<const char*, ReaderFunctionCount> FunctionNames = {
+    "OpenComm",           "SetCommTimeout", "SetCommProtocol", "GetCommProtocol", "GetCommBaudRate",
+    "GetCommTimeout",     "DetectReader",   "OpenReader",      "GetReaderType",   "GetDeviceID",
+    "SendCommandGetData", "CloseReader",    "CloseComm",
+};
+
+// The numbers that Automation hosts know for these two failures.
+constexpr int32_t FileNotFound = 53;
+constexpr int32_t EntryPointNotFound = 453;
+
+Failure CallFailure(ReaderFunction function, const EntryPoint& missing)
+{
+    const std::wstring library(std::begin(LibraryName), std::end(LibraryName) - 1);
+    if (!missing.LibraryLoaded) {
+        return {FileNotFound, L"File not found: " + library, missing.SystemError};
+    }
+    return {EntryPointNotFound, L"Can't find entry point " + FromAnsi(Name(function)) + L" in " + library,
+            missing.SystemError};
+}
+
+/// The library's own look-up. What it found it keeps: a library that is loaded stays.
+EntryPoint FindInLibrary(ReaderFunction function)
+{
+    static constinit Library library(LibraryName);
+    static constinit std::array<std::atomic<EntryPoint::Function>, ReaderFunctionCount> found{};
+
+    std::atomic<EntryPoint::Function>& known = found[static_cast<size_t>(function)];
+    if (const EntryPoint::Function address = known) {
+        return {.Address = address, .LibraryLoaded = true};
+    }
+    const EntryPoint entry = library.Find(Name(function));
+    known = entry.Address;
+    return entry;
+}
+
+/// A text of NUL characters for the library to work in. It isn't read afterwards.
+template <size_t Characters>
+using Buffer = std::array<char, Characters + 1>;
+
+void CutAtNul(std::wstring& text)
+{
+    text.resize(std::min(text.find(L'\0'), text.size()));
+}
+
+} // namespace
+
+const char* Name(ReaderFunction Function)
+{
+    return FunctionNames[static_cast<size_t>(Function)];
+}
+
+ReaderDLL::ReaderDLL() : ReaderDLL(FindInLibrary) {}
+
+ReaderDLL::ReaderDLL(EntryPointLookUp LookUp) : m_lookUp(std::move(LookUp)) {}
+
+template <class Result, class... Arguments>
+Failure ReaderDLL::Call(ReaderFunction Function, Result& result, Arguments... arguments) const
+{
+    const EntryPoint entry = m_lookUp(Function);
+    if (entry.Address == nullptr) {
+        return CallFailure(Function, entry);
+    }
+    using Signature = Result(ACG_READER_CALL*)(Arguments...);
+    result = reinterpret_cast<Signature>(entry.Address)(arguments...);
+    Failure none;
+    none.LastDllError = LastSystemError();
+    return none;
+}
+
+template <class... Arguments>
+Failure ReaderDLL::CallForText(ReaderFunction Function, std::wstring& Text, Arguments... arguments) const
+{
+    char* bytes = nullptr;
+    Failure failure = Call(Function, bytes, arguments...);
+    const ByteString owner(bytes);
+    if (!failure) {
+        Text = FromAnsi(owner.Bytes());
+        CutAtNul(Text);
+    }
+    return failure;
+}
+
+Failure ReaderDLL::OpenComm(std::wstring_view Device, uint8_t Autodetect, CommSettings& Settings,
+                            ReaderHandle& Comm) const
+{
+    return Call(ReaderFunction::OpenComm, Comm, ToAnsi(Device).c_str(), Autodetect, &Settings);
+}
+
+Failure ReaderDLL::SetCommTimeout(ReaderHandle Comm, int32_t Timeout) const
+{
+    int32_t notRead = 0;
+    return Call(ReaderFunction::SetCommTimeout, notRead, Comm, Timeout);
+}
+
+Failure ReaderDLL::SetCommProtocol(ReaderHandle Comm, uint8_t Protocol) const
+{
+    int32_t notRead = 0;
+    return Call(ReaderFunction::SetCommProtocol, notRead, Comm, Protocol);
+}
+
+Failure ReaderDLL::GetCommProtocol(ReaderHandle Comm, uint8_t& Protocol) const
+{
+    return Call(ReaderFunction::GetCommProtocol, Protocol, Comm);
+}
+
+Failure ReaderDLL::GetCommBaudRate(ReaderHandle Comm, int32_t& BaudRate) const
+{
+    return Call(ReaderFunction::GetCommBaudRate, BaudRate, Comm);
+}
+
+Failure ReaderDLL::GetCommTimeout(ReaderHandle Comm, int32_t& Timeout) const
+{
+    return Call(ReaderFunction::GetCommTimeout, Timeout, Comm);
+}
+
+Failure ReaderDLL::DetectReader(ReaderHandle Comm, std::string& Readers) const
+{
+    Buffer<256> buffer{};
+    char* bytes = nullptr;
+    Failure failure = Call(ReaderFunction::DetectReader, bytes, Comm, buffer.data());
+    const ByteString owner(bytes);
+    if (!failure) {
+        Readers = owner.Bytes();
+    }
+    return failure;
+}
+
+Failure ReaderDLL::OpenReader(ReaderHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const
+{
+    const int32_t thirdArgument = 0; // the library asks for it; it is always 0
+    return Call(ReaderFunction::OpenReader, Reader, Comm, ReaderId, thirdArgument);
+}
+
+Failure ReaderDLL::GetReaderType(ReaderHandle Reader, std::wstring& Type) const
+{
+    Buffer<100> buffer{};
+    return CallForText(ReaderFunction::GetReaderType, Type, Reader, buffer.data());
+}
+
+Failure ReaderDLL::GetDeviceID(ReaderHandle Reader, std::wstring& Id) const
+{
+    Buffer<20> buffer{};
+    return CallForText(ReaderFunction::GetDeviceID, Id, Reader, buffer.data());
+}
+
+Failure ReaderDLL::SendCommandGetData(ReaderHandle Reader, std::wstring_view Command, const SecretText& Data,
+                                      SecretText& Reply) const
+{
+    Buffer<512> buffer{};
+    const std::string command = ToAnsi(Command);
+    SecretAnsi data(ToAnsi(Data));
+    char* bytes = nullptr;
+    Failure failure = Call(ReaderFunction::SendCommandGetData, bytes, Reader, command.c_str(),
+                           data.InPlace().c_str(), buffer.data());
+    Wipe(buffer.data(), buffer.size());
+    const ByteString owner(bytes);
+    if (!failure) {
+        Reply = FromAnsi(owner.Bytes());
+    }
+    return failure;
+}
+
+Failure ReaderDLL::CloseReader(ReaderHandle Reader) const
+{
+    int32_t notRead = 0;
+    return Call(ReaderFunction::CloseReader, notRead, Reader);
+}
+
+Failure ReaderDLL::CloseComm(ReaderHandle Comm) const
+{
+    int32_t notRead = 0;
+    return Call(ReaderFunction::CloseComm, notRead, Comm);
+}
+
+} // namespace acg

@@ -1,0 +1,96 @@
+// The reader vendor's library ACGReader330. Its binary interface is told in docs/reader-library.md.
+#pragma once
+
+#include "platform/Library.h"
+#include "platform/Secret.h"
+#include "reader/Failure.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace acg
+{
+
+/// The functions of the library that are called.
+enum class ReaderFunction {
+    OpenComm,
+    SetCommTimeout,
+    SetCommProtocol,
+    GetCommProtocol,
+    GetCommBaudRate,
+    GetCommTimeout,
+    DetectReader,
+    OpenReader,
+    GetReaderType,
+    GetDeviceID,
+    SendCommandGetData,
+    CloseReader,
+    CloseComm,
+};
+inline constexpr int ReaderFunctionCount = static_cast<int>(ReaderFunction::CloseComm) + 1;
+
+/// The name under which the library exports the function.
+[[nodiscard]] const char* Name(ReaderFunction Function);
+
+/// What OpenComm takes by reference. What the library writes into it isn't read.
+struct CommSettings {
+    int32_t BaudRate = 0;
+    uint8_t Protocol = 0; ///< 0 ASCII, 1 binary
+    uint8_t Reserved[3] = {};
+};
+static_assert(sizeof(CommSettings) == 8);
+
+/// Handle of a communication link or of a reader; 0 is none.
+using ReaderHandle = uint32_t;
+
+/// Finds a function of the library. It is asked at each call.
+using EntryPointLookUp = std::function<EntryPoint(ReaderFunction)>;
+
+/// The thirteen functions, bound by name at run time. Text goes in and comes out wide, 8-bit ANSI on the way.
+///
+/// Each operation gives back the failure of the call as a call: 53 where the library can't be loaded, 453
+/// where it lacks the function. Then no result is assigned. What the reader itself answered stands in the
+/// result.
+class ReaderDLL
+{
+public:
+    /// The library ACGReader330 of this process.
+    ReaderDLL();
+    explicit ReaderDLL(EntryPointLookUp LookUp);
+
+    /// Comm: 0 where the link couldn't be opened. Autodetect: 0 disabled, 1 normal, 2 fast.
+    Failure OpenComm(std::wstring_view Device, uint8_t Autodetect, CommSettings& Settings,
+                     ReaderHandle& Comm) const;
+    /// Timeout in milliseconds.
+    Failure SetCommTimeout(ReaderHandle Comm, int32_t Timeout) const;
+    /// Protocol: 0 ASCII, 1 binary.
+    Failure SetCommProtocol(ReaderHandle Comm, uint8_t Protocol) const;
+    Failure GetCommProtocol(ReaderHandle Comm, uint8_t& Protocol) const;
+    Failure GetCommBaudRate(ReaderHandle Comm, int32_t& BaudRate) const;
+    Failure GetCommTimeout(ReaderHandle Comm, int32_t& Timeout) const;
+    /// Readers: each byte before the first NUL is the id of a reader, as the library gave it.
+    Failure DetectReader(ReaderHandle Comm, std::string& Readers) const;
+    /// Reader: 0 where the reader couldn't be opened.
+    Failure OpenReader(ReaderHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const;
+    /// Type: up to its first NUL.
+    Failure GetReaderType(ReaderHandle Reader, std::wstring& Type) const;
+    /// Id: up to its first NUL.
+    Failure GetDeviceID(ReaderHandle Reader, std::wstring& Id) const;
+    /// Reply: the whole of it, with what stands behind a NUL. Data may hold a key.
+    Failure SendCommandGetData(ReaderHandle Reader, std::wstring_view Command, const SecretText& Data,
+                               SecretText& Reply) const;
+    Failure CloseReader(ReaderHandle Reader) const;
+    Failure CloseComm(ReaderHandle Comm) const;
+
+private:
+    template <class Result, class... Arguments>
+    Failure Call(ReaderFunction Function, Result& result, Arguments... arguments) const;
+    template <class... Arguments>
+    Failure CallForText(ReaderFunction Function, std::wstring& Text, Arguments... arguments) const;
+
+    EntryPointLookUp m_lookUp;
+};
+
+} // namespace acg
