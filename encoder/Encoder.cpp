@@ -1,0 +1,142 @@
+// Creation, destruction, the record of the last failure, and the read-only properties.
+#include "encoder/Encoder.h"
+
+#include "reader/StatusLetters.h"
+
+#include <utility>
+
+namespace acg
+{
+
+Encoder::Encoder() : Encoder(ReaderDLL(), std::chrono::steady_clock::now) {}
+
+Encoder::Encoder(ReaderDLL Reader, Clock Now)
+    : m_oReaderDLL(std::move(Reader)), m_oClock(std::move(Now)),
+      m_oRandom(static_cast<std::mt19937::result_type>(m_oClock().time_since_epoch().count()))
+{
+    DrawHandleNumber();
+    ResetLastError();
+}
+
+Encoder::~Encoder()
+{
+    ReleaseDevice();
+}
+
+std::shared_ptr<CError> Encoder::LastError()
+{
+    return m_oLastError;
+}
+
+sceEncoderState Encoder::EncoderState()
+{
+    ResetLastError();
+    sceEncoderState state = sceClosed;
+    if (m_hReader != 0) {
+        const bool selected = SelectCardInRange() != sceError;
+        if (!selected && m_oLastError->Number == NoCardInEncoder.Number) {
+            state = sceOpened;
+        } else if (selected || IsStatus(m_oLastError->RdrRetCode, StatusAuthenticationFailed)) {
+            state = sceReady;
+        } else {
+            state = sceUnknown;
+        }
+    }
+    ResetLastError(L"EncoderState");
+    return state;
+}
+
+std::wstring Encoder::ReaderType()
+{
+    std::wstring type;
+    if (Failure failure = ReadReaderType(type)) {
+        throw RaisedFailure{failure.Number, std::move(failure.Description), std::nullopt};
+    }
+    return type;
+}
+
+Failure Encoder::ReadReaderType(std::wstring& Type)
+{
+    ResetLastError();
+    if (m_hReader == 0) {
+        RecordRefusal(EncoderIsClosed, L"ReaderType");
+        return Raised(EncoderIsClosed);
+    }
+    if (Failure failure = m_oReaderDLL.GetReaderType(m_hReader, Type)) {
+        RecordCallFailure(failure, L"ReaderType", L"GetReaderType");
+        return failure;
+    }
+    ResetLastError(L"ReaderType");
+    return {};
+}
+
+std::wstring Encoder::ATRString()
+{
+    RaiseNotSupported(L"ATRString");
+}
+
+sceCardTypes Encoder::CardType()
+{
+    RaiseNotSupported(L"CardType");
+}
+
+int32_t Encoder::SerialNumberLength()
+{
+    RaiseNotSupported(L"SerialNumberLength");
+}
+
+void Encoder::RaiseNotSupported(std::wstring_view Property)
+{
+    ResetLastError();
+    RecordRefusal(FeatureNotSupported, Property);
+    throw RaisedFailure{FeatureNotSupported.Number, FeatureNotSupported.Description, std::wstring()};
+}
+
+void Encoder::SetLastError(std::optional<int32_t> Number, std::optional<std::wstring_view> Description,
+                           std::optional<int32_t> LastDllError, std::optional<std::wstring_view> ComFunction,
+                           std::optional<std::wstring_view> RdrCommand,
+                           std::optional<std::wstring_view> RdrRetCode)
+{
+    CError& record = *m_oLastError;
+    record.Number = Number.value_or(record.Number);
+    const auto store = [](std::wstring& field, const std::optional<std::wstring_view>& text) {
+        if (text) {
+            field = *text;
+        }
+    };
+    store(record.Description, Description);
+    record.LastDllError = LastDllError.value_or(record.LastDllError);
+    store(record.ComFunction, ComFunction);
+    store(record.RdrCommand, RdrCommand);
+    store(record.RdrRetCode, RdrRetCode);
+}
+
+void Encoder::ResetLastError(std::wstring_view ComFunction)
+{
+    SetLastError(0, L"", /*LastDllError=*/0, ComFunction, L"", L"");
+}
+
+void Encoder::TraceLastError(std::wstring_view FunctionName)
+{
+    CError& record = *m_oLastError;
+    if (!record.ComFunction.empty()) {
+        const std::wstring below = record.RdrCommand.empty() ? L"" : L":" + record.RdrCommand;
+        record.RdrCommand = record.ComFunction + below;
+    }
+    record.ComFunction = FunctionName;
+}
+
+void Encoder::RecordRefusal(const KnownFailure& Refusal, std::wstring_view ComFunction,
+                            std::wstring_view RdrCommand, std::wstring_view RdrRetCode)
+{
+    SetLastError(Refusal.Number, Refusal.Description, /*LastDllError=*/0, ComFunction, RdrCommand,
+                 RdrRetCode);
+}
+
+void Encoder::RecordCallFailure(const Failure& Failed, std::wstring_view ComFunction,
+                                std::wstring_view RdrCommand)
+{
+    SetLastError(Failed.Number, Failed.Description, Failed.LastDllError, ComFunction, RdrCommand, L"");
+}
+
+} // namespace acg

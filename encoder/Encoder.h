@@ -1,0 +1,211 @@
+// The component's working class.
+#pragma once
+
+#include "cards/AccessBits.h"
+#include "encoder/CError.h"
+#include "encoder/Enums.h"
+#include "encoder/Failures.h"
+#include "platform/Secret.h"
+#include "reader/ReaderDLL.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace acg
+{
+
+/// What the four properties that raise throw. Nothing else is thrown to the host, but for running out of
+/// memory.
+struct RaisedFailure {
+    int32_t Number;
+    std::wstring Description;
+    std::optional<std::wstring> Source; ///< nothing: the platform's default
+};
+
+/// What the component can encode. No operation looks at the kind of card.
+inline constexpr std::wstring_view Capabilities = L"Mifare Classic, Mifare Ultralight";
+
+/// Tells the time. It need not be the time of day, but must not go backwards.
+using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+/// The KeyType that logs in with key B; every other value logs in with key A.
+inline constexpr uint8_t KeyTypeB = 2;
+
+/// Reads and writes contactless cards through an ACG Multi-ISO reader.
+///
+/// The order of calls: Parameters, GetInformation, OpenEncoder with the number from that text, the card
+/// operations, CloseEncoder. Destruction closes what is still open. Public members stand in the order of the
+/// component's interface.
+///
+/// Every call blocks until the reader library has answered. An Encoder is used by one thread at a time.
+/// Operations that give a sceReturnCode report a failure by sceError and the record behind LastError; they
+/// don't throw. Nothing of a card selection or a login is remembered between operations.
+///
+/// Not here: a card's contents, a cache, a retry, a log. A key is handed to the reader and forgotten.
+class Encoder
+{
+public:
+    /// An encoder on the reader library of this process and the system's clock, with the default settings.
+    Encoder();
+    Encoder(ReaderDLL Reader, Clock Now);
+    ~Encoder();
+    Encoder(const Encoder&) = delete;
+    Encoder& operator=(const Encoder&) = delete;
+
+    /// The settings, as "Device=com1;Baud rate=9600": entries joined by ";" or, if there is a CR LF
+    /// anywhere, by that. Keys: Device, Autodetect (0 to 255), Baud rate, Timeout (32 bits, ms). A bad entry
+    /// is passed over. An open link keeps the settings that it was opened with.
+    void Parameters(std::wstring_view Text);
+    /// The settings as five lines; giving them back changes nothing.
+    [[nodiscard]] std::wstring Parameters();
+
+    /// The same object at every call. It may outlive the Encoder.
+    [[nodiscard]] std::shared_ptr<CError> LastError();
+
+    /// Tries to select a card, and leaves a clean record.
+    [[nodiscard]] sceEncoderState EncoderState();
+
+    /// The reader's type, asked anew at each read. Throws RaisedFailure: -1, or a call failure.
+    [[nodiscard]] std::wstring ReaderType();
+
+    // Not supported: each throws RaisedFailure -16.
+    [[nodiscard]] std::wstring ATRString();
+    [[nodiscard]] sceCardTypes CardType();
+    [[nodiscard]] int32_t SerialNumberLength();
+
+    /// Six fields joined by "|": "Tarvello", "ACG Multi-ISO", the version, "1", a number from 0 to 99999 that
+    /// OpenEncoder asks for, drawn anew at each call, and what the component can encode.
+    [[nodiscard]] std::wstring GetInformation();
+
+    /// Shows the configuration dialog, in French for "francais" in any case, else in English. sceSuccess: the
+    /// user left with OK, and the settings are taken over; else sceCanceled. An open link stays as it is.
+    sceReturnCode Configure(std::wstring_view Language);
+
+    /// Opens the link and the first reader on it, and waits up to 5 seconds for a card. That no card came is
+    /// no failure. Handle: the number of the latest GetInformation.
+    [[nodiscard]] sceReturnCode OpenEncoder(int32_t Handle);
+    /// Closes the reader, then the link. A closed encoder is a success.
+    sceReturnCode CloseEncoder();
+
+    /// The serial text of the card in the field, as the reader wrote it; empty on failure.
+    [[nodiscard]] sceReturnCode ReadSerialNumber(std::wstring& SerialNumber);
+
+    /// Reads a 16-byte block as 32 hexadecimal digits. A reply that is shorter or longer is filled with "0"
+    /// at its end or cut. key: 12 hexadecimal digits, judged by the reader alone. BlocNumber counts the
+    /// blocks of the whole card; it isn't tested. After a failure BlocContents is empty, or untouched where
+    /// no card was selected.
+    [[nodiscard]] sceReturnCode ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                                             std::wstring& BlocContents);
+
+    /// Reads block 0: bytes 0 to 3 as one number with byte 0 the highest, byte 4, and bytes 5 to 15 as 22
+    /// digits. The check sum isn't tested. After a failure they are 0, 0 and empty.
+    [[nodiscard]] sceReturnCode ReadManufacturerCode(std::wstring_view key, uint8_t KeyType,
+                                                     int32_t& SerialNumber, uint8_t& CheckSum,
+                                                     std::wstring& ManufacturerInfo);
+
+    /// Reads what a sector's trailer lets its keys do. KeysUsed: 1 where the sector works with key A alone
+    /// (key B can be read out), else 2. BX: the byte behind the access bits. What was written doesn't always
+    /// read back as the same level: docs/access-levels.md. After a failure the levels are 0, and KeysUsed and
+    /// BX untouched.
+    [[nodiscard]] sceReturnCode
+    ReadSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, uint8_t& KeysUsed,
+                      SCBS_SecurityLevelEnum& Security0, SCBS_SecurityLevelEnum& Security1,
+                      SCBS_SecurityLevelEnum& Security2, SCSS_SecurityLevelEnum& Conditions, uint8_t& BX);
+
+    /// Writes a 16-byte block, 32 hexadecimal digits in either case, blanks around them allowed. BlocContents
+    /// comes back as the reader answered, filled or cut to 32 characters; after a failure it is the text,
+    /// upper-cased and trimmed.
+    [[nodiscard]] sceReturnCode WriteDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                                              std::wstring& BlocContents);
+
+    /// Writes a value block through the reader's own command. The block then counts as a value block until
+    /// the encoder is closed, also where the call fails.
+    [[nodiscard]] sceReturnCode WriteValueBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                                               int32_t value);
+
+    /// Writes both keys of a sector, 12 hexadecimal digits each in either case, and what they may do.
+    /// KeysToUse: 1 key A alone, 0 as on the card, any other value both keys. A level of -1 keeps the card's
+    /// access bits of that slot; not every level can be stored: docs/access-levels.md. BX: the byte behind
+    /// the access bits, 0 to 255; the card's stays where it is left out, and any other number is refused.
+    [[nodiscard]] sceReturnCode
+    WriteSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, std::wstring_view KeyA,
+                       std::wstring_view KeyB, uint8_t KeysToUse, SCBS_SecurityLevelEnum Security0,
+                       SCBS_SecurityLevelEnum Security1, SCBS_SecurityLevelEnum Security2,
+                       SCSS_SecurityLevelEnum Conditions, std::optional<int32_t> BX = std::nullopt);
+
+    /// Changes the bytes FromByte to ToByte of a block, 0 to 15, both included. BlocContents: their digits,
+    /// filled with "0" or cut to that length. It comes back as the whole block; after a failure as the
+    /// old block, or empty where that couldn't be read. The card is read before the offsets are judged.
+    [[nodiscard]] sceReturnCode WriteBytesInBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                                                 uint8_t FromByte, uint8_t ToByte,
+                                                 std::wstring& BlocContents);
+
+    /// CloseEncoder, then OpenEncoder with the number at hand. How it went stands in the record.
+    void ReOpenEncoder();
+
+private:
+    friend struct EncoderInside; // the tests look inside
+
+    // Record keeping: encoder/Encoder.cpp. An argument that is left out leaves its field as it is.
+    void SetLastError(std::optional<int32_t> Number = {}, std::optional<std::wstring_view> Description = {},
+                      std::optional<int32_t> LastDllError = {},
+                      std::optional<std::wstring_view> ComFunction = {},
+                      std::optional<std::wstring_view> RdrCommand = {},
+                      std::optional<std::wstring_view> RdrRetCode = {});
+    void ResetLastError(std::wstring_view ComFunction = {});
+    void TraceLastError(std::wstring_view FunctionName);
+    void RecordRefusal(const KnownFailure& Refusal, std::wstring_view ComFunction,
+                       std::wstring_view RdrCommand = {}, std::wstring_view RdrRetCode = {});
+    void RecordCallFailure(const Failure& Failed, std::wstring_view ComFunction,
+                           std::wstring_view RdrCommand);
+
+    Failure ReadReaderType(std::wstring& Type);
+    [[noreturn]] void RaiseNotSupported(std::wstring_view Property);
+
+    // Opening and closing: encoder/Opening.cpp.
+    void DrawHandleNumber();
+    [[nodiscard]] bool OpenFirstReader();
+    void ReleaseDevice();
+
+    // The exchange of one command and the card selection: reader/CommandExchange.cpp.
+    Failure EncoderCommand(std::wstring_view Command, const SecretText& Data, SecretText& Reply);
+    sceReturnCode SelectCardInRange();
+    void RecordNoCard(const Failure& Failed);
+
+    // The login of the card operations: cards/DataBlocks.cpp.
+    sceReturnCode SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                              std::wstring_view OperationName);
+    void EnsureNumber(const KnownFailure& Guard);
+
+    // Encoding a level: cards/SectorTrailers.cpp. sceError: the level is refused, and nothing was stored.
+    sceReturnCode SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, int32_t BlocNumber,
+                                 ConditionBytes& Bytes) const;
+    static sceReturnCode SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
+                                          ConditionBytes& Bytes);
+
+    ReaderDLL m_oReaderDLL;
+    Clock m_oClock;
+    std::mt19937 m_oRandom;
+
+    std::wstring m_sDevice = L"com1";
+    uint8_t m_bAutodetect = 1;
+    int32_t m_lBaudRate = 9600;
+    int32_t m_lTimeout = 2200; ///< milliseconds
+    /// The blocks written as value blocks since OpenEncoder, duplicates included; nothing before the first
+    /// opening and after closing.
+    std::optional<std::vector<int32_t>> m_colValueBlocks;
+    int32_t m_lHandleNumber = 0;
+    ReaderHandle m_hComm = 0;
+    ReaderHandle m_hReader = 0;
+    std::wstring m_sReaderType; ///< in lower case, as of the last successful card selection
+    std::shared_ptr<CError> m_oLastError = std::make_shared<CError>();
+};
+
+} // namespace acg

@@ -1,0 +1,72 @@
+// The public enums, as the type library declares them.
+#pragma once
+
+#include <cstdint>
+
+namespace acg
+{
+
+enum sceReturnCode : int32_t {
+    sceSuccess = 0,
+    sceCanceled = 1,
+    sceError = 2,
+};
+
+enum sceEncoderState : int32_t {
+    sceUnknown = 0, ///< the reader is open and fails for another reason than a missing card
+    sceClosed = 1,
+    sceOpened = 2, ///< no card in range
+    sceReady = 3,  ///< a card could be selected
+};
+
+/// Declared for the host; no operation gives one of these values.
+enum sceCardTypes : int32_t {
+    sceUnhandled = 0,
+    sceUnknownType = 1,
+    sceMifare1K = 17,
+    sceMifare4K = 18,
+    sceMifareUltralight = 33,
+    sceDESFire = 49,
+    sceRfid125KHz = 65,
+    scePicoPass2KS = 81,
+};
+
+/// The rights of both keys on a data block: one A value plus one B value.
+enum SCBS_SecurityLevelEnum : int32_t {
+    scbs_A_Nothing = 0,
+    scbs_A_Read = 1,
+    scbs_A_Write = 2,
+    scbs_A_ReadWrite = 3,
+    scbs_B_Nothing = 0,
+    scbs_B_Read = 4,
+    scbs_B_Write = 8,
+    scbs_B_ReadWrite = 12,
+};
+
+/// The rights of both keys on the sector trailer: one A value plus one B value.
+enum SCSS_SecurityLevelEnum : int32_t {
+    scss_A_Nothing = 0,
+    scss_A_WriteKeys = 1,
+    scss_A_WriteConditions = 2,
+    scss_A_WriteKeysConditions = 3,
+    scss_B_Nothing = 0,
+    scss_B_WriteKeys = 4,
+    scss_B_WriteConditions = 8,
+    scss_B_WriteKeysConditions = 12,
+};
+
+constexpr SCBS_SecurityLevelEnum operator+(SCBS_SecurityLevelEnum OfKeyA, SCBS_SecurityLevelEnum OfKeyB)
+{
+    return static_cast<SCBS_SecurityLevelEnum>(int32_t{OfKeyA} + int32_t{OfKeyB});
+}
+
+constexpr SCSS_SecurityLevelEnum operator+(SCSS_SecurityLevelEnum OfKeyA, SCSS_SecurityLevelEnum OfKeyB)
+{
+    return static_cast<SCSS_SecurityLevelEnum>(int32_t{OfKeyA} + int32_t{OfKeyB});
+}
+
+/// In place of a level: the card's access bits stay as they are.
+inline constexpr SCBS_SecurityLevelEnum KeepBlockAccess{-1};
+inline constexpr SCSS_SecurityLevelEnum KeepTrailerAccess{-1};
+
+} // namespace acg

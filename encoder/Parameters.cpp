@@ -1,0 +1,69 @@
+// The parameter text: the whole of the component's configuration.
+#include "encoder/Encoder.h"
+#include "encoder/NumberReading.h"
+#include "platform/TextCase.h"
+
+#include <algorithm>
+
+namespace acg
+{
+
+namespace
+{
+
+constexpr std::wstring_view LineEnd = L"\r\n";
+
+/// Removes spaces, and nothing else, at both ends.
+std::wstring_view TrimSpaces(std::wstring_view text)
+{
+    text = text.substr(std::min(text.find_first_not_of(L' '), text.size()));
+    return text.substr(0, text.find_last_not_of(L' ') + 1);
+}
+
+/// A value that doesn't fit leaves the field as it is.
+template <class Field>
+void Store(std::wstring_view value, Field& field)
+{
+    field = ReadField<Field>(value).value_or(field);
+}
+
+} // namespace
+
+void Encoder::Parameters(std::wstring_view Text)
+{
+    ResetLastError();
+    const std::wstring_view separator = Text.find(LineEnd) != std::wstring_view::npos ? LineEnd : L";";
+    while (!Text.empty()) {
+        const std::wstring_view entry = Text.substr(0, Text.find(separator));
+        Text.remove_prefix(std::min(entry.size() + separator.size(), Text.size()));
+
+        const std::wstring_view beforeSign = entry.substr(0, entry.find(L'='));
+        const std::wstring_view value = entry.substr(std::min(beforeSign.size() + 1, entry.size()));
+        const std::wstring key = ToLower(TrimSpaces(beforeSign));
+        if (key == L"device") {
+            m_sDevice = value;
+        } else if (key == L"autodetect") {
+            Store(value, m_bAutodetect);
+        } else if (key == L"baud rate") {
+            Store(value, m_lBaudRate);
+        } else if (key == L"timeout") {
+            Store(value, m_lTimeout);
+        }
+    }
+    TraceLastError(L"Parameters");
+}
+
+std::wstring Encoder::Parameters()
+{
+    ResetLastError();
+    std::wstring text = L"Encoding capabilities=";
+    text += Capabilities;
+    text += L"\r\nDevice=" + m_sDevice;
+    text += L"\r\nAutodetect=" + std::to_wstring(m_bAutodetect);
+    text += L"\r\nBaud rate=" + std::to_wstring(m_lBaudRate);
+    text += L"\r\nTimeout=" + std::to_wstring(m_lTimeout);
+    ResetLastError(L"Parameters");
+    return text;
+}
+
+} // namespace acg
