@@ -1,0 +1,132 @@
+#include "cards/AccessBits.h"
+
+#include <cstddef>
+
+namespace acg
+{
+
+namespace
+{
+
+// In the comments: r reads, w writes, - neither.
+
+/// Bits 0 and 1 of the level, key A's rights, for a sector that works with key A alone.
+constexpr AccessTriple BlockOfKeyA[] = {
+    "111", // 0  -
+    "001", // 1  r
+    "000", // 2  w
+    "000", // 3  rw
+};
+
+struct BlockOfBothKeys {
+    AccessTriple Triple;
+    AccessTriple OfValueBlock; ///< where the block was written as a value block since the opening
+};
+
+constexpr BlockOfBothKeys BlockOfBoth[] = {
+    //                        key A  key B
+    {"111", "111"},     //  0   -      -
+    {Refused, Refused}, //  1   r      -
+    {Refused, Refused}, //  2   w      -
+    {Refused, Refused}, //  3   rw     -
+    {"101", "101"},     //  4   -      r
+    {"001", "001"},     //  5   r      r
+    {Refused, Refused}, //  6   w      r
+    {Refused, Refused}, //  7   rw     r
+    {"011", "011"},     //  8   -      w
+    {"100", "110"},     //  9   r      w
+    {"000", "000"},     // 10   w      w
+    {"000", "000"},     // 11   rw     w
+    {"011", "011"},     // 12   -      rw
+    {"100", "110"},     // 13   r      rw
+    {"000", "000"},     // 14   w      rw
+    {"000", "000"},     // 15   rw     rw
+};
+
+/// Bits 0 and 1 of the level, what key A may write, for a sector that works with key A alone.
+constexpr AccessTriple TrailerOfKeyA[] = {
+    "010", // 0  nothing
+    "000", // 1  keys
+    "001", // 2  conditions
+    "001", // 3  keys and conditions
+};
+
+struct TrailerLevel {
+    int32_t Level;
+    AccessTriple Triple;
+};
+
+/// What key B may write. A level that isn't here is refused.
+constexpr TrailerLevel TrailerOfBoth[] = {
+    {0, "111"},  // nothing
+    {4, "100"},  // keys
+    {8, "101"},  // conditions
+    {12, "011"}, // keys and conditions
+};
+
+/// In the order of C1 C2 C3 as a binary number.
+constexpr DecodedAccess Decoded[] = {
+    // triple, block level, keys used, trailer level
+    {"000", 15, KeyAAlone, 1}, {"001", 5, KeyAAlone, 3}, {"010", 5, KeyAAlone, 0}, {"011", 12, BothKeys, 12},
+    {"100", 13, BothKeys, 4},  {"101", 4, BothKeys, 8},  {"110", 13, BothKeys, 0}, {"111", 0, BothKeys, 0},
+};
+
+constexpr int32_t RightsOfKeyA = 3;
+constexpr unsigned NibbleBits = 4;
+
+constexpr uint8_t HighNibble(uint8_t mask)
+{
+    return static_cast<uint8_t>(mask << NibbleBits);
+}
+
+} // namespace
+
+AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
+{
+    if (KeysToUse == KeyAAlone) {
+        return BlockOfKeyA[Level & RightsOfKeyA];
+    }
+    if (static_cast<size_t>(Level) >= std::size(BlockOfBoth)) {
+        return Refused;
+    }
+    const BlockOfBothKeys& row = BlockOfBoth[Level];
+    return IsValueBlock ? row.OfValueBlock : row.Triple;
+}
+
+AccessTriple TrailerTriple(int32_t Level, uint8_t KeysToUse)
+{
+    if (KeysToUse == KeyAAlone) {
+        return TrailerOfKeyA[Level & RightsOfKeyA];
+    }
+    for (const TrailerLevel& row : TrailerOfBoth) {
+        if (row.Level == Level) {
+            return row.Triple;
+        }
+    }
+    return Refused;
+}
+
+void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes)
+{
+    const bool c1 = Triple[0] == '1';
+    const bool c2 = Triple[1] == '1';
+    const bool c3 = Triple[2] == '1';
+    const auto store = [Mask](uint8_t& byte, bool highBit, bool lowBit) {
+        const uint8_t high = HighNibble(Mask);
+        byte = static_cast<uint8_t>((byte & ~(high | Mask)) | (highBit ? high : 0) | (lowBit ? Mask : 0));
+    };
+    store(Bytes[0], /*highBit=*/!c2, /*lowBit=*/!c1);
+    store(Bytes[1], /*highBit=*/c1, /*lowBit=*/!c3);
+    store(Bytes[2], /*highBit=*/c3, /*lowBit=*/c2);
+}
+
+const DecodedAccess& DecodeSlot(const ConditionBytes& Bytes, unsigned Slot)
+{
+    const auto bit = [Slot](unsigned byte, unsigned nibble) { return byte >> (nibble + Slot) & 1U; };
+    const unsigned c1 = bit(Bytes[1], NibbleBits);
+    const unsigned c2 = bit(Bytes[2], 0);
+    const unsigned c3 = bit(Bytes[2], NibbleBits);
+    return Decoded[c1 << 2 | c2 << 1 | c3];
+}
+
+} // namespace acg

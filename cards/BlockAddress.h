@@ -1,0 +1,27 @@
+// Where blocks and sectors lie on a card.
+//
+// Memory organisation of the Mifare Classic 1K and 4K card (data sheets MF1S50yyX and MF1S70yyX, chapter 8):
+//
+//     blocks   0 to 127   sectors  0 to 31, of 4 blocks
+//     blocks 128 to 255   sectors 32 to 39, of 16 blocks (4K only)
+//
+// No number is tested for range: what lies beyond the card, the reader refuses. The arithmetic wraps at 32
+// bits.
+#pragma once
+
+#include <cstdint>
+
+namespace acg
+{
+
+/// The number by which the reader's "login" takes the sector of a block: the sector's first block divided by
+/// 4. Below sector 33 that is the sector itself.
+[[nodiscard]] int32_t LoginSector(int32_t BlocNumber);
+
+/// The last block of a sector.
+[[nodiscard]] int32_t TrailerBlock(int32_t SectorNumber);
+
+/// The block that lies that many blocks before another.
+[[nodiscard]] int32_t BlockBefore(int32_t BlocNumber, uint32_t Blocks);
+
+} // namespace acg
