@@ -1,0 +1,254 @@
+#include "simulator/Card.h"
+
+#include <algorithm>
+#include <cstring>
+#include <initializer_list>
+
+namespace simulator
+{
+
+namespace
+{
+
+// The first 32 sectors have 4 blocks, the others 16.
+constexpr std::size_t SmallSectors = 32;
+constexpr std::size_t SmallSectorBlocks = 4;
+constexpr std::size_t LargeSectorBlocks = 16;
+constexpr std::size_t SmallSectorsEnd = SmallSectors * SmallSectorBlocks;
+
+// In a large sector one slot of the access bits stands for five data blocks.
+constexpr std::size_t BlocksInLargeSlot = 5;
+constexpr std::size_t TrailerSlot = 3;
+
+//  The trailer:
+//
+//   byte   0 .. 5     6 .. 8        9          10 .. 15
+//        +---------+-------------+-----------+----------+
+//        |  key A  | access bits | user byte |  key B   |
+//        +---------+-------------+-----------+----------+
+//
+//  Its access bits; the figure is the slot, ~ marks the inverted copy:
+//
+//     bit    7    6    5    4    3    2    1    0
+//   byte 6  ~C2.3 ~C2.2 ~C2.1 ~C2.0 ~C1.3 ~C1.2 ~C1.1 ~C1.0
+//   byte 7   C1.3  C1.2  C1.1  C1.0 ~C3.3 ~C3.2 ~C3.1 ~C3.0
+//   byte 8   C3.3  C3.2  C3.1  C3.0  C2.3  C2.2  C2.1  C2.0
+struct Field {
+    std::size_t Begin;
+    std::size_t Size;
+};
+constexpr Field KeyA = {0, KeySize};
+constexpr Field AccessBits = {6, 4}; // with the user byte, which goes by the rights of the access bits
+constexpr Field KeyB = {10, KeySize};
+
+constexpr Block FactoryTrailer = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x07,
+                                  0x80, 0x69, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+
+// What the maker writes behind the serial number and its check byte.
+constexpr std::size_t CheckByte = 4;
+constexpr Block FactoryBlock0 = {0, 0, 0, 0, 0, 0x08, 0x04, 0x00, 'S', 'I', 'M', 'U', 'L', 'A', 'T', 'E'};
+
+/// The keys that have a right, as a set.
+enum Right : unsigned {
+    Never = 0,
+    A = 1,
+    B = 2,
+    AorB = A | B
+};
+
+struct DataRights {
+    Right Read;
+    Right Write;
+};
+
+// The row is C1 C2 C3 read as a binary number. The rights to increment and to decrement are left out: the
+// reader has no command for either.
+constexpr DataRights DataTable[] = {
+    //           read  write
+    /* 000 */ {AorB, AorB},
+    /* 001 */ {AorB, Never},
+    /* 010 */ {AorB, Never},
+    /* 011 */ {B, B},
+    /* 100 */ {AorB, B},
+    /* 101 */ {B, Never},
+    /* 110 */ {AorB, B},
+    /* 111 */ {Never, Never},
+};
+
+struct TrailerRights {
+    Right WriteKeyA;
+    Right ReadBits;
+    Right WriteBits;
+    Right ReadKeyB;
+    Right WriteKeyB;
+};
+
+// The row is C1 C2 C3 read as a binary number.
+constexpr TrailerRights TrailerTable[] = {
+    //       key A  access bits  key B
+    //       write  read  write  read  write
+    /* 000 */ {A, A, Never, A, A},
+    /* 001 */ {A, A, A, A, A},
+    /* 010 */ {Never, A, Never, A, Never},
+    /* 011 */ {B, AorB, B, Never, B},
+    /* 100 */ {B, AorB, Never, Never, B},
+    /* 101 */ {Never, AorB, B, Never, Never},
+    /* 110 */ {Never, AorB, Never, Never, Never},
+    /* 111 */ {Never, AorB, Never, Never, Never},
+};
+
+bool Allows(Right right, KeyType type)
+{
+    return (right & (type == KeyType::A ? A : B)) != 0;
+}
+
+struct FieldRight {
+    Field Place;
+    Right Holders;
+};
+
+/// Copies the fields to which the key has the right; true if there is one.
+bool CopyFields(const Block& from, Block& to, KeyType type, std::initializer_list<FieldRight> fields)
+{
+    bool copied = false;
+    for (const auto& [place, holders] : fields) {
+        if (Allows(holders, type)) {
+            std::copy_n(from.begin() + place.Begin, place.Size, to.begin() + place.Begin);
+            copied = true;
+        }
+    }
+    return copied;
+}
+
+std::size_t TrailerOf(std::size_t sector)
+{
+    return FirstBlockOf(sector + 1) - 1;
+}
+
+/// The place in the trailer's access bits that rules the block.
+std::size_t SlotOf(std::size_t block)
+{
+    const std::size_t place = block - FirstBlockOf(SectorOf(block));
+    return block < SmallSectorsEnd ? place : place / BlocksInLargeSlot;
+}
+
+/// C1 C2 C3 of the slot as a binary number; nothing where any of the trailer's bits is not the opposite of
+/// its inverted copy. That blocks the whole sector for good, since no access is left that could mend it.
+std::optional<unsigned> ConditionInTrailer(const Block& trailer, std::size_t slot)
+{
+    constexpr unsigned AllBits = 0xFFF;
+    const unsigned all =
+        trailer[6] | static_cast<unsigned>(trailer[7]) << 8U | static_cast<unsigned>(trailer[8]) << 16U;
+    const unsigned bits = all >> 12U; // C3, C2, C1, each with four slots
+    if ((bits ^ (all & AllBits)) != AllBits) {
+        return std::nullopt;
+    }
+    const auto bit = [&](std::size_t place) { return bits >> place & 1U; };
+    return bit(slot) << 2U | bit(slot + 4) << 1U | bit(slot + 8);
+}
+
+} // namespace
+
+std::size_t SectorOf(std::size_t BlockNumber)
+{
+    return BlockNumber < SmallSectorsEnd ? BlockNumber / SmallSectorBlocks
+                                         : SmallSectors + (BlockNumber - SmallSectorsEnd) / LargeSectorBlocks;
+}
+
+std::size_t FirstBlockOf(std::size_t SectorNumber)
+{
+    return SectorNumber < SmallSectors ? SectorNumber * SmallSectorBlocks
+                                       : SmallSectorsEnd + (SectorNumber - SmallSectors) * LargeSectorBlocks;
+}
+
+bool IsTrailer(std::size_t BlockNumber)
+{
+    return BlockNumber == TrailerOf(SectorOf(BlockNumber));
+}
+
+Card::Card(std::size_t Blocks, const SerialNumber& Number) : m_blocks(Blocks)
+{
+    m_blocks.front() = FactoryBlock0;
+    SetSerialNumber(Number);
+    for (std::size_t block = 0; block < Blocks; ++block) {
+        if (IsTrailer(block)) {
+            m_blocks[block] = FactoryTrailer;
+        }
+    }
+}
+
+Card::Card(std::span<const uint8_t> Image) : m_blocks(Image.size() / sizeof(Block))
+{
+    std::memcpy(m_blocks.data(), Image.data(), m_blocks.size() * sizeof(Block));
+}
+
+void Card::SetSerialNumber(const SerialNumber& Number)
+{
+    Block& block0 = m_blocks.front();
+    std::ranges::copy(Number, block0.begin());
+    block0[CheckByte] = Number[0] ^ Number[1] ^ Number[2] ^ Number[3];
+}
+
+SerialNumber Card::GetSerialNumber() const
+{
+    const Block& block0 = m_blocks.front();
+    return {block0[0], block0[1], block0[2], block0[3]};
+}
+
+bool Card::Login(std::size_t Sector, KeyType Type, std::span<const uint8_t, KeySize> Key) const
+{
+    const Block& trailer = m_blocks[TrailerOf(Sector)];
+    const Field& field = Type == KeyType::A ? KeyA : KeyB;
+    return ConditionInTrailer(trailer, TrailerSlot) &&
+           std::equal(Key.begin(), Key.end(), trailer.begin() + field.Begin);
+}
+
+/// C1 C2 C3 of the block; nothing where the sector is blocked, or where key B can be read and so has no right
+/// to anything.
+std::optional<unsigned> Card::ConditionOf(std::size_t Number, KeyType Type) const
+{
+    const Block& trailer = m_blocks[TrailerOf(SectorOf(Number))];
+    const std::optional<unsigned> ofTrailer = ConditionInTrailer(trailer, TrailerSlot);
+    if (!ofTrailer || (Type == KeyType::B && TrailerTable[*ofTrailer].ReadKeyB != Never)) {
+        return std::nullopt;
+    }
+    return ConditionInTrailer(trailer, SlotOf(Number));
+}
+
+std::optional<Block> Card::Read(std::size_t Number, KeyType Type) const
+{
+    const std::optional<unsigned> condition = ConditionOf(Number, Type);
+    if (!condition) {
+        return std::nullopt;
+    }
+    const Block& stored = m_blocks[Number];
+    if (!IsTrailer(Number)) {
+        return Allows(DataTable[*condition].Read, Type) ? std::optional(stored) : std::nullopt;
+    }
+    const TrailerRights& rights = TrailerTable[*condition];
+    Block seen = {};
+    CopyFields(stored, seen, Type, {{AccessBits, rights.ReadBits}, {KeyB, rights.ReadKeyB}});
+    return seen;
+}
+
+std::optional<Block> Card::Write(std::size_t Number, KeyType Type, const Block& Contents)
+{
+    const std::optional<unsigned> condition = ConditionOf(Number, Type);
+    if (!condition || Number == 0) {
+        return std::nullopt;
+    }
+    Block& stored = m_blocks[Number];
+    if (!IsTrailer(Number)) {
+        return Allows(DataTable[*condition].Write, Type) ? std::optional(stored = Contents) : std::nullopt;
+    }
+    const TrailerRights& rights = TrailerTable[*condition];
+    if (!CopyFields(Contents, stored, Type,
+                    {{KeyA, rights.WriteKeyA}, {AccessBits, rights.WriteBits}, {KeyB, rights.WriteKeyB}})) {
+        return std::nullopt;
+    }
+    Block shown = {};
+    CopyFields(stored, shown, Type, {{AccessBits, AorB}});
+    return shown;
+}
+
+} // namespace simulator

@@ -1,0 +1,70 @@
+// A Mifare Classic card: its geometry, its access rights and its contents, written from the data sheets of the
+// 1K and the 4K card, MF1S50yyX and MF1S70yyX, chapter 8 (memory organisation, memory access).
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace simulator
+{
+
+using Block = std::array<uint8_t, 16>;
+using SerialNumber = std::array<uint8_t, 4>;
+
+inline constexpr std::size_t KeySize = 6;
+
+/// A 1K card has 16 sectors of 4 blocks; a 4K card has 32 of them and then 8 sectors of 16 blocks.
+inline constexpr std::size_t BlocksOf1K = 64;
+inline constexpr std::size_t BlocksOf4K = 256;
+
+/// Blocks and sectors are counted through the whole card from 0. The last block of a sector is its trailer.
+[[nodiscard]] std::size_t SectorOf(std::size_t BlockNumber);
+[[nodiscard]] std::size_t FirstBlockOf(std::size_t SectorNumber);
+[[nodiscard]] bool IsTrailer(std::size_t BlockNumber);
+
+enum class KeyType {
+    A,
+    B
+};
+
+/// What lies in the field: memory that judges every access by its sector's trailer.
+///
+/// The card does not remember who has logged in; the reader does, and passes the key type of that login
+/// with each access. Block and sector numbers must be ones that the card has.
+class Card
+{
+public:
+    /// A card as it leaves the factory. Blocks: BlocksOf1K or BlocksOf4K.
+    Card(std::size_t Blocks, const SerialNumber& Number);
+
+    /// A card with the contents of an image, block after block.
+    explicit Card(std::span<const uint8_t> Image);
+
+    /// Writes the serial number and its check byte into block 0. No reader can do that.
+    void SetSerialNumber(const SerialNumber& Number);
+    [[nodiscard]] SerialNumber GetSerialNumber() const;
+
+    [[nodiscard]] std::size_t BlockCount() const { return m_blocks.size(); }
+
+    /// Tells whether the key is that of the sector. A key B that can be read is no key: it passes here, and
+    /// every access after it is refused.
+    [[nodiscard]] bool Login(std::size_t Sector, KeyType Type, std::span<const uint8_t, KeySize> Key) const;
+
+    /// Gives the block as it reads for this key, nothing where the card refuses. Key A never reads out.
+    [[nodiscard]] std::optional<Block> Read(std::size_t Number, KeyType Type) const;
+
+    /// Gives the block as it now stands, a trailer with both keys as zeros, and nothing where the card
+    /// refuses. Of a trailer only those fields change that this key may write.
+    [[nodiscard]] std::optional<Block> Write(std::size_t Number, KeyType Type, const Block& Contents);
+
+private:
+    [[nodiscard]] std::optional<unsigned> ConditionOf(std::size_t Number, KeyType Type) const;
+
+    std::vector<Block> m_blocks;
+};
+
+} // namespace simulator

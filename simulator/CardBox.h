@@ -1,0 +1,27 @@
+// All the cards that were ever laid on a reader of this process.
+#pragma once
+
+#include "simulator/Card.h"
+#include "simulator/DeviceText.h"
+
+#include <map>
+#include <optional>
+
+namespace simulator
+{
+
+/// A card is its serial number: whoever lays the same number again meets the same card with the contents
+/// that it has by now, and the other options don't count. A card stays where it is as long as its box lives.
+class CardBox
+{
+public:
+    /// Gives the card that the options ask for, null for an empty field, and nothing where the image can't
+    /// be read or is no whole card of the size asked for. The image is read at every call, since it may be
+    /// what tells the serial number.
+    [[nodiscard]] std::optional<Card*> Lay(const CardOptions& Options);
+
+private:
+    std::map<SerialNumber, Card> m_cards;
+};
+
+} // namespace simulator

@@ -1,0 +1,42 @@
+// The text that names a device says what the simulated reader is to be.
+#pragma once
+
+#include "simulator/Card.h"
+#include "simulator/Command.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace simulator
+{
+
+/// A command that is answered instead of carried out.
+struct Fault {
+    Command Answered;
+    unsigned Occurrence; ///< counts such commands since the reader was opened, from 1
+    std::string Reply;   ///< a status reply or empty
+};
+
+/// The card that is to lie in the field. An option that wasn't given is empty.
+struct CardOptions {
+    std::optional<std::size_t> BlockCount; ///< 0 for an empty field
+    std::optional<SerialNumber> Number;
+    std::string ImagePath;
+};
+
+struct Device {
+    std::string ReaderType = "MultiISO 2.1";
+    std::vector<uint8_t> ReaderIds = {0x41};
+    std::vector<Fault> Faults;
+    std::optional<unsigned> RemoveAfter; ///< the commands after which the card leaves the field
+    CardOptions Card;
+};
+
+/// Reads a name and the options behind it, separated by commas; of an option that is given twice the last
+/// counts, but every fault does. Gives nothing where an option or a value is unknown.
+[[nodiscard]] std::optional<Device> ParseDeviceText(std::string_view Text);
+
+} // namespace simulator

@@ -1,0 +1,170 @@
+#include "simulator/Reader.h"
+
+#include "simulator/Hex.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace simulator
+{
+
+namespace
+{
+
+// The reader takes the first block of a sector divided by this for the sector to log in to.
+constexpr std::size_t BlocksOfLoginSector = 4;
+
+constexpr uint8_t KeyAByte = 0xAA;
+constexpr uint8_t KeyBByte = 0xBB;
+
+/// A reader of this type answers a good login with nothing at all.
+bool IsSilentAtLogin(std::string_view type)
+{
+    return std::ranges::equal(type, std::string_view("multiiso 1.0"), {}, [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+}
+
+/// How the card keeps a counter: the value three times, least significant byte first and the second time
+/// inverted, then the block's address four times, the second and the fourth time inverted.
+Block ValueBlock(std::span<const uint8_t> value, uint8_t address)
+{
+    Block block = {};
+    for (std::size_t i = 0; i < 4; ++i) {
+        block[i] = block[i + 8] = value[3 - i];
+        block[i + 4] = static_cast<uint8_t>(~block[i]);
+        block[i + 12] = i % 2 == 0 ? address : static_cast<uint8_t>(~address);
+    }
+    return block;
+}
+
+} // namespace
+
+Reader::Reader(Device Opened, Card* InField) : m_device(std::move(Opened)), m_card(InField) {}
+
+std::string Reader::Send(std::string_view CommandName, std::string_view Data)
+{
+    if (m_device.RemoveAfter && (*m_device.RemoveAfter)-- == 0) {
+        m_card = nullptr;
+    }
+    const CommandText* const command = FindCommand(CommandName);
+    if (command == nullptr) {
+        return StatusReply(StatusUnknownCommand);
+    }
+    if (std::optional<std::string> planned = PlannedReply(command->Meaning)) {
+        EndSelection();
+        return *std::move(planned);
+    }
+    const auto bytes = FromHex(Data);
+    if (!bytes || bytes->size() != command->DataBytes) {
+        return StatusReply(StatusUnknownCommand);
+    }
+    return Run(command->Meaning, *bytes);
+}
+
+std::optional<std::string> Reader::PlannedReply(Command Sent)
+{
+    std::optional<std::string> planned;
+    for (Fault& fault : m_device.Faults) {
+        if (fault.Answered == Sent && --fault.Occurrence == 0) {
+            planned = fault.Reply;
+        }
+    }
+    return planned;
+}
+
+std::string Reader::Run(Command Sent, std::span<const uint8_t> Data)
+{
+    switch (Sent) {
+    case Command::UseIso14443A:
+        m_iso14443A = true;
+        return "";
+    case Command::AntennaOn:
+        m_antennaOn = true;
+        return "";
+    case Command::AntennaOff:
+        m_antennaOn = false;
+        EndSelection();
+        return "";
+    case Command::Select:
+        return Select();
+    default:
+        break;
+    }
+    if (!CardAnswers()) {
+        return StatusReply(StatusNoCard);
+    }
+    if (!m_selected) {
+        return StatusReply(StatusOutOfOrder);
+    }
+    return Sent == Command::Login ? LogIn(Data) : AccessBlock(Sent, Data);
+}
+
+std::string Reader::Select()
+{
+    EndSelection();
+    if (!CardAnswers()) {
+        return StatusReply(StatusNoCard);
+    }
+    m_selected = true;
+    return ToHex(m_card->GetSerialNumber());
+}
+
+std::string Reader::LogIn(std::span<const uint8_t> Data)
+{
+    const std::size_t firstBlock = Data[0] * BlocksOfLoginSector;
+    const std::size_t sector = SectorOf(firstBlock);
+    if (firstBlock >= m_card->BlockCount() || firstBlock != FirstBlockOf(sector)) {
+        return StatusReply(StatusOutOfRange);
+    }
+    if (Data[1] != KeyAByte && Data[1] != KeyBByte) {
+        return StatusReply(StatusUnknownCommand);
+    }
+    const KeyType type = Data[1] == KeyAByte ? KeyType::A : KeyType::B;
+    if (!m_card->Login(sector, type, Data.subspan<2, KeySize>())) {
+        EndSelection();
+        return StatusReply(StatusAuthenticationFailed);
+    }
+    m_login = {sector, type};
+    return IsSilentAtLogin(m_device.ReaderType) ? "" : StatusReply(StatusLoggedIn);
+}
+
+std::string Reader::AccessBlock(Command Sent, std::span<const uint8_t> Data)
+{
+    const std::size_t block = Data[0];
+    if (block >= m_card->BlockCount()) {
+        return StatusReply(StatusOutOfRange);
+    }
+    if (!m_login || m_login->Sector != SectorOf(block)) {
+        return StatusReply(StatusOutOfOrder);
+    }
+    const std::span<const uint8_t> contents = Data.subspan(1);
+    std::optional<Block> reply;
+    if (Sent == Command::ReadBlock) {
+        reply = m_card->Read(block, m_login->Type);
+    } else if (Sent == Command::WriteBlock) {
+        Block written = {};
+        std::ranges::copy(contents, written.begin());
+        reply = m_card->Write(block, m_login->Type, written);
+    } else if (!IsTrailer(block)) {
+        reply = m_card->Write(block, m_login->Type, ValueBlock(contents, Data[0]));
+    }
+    if (!reply) {
+        EndSelection();
+        return StatusReply(StatusCardRefused);
+    }
+    return ToHex(Sent == Command::WriteValueBlock ? contents : *reply);
+}
+
+bool Reader::CardAnswers() const
+{
+    return m_card != nullptr && m_antennaOn && m_iso14443A;
+}
+
+void Reader::EndSelection()
+{
+    m_selected = false;
+    m_login.reset();
+}
+
+} // namespace simulator

@@ -1,0 +1,55 @@
+// One opened reader: it takes commands and passes them on to the card in its field.
+#pragma once
+
+#include "simulator/Card.h"
+#include "simulator/Command.h"
+#include "simulator/DeviceText.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace simulator
+{
+
+/// Commands and replies are texts. A reply is data, or a status letter followed by a NUL.
+///
+/// The order of a session is: ISO 14443 A and the antenna on, select, login on a sector, then reads and
+/// writes in that sector. A select ends the login. A card that refuses, be it a key or an access, falls
+/// back to idle and has to be selected again; a command that the reader itself refuses changes nothing.
+class Reader
+{
+public:
+    /// InField is null for an empty field. It must outlive the reader, and other readers may use it too.
+    Reader(Device Opened, Card* InField);
+
+    [[nodiscard]] const std::string& Type() const { return m_device.ReaderType; }
+
+    [[nodiscard]] std::string Send(std::string_view CommandName, std::string_view Data);
+
+private:
+    struct Session {
+        std::size_t Sector;
+        KeyType Type;
+    };
+
+    [[nodiscard]] std::optional<std::string> PlannedReply(Command Sent);
+    [[nodiscard]] std::string Run(Command Sent, std::span<const uint8_t> Data);
+    [[nodiscard]] std::string Select();
+    [[nodiscard]] std::string LogIn(std::span<const uint8_t> Data);
+    [[nodiscard]] std::string AccessBlock(Command Sent, std::span<const uint8_t> Data);
+    [[nodiscard]] bool CardAnswers() const;
+    void EndSelection();
+
+    Device m_device; ///< what is counted in it counts down
+    Card* m_card;
+    bool m_iso14443A = false;
+    bool m_antennaOn = false;
+    bool m_selected = false;
+    std::optional<Session> m_login;
+};
+
+} // namespace simulator
