@@ -1,0 +1,25 @@
+// The language of the dialogs, and what their texts have in common.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace acg
+{
+
+/// A text in both languages.
+struct Translated {
+    const wchar_t* English;
+    const wchar_t* French;
+};
+
+/// True for "francais", in any mix of upper and lower case, and for nothing else. Every other text is
+/// English.
+[[nodiscard]] bool IsFrench(std::wstring_view Language);
+
+/// Puts the values in place of %1, %2 and so on: each at all its occurrences, in that order, on the result of
+/// the one before.
+[[nodiscard]] std::wstring Fill(std::wstring Text, std::initializer_list<std::wstring> Values);
+
+} // namespace acg

@@ -1,0 +1,247 @@
+#include "dialogs/frmConfigure.h"
+
+#include "dialogs/Texts.h"
+#include "dialogs/frmTest.h"
+#include "encoder/NumberReading.h"
+#include "platform/TextCase.h"
+
+#include <algorithm>
+
+namespace acg
+{
+
+namespace
+{
+
+// The frame, and the rows in it.
+constexpr Area Frame = {97, 90, 6540, 2895};
+constexpr int FirstRow = 330;
+constexpr int RowDistance = 360;
+constexpr int RowHeight = 315;
+constexpr int LabelHeight = 225;
+constexpr int FieldLeft = 3195;
+constexpr int FieldWidth = 3210;
+constexpr int LabelLeft = 315;
+// The rows under the detection row that belong to it.
+constexpr int IndentedLabelLeft = 855;
+constexpr int IndentedFieldWidth = 2445;
+
+constexpr int ButtonHeight = 420;
+constexpr int FrameButtonTop = 2310;
+constexpr double FrameButtonFont = 8.25;
+constexpr int BottomButtonTop = 3195;
+
+constexpr int DetectionDisabled = 0;
+constexpr wchar_t Backspace = 8;
+
+constexpr Area InFrame(Area area)
+{
+    return {Frame.Left + area.Left, Frame.Top + area.Top, area.Width, area.Height};
+}
+
+constexpr int RowTop(int row)
+{
+    return FirstRow + row * RowDistance;
+}
+
+/// Labels stand a little lower than their fields, on the line of the text in them.
+constexpr Area LabelArea(int row, int left = LabelLeft)
+{
+    return InFrame({left, RowTop(row) + 60, FieldLeft - left - 75, LabelHeight});
+}
+
+constexpr Area FieldArea(int row, int width = FieldWidth)
+{
+    return InFrame({FieldLeft, RowTop(row), width, RowHeight});
+}
+
+/// The position of the selected line; the field stays where none is selected.
+void TakePosition(const Control& list, uint8_t& field)
+{
+    if (list.SelectedLine() != Control::NoLine) {
+        field = static_cast<uint8_t>(list.SelectedLine());
+    }
+}
+
+/// The whole number that the text is; the field stays where it is none, or too large.
+void TakeNumber(std::wstring_view text, int32_t& field)
+{
+    const std::wstring_view digits = text.substr(text.starts_with(L'-') ? 1 : 0);
+    if (!digits.empty() && digits.find_first_not_of(L"0123456789") == std::wstring_view::npos) {
+        field = ReadField<int32_t>(text).value_or(field);
+    }
+}
+
+/// The position of the line that is that text; NoLine where there is none.
+int FindLine(const std::vector<std::wstring>& lines, std::wstring_view text)
+{
+    const auto found = std::ranges::find(lines, text);
+    return found == lines.end() ? Control::NoLine : static_cast<int>(found - lines.begin());
+}
+
+} // namespace
+
+/// The form and its controls in tab order, made anew at each opening.
+struct frmConfigure::Window {
+    Form Dialog{{.Width = 6735, .Height = 3825, .FontPoints = 9}};
+
+    Control& fraComm = Dialog.Add({"fraComm", ControlKind::Frame, Frame});
+    Control& lblDevice = Dialog.Add({"lblDevice", ControlKind::Label, LabelArea(0)});
+    Control& cboDevice = Dialog.Add({"cboDevice", ControlKind::EditCombo, FieldArea(0)});
+    Control& lblAutoDetect = Dialog.Add({"lblAutoDetect", ControlKind::Label, LabelArea(1)});
+    Control& cboAutoDetect = Dialog.Add({"cboAutoDetect", ControlKind::DropDownList, FieldArea(1)});
+    Control& lblBaudrate = Dialog.Add({"lblBaudrate", ControlKind::Label, LabelArea(2, IndentedLabelLeft)});
+    Control& cboBaudrate =
+        Dialog.Add({"cboBaudrate", ControlKind::DropDownList, FieldArea(2, IndentedFieldWidth)});
+    Control& lblProtocol = Dialog.Add({"lblProtocol", ControlKind::Label, LabelArea(3, IndentedLabelLeft)});
+    Control& cboProtocol =
+        Dialog.Add({"cboProtocol", ControlKind::DropDownList, FieldArea(3, IndentedFieldWidth)});
+    Control& lblTimeout = Dialog.Add({"lblTimeout", ControlKind::Label, LabelArea(4)});
+    Control& txtTimeout = Dialog.Add({"txtTimeout", ControlKind::TextField, FieldArea(4)});
+    Control& cmdOK = Dialog.Add({"cmdOK", ControlKind::Button, {2992, BottomButtonTop, 1770, ButtonHeight}});
+    Control& cmdDefault = Dialog.Add({"cmdDefault", ControlKind::Button,
+                                      InFrame({3195, FrameButtonTop, 3210, ButtonHeight}), FrameButtonFont});
+    Control& cmdTest = Dialog.Add({"cmdTest", ControlKind::Button,
+                                   InFrame({315, FrameButtonTop, 2445, ButtonHeight}), FrameButtonFont});
+    Control& cmdCancel =
+        Dialog.Add({"cmdCancel", ControlKind::Button, {4867, BottomButtonTop, 1770, ButtonHeight}});
+};
+
+frmConfigure& frmConfigure::OfThread()
+{
+    // Never destroyed: the component may have been unloaded when its thread ends.
+    thread_local frmConfigure* const object = new frmConfigure;
+    return *object;
+}
+
+void frmConfigure::Show(const ReaderDLL& Reader)
+{
+    if (m_window != nullptr) { // one dialog at a time: the thread's is open already
+        return;
+    }
+    Window window;
+    m_window = &window;
+    m_reader = &Reader;
+    window.Dialog.DefaultButton = &window.cmdOK;
+    window.Dialog.CancelButton = &window.cmdCancel;
+    window.cboAutoDetect.OnPick = [this] { cboAutoDetect_Click(); };
+    window.cboAutoDetect.OnEdit = [this] { cboAutoDetect_Change(); };
+    window.txtTimeout.AcceptsTyped = txtTimeout_KeyPress;
+    window.cmdDefault.OnPress = [this] { cmdDefault_Click(); };
+    window.cmdTest.OnPress = [this] { cmdTest_Click(); };
+    window.cmdCancel.OnPress = [this] { cmdCancel_Click(); };
+    window.cmdOK.OnPress = [this] { cmdOK_Click(); };
+    Form_Load();
+    window.Dialog.ShowModal();
+    m_window = nullptr;
+    m_reader = nullptr;
+}
+
+void frmConfigure::Form_Load()
+{
+    Window& window = *m_window;
+    const bool french = IsFrench(Language);
+    const auto text = [french](const Translated& both) { return french ? both.French : both.English; };
+
+    window.Dialog.Caption = text({L"ACG Encoder Configuration", L"Configuration de l'encodeur ACG"});
+    const struct {
+        Control& Named;
+        Translated Text;
+    } captions[] = {
+        {window.fraComm, {L"Communication", L"Communication"}},
+        {window.lblDevice, {L"&Communication port:", L"&Port de communication :"}},
+        {window.lblAutoDetect, {L"&Automatic detection:", L"&Détection automatique :"}},
+        {window.lblBaudrate, {L"&Speed (bauds):", L"&Vitesse en bauds :"}},
+        {window.lblProtocol, {L"&Protocol:", L"P&rotocole :"}},
+        {window.lblTimeout, {L"Ti&meout (ms):", L"Ti&meout (ms) :"}},
+        {window.cmdDefault, {L"Default values", L"Valeurs d'usine"}},
+        {window.cmdTest, {L"&Test settings...", L"&Test encodeur..."}},
+        {window.cmdCancel, {L"Cancel", L"Annuler"}},
+        {window.cmdOK, {L"OK", L"OK"}},
+    };
+    for (const auto& [control, caption] : captions) {
+        control.SetText(text(caption));
+    }
+    window.cboDevice.SetLines({L"COM1", L"COM2", L"COM3", L"COM4"});
+    window.cboAutoDetect.SetLines({text({L"Disabled", L"Désactivée"}),
+                                   text({L"Normal detection", L"Normale"}),
+                                   text({L"Fast detection", L"Rapide"})});
+    window.cboBaudrate.SetLines({L"9600", L"19200", L"38400", L"57600", L"115200"});
+    window.cboProtocol.SetLines({L"ASCII", text({L"Binary", L"Binaire"})});
+
+    std::vector<std::wstring> devices = window.cboDevice.Lines();
+    std::ranges::transform(devices, devices.begin(), [](const std::wstring& line) { return ToLower(line); });
+    int device = FindLine(devices, ToLower(Device));
+    if (device == Control::NoLine) {
+        device = static_cast<int>(devices.size());
+        window.cboDevice.AddLine(Device);
+    }
+    window.cboDevice.Select(device);
+    window.cboAutoDetect.Select(AutoDetect);
+    window.cboBaudrate.Select(std::max(FindLine(window.cboBaudrate.Lines(), std::to_wstring(BaudRate)), 0));
+    window.cboProtocol.Select(Protocol);
+    window.txtTimeout.SetText(std::to_wstring(Timeout));
+}
+
+void frmConfigure::cboAutoDetect_Change()
+{
+    cboAutoDetect_Click();
+}
+
+/// The detection rule: baud rate and protocol are the user's choice only where nothing is detected.
+void frmConfigure::cboAutoDetect_Click()
+{
+    const bool disabled = m_window->cboAutoDetect.SelectedLine() == DetectionDisabled;
+    for (Control* control :
+         {&m_window->lblBaudrate, &m_window->cboBaudrate, &m_window->lblProtocol, &m_window->cboProtocol}) {
+        control->Enable(disabled);
+    }
+    for (Control* list : {&m_window->cboBaudrate, &m_window->cboProtocol}) {
+        list->SetBackground({disabled ? Colour::Source::Window : Colour::Source::Menu});
+    }
+}
+
+bool frmConfigure::txtTimeout_KeyPress(wchar_t Character)
+{
+    return Character == Backspace || (Character >= L'0' && Character <= L'9');
+}
+
+void frmConfigure::cmdDefault_Click()
+{
+    m_window->cboDevice.Select(0);
+    m_window->cboAutoDetect.Select(1);
+    m_window->cboBaudrate.Select(0);
+    m_window->cboProtocol.Select(0);
+    m_window->txtTimeout.SetText(L"2200");
+}
+
+void frmConfigure::cmdTest_Click()
+{
+    frmTest& test = frmTest::OfThread();
+    test.Language = Language;
+    test.Device = m_window->cboDevice.Text();
+    TakePosition(m_window->cboAutoDetect, test.AutoDetect);
+    TakeNumber(m_window->cboBaudrate.Text(), test.BaudRate);
+    TakePosition(m_window->cboProtocol, test.Protocol);
+    TakeNumber(m_window->txtTimeout.Text(), test.Timeout);
+    test.Show(*m_reader, m_window->Dialog);
+}
+
+void frmConfigure::cmdCancel_Click()
+{
+    OKPressed = false;
+    m_window->Dialog.Close();
+}
+
+void frmConfigure::cmdOK_Click()
+{
+    Device = m_window->cboDevice.Text();
+    TakePosition(m_window->cboAutoDetect, AutoDetect);
+    TakeNumber(m_window->cboBaudrate.Text(), BaudRate);
+    TakePosition(m_window->cboProtocol, Protocol);
+    TakeNumber(m_window->txtTimeout.Text(), Timeout);
+    OKPressed = true;
+    m_window->Dialog.Close();
+}
+
+} // namespace acg

@@ -1,0 +1,49 @@
+// The configuration dialog.
+#pragma once
+
+#include "platform/Forms.h"
+#include "reader/ReaderDLL.h"
+
+#include <cstdint>
+#include <string>
+
+namespace acg
+{
+
+/// Lets a user edit the communication settings, and try them in the test dialog without storing them.
+class frmConfigure
+{
+public:
+    /// The one of this thread. It outlives its window: what nobody writes on the way in, Protocol and
+    /// OKPressed, keeps its value from the last dialog.
+    [[nodiscard]] static frmConfigure& OfThread();
+
+    std::wstring Language;
+    std::wstring Device;
+    uint8_t AutoDetect = 0; ///< 0 disabled, 1 normal, 2 fast; the position in its list
+    int32_t BaudRate = 0;
+    uint8_t Protocol = 0; ///< 0 ASCII, 1 binary; the position in its list. For the test alone
+    int32_t Timeout = 0;  ///< milliseconds
+    bool OKPressed = false;
+
+    /// Shows the dialog without an owner, and returns when it has been closed, or at once where it can't be
+    /// shown.
+    void Show(const ReaderDLL& Reader);
+
+private:
+    struct Window;
+
+    void Form_Load();
+    void cboAutoDetect_Change();
+    void cboAutoDetect_Click();
+    [[nodiscard]] static bool txtTimeout_KeyPress(wchar_t Character);
+    void cmdDefault_Click();
+    void cmdTest_Click();
+    void cmdCancel_Click();
+    void cmdOK_Click();
+
+    Window* m_window = nullptr;          ///< while the dialog is open
+    const ReaderDLL* m_reader = nullptr; ///< likewise
+};
+
+} // namespace acg
