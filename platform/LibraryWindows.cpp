@@ -1,0 +1,64 @@
+#include "platform/Library.h"
+
+#include <cstring>
+#include <string>
+#include <windows.h>
+
+namespace acg
+{
+
+namespace
+{
+
+/// The folder of the program or DLL that this code is linked into, with a backslash behind it, or empty text
+/// where it isn't known.
+std::wstring OwnFolder()
+{
+    HMODULE self = nullptr;
+    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == FALSE) {
+        return {};
+    }
+    constexpr DWORD longestPath = 32767;
+    std::wstring path(longestPath, L'\0');
+    path.resize(GetModuleFileNameW(self, path.data(), longestPath));
+    return path.substr(0, path.rfind(L'\\') + 1);
+}
+
+HMODULE Load(const std::wstring& file)
+{
+    // Neither way leads through the current directory, for what the library itself loads as well.
+    const std::wstring folder = OwnFolder();
+    const HMODULE module = folder.empty()
+                               ? nullptr
+                               : LoadLibraryExW((folder + file).c_str(), nullptr,
+                                                LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    return module != nullptr ? module : LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+}
+
+} // namespace
+
+EntryPoint Library::Find(const char* Function)
+{
+    void* handle = m_handle;
+    if (handle == nullptr) {
+        handle = Load(std::wstring(m_name, m_name + std::strlen(m_name)) + L".dll");
+        if (handle == nullptr) {
+            return {.SystemError = LastSystemError()};
+        }
+        m_handle = handle;
+    }
+    const FARPROC address = GetProcAddress(static_cast<HMODULE>(handle), Function);
+    if (address == nullptr) {
+        return {.LibraryLoaded = true, .SystemError = LastSystemError()};
+    }
+    return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
+}
+
+int32_t LastSystemError()
+{
+    return static_cast<int32_t>(GetLastError());
+}
+
+} // namespace acg
