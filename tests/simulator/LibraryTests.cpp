@@ -1,0 +1,85 @@
+// The reader library as a host sees it: the shared library, its names and its byte strings.
+#include "platform/AnsiText.h"
+#include "platform/Library.h"
+#include "reader/ReaderDLL.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#ifdef _WIN32
+#define READER_CALL __stdcall
+#else
+#define READER_CALL
+#endif
+
+namespace simulator
+{
+
+namespace
+{
+
+template <class Result, class... Arguments>
+Result Call(const char* name, Arguments... arguments)
+{
+    static acg::Library library("ACGReader330");
+    auto* const address = library.Find(name).Address;
+    if (address == nullptr) {
+        throw std::runtime_error(name);
+    }
+    return reinterpret_cast<Result(READER_CALL*)(Arguments...)>(address)(arguments...);
+}
+
+template <class... Arguments>
+std::string Text(const char* name, uint32_t handle, Arguments... arguments)
+{
+    char* const noBuffer = nullptr;
+    return std::string(acg::ByteString(Call<char*>(name, handle, arguments..., noBuffer)).Bytes());
+}
+
+TEST(SimulatedLibraryTest, ServesAWholeLifeAndTakesEveryWrongHandle)
+{
+    const acg::CommSettings settings = {.BaudRate = 19200, .Protocol = 1};
+    const char* const noText = nullptr;
+    const auto openReader = [](uint32_t comm, uint8_t id) {
+        return Call<uint32_t>("OpenReader", comm, id, uint32_t{0});
+    };
+    EXPECT_EQ(Call<uint32_t>("OpenComm", "com1,card=2k", uint8_t{0}, &settings), 0U);
+    const auto comm = Call<uint32_t>("OpenComm", "com1,uid=11223344,readers=4142", uint8_t{0}, &settings);
+    const uint32_t reader = openReader(comm, 0x42);
+    const uint32_t other = openReader(comm, 0x41);
+    EXPECT_EQ(openReader(comm, 0x43), 0U);
+    for (const uint32_t wrong : {0U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(Call<int32_t>("GetCommBaudRate", wrong), 0);
+        EXPECT_EQ(Text("DetectReader", wrong), "");
+        EXPECT_EQ(openReader(wrong, 0x41), 0U);
+        EXPECT_EQ(Text("GetDeviceID", wrong), "");
+        EXPECT_EQ(Text("SendCommandGetData", wrong, "select", ""), std::string("?\0", 2));
+    }
+    Call<int32_t>("CloseComm", reader); // closes nothing, nor does the next
+    Call<int32_t>("CloseReader", comm);
+
+    EXPECT_EQ(Call<int32_t>("GetCommTimeout", comm), 1000);
+    Call<int32_t>("SetCommTimeout", comm, int32_t{2200});
+    EXPECT_EQ(Call<int32_t>("GetCommTimeout", comm), 2200);
+    EXPECT_EQ(Call<int32_t>("GetCommBaudRate", comm), 19200);
+    EXPECT_EQ(Call<uint8_t>("GetCommProtocol", comm), 1);
+    Call<int32_t>("SetCommProtocol", comm, uint8_t{0});
+    EXPECT_EQ(Call<uint8_t>("GetCommProtocol", comm), 0);
+    EXPECT_EQ(Text("DetectReader", comm), "AB");
+    EXPECT_EQ(Text("GetReaderType", reader), "MultiISO 2.1");
+    EXPECT_EQ(Text("GetDeviceID", reader), "Simulated reader 42");
+    EXPECT_EQ(Text("SendCommandGetData", reader, noText, noText), std::string("?\0", 2));
+    EXPECT_EQ(Text("SendCommandGetData", reader, "use iso14443a", ""), "");
+    EXPECT_EQ(Text("SendCommandGetData", reader, "antenna on", noText), "");
+    EXPECT_EQ(Text("SendCommandGetData", reader, "select", ""), "11223344");
+    EXPECT_EQ(Text("SendCommandGetData", other, "select", ""), std::string("N\0", 2)); // its antenna is off
+
+    Call<int32_t>("CloseReader", reader);
+    EXPECT_EQ(Text("GetReaderType", reader), "");
+    Call<int32_t>("CloseComm", comm); // takes the other reader with it
+    EXPECT_EQ(Text("GetReaderType", other), "");
+}
+
+} // namespace
+} // namespace simulator
