@@ -29,7 +29,7 @@ using ConditionBytes = std::array<uint8_t, 3>;
 using AccessTriple = std::string_view;
 
 /// In place of a triple: the level can't be stored.
-inline constexpr AccessTriple Refused = "";
+inline constexpr AccessTriple Refused;
 
 /// The key mode of a sector that works with key A alone. Any other value means both keys.
 inline constexpr uint8_t KeyAAlone = 1;

@@ -110,7 +110,7 @@ struct frmConfigure::Window {
 frmConfigure& frmConfigure::OfThread()
 {
     // Never destroyed: the component may have been unloaded when its thread ends.
-    thread_local frmConfigure* const object = new frmConfigure;
+    thread_local auto* const object = new frmConfigure;
     return *object;
 }
 

@@ -75,7 +75,7 @@ struct frmTest::Window {
 frmTest& frmTest::OfThread()
 {
     // Never destroyed: the component may have been unloaded when its thread ends.
-    thread_local frmTest* const object = new frmTest;
+    thread_local auto* const object = new frmTest;
     return *object;
 }
 

@@ -21,26 +21,25 @@ constexpr wchar_t UpperControls[] = {
     0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, // 90
     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178, // 98
 };
-constexpr unsigned FirstUpperControl = 0x80;
+constexpr int FirstUpperControl = 0x80;
 
 char ToAnsi(wchar_t character)
 {
-    const auto code = static_cast<uint32_t>(character);
-    if (code < FirstUpperControl || (code > 0x9F && code <= 0xFF)) {
-        return static_cast<char>(code);
+    const bool isAscii = character >= 0 && character < FirstUpperControl;
+    const bool isLatin1 = character > 0x9F && character <= 0xFF;
+    if (isAscii || isLatin1) {
+        return static_cast<char>(character);
     }
     const auto* found = std::find(std::begin(UpperControls), std::end(UpperControls), character);
-    return found == std::end(UpperControls)
-               ? '?'
-               : static_cast<char>(FirstUpperControl + static_cast<unsigned>(found - UpperControls));
+    return found == std::end(UpperControls) ? '?'
+                                            : static_cast<char>(FirstUpperControl + (found - UpperControls));
 }
 
 wchar_t FromAnsi(char character)
 {
     const auto code = static_cast<unsigned char>(character);
-    const unsigned place = code - FirstUpperControl;
-    return code >= FirstUpperControl && place < std::size(UpperControls) ? UpperControls[place]
-                                                                         : static_cast<wchar_t>(code);
+    const bool isUpperControl = code >= FirstUpperControl && code <= 0x9F;
+    return isUpperControl ? UpperControls[code - FirstUpperControl] : static_cast<wchar_t>(code);
 }
 
 using Length = uint32_t;

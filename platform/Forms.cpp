@@ -60,7 +60,7 @@ void Control::Select(int Line)
     }
 }
 
-void Control::Press()
+void Control::Press() const
 {
     if (m_enabled && OnPress) {
         OnPress();

@@ -92,7 +92,7 @@ public:
     std::function<bool(wchar_t)> AcceptsTyped; ///< of a text field: false swallows the character
 
     // What a person does, as the window layer reports it. On a disabled control nothing happens.
-    void Press();
+    void Press() const;
     void Pick(int Line);
     void Edit(std::wstring_view NewText);
 
@@ -126,6 +126,7 @@ class Form
 {
 public:
     explicit Form(const FormLook& Fixed) : Look(Fixed) {}
+    ~Form() = default;
     Form(const Form&) = delete;
     Form& operator=(const Form&) = delete;
 

@@ -30,11 +30,12 @@ HMODULE Load(const std::wstring& file)
 {
     // Neither way leads through the current directory, for what the library itself loads as well.
     const std::wstring folder = OwnFolder();
-    const HMODULE module = folder.empty()
-                               ? nullptr
-                               : LoadLibraryExW((folder + file).c_str(), nullptr,
-                                                LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
-    return module != nullptr ? module : LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    const HMODULE module =
+        folder.empty() ? nullptr
+                       : LoadLibraryExW((folder + file).c_str(), nullptr,
+                                        LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    return module != nullptr ? module
+                             : LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }
 
 } // namespace
