@@ -6,7 +6,7 @@ namespace acg
 {
 
 /// The old and the new block may be a sector trailer, with keys.
-sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                         uint8_t FromByte, uint8_t ToByte, std::wstring& BlocContents)
 {
     constexpr std::wstring_view OperationName = L"WriteBytesInBloc";

@@ -18,6 +18,7 @@ constexpr std::wstring_view ReaderWithSilentLogin = L"multiiso 1.0";
 /// A reply as block text: filled with "0" at its end, or cut.
 void StoreBlockText(const SecretText& reply, std::wstring& BlocContents)
 {
+    BlocContents.reserve(BlockDigits); // no copy is left behind in freed memory
     BlocContents = reply.Characters().substr(0, BlockDigits);
     BlocContents.resize(BlockDigits, L'0');
 }
@@ -29,7 +30,7 @@ void StoreBlockText(const SecretText& reply, std::wstring& BlocContents)
 /// The good reply to "login" is the status letter "L", which the exchange raises like any status letter; a
 /// reply of data is a failure of the reader. One kind of reader answers otherwise: there the block command
 /// tells whether the login held.
-sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                    std::wstring_view OperationName)
 {
     SecretText data(TwoHexDigits(LoginSector(BlocNumber)));
@@ -51,7 +52,7 @@ sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, ui
     return sceError;
 }
 
-sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                     std::wstring& BlocContents)
 {
     constexpr std::wstring_view OperationName = L"ReadDataBloc";
@@ -76,7 +77,7 @@ sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, std::wstring_view key, u
     return sceSuccess;
 }
 
-sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                      std::wstring& BlocContents)
 {
     constexpr std::wstring_view OperationName = L"WriteDataBloc";

@@ -9,7 +9,7 @@
 namespace acg
 {
 
-sceReturnCode Encoder::ReadManufacturerCode(std::wstring_view key, uint8_t KeyType, int32_t& SerialNumber,
+sceReturnCode Encoder::ReadManufacturerCode(const SecretText& key, uint8_t KeyType, int32_t& SerialNumber,
                                             uint8_t& CheckSum, std::wstring& ManufacturerInfo)
 {
     constexpr std::wstring_view OperationName = L"ReadManufacturerCode";

@@ -55,7 +55,7 @@ bool IsByte(int32_t number)
 
 } // namespace
 
-sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType,
+sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, const SecretText& key, uint8_t KeyType,
                                          uint8_t& KeysUsed, SCBS_SecurityLevelEnum& Security0,
                                          SCBS_SecurityLevelEnum& Security1, SCBS_SecurityLevelEnum& Security2,
                                          SCSS_SecurityLevelEnum& Conditions, uint8_t& BX)
@@ -86,8 +86,8 @@ sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, std::wstring_view
     return sceSuccess;
 }
 
-sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType,
-                                          std::wstring_view KeyA, std::wstring_view KeyB, uint8_t KeysToUse,
+sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, const SecretText& key, uint8_t KeyType,
+                                          const SecretText& KeyA, const SecretText& KeyB, uint8_t KeysToUse,
                                           SCBS_SecurityLevelEnum Security0, SCBS_SecurityLevelEnum Security1,
                                           SCBS_SecurityLevelEnum Security2, SCSS_SecurityLevelEnum Conditions,
                                           std::optional<int32_t> BX)
@@ -103,8 +103,8 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
     };
 
     ResetLastError();
-    SecretText keyA(KeyA);
-    SecretText keyB(KeyB);
+    SecretText keyA(KeyA.Characters());
+    SecretText keyB(KeyB.Characters());
     if (!IsHexString(keyA.InPlace(), KeyDigits) || !IsHexString(keyB.InPlace(), KeyDigits)) {
         return refuse(BadKey);
     }

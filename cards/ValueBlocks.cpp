@@ -6,7 +6,7 @@ namespace acg
 {
 
 /// The reader lays the value block out itself: it gets the block and the value.
-sceReturnCode Encoder::WriteValueBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+sceReturnCode Encoder::WriteValueBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                       int32_t value)
 {
     constexpr std::wstring_view OperationName = L"WriteValueBloc";

@@ -83,6 +83,9 @@ int FindLine(const std::vector<std::wstring>& lines, std::wstring_view text)
 
 /// The form and its controls in tab order, made anew at each opening.
 struct frmConfigure::Window {
+    frmConfigure& Owner;
+    const ReaderDLL& Reader;
+
     Form Dialog{{.Width = 6735, .Height = 3825, .FontPoints = 9}};
 
     Control& fraComm = Dialog.Add({"fraComm", ControlKind::Frame, Frame});
@@ -105,6 +108,16 @@ struct frmConfigure::Window {
                                    InFrame({315, FrameButtonTop, 2445, ButtonHeight}), FrameButtonFont});
     Control& cmdCancel =
         Dialog.Add({"cmdCancel", ControlKind::Button, {4867, BottomButtonTop, 1770, ButtonHeight}});
+
+    Window(frmConfigure& Opened, const ReaderDLL& Used) : Owner(Opened), Reader(Used)
+    {
+        Owner.m_window = this;
+        Dialog.DefaultButton = &cmdOK;
+        Dialog.CancelButton = &cmdCancel;
+    }
+    ~Window() { Owner.m_window = nullptr; }
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
 };
 
 frmConfigure& frmConfigure::OfThread()
@@ -116,14 +129,10 @@ frmConfigure& frmConfigure::OfThread()
 
 void frmConfigure::Show(const ReaderDLL& Reader)
 {
-    if (m_window != nullptr) { // one dialog at a time: the thread's is open already
+    if (IsOpen()) {
         return;
     }
-    Window window;
-    m_window = &window;
-    m_reader = &Reader;
-    window.Dialog.DefaultButton = &window.cmdOK;
-    window.Dialog.CancelButton = &window.cmdCancel;
+    Window window(*this, Reader);
     window.cboAutoDetect.OnPick = [this] { cboAutoDetect_Click(); };
     window.cboAutoDetect.OnEdit = [this] { cboAutoDetect_Change(); };
     window.txtTimeout.AcceptsTyped = txtTimeout_KeyPress;
@@ -133,8 +142,6 @@ void frmConfigure::Show(const ReaderDLL& Reader)
     window.cmdOK.OnPress = [this] { cmdOK_Click(); };
     Form_Load();
     window.Dialog.ShowModal();
-    m_window = nullptr;
-    m_reader = nullptr;
 }
 
 void frmConfigure::Form_Load()
@@ -224,7 +231,7 @@ void frmConfigure::cmdTest_Click()
     TakeNumber(m_window->cboBaudrate.Text(), test.BaudRate);
     TakePosition(m_window->cboProtocol, test.Protocol);
     TakeNumber(m_window->txtTimeout.Text(), test.Timeout);
-    test.Show(*m_reader, m_window->Dialog);
+    test.Show(m_window->Reader, m_window->Dialog);
 }
 
 void frmConfigure::cmdCancel_Click()

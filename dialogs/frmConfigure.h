@@ -26,6 +26,8 @@ public:
     int32_t Timeout = 0;  ///< milliseconds
     bool OKPressed = false;
 
+    /// One dialog at a time: another can't be shown on top of it.
+    [[nodiscard]] bool IsOpen() const { return m_window != nullptr; }
     /// Shows the dialog without an owner, and returns when it has been closed, or at once where it can't be
     /// shown.
     void Show(const ReaderDLL& Reader);
@@ -42,8 +44,7 @@ private:
     void cmdCancel_Click();
     void cmdOK_Click();
 
-    Window* m_window = nullptr;          ///< while the dialog is open
-    const ReaderDLL* m_reader = nullptr; ///< likewise
+    Window* m_window = nullptr; ///< while the dialog is open
 };
 
 } // namespace acg

@@ -3,6 +3,7 @@
 #include "dialogs/Texts.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace acg
 {
@@ -58,18 +59,77 @@ const frmTest::Translation frmTest::Translations[] = {
 
 /// The form and its controls, made anew at each opening.
 struct frmTest::Window {
+    frmTest& Owner;
+    const ReaderDLL& Reader;
+
     Form Dialog{{.Width = 6735, .Height = 3825, .FontPoints = 8.25}};
     Control& txtLog = Dialog.Add({"txtLog", ControlKind::Log, {45, 0, 6690, 3150}});
     Control& cmdOK = Dialog.Add({"cmdOK", ControlKind::Button, {2482, 3285, 1770, 420}});
 
-    Window()
+    Window(frmTest& Opened, const ReaderDLL& Used) : Owner(Opened), Reader(Used)
     {
+        Owner.m_window = this;
         constexpr Area Margin = {0, 0, 150, 3150};
         constexpr Area Separator = {-630, 3150, 7245 + 630, 0};
         Dialog.Shapes = {{Margin, LogBackground}, {Separator, {Colour::Source::Highlight3D}}};
         Dialog.DefaultButton = &cmdOK;
         txtLog.SetBackground(LogBackground);
     }
+    ~Window() { Owner.m_window = nullptr; }
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+};
+
+/// While it lives the window can't be closed; then the button can be pressed.
+class frmTest::Running
+{
+public:
+    explicit Running(Window& Tested) : m_window(Tested) { m_window.Dialog.HasWorkingCloseBox = false; }
+    ~Running()
+    {
+        m_window.Dialog.HasWorkingCloseBox = true;
+        m_window.cmdOK.Enable(true);
+        m_window.Dialog.SetFocus(m_window.cmdOK);
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+private:
+    Window& m_window;
+};
+
+/// What the test has opened. Whatever of it is still open at its end is closed, the reader first.
+class frmTest::Link
+{
+public:
+    ReaderHandle Comm = 0;
+    ReaderHandle Reader = 0;
+
+    explicit Link(const ReaderDLL& Used) : m_reader(Used) {}
+    ~Link()
+    {
+        CloseReader();
+        CloseComm();
+    }
+    Link(const Link&) = delete;
+    Link& operator=(const Link&) = delete;
+
+    // That a closing call fails is no failure of the test.
+    void CloseReader()
+    {
+        if (Reader != 0) {
+            static_cast<void>(m_reader.CloseReader(std::exchange(Reader, 0)));
+        }
+    }
+    void CloseComm()
+    {
+        if (Comm != 0) {
+            static_cast<void>(m_reader.CloseComm(std::exchange(Comm, 0)));
+        }
+    }
+
+private:
+    const ReaderDLL& m_reader;
 };
 
 frmTest& frmTest::OfThread()
@@ -81,15 +141,14 @@ frmTest& frmTest::OfThread()
 
 void frmTest::Show(const ReaderDLL& Reader, Form& Owner)
 {
-    Window window;
-    m_window = &window;
-    m_reader = &Reader;
+    if (m_window != nullptr) { // one dialog at a time: the thread's is open already
+        return;
+    }
+    Window window(*this, Reader);
     window.cmdOK.OnPress = [this] { cmdOK_Click(); };
     window.Dialog.OnTimer = [this] { tmrTest_Timer(); };
     Form_Load();
     window.Dialog.ShowModal(&Owner);
-    m_window = nullptr;
-    m_reader = nullptr;
 }
 
 void frmTest::Form_Load()
@@ -124,72 +183,62 @@ void frmTest::LogLine(std::wstring_view Text)
 
 void frmTest::tmrTest_Timer()
 {
-    Form& dialog = m_window->Dialog;
-    dialog.StopTimer();
-    dialog.HasWorkingCloseBox = false;
+    m_window->Dialog.StopTimer();
+    const Running running(*m_window);
     m_window->txtLog.SetText(L"");
     LogLine(m_texts.m_sStart);
 
-    ReaderHandle comm = 0;
-    ReaderHandle reader = 0;
-    if (const Failure failure = RunTest(comm, reader)) {
+    Link link(m_window->Reader);
+    if (const Failure failure = RunTest(link)) {
         LogLine(Fill(m_texts.m_sError, {std::to_wstring(failure.Number), failure.Description}));
-        if (reader != 0) {
-            static_cast<void>(m_reader->CloseReader(reader));
-        }
-        if (comm != 0) {
-            static_cast<void>(m_reader->CloseComm(comm));
-        }
     }
-    dialog.HasWorkingCloseBox = true;
-    m_window->cmdOK.Enable(true);
-    dialog.SetFocus(m_window->cmdOK);
 }
 
-/// Gives a call failure, with what is open then. A link or a reader that is refused ends in the log.
-Failure frmTest::RunTest(ReaderHandle& Comm, ReaderHandle& Reader)
+/// Gives a call failure. A link or a reader that is refused ends in the log.
+Failure frmTest::RunTest(Link& Opened)
 {
+    ReaderHandle& comm = Opened.Comm;
     LogLine(Fill(m_texts.m_sOpening, {Device, ModeText()}));
     CommSettings settings{.BaudRate = BaudRate, .Protocol = Protocol};
-    if (Failure failure = m_reader->OpenComm(Device, AutoDetect, settings, Comm)) {
+    if (const Failure failure = m_window->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
         return failure;
     }
-    if (Comm == 0) {
+    if (comm == 0) {
         LogLine(m_texts.m_sOpenFailed);
         LogLine(m_texts.m_sFailed);
         return {};
     }
-    if (Failure failure = m_reader->SetCommTimeout(Comm, Timeout)) {
+    if (const Failure failure = m_window->Reader.SetCommTimeout(comm, Timeout)) {
         return failure;
     }
     uint8_t protocol = 0;
-    if (Failure failure = m_reader->GetCommProtocol(Comm, protocol)) {
+    if (const Failure failure = m_window->Reader.GetCommProtocol(comm, protocol)) {
         return failure;
     }
     int32_t baudRate = 0;
-    if (Failure failure = m_reader->GetCommBaudRate(Comm, baudRate)) {
+    if (const Failure failure = m_window->Reader.GetCommBaudRate(comm, baudRate)) {
         return failure;
     }
     int32_t timeout = 0;
-    if (Failure failure = m_reader->GetCommTimeout(Comm, timeout)) {
+    if (const Failure failure = m_window->Reader.GetCommTimeout(comm, timeout)) {
         return failure;
     }
     LogLine(Fill(m_texts.m_sPortOpen,
                  {std::to_wstring(baudRate), ProtocolName(protocol), std::to_wstring(timeout)}));
-    return TestReader(Comm, Reader);
+    return TestReader(Opened);
 }
 
-Failure frmTest::TestReader(ReaderHandle Comm, ReaderHandle& Reader)
+Failure frmTest::TestReader(Link& Opened)
 {
-    const auto giveUp = [this, Comm](const std::wstring& reason) -> Failure {
-        static_cast<void>(m_reader->CloseComm(Comm));
+    const auto giveUp = [this, &Opened](const std::wstring& reason) -> Failure {
+        Opened.CloseComm();
         LogLine(reason);
         LogLine(m_texts.m_sFailed);
         return {};
     };
     LogLine(m_texts.m_sDetecting);
     std::string readers;
-    if (Failure failure = m_reader->DetectReader(Comm, readers)) {
+    if (const Failure failure = m_window->Reader.DetectReader(Opened.Comm, readers)) {
         return failure;
     }
     const size_t count = std::min({readers.find('\0'), readers.size(), MostReaders});
@@ -200,25 +249,26 @@ Failure frmTest::TestReader(ReaderHandle Comm, ReaderHandle& Reader)
     LogLine(Fill(m_texts.m_sFound, {std::to_wstring(count), std::to_wstring(readerId)}));
 
     LogLine(m_texts.m_sOpeningEncoder);
-    if (Failure failure = m_reader->OpenReader(Comm, readerId, Reader)) {
+    if (const Failure failure = m_window->Reader.OpenReader(Opened.Comm, readerId, Opened.Reader)) {
         return failure;
     }
-    if (Reader == 0) {
+    if (Opened.Reader == 0) {
         return giveUp(m_texts.m_sNoAccess);
     }
     std::wstring deviceId;
-    static_cast<void>(m_reader->GetDeviceID(Reader, deviceId)); // without one the line ends behind its label
+    static_cast<void>(
+        m_window->Reader.GetDeviceID(Opened.Reader, deviceId)); // without one the line ends behind its label
     LogLine(Fill(m_texts.m_sDeviceID, {deviceId}));
     std::wstring type;
-    if (Failure failure = m_reader->GetReaderType(Reader, type)) {
+    if (const Failure failure = m_window->Reader.GetReaderType(Opened.Reader, type)) {
         return failure;
     }
     LogLine(Fill(m_texts.m_sEncoderType, {type}));
 
     LogLine(m_texts.m_sClosingEncoder);
-    static_cast<void>(m_reader->CloseReader(Reader));
+    Opened.CloseReader();
     LogLine(m_texts.m_sClosingPort);
-    static_cast<void>(m_reader->CloseComm(Comm));
+    Opened.CloseComm();
     LogLine(m_texts.m_sSuccess);
     return {};
 }

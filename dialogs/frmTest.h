@@ -59,6 +59,8 @@ private:
     struct Translation;
     static const Translation Translations[];
     struct Window;
+    class Running;
+    class Link;
 
     void Form_Load();
     void cmdOK_Click();
@@ -67,12 +69,11 @@ private:
 
     [[nodiscard]] std::wstring ModeText() const;
     [[nodiscard]] const std::wstring& ProtocolName(uint8_t Number) const;
-    Failure RunTest(ReaderHandle& Comm, ReaderHandle& Reader);
-    Failure TestReader(ReaderHandle Comm, ReaderHandle& Reader);
+    Failure RunTest(Link& Opened);
+    Failure TestReader(Link& Opened);
 
     Texts m_texts;
-    Window* m_window = nullptr;          ///< while the dialog is open
-    const ReaderDLL* m_reader = nullptr; ///< likewise
+    Window* m_window = nullptr; ///< while the dialog is open
 };
 
 } // namespace acg

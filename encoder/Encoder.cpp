@@ -20,7 +20,10 @@ Encoder::Encoder(ReaderDLL Reader, Clock Now)
 
 Encoder::~Encoder()
 {
-    ReleaseDevice();
+    try {
+        ReleaseDevice();
+    } catch (...) { // out of memory for a failure that nobody reads
+    }
 }
 
 std::shared_ptr<CError> Encoder::LastError()
@@ -49,8 +52,8 @@ sceEncoderState Encoder::EncoderState()
 std::wstring Encoder::ReaderType()
 {
     std::wstring type;
-    if (Failure failure = ReadReaderType(type)) {
-        throw RaisedFailure{failure.Number, std::move(failure.Description), std::nullopt};
+    if (const Failure failure = ReadReaderType(type)) {
+        throw RaisedFailure{failure.Number, failure.Description, std::nullopt};
     }
     return type;
 }
@@ -62,7 +65,7 @@ Failure Encoder::ReadReaderType(std::wstring& Type)
         RecordRefusal(EncoderIsClosed, L"ReaderType");
         return Raised(EncoderIsClosed);
     }
-    if (Failure failure = m_oReaderDLL.GetReaderType(m_hReader, Type)) {
+    if (const Failure failure = m_oReaderDLL.GetReaderType(m_hReader, Type)) {
         RecordCallFailure(failure, L"ReaderType", L"GetReaderType");
         return failure;
     }

@@ -62,7 +62,7 @@ public:
     /// The settings, as "Device=com1;Baud rate=9600": entries joined by ";" or, if there is a CR LF
     /// anywhere, by that. Keys: Device, Autodetect (0 to 255), Baud rate, Timeout (32 bits, ms). A bad entry
     /// is passed over. An open link keeps the settings that it was opened with.
-    void Parameters(std::wstring_view Text);
+    void Parameters(std::wstring Text);
     /// The settings as five lines; giving them back changes nothing.
     [[nodiscard]] std::wstring Parameters();
 
@@ -86,7 +86,7 @@ public:
 
     /// Shows the configuration dialog, in French for "francais" in any case, else in English. sceSuccess: the
     /// user left with OK, and the settings are taken over; else sceCanceled. An open link stays as it is.
-    sceReturnCode Configure(std::wstring_view Language);
+    sceReturnCode Configure(std::wstring Language);
 
     /// Opens the link and the first reader on it, and waits up to 5 seconds for a card. That no card came is
     /// no failure. Handle: the number of the latest GetInformation.
@@ -101,12 +101,12 @@ public:
     /// at its end or cut. key: 12 hexadecimal digits, judged by the reader alone. BlocNumber counts the
     /// blocks of the whole card; it isn't tested. After a failure BlocContents is empty, or untouched where
     /// no card was selected.
-    [[nodiscard]] sceReturnCode ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode ReadDataBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                              std::wstring& BlocContents);
 
     /// Reads block 0: bytes 0 to 3 as one number with byte 0 the highest, byte 4, and bytes 5 to 15 as 22
     /// digits. The check sum isn't tested. After a failure they are 0, 0 and empty.
-    [[nodiscard]] sceReturnCode ReadManufacturerCode(std::wstring_view key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode ReadManufacturerCode(const SecretText& key, uint8_t KeyType,
                                                      int32_t& SerialNumber, uint8_t& CheckSum,
                                                      std::wstring& ManufacturerInfo);
 
@@ -115,19 +115,19 @@ public:
     /// read back as the same level: docs/access-levels.md. After a failure the levels are 0, and KeysUsed and
     /// BX untouched.
     [[nodiscard]] sceReturnCode
-    ReadSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, uint8_t& KeysUsed,
+    ReadSectorTrailer(int32_t SectorNumber, const SecretText& key, uint8_t KeyType, uint8_t& KeysUsed,
                       SCBS_SecurityLevelEnum& Security0, SCBS_SecurityLevelEnum& Security1,
                       SCBS_SecurityLevelEnum& Security2, SCSS_SecurityLevelEnum& Conditions, uint8_t& BX);
 
     /// Writes a 16-byte block, 32 hexadecimal digits in either case, blanks around them allowed. BlocContents
     /// comes back as the reader answered, filled or cut to 32 characters; after a failure it is the text,
     /// upper-cased and trimmed.
-    [[nodiscard]] sceReturnCode WriteDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode WriteDataBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                               std::wstring& BlocContents);
 
     /// Writes a value block through the reader's own command. The block then counts as a value block until
     /// the encoder is closed, also where the call fails.
-    [[nodiscard]] sceReturnCode WriteValueBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode WriteValueBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                                int32_t value);
 
     /// Writes both keys of a sector, 12 hexadecimal digits each in either case, and what they may do.
@@ -135,15 +135,15 @@ public:
     /// access bits of that slot; not every level can be stored: docs/access-levels.md. BX: the byte behind
     /// the access bits, 0 to 255; the card's stays where it is left out, and any other number is refused.
     [[nodiscard]] sceReturnCode
-    WriteSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, std::wstring_view KeyA,
-                       std::wstring_view KeyB, uint8_t KeysToUse, SCBS_SecurityLevelEnum Security0,
+    WriteSectorTrailer(int32_t SectorNumber, const SecretText& key, uint8_t KeyType, const SecretText& KeyA,
+                       const SecretText& KeyB, uint8_t KeysToUse, SCBS_SecurityLevelEnum Security0,
                        SCBS_SecurityLevelEnum Security1, SCBS_SecurityLevelEnum Security2,
                        SCSS_SecurityLevelEnum Conditions, std::optional<int32_t> BX = std::nullopt);
 
     /// Changes the bytes FromByte to ToByte of a block, 0 to 15, both included. BlocContents: their digits,
     /// filled with "0" or cut to that length. It comes back as the whole block; after a failure as the
     /// old block, or empty where that couldn't be read. The card is read before the offsets are judged.
-    [[nodiscard]] sceReturnCode WriteBytesInBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode WriteBytesInBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                                  uint8_t FromByte, uint8_t ToByte,
                                                  std::wstring& BlocContents);
 
@@ -180,7 +180,7 @@ private:
     void RecordNoCard(const Failure& Failed);
 
     // The login of the card operations: cards/DataBlocks.cpp.
-    sceReturnCode SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+    sceReturnCode SectorLogin(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                               std::wstring_view OperationName);
     void EnsureNumber(const KnownFailure& Guard);
 

@@ -29,13 +29,14 @@ void Store(std::wstring_view value, Field& field)
 
 } // namespace
 
-void Encoder::Parameters(std::wstring_view Text)
+void Encoder::Parameters(std::wstring Text)
 {
     ResetLastError();
-    const std::wstring_view separator = Text.find(LineEnd) != std::wstring_view::npos ? LineEnd : L";";
-    while (!Text.empty()) {
-        const std::wstring_view entry = Text.substr(0, Text.find(separator));
-        Text.remove_prefix(std::min(entry.size() + separator.size(), Text.size()));
+    const std::wstring_view separator = Text.find(LineEnd) != std::wstring::npos ? LineEnd : L";";
+    std::wstring_view rest = Text;
+    while (!rest.empty()) {
+        const std::wstring_view entry = rest.substr(0, rest.find(separator));
+        rest.remove_prefix(std::min(entry.size() + separator.size(), rest.size()));
 
         const std::wstring_view beforeSign = entry.substr(0, entry.find(L'='));
         const std::wstring_view value = entry.substr(std::min(beforeSign.size() + 1, entry.size()));

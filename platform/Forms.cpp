@@ -106,15 +106,29 @@ void Form::StopTimer()
     StartTimer(0);
 }
 
+/// What is true of a form while its window runs.
+struct Form::Opening {
+    Form& Opened;
+
+    Opening(Form& Shown, FormWindow& Window) : Opened(Shown)
+    {
+        Opened.m_window = &Window;
+        Opened.m_isOpen = true;
+    }
+    ~Opening()
+    {
+        Opened.m_window = nullptr;
+        Opened.m_isOpen = false;
+    }
+    Opening(const Opening&) = delete;
+    Opening& operator=(const Opening&) = delete;
+};
+
 bool Form::ShowModal(Form* Owner)
 {
     FormWindow window(*this);
-    m_window = &window;
-    m_isOpen = true;
-    const bool shown = window.RunModal(Owner != nullptr ? Owner->m_window : nullptr);
-    m_isOpen = false;
-    m_window = nullptr;
-    return shown;
+    const Opening opening(*this, window);
+    return window.RunModal(Owner != nullptr ? Owner->m_window : nullptr);
 }
 
 void Form::Close()

@@ -164,6 +164,7 @@ public:
 
 private:
     friend class Control;
+    struct Opening;
 
     std::deque<Control> m_controls; // a deque, as its elements stay where they are
     int m_timerInterval = 0;

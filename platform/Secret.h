@@ -1,6 +1,7 @@
 // Text that may hold a key of a card.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -28,8 +29,12 @@ public:
     using Text = std::basic_string<Char>;
 
     Secret() = default;
-    explicit Secret(View Characters) : m_text(Characters) {}
-    explicit Secret(Text&& Characters) { *this = std::move(Characters); }
+    /// A copy of a literal, a string or a view. Not explicit, so that a host gives a key as it has it.
+    template <std::convertible_to<View> Given>
+    Secret(const Given& Characters) : m_text(View(Characters))
+    {
+    }
+    Secret(Text&& Characters) { *this = std::move(Characters); }
     ~Secret() { WipeAll(m_text); }
     Secret(const Secret&) = delete;
     Secret& operator=(const Secret&) = delete;

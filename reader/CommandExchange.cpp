@@ -29,7 +29,7 @@ Failure Encoder::EncoderCommand(std::wstring_view Command, const SecretText& Dat
         RecordRefusal(EncoderIsClosed, L"EncoderCommand");
         return Raised(EncoderIsClosed);
     }
-    if (Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, Command, Data, Reply)) {
+    if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, Command, Data, Reply)) {
         RecordCallFailure(failure, L"EncoderCommand", CommandPath(Command));
         return failure;
     }

@@ -18,32 +18,49 @@ namespace acg
 namespace
 {
 
-constexpr char LibraryName[] = "ACGReader330";
+#define ACG_LIBRARY "ACGReader330"
 
-constexpr std::array<const char*, ReaderFunctionCount> FunctionNames = {
-    "OpenComm",           "SetCommTimeout", "SetCommProtocol", "GetCommProtocol", "GetCommBaudRate",
-    "GetCommTimeout",     "DetectReader",   "OpenReader",      "GetReaderType",   "GetDeviceID",
-    "SendCommandGetData", "CloseReader",    "CloseComm",
-};
-
-// The numbers that Automation hosts know for these two failures.
+// The numbers that Automation hosts know for the two failures of a call as a call.
 constexpr int32_t FileNotFound = 53;
 constexpr int32_t EntryPointNotFound = 453;
 
+struct FunctionTexts {
+    const char* Name;
+    const wchar_t* NotFound;
+};
+
+#define ACG_FUNCTION(name)                                                                                   \
+    {                                                                                                        \
+#name, L"Can't find entry point " #name " in " ACG_LIBRARY                                           \
+    }
+
+/// In the order of ReaderFunction.
+constexpr FunctionTexts Functions[] = {
+    ACG_FUNCTION(OpenComm),        ACG_FUNCTION(SetCommTimeout),     ACG_FUNCTION(SetCommProtocol),
+    ACG_FUNCTION(GetCommProtocol), ACG_FUNCTION(GetCommBaudRate),    ACG_FUNCTION(GetCommTimeout),
+    ACG_FUNCTION(DetectReader),    ACG_FUNCTION(OpenReader),         ACG_FUNCTION(GetReaderType),
+    ACG_FUNCTION(GetDeviceID),     ACG_FUNCTION(SendCommandGetData), ACG_FUNCTION(CloseReader),
+    ACG_FUNCTION(CloseComm),
+};
+static_assert(std::size(Functions) == ReaderFunctionCount);
+
+const FunctionTexts& TextsOf(ReaderFunction function)
+{
+    return Functions[static_cast<size_t>(function)];
+}
+
 Failure CallFailure(ReaderFunction function, const EntryPoint& missing)
 {
-    const std::wstring library(std::begin(LibraryName), std::end(LibraryName) - 1);
     if (!missing.LibraryLoaded) {
-        return {FileNotFound, L"File not found: " + library, missing.SystemError};
+        return {FileNotFound, L"File not found: " ACG_LIBRARY, missing.SystemError};
     }
-    return {EntryPointNotFound, L"Can't find entry point " + FromAnsi(Name(function)) + L" in " + library,
-            missing.SystemError};
+    return {EntryPointNotFound, TextsOf(function).NotFound, missing.SystemError};
 }
 
 /// The library's own look-up. What it found it keeps: a library that is loaded stays.
 EntryPoint FindInLibrary(ReaderFunction function)
 {
-    static constinit Library library(LibraryName);
+    static constinit Library library(ACG_LIBRARY);
     static constinit std::array<std::atomic<EntryPoint::Function>, ReaderFunctionCount> found{};
 
     std::atomic<EntryPoint::Function>& known = found[static_cast<size_t>(function)];
@@ -68,7 +85,7 @@ void CutAtNul(std::wstring& text)
 
 const char* Name(ReaderFunction Function)
 {
-    return FunctionNames[static_cast<size_t>(Function)];
+    return TextsOf(Function).Name;
 }
 
 ReaderDLL::ReaderDLL() : ReaderDLL(FindInLibrary) {}
@@ -84,16 +101,14 @@ Failure ReaderDLL::Call(ReaderFunction Function, Result& result, Arguments... ar
     }
     using Signature = Result(ACG_READER_CALL*)(Arguments...);
     result = reinterpret_cast<Signature>(entry.Address)(arguments...);
-    Failure none;
-    none.LastDllError = LastSystemError();
-    return none;
+    return {.LastDllError = LastSystemError()};
 }
 
 template <class... Arguments>
 Failure ReaderDLL::CallForText(ReaderFunction Function, std::wstring& Text, Arguments... arguments) const
 {
     char* bytes = nullptr;
-    Failure failure = Call(Function, bytes, arguments...);
+    const Failure failure = Call(Function, bytes, arguments...);
     const ByteString owner(bytes);
     if (!failure) {
         Text = FromAnsi(owner.Bytes());
@@ -139,7 +154,7 @@ Failure ReaderDLL::DetectReader(ReaderHandle Comm, std::string& Readers) const
 {
     Buffer<256> buffer{};
     char* bytes = nullptr;
-    Failure failure = Call(ReaderFunction::DetectReader, bytes, Comm, buffer.data());
+    const Failure failure = Call(ReaderFunction::DetectReader, bytes, Comm, buffer.data());
     const ByteString owner(bytes);
     if (!failure) {
         Readers = owner.Bytes();
@@ -172,8 +187,8 @@ Failure ReaderDLL::SendCommandGetData(ReaderHandle Reader, std::wstring_view Com
     const std::string command = ToAnsi(Command);
     SecretAnsi data(ToAnsi(Data));
     char* bytes = nullptr;
-    Failure failure = Call(ReaderFunction::SendCommandGetData, bytes, Reader, command.c_str(),
-                           data.InPlace().c_str(), buffer.data());
+    const Failure failure = Call(ReaderFunction::SendCommandGetData, bytes, Reader, command.c_str(),
+                                 data.InPlace().c_str(), buffer.data());
     Wipe(buffer.data(), buffer.size());
     const ByteString owner(bytes);
     if (!failure) {

@@ -49,6 +49,11 @@ std::optional<Card*> CardBox::Lay(const CardOptions& Options)
     if (Options.BlockCount == 0U && !hasImage) {
         return nullptr;
     }
+    if (Options.Number) {
+        if (const auto known = m_cards.find(*Options.Number); known != m_cards.end()) {
+            return &known->second;
+        }
+    }
     std::optional<Card> card = hasImage ? CardFromImage(Options) : FactoryCard(Options);
     if (!card) {
         return std::nullopt;

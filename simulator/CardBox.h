@@ -16,8 +16,8 @@ class CardBox
 {
 public:
     /// Gives the card that the options ask for, null for an empty field, and nothing where the image can't
-    /// be read or is no whole card of the size asked for. The image is read at every call, since it may be
-    /// what tells the serial number.
+    /// be read or is no whole card of the size asked for. Where no serial number is asked for the
+    /// image is read, as it tells.
     [[nodiscard]] std::optional<Card*> Lay(const CardOptions& Options);
 
 private:

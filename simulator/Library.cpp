@@ -94,7 +94,8 @@ Result Locked(Result onFailure, Body body) noexcept
 
 /// What the body makes of the open line or reader; `otherwise` where the handle isn't open.
 template <class Opened, class Result, class Body>
-Result With(std::map<uint32_t, Opened> Library::*all, uint32_t handle, Result otherwise, Body body) noexcept
+Result With(std::map<uint32_t, Opened> Library::*all, uint32_t handle, Result otherwise,
+            const Body& body) noexcept
 {
     return Locked(otherwise, [&](Library& library) -> Result {
         const auto found = (library.*all).find(handle);
