@@ -1,10 +1,14 @@
 #include "platform/Library.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cinttypes>
+#include <climits>
+#include <cstdio>
 #include <dlfcn.h>
-#include <filesystem>
-#include <link.h>
+#include <memory>
 #include <string>
+#include <string_view>
 
 namespace acg
 {
@@ -13,22 +17,24 @@ namespace
 {
 
 /// The folder of the program or shared object that this code is linked into, with a slash behind it, or
-/// empty text where it isn't known.
+/// empty text where it isn't known. The system lists what it has mapped by its full name, however it was
+/// loaded; the loader keeps the name as it was given, which may be relative to a former current directory.
 std::string OwnFolder()
 {
-    Dl_info info{};
-    link_map* object = nullptr;
-    if (dladdr1(reinterpret_cast<void*>(&OwnFolder), &info, reinterpret_cast<void**>(&object),
-                RTLD_DL_LINKMAP) == 0) {
-        return {};
+    const auto ownAddress = reinterpret_cast<uintptr_t>(&OwnFolder);
+    const std::unique_ptr<FILE, int (*)(FILE*)> maps(std::fopen("/proc/self/maps", "r"), &std::fclose);
+    char mapping[PATH_MAX + 100]; // as in: 7f0012340000-7f0012350000 r-xp 00001000 08:01 1234   /opt/host
+    while (maps && std::fgets(mapping, sizeof mapping, maps.get()) != nullptr) {
+        uintptr_t from = 0;
+        uintptr_t to = 0;
+        const bool isMapping = std::sscanf(mapping, "%" SCNxPTR "-%" SCNxPTR, &from, &to) == 2;
+        if (isMapping && ownAddress >= from && ownAddress < to) {
+            const std::string_view line = mapping;
+            const size_t start = std::min(line.find('/'), line.size());
+            return std::string(line.substr(start, line.rfind('/') + 1 - start));
+        }
     }
-    std::filesystem::path path = object->l_name;
-    if (path.empty()) { // the loader keeps no name for the program itself
-        std::error_code unreadable;
-        path = std::filesystem::read_symlink("/proc/self/exe", unreadable);
-    }
-    // A relative name would be looked up in the current directory.
-    return path.is_absolute() ? path.parent_path().string() + "/" : std::string();
+    return {};
 }
 
 void* Load(const std::string& file)
