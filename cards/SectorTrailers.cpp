@@ -30,7 +30,7 @@ uint8_t ByteOf(std::wstring_view block, size_t byte)
 {
     std::wstring number = L"&h";
     number += block.substr(byte * DigitsOfByte, DigitsOfByte);
-    return static_cast<uint8_t>(ReadNumber(number));
+    return static_cast<uint8_t>(ReadWholeNumber(number));
 }
 
 ConditionBytes ConditionBytesOf(std::wstring_view trailer)

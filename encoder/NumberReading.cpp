@@ -3,8 +3,8 @@
 #include "reader/HexText.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string>
+#include <utility>
 
 namespace acg
 {
@@ -13,11 +13,8 @@ namespace
 {
 
 constexpr int Decimal = 10;
-/// Beyond it a double is infinite or 0 whatever the digits before it.
-constexpr int LargestExponent = 10000;
-
-/// A number above it doesn't change by another digit.
-constexpr double LargestHeld = 1e17;
+/// Beyond every field; what has grown beyond it may stop growing.
+constexpr int64_t Beyond = 1'000'000'000'000;
 
 /// Goes through a text, blind to the characters that don't count.
 class Reading
@@ -61,40 +58,36 @@ private:
     std::wstring_view m_rest;
 };
 
-double ReadWhole(Reading& reading, int base)
+int64_t Grow(int64_t number, int base, int digit)
 {
-    double number = 0;
+    return number < Beyond ? number * base + digit : number;
+}
+
+int64_t ReadDigits(Reading& reading, int base)
+{
+    int64_t number = 0;
     while (const std::optional<int> digit = reading.TakeDigit(base)) {
-        number = number * base + *digit;
+        number = Grow(number, base, *digit);
     }
     return number;
 }
 
-/// The exponent behind its letter; 0 if no digit follows.
-int ReadExponent(Reading& reading)
+/// True for a minus.
+bool TakeSign(Reading& reading)
 {
-    const bool negative = reading.Take(L"-");
-    if (!negative) {
-        reading.Take(L"+");
-    }
-    int exponent = 0;
-    while (const std::optional<int> digit = reading.TakeDigit(Decimal)) {
-        exponent = std::min(exponent * Decimal + *digit, LargestExponent);
-    }
-    return negative ? -exponent : exponent;
+    return !reading.Take(L"+") && reading.Take(L"-");
 }
 
-double ReadDecimal(Reading& reading)
+/// The digits as they are written, without zeros at either end, and how many of them stand before the point.
+/// It may also lie to the left of them all, or to the right.
+struct Written {
+    std::string Digits;
+    int64_t BeforePoint = 0;
+};
+
+Written ReadWritten(Reading& reading)
 {
-    const bool negative = reading.Take(L"-");
-    if (!negative) {
-        reading.Take(L"+");
-    }
-    // The digits as one whole number, and the power of ten to divide it by: exact for the 15 digits that a
-    // double holds, as neither of the two is then rounded. Of a digit that it can't hold only the place
-    // counts.
-    double number = 0;
-    int behindPoint = 0;
+    Written number;
     bool pointSeen = false;
     while (true) {
         if (!pointSeen && reading.Take(L".")) {
@@ -105,47 +98,57 @@ double ReadDecimal(Reading& reading)
         if (!digit) {
             break;
         }
-        if (number < LargestHeld) {
-            number = number * Decimal + *digit;
-            behindPoint += pointSeen ? 1 : 0;
-        } else {
-            behindPoint -= pointSeen ? 0 : 1;
+        const bool counts = *digit != 0 || !number.Digits.empty();
+        if (counts) {
+            number.Digits += static_cast<char>(*digit);
+        }
+        // A leading zero behind the point moves it to the left of the digits to come.
+        if (counts && !pointSeen) {
+            ++number.BeforePoint;
+        } else if (!counts && pointSeen) {
+            --number.BeforePoint;
         }
     }
-    if (number != 0) {
-        const int exponent = (reading.Take(L"EeDd") ? ReadExponent(reading) : 0) - behindPoint;
-        number = exponent < 0 ? number / std::pow(Decimal, -exponent) : number * std::pow(Decimal, exponent);
+    number.Digits.erase(number.Digits.find_last_not_of('\0') + 1);
+    if (reading.Take(L"EeDd")) {
+        const bool negative = TakeSign(reading);
+        const int64_t exponent = ReadDigits(reading, Decimal);
+        number.BeforePoint += negative ? -exponent : exponent;
     }
-    return negative ? -number : number;
+    return number;
+}
+
+int64_t Round(const Written& number)
+{
+    const auto digitAt = [&number](int64_t place) -> int {
+        const bool written = place >= 0 && std::cmp_less(place, number.Digits.size());
+        return written ? number.Digits[static_cast<size_t>(place)] : 0;
+    };
+    int64_t whole = 0;
+    for (int64_t place = 0; place < number.BeforePoint && whole < Beyond && !number.Digits.empty(); ++place) {
+        whole = Grow(whole, Decimal, digitAt(place));
+    }
+    constexpr int Half = 5;
+    const int firstBehind = digitAt(number.BeforePoint);
+    const bool moreBehind = std::cmp_greater(number.Digits.size(), number.BeforePoint + 1);
+    const bool isOdd = whole % 2 != 0;
+    return firstBehind > Half || (firstBehind == Half && (moreBehind || isOdd)) ? whole + 1 : whole;
 }
 
 } // namespace
 
-double ReadNumber(std::wstring_view Text)
+int64_t ReadWholeNumber(std::wstring_view Text)
 {
     Reading reading(Text);
     if (reading.Take(L"&")) {
         if (reading.Take(L"Hh")) {
-            return ReadWhole(reading, /*base=*/16);
+            return ReadDigits(reading, /*base=*/16);
         }
-        return reading.Take(L"Oo") ? ReadWhole(reading, /*base=*/8) : 0;
+        return reading.Take(L"Oo") ? ReadDigits(reading, /*base=*/8) : 0;
     }
-    return ReadDecimal(reading);
-}
-
-std::optional<int32_t> ToWholeNumber(double Number, int32_t Lowest, int32_t Highest)
-{
-    double whole = std::floor(Number);
-    const double fraction = Number - whole;
-    const bool odd = std::fmod(whole, 2) != 0;
-    if (fraction > 0.5 || (fraction == 0.5 && odd)) {
-        whole += 1;
-    }
-    // Infinity fails the test, and so does what infinity divided by infinity gives.
-    if (!(whole >= Lowest && whole <= Highest)) {
-        return std::nullopt;
-    }
-    return static_cast<int32_t>(whole);
+    const bool negative = TakeSign(reading);
+    const int64_t number = Round(ReadWritten(reading));
+    return negative ? -number : number;
 }
 
 } // namespace acg

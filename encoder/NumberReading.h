@@ -16,20 +16,18 @@ namespace acg
 ///     [sign] digits [. digits] [E|D [sign] digits]     -12.5  1 200  .5  1e3
 ///     &H hexadecimal digits      &O octal digits       &HFF   &o17      (never with a sign)
 ///
-/// The letters count in either case.
-[[nodiscard]] double ReadNumber(std::wstring_view Text);
+/// The letters count in either case. Gives the nearest whole number, a fraction of exactly one half to the
+/// even neighbour: 2.5 gives 2, 3.5 gives 4. A number beyond 32 bits gives some number beyond them.
+[[nodiscard]] int64_t ReadWholeNumber(std::wstring_view Text);
 
-/// The nearest whole number, a fraction of exactly one half to the even neighbour: 2.5 gives 2, 3.5 gives 4.
-/// Nothing where it lies outside of the range, both ends included.
-[[nodiscard]] std::optional<int32_t> ToWholeNumber(double Number, int32_t Lowest, int32_t Highest);
-
-/// The same for the range of a field's type.
+/// The same, and nothing where the number doesn't fit the field's type of at most 32 bits.
 template <std::integral Field>
 [[nodiscard]] std::optional<Field> ReadField(std::wstring_view Text)
 {
     using Limits = std::numeric_limits<Field>;
-    const std::optional<int32_t> whole = ToWholeNumber(ReadNumber(Text), Limits::min(), Limits::max());
-    return whole ? std::optional(static_cast<Field>(*whole)) : std::nullopt;
+    const int64_t number = ReadWholeNumber(Text);
+    return number >= Limits::min() && number <= Limits::max() ? std::optional(static_cast<Field>(number))
+                                                              : std::nullopt;
 }
 
 } // namespace acg
