@@ -1,6 +1,9 @@
 #include "cards/AccessBits.h"
 
+#include "encoder/Keys.h"
+
 #include <cstddef>
+#include <iterator>
 
 namespace acg
 {
@@ -25,22 +28,22 @@ struct BlockOfBothKeys {
 
 constexpr BlockOfBothKeys BlockOfBoth[] = {
     //                        key A  key B
-    {"111", "111"},     //  0   -      -
-    {Refused, Refused}, //  1   r      -
-    {Refused, Refused}, //  2   w      -
-    {Refused, Refused}, //  3   rw     -
-    {"101", "101"},     //  4   -      r
-    {"001", "001"},     //  5   r      r
-    {Refused, Refused}, //  6   w      r
-    {Refused, Refused}, //  7   rw     r
-    {"011", "011"},     //  8   -      w
-    {"100", "110"},     //  9   r      w
-    {"000", "000"},     // 10   w      w
-    {"000", "000"},     // 11   rw     w
-    {"011", "011"},     // 12   -      rw
-    {"100", "110"},     // 13   r      rw
-    {"000", "000"},     // 14   w      rw
-    {"000", "000"},     // 15   rw     rw
+    {"111", "111"},               //  0   -      -
+    {RefusedLevel, RefusedLevel}, //  1   r      -
+    {RefusedLevel, RefusedLevel}, //  2   w      -
+    {RefusedLevel, RefusedLevel}, //  3   rw     -
+    {"101", "101"},               //  4   -      r
+    {"001", "001"},               //  5   r      r
+    {RefusedLevel, RefusedLevel}, //  6   w      r
+    {RefusedLevel, RefusedLevel}, //  7   rw     r
+    {"011", "011"},               //  8   -      w
+    {"100", "110"},               //  9   r      w
+    {"000", "000"},               // 10   w      w
+    {"000", "000"},               // 11   rw     w
+    {"011", "011"},               // 12   -      rw
+    {"100", "110"},               // 13   r      rw
+    {"000", "000"},               // 14   w      rw
+    {"000", "000"},               // 15   rw     rw
 };
 
 /// Bits 0 and 1 of the level, what key A may write, for a sector that works with key A alone.
@@ -66,9 +69,15 @@ constexpr TrailerLevel TrailerOfBoth[] = {
 
 /// In the order of C1 C2 C3 as a binary number.
 constexpr DecodedAccess Decoded[] = {
-    // triple, block level, keys used, trailer level
-    {"000", 15, KeyAAlone, 1}, {"001", 5, KeyAAlone, 3}, {"010", 5, KeyAAlone, 0}, {"011", 12, BothKeys, 12},
-    {"100", 13, BothKeys, 4},  {"101", 4, BothKeys, 8},  {"110", 13, BothKeys, 0}, {"111", 0, BothKeys, 0},
+    //                          keys A and B of a data block; what is written of the trailer
+    {"000", 15, KeyAAlone, 1}, // rw rw; by A, keys
+    {"001", 5, KeyAAlone, 3},  // r  r;  by A, keys and conditions
+    {"010", 5, KeyAAlone, 0},  // r  r;  nothing
+    {"011", 12, BothKeys, 12}, // -  rw; by B, keys and conditions
+    {"100", 13, BothKeys, 4},  // r  rw; by B, keys
+    {"101", 4, BothKeys, 8},   // -  r;  by B, conditions
+    {"110", 13, BothKeys, 0},  // r  rw; nothing
+    {"111", 0, BothKeys, 0},   // -  -;  nothing
 };
 
 constexpr int32_t RightsOfKeyA = 3;
@@ -87,7 +96,7 @@ AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
         return BlockOfKeyA[Level & RightsOfKeyA];
     }
     if (static_cast<size_t>(Level) >= std::size(BlockOfBoth)) {
-        return Refused;
+        return RefusedLevel;
     }
     const BlockOfBothKeys& row = BlockOfBoth[Level];
     return IsValueBlock ? row.OfValueBlock : row.Triple;
@@ -103,7 +112,7 @@ AccessTriple TrailerTriple(int32_t Level, uint8_t KeysToUse)
             return row.Triple;
         }
     }
-    return Refused;
+    return RefusedLevel;
 }
 
 void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes)

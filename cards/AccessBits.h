@@ -15,25 +15,19 @@
 // is the trailer itself.
 #pragma once
 
-#include <array>
+#include "cards/ConditionBytes.h"
+
 #include <cstdint>
 #include <string_view>
 
 namespace acg
 {
 
-/// Bytes 6, 7 and 8 of a trailer.
-using ConditionBytes = std::array<uint8_t, 3>;
-
 /// The access bits of one slot: three characters "0" or "1", in the order C1, C2, C3.
 using AccessTriple = std::string_view;
 
 /// In place of a triple: the level can't be stored.
-inline constexpr AccessTriple Refused;
-
-/// The key mode of a sector that works with key A alone. Any other value means both keys.
-inline constexpr uint8_t KeyAAlone = 1;
-inline constexpr uint8_t BothKeys = 2;
+inline constexpr AccessTriple RefusedLevel;
 
 /// The triple of a data block's level; Level is at least 0.
 [[nodiscard]] AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock);

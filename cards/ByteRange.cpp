@@ -14,8 +14,8 @@ sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, const SecretText& ke
     ResetLastError();
     SecretText oldBlock;
     oldBlock.Reserve(BlockDigits);
-    const bool read = ReadDataBloc(BlocNumber, key, KeyType, oldBlock.InPlace()) != sceError;
-    if (!read || oldBlock.Characters().size() != BlockDigits) {
+    if (ReadDataBloc(BlocNumber, key, KeyType, oldBlock.InPlace()) == sceError ||
+        oldBlock.Characters().size() != BlockDigits) {
         EnsureNumber(ReadErrorOnEncoder);
         TraceLastError(OperationName);
         BlocContents.clear();
@@ -36,7 +36,7 @@ sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, const SecretText& ke
     newBlock.InPlace().resize(behind, L'0');
     newBlock += oldBlock.Characters().substr(behind);
 
-    if (WriteDataBloc(BlocNumber, key, KeyType, newBlock.InPlace()) != sceSuccess) {
+    if (WriteDataBloc(BlocNumber, key, KeyType, newBlock.InPlace()) == sceError) {
         EnsureNumber(WriteErrorOnEncoder);
         TraceLastError(OperationName);
         BlocContents = oldBlock;

@@ -47,6 +47,7 @@ sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, const SecretText& key, ui
         return sceSuccess;
     }
     const KnownFailure& cause = failure ? AuthenticationFailure : EncoderFailure;
+    // The other fields stay: the exchange's own, or for a reply of data what the selection left.
     SetLastError(cause.Number, cause.Description);
     TraceLastError(OperationName);
     return sceError;

@@ -23,7 +23,6 @@ constexpr size_t UserByte = 9;
 constexpr unsigned TrailerSlot = 3;
 
 constexpr int32_t HighestLevel = 15;
-constexpr uint8_t KeysAsOnCard = 0;
 
 /// A pair that isn't hexadecimal counts as far as it can be read.
 uint8_t ByteOf(std::wstring_view block, size_t byte)
@@ -41,7 +40,7 @@ ConditionBytes ConditionBytesOf(std::wstring_view trailer)
 
 sceReturnCode Store(AccessTriple triple, uint8_t mask, ConditionBytes& bytes)
 {
-    if (triple == Refused) {
+    if (triple == RefusedLevel) {
         return sceError;
     }
     StoreAccessBits(triple, mask, bytes);

@@ -14,6 +14,11 @@ struct Translated {
     const wchar_t* French;
 };
 
+[[nodiscard]] constexpr const wchar_t* In(bool French, const Translated& Text)
+{
+    return French ? Text.French : Text.English;
+}
+
 /// True for "francais", in any mix of upper and lower case, and for nothing else. Every other text is
 /// English.
 [[nodiscard]] bool IsFrench(std::wstring_view Language);

@@ -148,7 +148,7 @@ void frmConfigure::Form_Load()
 {
     Window& window = *m_window;
     const bool french = IsFrench(Language);
-    const auto text = [french](const Translated& both) { return french ? both.French : both.English; };
+    const auto text = [french](const Translated& both) { return In(french, both); };
 
     window.Dialog.Caption = text({L"ACG Encoder Configuration", L"Configuration de l'encodeur ACG"});
     const struct {

@@ -22,39 +22,42 @@ constexpr size_t MostReaders = 255;
 
 struct frmTest::Translation {
     std::wstring Texts::*Field;
-    const wchar_t* English;
-    const wchar_t* French;
+    Translated Text;
 };
 
 const frmTest::Translation frmTest::Translations[] = {
-    {&Texts::m_sStart, L"Starting the test.", L"Début du test."},
-    {&Texts::m_sOpening, L"Opening communication port %1, %2...",
-     L"Ouverture du port de communication %1, %2..."},
-    {&Texts::m_sOpenFailed, L"Failed to open the communication port.",
-     L"Impossible d'ouvrir le port de communications."},
-    {&Texts::m_sNoAutodetect, L"no autodetect. Baud rate: %1, %2 protocol",
-     L"pas d'auto-détection. Vitesse : %1 bauds, protocole %2"},
-    {&Texts::m_sNormalDetect, L"normal autodetection", L"auto-détection normale"},
-    {&Texts::m_sFastDetect, L"fast autodetection", L"auto-détection rapide"},
-    {&Texts::m_sAscii, L"ASCII", L"ASCII"},
-    {&Texts::m_sBinary, L"binary", L"binaire"},
-    {&Texts::m_sPortOpen, L"Communication port open. Baud rate: %1, %2 protocol, timeout: %3 ms",
-     L"Ouvert. Vitesse : %1 bauds, protocole %2, timeout : %3 ms"},
-    {&Texts::m_sDetecting, L"Detecting encoders...", L"Détection des encodeurs..."},
-    {&Texts::m_sNoEncoder, L"No encoder found.", L"Aucun encodeur trouvé."},
-    {&Texts::m_sFound, L"%1 encoder(s) found. Encoder ID to test: %2",
-     L"%1 encodeur(s) trouvé(s). ID de l'encodeur testé : %2"},
-    {&Texts::m_sOpeningEncoder, L"Opening the communication with encoder...",
-     L"Ouverture de communication avec l'encodeur..."},
-    {&Texts::m_sNoAccess, L"Unable to access to the encoder.", L"Impossible d'accéder à l'encodeur."},
-    {&Texts::m_sDeviceID, L"Encoder DeviceID: %1", L"DeviceID de l'encodeur : %1"},
-    {&Texts::m_sEncoderType, L"Encoder type: %1", L"Type de l'encodeur : %1"},
-    {&Texts::m_sClosingEncoder, L"Closing communication with the encoder...",
-     L"Fermeture de la communication avec l'encodeur..."},
-    {&Texts::m_sClosingPort, L"Closing the communication port...", L"Fermeture du port de communication..."},
-    {&Texts::m_sSuccess, L"\r\n<< Successful test >>\r\n", L"\r\n<< Test réussi >>\r\n"},
-    {&Texts::m_sFailed, L"\r\n<< Test failed >>\r\n", L"\r\n<< Echec du test >>\r\n"},
-    {&Texts::m_sError, L"Error %1: %2", L"Erreur %1 : %2"},
+    {&Texts::m_sStart, {L"Starting the test.", L"Début du test."}},
+    {&Texts::m_sOpening,
+     {L"Opening communication port %1, %2...", L"Ouverture du port de communication %1, %2..."}},
+    {&Texts::m_sOpenFailed,
+     {L"Failed to open the communication port.", L"Impossible d'ouvrir le port de communications."}},
+    {&Texts::m_sNoAutodetect,
+     {L"no autodetect. Baud rate: %1, %2 protocol",
+      L"pas d'auto-détection. Vitesse : %1 bauds, protocole %2"}},
+    {&Texts::m_sNormalDetect, {L"normal autodetection", L"auto-détection normale"}},
+    {&Texts::m_sFastDetect, {L"fast autodetection", L"auto-détection rapide"}},
+    {&Texts::m_sAscii, {L"ASCII", L"ASCII"}},
+    {&Texts::m_sBinary, {L"binary", L"binaire"}},
+    {&Texts::m_sPortOpen,
+     {L"Communication port open. Baud rate: %1, %2 protocol, timeout: %3 ms",
+      L"Ouvert. Vitesse : %1 bauds, protocole %2, timeout : %3 ms"}},
+    {&Texts::m_sDetecting, {L"Detecting encoders...", L"Détection des encodeurs..."}},
+    {&Texts::m_sNoEncoder, {L"No encoder found.", L"Aucun encodeur trouvé."}},
+    {&Texts::m_sFound,
+     {L"%1 encoder(s) found. Encoder ID to test: %2",
+      L"%1 encodeur(s) trouvé(s). ID de l'encodeur testé : %2"}},
+    {&Texts::m_sOpeningEncoder,
+     {L"Opening the communication with encoder...", L"Ouverture de communication avec l'encodeur..."}},
+    {&Texts::m_sNoAccess, {L"Unable to access to the encoder.", L"Impossible d'accéder à l'encodeur."}},
+    {&Texts::m_sDeviceID, {L"Encoder DeviceID: %1", L"DeviceID de l'encodeur : %1"}},
+    {&Texts::m_sEncoderType, {L"Encoder type: %1", L"Type de l'encodeur : %1"}},
+    {&Texts::m_sClosingEncoder,
+     {L"Closing communication with the encoder...", L"Fermeture de la communication avec l'encodeur..."}},
+    {&Texts::m_sClosingPort,
+     {L"Closing the communication port...", L"Fermeture du port de communication..."}},
+    {&Texts::m_sSuccess, {L"\r\n<< Successful test >>\r\n", L"\r\n<< Test réussi >>\r\n"}},
+    {&Texts::m_sFailed, {L"\r\n<< Test failed >>\r\n", L"\r\n<< Echec du test >>\r\n"}},
+    {&Texts::m_sError, {L"Error %1: %2", L"Erreur %1 : %2"}},
 };
 
 /// The form and its controls, made anew at each opening.
@@ -154,11 +157,11 @@ void frmTest::Show(const ReaderDLL& Reader, Form& Owner)
 void frmTest::Form_Load()
 {
     const bool french = IsFrench(Language);
-    m_window->Dialog.Caption = french ? L"Test de l'encodeur ACG" : L"ACG Encoder Test";
+    m_window->Dialog.Caption = In(french, {L"ACG Encoder Test", L"Test de l'encodeur ACG"});
     m_window->txtLog.SetText(L"");
     m_window->cmdOK.SetText(L"OK");
     for (const Translation& row : Translations) {
-        m_texts.*row.Field = french ? row.French : row.English;
+        m_texts.*row.Field = In(french, row.Text);
     }
     m_window->Dialog.StartTimer(StartDelay);
     m_window->cmdOK.Enable(false);
@@ -241,11 +244,11 @@ Failure frmTest::TestReader(Link& Opened)
     if (const Failure failure = m_window->Reader.DetectReader(Opened.Comm, readers)) {
         return failure;
     }
-    const size_t count = std::min({readers.find('\0'), readers.size(), MostReaders});
-    if (count == 0) {
+    if (readers.empty()) {
         return giveUp(m_texts.m_sNoEncoder);
     }
     const auto readerId = static_cast<uint8_t>(readers.front());
+    const size_t count = std::min(readers.size(), MostReaders);
     LogLine(Fill(m_texts.m_sFound, {std::to_wstring(count), std::to_wstring(readerId)}));
 
     LogLine(m_texts.m_sOpeningEncoder);

@@ -1,10 +1,11 @@
 // The component's working class.
 #pragma once
 
-#include "cards/AccessBits.h"
+#include "cards/ConditionBytes.h"
 #include "encoder/CError.h"
 #include "encoder/Enums.h"
 #include "encoder/Failures.h"
+#include "encoder/Keys.h"
 #include "platform/Secret.h"
 #include "reader/ReaderDLL.h"
 
@@ -35,9 +36,6 @@ inline constexpr std::wstring_view Capabilities = L"Mifare Classic, Mifare Ultra
 /// Tells the time. It need not be the time of day, but must not go backwards.
 using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-/// The KeyType that logs in with key B; every other value logs in with key A.
-inline constexpr uint8_t KeyTypeB = 2;
-
 /// Reads and writes contactless cards through an ACG Multi-ISO reader.
 ///
 /// The order of calls: Parameters, GetInformation, OpenEncoder with the number from that text, the card
@@ -46,7 +44,7 @@ inline constexpr uint8_t KeyTypeB = 2;
 ///
 /// Every call blocks until the reader library has answered. An Encoder is used by one thread at a time.
 /// Operations that give a sceReturnCode report a failure by sceError and the record behind LastError; they
-/// don't throw. Nothing of a card selection or a login is remembered between operations.
+/// don't throw. Each selects its card and logs in anew.
 ///
 /// Not here: a card's contents, a cache, a retry, a log. A key is handed to the reader and forgotten.
 class Encoder
@@ -54,6 +52,7 @@ class Encoder
 public:
     /// An encoder on the reader library of this process and the system's clock, with the default settings.
     Encoder();
+    /// On a reader library and a clock of the caller's own: for tests, or for another library.
     Encoder(ReaderDLL Reader, Clock Now);
     ~Encoder();
     Encoder(const Encoder&) = delete;
@@ -89,7 +88,8 @@ public:
     sceReturnCode Configure(std::wstring Language);
 
     /// Opens the link and the first reader on it, and waits up to 5 seconds for a card. That no card came is
-    /// no failure. Handle: the number of the latest GetInformation.
+    /// no failure. Handle: the number of the latest GetInformation. Close before opening again: nothing
+    /// closes an earlier link. Every call, a refused one too, starts the list of value blocks anew.
     [[nodiscard]] sceReturnCode OpenEncoder(int32_t Handle);
     /// Closes the reader, then the link. A closed encoder is a success.
     sceReturnCode CloseEncoder();
@@ -171,24 +171,28 @@ private:
 
     // Opening and closing: encoder/Opening.cpp.
     void DrawHandleNumber();
-    [[nodiscard]] bool OpenFirstReader();
+    [[nodiscard]] sceReturnCode OpenFirstReader();
+    /// Closes whatever is open, and says nothing of what fails. Both closing functions are called also with a
+    /// handle of 0, which the library takes; so an encoder that is never opened loads it at its destruction.
     void ReleaseDevice();
 
     // The exchange of one command and the card selection: reader/CommandExchange.cpp.
     Failure EncoderCommand(std::wstring_view Command, const SecretText& Data, SecretText& Reply);
-    sceReturnCode SelectCardInRange();
+    [[nodiscard]] sceReturnCode SelectCardInRange();
     void RecordNoCard(const Failure& Failed);
 
     // The login of the card operations: cards/DataBlocks.cpp.
-    sceReturnCode SectorLogin(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
-                              std::wstring_view OperationName);
+    [[nodiscard]] sceReturnCode SectorLogin(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+                                            std::wstring_view OperationName);
+
+    // A guard of WriteBytesInBloc: cards/ByteRange.cpp.
     void EnsureNumber(const KnownFailure& Guard);
 
     // Encoding a level: cards/SectorTrailers.cpp. sceError: the level is refused, and nothing was stored.
-    sceReturnCode SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, int32_t BlocNumber,
-                                 ConditionBytes& Bytes) const;
-    static sceReturnCode SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
-                                          ConditionBytes& Bytes);
+    [[nodiscard]] sceReturnCode SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
+                                               int32_t BlocNumber, ConditionBytes& Bytes) const;
+    [[nodiscard]] static sceReturnCode SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
+                                                        ConditionBytes& Bytes);
 
     ReaderDLL m_oReaderDLL;
     Clock m_oClock;
@@ -198,8 +202,8 @@ private:
     uint8_t m_bAutodetect = 1;
     int32_t m_lBaudRate = 9600;
     int32_t m_lTimeout = 2200; ///< milliseconds
-    /// The blocks written as value blocks since OpenEncoder, duplicates included; nothing before the first
-    /// opening and after closing.
+    /// The blocks written as value blocks since OpenEncoder was called, duplicates included; no list before
+    /// its first call and after closing.
     std::optional<std::vector<int32_t>> m_colValueBlocks;
     int32_t m_lHandleNumber = 0;
     ReaderHandle m_hComm = 0;

@@ -11,12 +11,6 @@ constexpr int32_t HandleNumbers = 100000;
 constexpr uint8_t AsciiProtocol = 0;
 constexpr std::chrono::seconds WaitForCard{5};
 
-/// The id of the first reader in the list; 0 if there is none.
-uint8_t FirstReader(const std::string& readers)
-{
-    return readers.empty() ? uint8_t{0} : static_cast<uint8_t>(readers.front());
-}
-
 } // namespace
 
 std::wstring Encoder::GetInformation()
@@ -54,24 +48,25 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
         RecordRefusal(CannotOpenEncoder, L"OpenEncoder", L"OpenComm");
         return sceError;
     }
-    if (!OpenFirstReader()) {
+    if (OpenFirstReader() == sceError) {
         ReleaseDevice();
         return sceError;
     }
 
     const auto deadline = m_oClock() + WaitForCard;
     do {
-        SelectCardInRange();
+        static_cast<void>(
+            SelectCardInRange()); // the record decides: without a reader's type, too, the wait goes on
     } while (m_oLastError->Number != 0 && m_oClock() < deadline);
     ResetLastError(L"OpenEncoder");
     return sceSuccess;
 }
 
-bool Encoder::OpenFirstReader()
+sceReturnCode Encoder::OpenFirstReader()
 {
     const auto failedCall = [this](const Failure& failure, std::wstring_view function) {
         RecordCallFailure(failure, L"OpenEncoder", function);
-        return false;
+        return sceError;
     };
     if (const Failure failure = m_oReaderDLL.SetCommTimeout(m_hComm, m_lTimeout)) {
         return failedCall(failure, L"SetCommTimeout");
@@ -83,19 +78,19 @@ bool Encoder::OpenFirstReader()
     if (const Failure failure = m_oReaderDLL.DetectReader(m_hComm, readers)) {
         return failedCall(failure, L"DetectReader");
     }
-    const uint8_t readerId = FirstReader(readers);
-    if (readerId == 0) {
+    if (readers.empty()) {
         RecordRefusal(NoEncoderFound, L"OpenEncoder", L"DetectReader", L"0");
-        return false;
+        return sceError;
     }
-    if (const Failure failure = m_oReaderDLL.OpenReader(m_hComm, readerId, m_hReader)) {
+    if (const Failure failure =
+            m_oReaderDLL.OpenReader(m_hComm, static_cast<uint8_t>(readers.front()), m_hReader)) {
         return failedCall(failure, L"OpenReader");
     }
     if (m_hReader == 0) {
         RecordRefusal(CannotOpenEncoder, L"OpenEncoder", L"OpenReader", L"0");
-        return false;
+        return sceError;
     }
-    return true;
+    return sceSuccess;
 }
 
 sceReturnCode Encoder::CloseEncoder()
@@ -125,11 +120,11 @@ sceReturnCode Encoder::CloseEncoder()
 
 void Encoder::ReOpenEncoder()
 {
-    CloseEncoder();
-    static_cast<void>(OpenEncoder(m_lHandleNumber)); // the record tells how it went
+    // The record tells how it went.
+    static_cast<void>(CloseEncoder());
+    static_cast<void>(OpenEncoder(m_lHandleNumber));
 }
 
-/// Closes whatever is open, and says nothing of what fails. The library takes a handle of 0 as well.
 void Encoder::ReleaseDevice()
 {
     static_cast<void>(m_oReaderDLL.CloseReader(m_hReader));

@@ -18,7 +18,6 @@ namespace
 using namespace acg;
 
 const std::wstring FactoryKey = L"FFFFFFFFFFFF";
-constexpr uint8_t KeyTypeA = 1;
 
 // The sector that the host works on, and its blocks.
 constexpr int32_t DemoSector = 1;
@@ -127,8 +126,8 @@ void Rekey(Encoder& encoder)
 {
     constexpr auto level = scbs_A_Read + scbs_B_ReadWrite;
     const sceReturnCode result =
-        encoder.WriteSectorTrailer(DemoSector, FactoryKey, KeyTypeA, DemoKeyA, DemoKeyB, /*KeysToUse=*/2,
-                                   level, level, level, scss_B_WriteKeysConditions);
+        encoder.WriteSectorTrailer(DemoSector, FactoryKey, KeyTypeA, DemoKeyA, DemoKeyB, BothKeys, level,
+                                   level, level, scss_B_WriteKeysConditions);
     MustSucceed(encoder, "WriteSectorTrailer", result);
 
     std::wstring contents = BlockText(encoder, DemoBlock);

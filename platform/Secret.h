@@ -34,6 +34,7 @@ public:
     Secret(const Given& Characters) : m_text(View(Characters))
     {
     }
+    /// Takes a text over and leaves nothing of it behind.
     Secret(Text&& Characters) { *this = std::move(Characters); }
     ~Secret() { WipeAll(m_text); }
     Secret(const Secret&) = delete;

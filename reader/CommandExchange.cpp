@@ -45,8 +45,9 @@ Failure Encoder::EncoderCommand(std::wstring_view Command, const SecretText& Dat
     return {};
 }
 
-/// Sets the reader to ISO 14443 A, switches the antenna on, and selects the card in the field. A success
-/// leaves a clean record, and the reader's type in m_sReaderType.
+/// Sets the reader to ISO 14443 A, switches the antenna on, and selects the card in the field. After a
+/// success the record is what asking for the reader's type left: clean, or its call failure; then
+/// m_sReaderType keeps its value.
 sceReturnCode Encoder::SelectCardInRange()
 {
     const SecretText noData;
@@ -60,7 +61,8 @@ sceReturnCode Encoder::SelectCardInRange()
         return sceError;
     }
     std::wstring type;
-    if (!ReadReaderType(type)) {
+    const Failure failure = ReadReaderType(type);
+    if (!failure) {
         m_sReaderType = ToLower(type);
     }
     return sceSuccess;

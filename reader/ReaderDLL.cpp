@@ -2,6 +2,7 @@
 
 #include "platform/AnsiText.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <utility>
@@ -76,9 +77,10 @@ EntryPoint FindInLibrary(ReaderFunction function)
 template <size_t Characters>
 using Buffer = std::array<char, Characters + 1>;
 
-void CutAtNul(std::wstring& text)
+template <class Text>
+void CutAtNul(Text& text)
 {
-    text.resize(std::min(text.find(L'\0'), text.size()));
+    text.resize(std::min(text.find(typename Text::value_type()), text.size()));
 }
 
 } // namespace
@@ -158,6 +160,7 @@ Failure ReaderDLL::DetectReader(ReaderHandle Comm, std::string& Readers) const
     const ByteString owner(bytes);
     if (!failure) {
         Readers = owner.Bytes();
+        CutAtNul(Readers);
     }
     return failure;
 }

@@ -70,7 +70,7 @@ public:
     Failure GetCommProtocol(ReaderHandle Comm, uint8_t& Protocol) const;
     Failure GetCommBaudRate(ReaderHandle Comm, int32_t& BaudRate) const;
     Failure GetCommTimeout(ReaderHandle Comm, int32_t& Timeout) const;
-    /// Readers: each byte before the first NUL is the id of a reader, as the library gave it.
+    /// Readers: one byte for each reader found, its id, as the library gave it.
     Failure DetectReader(ReaderHandle Comm, std::string& Readers) const;
     /// Reader: 0 where the reader couldn't be opened.
     Failure OpenReader(ReaderHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const;

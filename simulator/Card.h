@@ -1,5 +1,5 @@
-// A Mifare Classic card: its geometry, its access rights and its contents, written from the data sheets of the
-// 1K and the 4K card, MF1S50yyX and MF1S70yyX, chapter 8 (memory organisation, memory access).
+// A Mifare Classic card: its geometry, its access rights and its contents, written from the data sheets of
+// the 1K and the 4K card, MF1S50yyX and MF1S70yyX, chapter 8 (memory organisation, memory access).
 #pragma once
 
 #include <array>

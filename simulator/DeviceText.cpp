@@ -103,8 +103,11 @@ bool TakeOption(std::string_view name, std::string_view value, Device& device)
     if (name == "fault") {
         return TakeFault(value, device);
     }
-    device.RemoveAfter = ParseNumber(value);
-    return name == "remove" && device.RemoveAfter;
+    if (name == "remove") {
+        device.RemoveAfter = ParseNumber(value);
+        return device.RemoveAfter.has_value();
+    }
+    return false;
 }
 
 } // namespace

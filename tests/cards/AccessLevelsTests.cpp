@@ -17,7 +17,6 @@ const std::wstring KeyB = L"B0B1B2B3B4B5";
 const std::wstring OtherKeyA = L"C0C1C2C3C4C5";
 const std::wstring OtherKeyB = L"D0D1D2D3D4D5";
 const std::wstring Data(32, L'1');
-constexpr uint8_t KeyTypeA = 1;
 
 // Levels as numbers. Bit 0: key A reads (on the trailer: writes keys), bit 1: key A writes (conditions), bits
 // 2 and 3 the same for key B.
