@@ -16,8 +16,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 foreach(kind EXE SHARED MODULE)
-    # Without a time stamp in it, the same source gives the same file.
-    set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
+    # Without symbols and a time stamp: small, and the same from the same source.
+    set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static -s -Wl,--no-insert-timestamp")
 endforeach()
 
 set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/wine)

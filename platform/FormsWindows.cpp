@@ -141,20 +141,15 @@ public:
     }
     ~NoOwner()
     {
-        LetIn();
-        DestroyWindow(m_window);
+        for (const HWND window : m_shutOut) {
+            EnableWindow(window, TRUE);
+        }
+        DestroyWindow(m_window); // now that one of them can become the active window
     }
     NoOwner(const NoOwner&) = delete;
     NoOwner& operator=(const NoOwner&) = delete;
 
     [[nodiscard]] HWND Window() const { return m_window; }
-
-    void LetIn()
-    {
-        for (const HWND window : std::exchange(m_shutOut, {})) {
-            EnableWindow(window, TRUE);
-        }
-    }
 
 private:
     static BOOL CALLBACK ShutOut(HWND window, LPARAM self) noexcept
@@ -174,7 +169,7 @@ private:
 };
 
 /// A dialog of the system without anything in it.
-struct EmptyTemplate {
+struct alignas(DWORD) EmptyTemplate {
     DLGTEMPLATE Header = {.style = DS_MODALFRAME | WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_VISIBLE};
     WORD Menu = 0;
     WORD Class = 0;
@@ -198,7 +193,6 @@ struct FormWindow::System {
     Form& Model;
     const int Dpi = ScreenDpi();
     const System* Owner = nullptr; ///< the form on top of which it is shown
-    NoOwner* InPlaceOfOwner = nullptr;
     HWND Dialog = nullptr;
     std::deque<ControlWindow> Controls; // a deque, as its elements stay where they are
     bool IsShown = false;
@@ -350,9 +344,6 @@ void FormWindow::System::Keep(std::exception_ptr thrown)
 
 void FormWindow::System::Close() const
 {
-    if (InPlaceOfOwner != nullptr) {
-        InPlaceOfOwner->LetIn(); // before the form goes, as one of them is to become the active window
-    }
     EndDialog(Dialog, 0);
 }
 
@@ -393,8 +384,6 @@ bool FormWindow::System::Make()
     });
     if (first != Model.Controls().end()) {
         Layer.SetFocus(*first);
-    } else {
-        ::SetFocus(Dialog); // which then hears the keys
     }
     return true;
 }
@@ -484,7 +473,7 @@ bool FormWindow::RunModal(FormWindow* Owner)
     if (Owner != nullptr) {
         m_system->Owner = Owner->m_system.get();
     } else {
-        m_system->InPlaceOfOwner = &noOwner.emplace();
+        noOwner.emplace();
     }
     const EmptyTemplate empty;
     DialogBoxIndirectParamW(nullptr, &empty.Header, noOwner ? noOwner->Window() : m_system->Owner->Dialog,

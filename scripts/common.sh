@@ -25,6 +25,19 @@ style_tools=(
     'have clang-format|clang-format'
     'have clang-tidy|clang-tidy'
 )
+# The Windows build and its tests, and what takes the pictures of the dialogs.
+windows_tools=(
+    'have i686-w64-mingw32-g++-posix|g++-mingw-w64-i686-posix'
+    'have wine|wine'
+    'test -e /usr/lib/i386-linux-gnu/wine/i386-windows/ntdll.dll|wine32:i386'
+    'test -e /usr/share/wine/fonts/tahoma.ttf|fonts-wine'
+    'have Xvfb|xvfb'
+    'test -e /usr/src/googletest/CMakeLists.txt|googletest'
+)
+picture_tools=(
+    'have xdotool|xdotool'
+    'have import|imagemagick'
+)
 
 # missing_packages ENTRY...: the packages of the entries that aren't there, one a line.
 missing_packages() {
@@ -33,6 +46,8 @@ missing_packages() {
         eval "${entry%|*}" >/dev/null 2>&1 || printf '%s\n' "${entry##*|}"
     done
 }
+
+apt_options=()
 
 # install ENTRY...: installs what is missing; fails, with a word on why, where it can't.
 install() {
@@ -51,10 +66,92 @@ install() {
     say "installing ${packages[*]}"
     export DEBIAN_FRONTEND=noninteractive
     # An index that can't be read is no reason to stop: the others may suffice.
-    apt-get update -qq >/dev/null 2>&1 || true
-    apt-get install -y -qq --no-install-recommends "${packages[@]}" >/dev/null && return 0
+    apt-get "${apt_options[@]}" update -qq >/dev/null 2>&1 || true
+    apt-get "${apt_options[@]}" install -y -qq --no-install-recommends --no-remove "${packages[@]}" \
+        </dev/null >/dev/null && return 0
     printf 'apt-get could not install %s; %s\n' "${packages[*]}" "$by_hand" >&2
     return 1
+}
+
+# install_windows_tools: the same for windows_tools, whose 32-bit Wine belongs to another architecture. Its
+# packages must be of the very versions of the machine's own. Where one of several suites can't be read for
+# i386 they aren't: then all that matters is taken from the main suite, older versions included.
+install_windows_tools() {
+    [ -n "$(missing_packages "${windows_tools[@]}")" ] || return 0
+    if have dpkg && [ "$(id -u)" -eq 0 ]; then
+        dpkg --add-architecture i386
+    fi
+    install "${windows_tools[@]}" && return 0
+    have apt-get && [ "$(id -u)" -eq 0 ] || return 1
+
+    say 'trying again from the main suite alone'
+    local folder codename status=0
+    folder=$(mktemp -d)
+    chmod 755 "$folder"
+    mkdir -p "$folder/lists/partial"
+    codename=$(. /etc/os-release && printf '%s' "${VERSION_CODENAME:-stable}")
+    # shellcheck disable=SC2016 # apt-get fills these in
+    apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(CODENAME) $(COMPONENT) $(ORIGIN)' \
+        'Created-By: Packages' 2>/dev/null |
+        awk -v wanted="$codename" '$3 == wanted && $4 == "main" && $5 == "Debian" { print $1, $2; exit }' \
+            >"$folder/suite"
+    [ -s "$folder/suite" ] || printf 'http://deb.debian.org/debian %s\n' "$codename" >"$folder/suite"
+    printf 'deb [arch=%s,i386 signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] %s main\n' \
+        "$(dpkg --print-architecture)" "$(cat "$folder/suite")" >"$folder/sources.list"
+    printf 'Package: *\nPin: release o=Debian\nPin-Priority: 1001\n' >"$folder/preferences"
+    local apt_options=(
+        --allow-downgrades
+        -o Dir::Etc::SourceList="$folder/sources.list" -o Dir::Etc::SourceParts=/dev/null
+        -o Dir::Etc::Preferences="$folder/preferences" -o Dir::Etc::PreferencesParts=/dev/null
+        -o Dir::State::Lists="$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=
+    )
+    install "${windows_tools[@]}" || status=$?
+    rm -rf "$folder"
+    return "$status"
+}
+
+# start_wine: an empty Wine and a display for this script alone. They go with the script.
+start_wine() {
+    say 'starting Wine'
+    wine_folder=$(mktemp -d)
+    trap stop_wine EXIT
+    export WINEPREFIX=$wine_folder/prefix WINEARCH=win32 WINEDEBUG=-all
+    # Neither its browser nor its debugger, which would wait for somebody after a crash.
+    export WINEDLLOVERRIDES='mscoree=;mshtml=;winedbg.exe='
+    # Debian's Wine doesn't find its own fonts, Tahoma among them.
+    mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
+    cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts"
+
+    Xvfb -displayfd 3 -screen 0 1024x768x24 -dpi 96 -nolisten tcp -noreset \
+        3>"$wine_folder/display" >"$wine_folder/log" 2>&1 </dev/null &
+    wine_display=$!
+    local try
+    for try in {1..100}; do
+        [ -s "$wine_folder/display" ] && break
+        sleep 0.1
+    done
+    DISPLAY=:$(cat "$wine_folder/display")
+    export DISPLAY
+    # There is no window manager to wait for: Wine draws the frames itself.
+    timeout -k 5 120 wineboot -i </dev/null >"$wine_folder/log" 2>&1 &&
+        on_wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+}
+
+stop_wine() {
+    timeout -k 5 20 wineserver -k || true
+    timeout -k 5 20 wineserver -w || true
+    kill "$wine_display" 2>/dev/null || true
+    wait "$wine_display" 2>/dev/null || true
+    rm -rf "$wine_folder"
+}
+
+# on_wine PROGRAM...: runs it and shows its output. It goes by a file, as Wine's server, which may be started
+# by any program, would hold a pipe open.
+on_wine() {
+    local status=0
+    LC_ALL=C.UTF-8 timeout -k 5 120 wine "$@" </dev/null >"$wine_folder/output" 2>&1 || status=$?
+    tr -d '\r' <"$wine_folder/output"
+    return "$status"
 }
 
 # build PRESET [TARGET...]: configures and builds; shows what went wrong, and nothing else.

@@ -34,7 +34,7 @@ protected:
     {
         int forms = 0;
         HeadlessPlayer() = [&](Form& form) { (forms++ == 0 ? play : playTest)(form); };
-        return encoder.Configure(language);
+        return encoder.Configure(std::wstring(language));
     }
 
     static void Press(Form& form, const char* button) { form.Named(button).Press(); }

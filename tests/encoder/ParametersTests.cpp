@@ -49,7 +49,7 @@ TEST_F(ParametersTest, EachTextSetsWhatItNamesAndNothingElse)
     };
     for (const Case& row : cases) {
         Encoder fresh(reader.DLL(), std::chrono::steady_clock::now);
-        fresh.Parameters(row.Text);
+        fresh.Parameters(std::wstring(row.Text));
         EXPECT_EQ(fresh.LastError()->ComFunction, L"Parameters");
         EXPECT_EQ(fresh.LastError()->RdrCommand, L"");
         const std::wstring text = fresh.Parameters();

@@ -2,7 +2,13 @@
 #include "platform/AnsiText.h"
 #include "tests/ScriptedReader.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#define READER_CALL __stdcall
+#else
 #include <cerrno>
+#define READER_CALL
+#endif
 
 namespace acg
 {
@@ -18,7 +24,7 @@ TEST(ReaderDLLTest, MissingFunctionAssignsNothingAndServesAgainOnceFound)
     int32_t timeout = 5;
     const Failure failure = dll.GetCommTimeout(1, timeout);
     EXPECT_EQ(failure.Number, 453);
-    EXPECT_EQ(failure.Description, L"Can't find entry point GetCommTimeout in ACGReader330");
+    EXPECT_STREQ(failure.Description, L"Can't find entry point GetCommTimeout in ACGReader330");
     EXPECT_EQ(failure.LastDllError, ScriptedReader::MissingError);
     EXPECT_EQ(timeout, 5);
 
@@ -43,9 +49,16 @@ TEST(ReaderDLLTest, SettingsReadBackComeThrough)
               (std::vector<std::string>{"GetCommProtocol 7", "GetCommBaudRate 7", "GetDeviceID 8"}));
 }
 
-ReaderHandle FailingOpenComm(const char* /*device*/, uint8_t /*autodetect*/, CommSettings* /*settings*/)
+constexpr int32_t BusyError = 16;
+
+ReaderHandle READER_CALL FailingOpenComm(const char* /*device*/, uint8_t /*autodetect*/,
+                                         CommSettings* /*settings*/)
 {
-    errno = EBUSY;
+#ifdef _WIN32
+    SetLastError(BusyError);
+#else
+    errno = BusyError;
+#endif
     return 0;
 }
 
@@ -60,7 +73,7 @@ TEST(ReaderDLLTest, SystemErrorIsCapturedAfterACallThatWasMade)
     ReaderHandle comm = 1;
     const Failure failure = dll.OpenComm(L"com1", 0, settings, comm);
     EXPECT_FALSE(failure);
-    EXPECT_EQ(failure.LastDllError, EBUSY);
+    EXPECT_EQ(failure.LastDllError, BusyError);
     EXPECT_EQ(comm, 0U);
 }
 

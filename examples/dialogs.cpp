@@ -1,0 +1,53 @@
+// Shows one of the two dialogs: how a host calls the first, and what both look like.
+//
+//     example-dialogs [configure|test] [english|francais]
+//
+// The settings as they are when the dialog has been closed are written out.
+#include "dialogs/frmTest.h"
+#include "encoder/Encoder.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace
+{
+
+using namespace acg;
+
+void ShowConfigure(const std::wstring& language)
+{
+    Encoder encoder;
+    const sceReturnCode result = encoder.Configure(language);
+    std::printf("%s\n%ls\n", result == sceSuccess ? "OK" : "Cancelled", encoder.Parameters().c_str());
+}
+
+/// The test dialog as the configuration dialog opens it, without that one around it.
+void ShowTest(const std::wstring& language)
+{
+    Form none({});
+    frmTest& dialog = frmTest::OfThread();
+    dialog.Language = language;
+    dialog.Device = L"com1";
+    dialog.AutoDetect = 1;
+    dialog.BaudRate = 9600;
+    dialog.Timeout = 2200;
+    dialog.Show(ReaderDLL(), none);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const std::string dialog = argc > 1 ? argv[1] : "configure";
+    const std::string language = argc > 2 ? argv[2] : "english";
+    if (dialog != "configure" && dialog != "test") {
+        std::puts("example-dialogs [configure|test] [english|francais]");
+        return EXIT_FAILURE;
+    }
+#ifndef _WIN32
+    std::puts("This build has no windows: the dialog can't be shown.");
+#endif
+    (dialog == "test" ? ShowTest : ShowConfigure)({language.begin(), language.end()});
+    return EXIT_SUCCESS;
+}
