@@ -15,9 +15,9 @@ build_tools=(
     'have g++|g++'
     'have cmake|cmake'
     'have ninja|ninja-build'
+    'test -e /usr/include/gtest/gtest.h|libgtest-dev'
 )
 test_tools=(
-    'test -e /usr/include/gtest/gtest.h|libgtest-dev'
     'have clang++|clang'
     'compgen -G "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.asan-*.a"|libclang-rt-14-dev'
 )
@@ -33,6 +33,9 @@ windows_tools=(
     'test -e /usr/share/wine/fonts/tahoma.ttf|fonts-wine'
     'have Xvfb|xvfb'
     'test -e /usr/src/googletest/CMakeLists.txt|googletest'
+    'have i686-w64-mingw32-widl|mingw-w64-tools'
+    'test -e /usr/include/wine/wine/windows/oaidl.idl|libwine-dev'
+    'have faketime|faketime'
 )
 picture_tools=(
     'have xdotool|xdotool'
@@ -49,8 +52,8 @@ missing_packages() {
 
 apt_options=()
 
-# install ENTRY...: installs what is missing; fails, with a word on why, where it can't.
-install() {
+# install_missing ENTRY...: installs what is missing; fails, with a word on why, where it can't.
+install_missing() {
     local packages
     mapfile -t packages < <(missing_packages "$@")
     [ "${#packages[@]}" -gt 0 ] || return 0
@@ -81,7 +84,7 @@ install_windows_tools() {
     if have dpkg && [ "$(id -u)" -eq 0 ]; then
         dpkg --add-architecture i386
     fi
-    install "${windows_tools[@]}" && return 0
+    install_missing "${windows_tools[@]}" && return 0
     have apt-get && [ "$(id -u)" -eq 0 ] || return 1
 
     say 'trying again from the main suite alone'
@@ -95,17 +98,16 @@ install_windows_tools() {
         'Created-By: Packages' 2>/dev/null |
         awk -v wanted="$codename" '$3 == wanted && $4 == "main" && $5 == "Debian" { print $1, $2; exit }' \
             >"$folder/suite"
-    [ -s "$folder/suite" ] || printf 'http://deb.debian.org/debian %s\n' "$codename" >"$folder/suite"
     printf 'deb [arch=%s,i386 signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] %s main\n' \
         "$(dpkg --print-architecture)" "$(cat "$folder/suite")" >"$folder/sources.list"
     printf 'Package: *\nPin: release o=Debian\nPin-Priority: 1001\n' >"$folder/preferences"
-    local apt_options=(
+    local apt_options=( # install_missing sees them: bash's locals reach the functions called
         --allow-downgrades
         -o Dir::Etc::SourceList="$folder/sources.list" -o Dir::Etc::SourceParts=/dev/null
         -o Dir::Etc::Preferences="$folder/preferences" -o Dir::Etc::PreferencesParts=/dev/null
         -o Dir::State::Lists="$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=
     )
-    install "${windows_tools[@]}" || status=$?
+    install_missing "${windows_tools[@]}" || status=$?
     rm -rf "$folder"
     return "$status"
 }
@@ -113,14 +115,15 @@ install_windows_tools() {
 # start_wine: an empty Wine and a display for this script alone. They go with the script.
 start_wine() {
     say 'starting Wine'
-    wine_folder=$(mktemp -d)
+    wine_folder=$(mktemp -d) || return 1
+    wine_display=
     trap stop_wine EXIT
     export WINEPREFIX=$wine_folder/prefix WINEARCH=win32 WINEDEBUG=-all
     # Neither its browser nor its debugger, which would wait for somebody after a crash.
     export WINEDLLOVERRIDES='mscoree=;mshtml=;winedbg.exe='
     # Debian's Wine doesn't find its own fonts, Tahoma among them.
     mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
-    cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts"
+    cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts" || return 1
 
     Xvfb -displayfd 3 -screen 0 1024x768x24 -dpi 96 -nolisten tcp -noreset \
         3>"$wine_folder/display" >"$wine_folder/log" 2>&1 </dev/null &
@@ -130,6 +133,7 @@ start_wine() {
         [ -s "$wine_folder/display" ] && break
         sleep 0.1
     done
+    [ -s "$wine_folder/display" ] || return 1
     DISPLAY=:$(cat "$wine_folder/display")
     export DISPLAY
     # There is no window manager to wait for: Wine draws the frames itself.
@@ -140,8 +144,10 @@ start_wine() {
 stop_wine() {
     timeout -k 5 20 wineserver -k || true
     timeout -k 5 20 wineserver -w || true
-    kill "$wine_display" 2>/dev/null || true
-    wait "$wine_display" 2>/dev/null || true
+    if [ -n "$wine_display" ]; then
+        kill "$wine_display" 2>/dev/null || true
+        wait "$wine_display" 2>/dev/null || true
+    fi
     rm -rf "$wine_folder"
 }
 
@@ -162,7 +168,7 @@ build() {
     mkdir -p build
     say "building build/$preset"
     if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
-        grep -vE '^\[[0-9]+/[0-9]+\]|^-- ' "$log" >&2
+        grep -vE '^\[[0-9]+/[0-9]+\]|^-- ' "$log" >&2 || true
         return 1
     fi
 }
