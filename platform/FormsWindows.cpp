@@ -197,7 +197,7 @@ struct FormWindow::System {
     std::deque<ControlWindow> Controls; // a deque, as its elements stay where they are
     bool IsShown = false;
     bool IsQuiet = false; ///< notifications that come now are of what the layer itself does
-    std::exception_ptr Failure;
+    std::exception_ptr Thrown;
 
     static INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     static LRESULT CALLBACK ControlProcedure(HWND window, UINT message, WPARAM wParam,
@@ -210,8 +210,8 @@ struct FormWindow::System {
     [[nodiscard]] RECT Pixels(const Area& twips) const;
     [[nodiscard]] int IdOf(const Control& control) const;
     [[nodiscard]] HWND WindowOf(const Control& control) const;
-    bool Make();
-    bool Make(Control& control);
+    bool MakeControls();
+    bool MakeControl(Control& control);
     void Place() const;
     void Paint(HDC context) const;
     [[nodiscard]] INT_PTR Background(HDC context, HWND window) const;
@@ -269,7 +269,7 @@ INT_PTR FormWindow::System::Handle(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
     case WM_INITDIALOG:
-        IsShown = Make();
+        IsShown = MakeControls();
         if (!IsShown) {
             Close();
         }
@@ -336,8 +336,8 @@ void FormWindow::System::HandleCommand(int id, int notification)
 /// The first failure is the one that goes on; the others come of it.
 void FormWindow::System::Keep(std::exception_ptr thrown)
 {
-    if (!Failure) {
-        Failure = std::move(thrown);
+    if (!Thrown) {
+        Thrown = std::move(thrown);
     }
     Close();
 }
@@ -366,12 +366,12 @@ HWND FormWindow::System::WindowOf(const Control& control) const
     return GetDlgItem(Dialog, IdOf(control));
 }
 
-bool FormWindow::System::Make()
+bool FormWindow::System::MakeControls()
 {
     SetWindowTextW(Dialog, Model.Caption.c_str());
     Place();
     for (Control& control : Model.Controls()) {
-        if (!Make(control)) {
+        if (!MakeControl(control)) {
             return false;
         }
     }
@@ -388,7 +388,7 @@ bool FormWindow::System::Make()
     return true;
 }
 
-bool FormWindow::System::Make(Control& control)
+bool FormWindow::System::MakeControl(Control& control)
 {
     const WindowKind kind = KindOf(control.Look.Kind);
     const RECT area = Pixels(control.Look.Where);
@@ -478,8 +478,8 @@ bool FormWindow::RunModal(FormWindow* Owner)
     const EmptyTemplate empty;
     DialogBoxIndirectParamW(nullptr, &empty.Header, noOwner ? noOwner->Window() : m_system->Owner->Dialog,
                             &System::DialogProcedure, reinterpret_cast<LPARAM>(m_system.get()));
-    if (m_system->Failure) {
-        std::rethrow_exception(m_system->Failure);
+    if (m_system->Thrown) {
+        std::rethrow_exception(m_system->Thrown);
     }
     return m_system->IsShown;
 }

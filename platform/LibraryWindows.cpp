@@ -20,22 +20,30 @@ std::wstring OwnFolder()
                            reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == FALSE) {
         return {};
     }
-    constexpr DWORD longestPath = 32767;
-    std::wstring path(longestPath, L'\0');
-    path.resize(GetModuleFileNameW(self, path.data(), longestPath));
+    constexpr DWORD LongestPath = 32767;
+    std::wstring path(LongestPath, L'\0');
+    path.resize(GetModuleFileNameW(self, path.data(), LongestPath));
     return path.substr(0, path.rfind(L'\\') + 1);
 }
 
 HMODULE Load(const std::wstring& file)
 {
     // Neither way leads through the current directory, for what the library itself loads as well.
-    const std::wstring folder = OwnFolder();
-    const HMODULE module =
-        folder.empty() ? nullptr
-                       : LoadLibraryExW((folder + file).c_str(), nullptr,
-                                        LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
-    return module != nullptr ? module
-                             : LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    DWORD causeHere = ERROR_MOD_NOT_FOUND;
+    if (const std::wstring folder = OwnFolder(); !folder.empty()) {
+        HMODULE const module =
+            LoadLibraryExW((folder + file).c_str(), nullptr,
+                           LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+        if (module != nullptr) {
+            return module;
+        }
+        causeHere = GetLastError();
+    }
+    HMODULE const module = LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    if (module == nullptr && causeHere != ERROR_MOD_NOT_FOUND) {
+        SetLastError(causeHere); // it is there, and what is wrong with it says more
+    }
+    return module;
 }
 
 } // namespace
