@@ -231,7 +231,7 @@ void frmConfigure::cmdTest_Click()
     TakeNumber(m_window->cboBaudrate.Text(), test.BaudRate);
     TakePosition(m_window->cboProtocol, test.Protocol);
     TakeNumber(m_window->txtTimeout.Text(), test.Timeout);
-    test.Show(m_window->Reader, m_window->Dialog);
+    test.Show(m_window->Reader, &m_window->Dialog);
 }
 
 void frmConfigure::cmdCancel_Click()

@@ -142,7 +142,7 @@ frmTest& frmTest::OfThread()
     return *object;
 }
 
-void frmTest::Show(const ReaderDLL& Reader, Form& Owner)
+void frmTest::Show(const ReaderDLL& Reader, Form* Owner)
 {
     if (m_window != nullptr) { // one dialog at a time: the thread's is open already
         return;
@@ -151,7 +151,7 @@ void frmTest::Show(const ReaderDLL& Reader, Form& Owner)
     window.cmdOK.OnPress = [this] { cmdOK_Click(); };
     window.Dialog.OnTimer = [this] { tmrTest_Timer(); };
     Form_Load();
-    window.Dialog.ShowModal(&Owner);
+    window.Dialog.ShowModal(Owner);
 }
 
 void frmTest::Form_Load()

@@ -29,8 +29,9 @@ public:
     uint8_t Protocol = 0; ///< 0 ASCII, 1 binary
     int32_t Timeout = 0;  ///< milliseconds
 
-    /// Shows the dialog on top of its owner, and returns when it has been closed.
-    void Show(const ReaderDLL& Reader, Form& Owner);
+    /// Shows the dialog, on top of its owner if it has one, and returns when it has been closed, or at once
+    /// where it can't be shown. One dialog at a time.
+    void Show(const ReaderDLL& Reader, Form* Owner = nullptr);
 
 private:
     struct Texts {

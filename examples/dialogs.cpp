@@ -25,14 +25,13 @@ void ShowConfigure(const std::wstring& language)
 /// The test dialog as the configuration dialog opens it, without that one around it.
 void ShowTest(const std::wstring& language)
 {
-    Form none({});
     frmTest& dialog = frmTest::OfThread();
     dialog.Language = language;
     dialog.Device = L"com1";
     dialog.AutoDetect = 1;
     dialog.BaudRate = 9600;
     dialog.Timeout = 2200;
-    dialog.Show(ReaderDLL(), none);
+    dialog.Show(ReaderDLL());
 }
 
 } // namespace
@@ -47,7 +46,13 @@ int main(int argc, char* argv[])
     }
 #ifndef _WIN32
     std::puts("This build has no windows: the dialog can't be shown.");
+    return EXIT_FAILURE;
 #endif
-    (dialog == "test" ? ShowTest : ShowConfigure)({language.begin(), language.end()});
+    const std::wstring wideLanguage(language.begin(), language.end());
+    if (dialog == "test") {
+        ShowTest(wideLanguage);
+    } else {
+        ShowConfigure(wideLanguage);
+    }
     return EXIT_SUCCESS;
 }
