@@ -6,35 +6,31 @@
 #include "platform/HeadlessPlayer.h"
 #include "tests/ScriptedReader.h"
 
-#include <map>
-#include <utility>
-
 namespace acg
 {
 
 class DialogTest : public EncoderTest
 {
 protected:
-    DialogTest()
+    void SetUp() override
     {
         // Both objects outlive a test as they outlive a dialog.
-        frmConfigure& configure = frmConfigure::OfThread();
-        configure.Protocol = 0;
-        configure.OKPressed = false;
+        frmConfigure::OfThread().Protocol = 0;
+        frmConfigure::OfThread().OKPressed = false;
         frmTest& test = frmTest::OfThread();
         std::tie(test.AutoDetect, test.BaudRate, test.Protocol, test.Timeout) = std::tuple(0, 0, 0, 0);
     }
-    ~DialogTest() override { HeadlessPlayer() = nullptr; }
+    void TearDown() override { HeadlessPlayer() = nullptr; }
 
     using Player = std::function<void(Form&)>;
 
     /// Shows the configuration dialog to a player, and the test dialog to another.
-    sceReturnCode Configure(const Player& play, const Player& playTest = {},
-                            std::wstring_view language = L"english")
+    sceReturnCode Configure(
+        const Player& play, const Player& playTest = [](Form&) {}, const std::wstring& language = L"english")
     {
         int forms = 0;
         HeadlessPlayer() = [&](Form& form) { (forms++ == 0 ? play : playTest)(form); };
-        return encoder.Configure(std::wstring(language));
+        return encoder.Configure(language);
     }
 
     static void Press(Form& form, const char* button) { form.Named(button).Press(); }

@@ -7,145 +7,94 @@ namespace acg
 namespace
 {
 
-TEST_F(EncoderTest, NewEncoderHasACleanRecordAndTouchesNoReader)
+TEST_F(EncoderTest, DestructionClosesReaderThenLinkAndLeavesTheRecord)
 {
-    EXPECT_EQ(Last(), Clean(L""));
+    auto mortal = std::make_unique<Encoder>(reader.DLL(), std::chrono::steady_clock::now);
+    const std::shared_ptr<CError> record = mortal->LastError();
     EXPECT_TRUE(reader.Calls.empty());
-}
-
-TEST_F(EncoderTest, RecordIsOneObjectThatOutlivesTheEncoder)
-{
-    std::shared_ptr<CError> record;
-    {
-        Encoder shortLived(reader.DLL(), std::chrono::steady_clock::now);
-        record = shortLived.LastError();
-        EXPECT_EQ(shortLived.OpenEncoder(-1), sceError);
-        EXPECT_EQ(record->Number, -2);
-        EXPECT_EQ(shortLived.LastError(), record);
-    }
-    EXPECT_EQ(record->Number, -2);
-}
-
-TEST_F(EncoderTest, DestructionClosesReaderThenLinkEvenIfNeverOpened)
-{
-    {
-        const Encoder neverOpened(reader.DLL(), std::chrono::steady_clock::now);
-    }
-    EXPECT_EQ(reader.Calls, (std::vector<std::string>{"CloseReader 0", "CloseComm 0"}));
-
+    mortal->ReOpenEncoder();
+    EXPECT_EQ(mortal->OpenEncoder(-1), sceError);
     reader.Forget();
-    {
-        Encoder opened(reader.DLL(), std::chrono::steady_clock::now);
-        opened.ReOpenEncoder();
-        reader.Forget();
-    }
-    EXPECT_EQ(reader.Calls, (std::vector<std::string>{"CloseReader 34", "CloseComm 17"}));
+    mortal = std::make_unique<Encoder>(reader.DLL(), std::chrono::steady_clock::now);
+    EXPECT_EQ(record->Number, -2);
+    mortal.reset();
+    const std::vector<std::string> closed = {"CloseReader 34", "CloseComm 17", "CloseReader 0",
+                                             "CloseComm 0"};
+    EXPECT_EQ(reader.Calls, closed);
 }
 
 TEST_F(EncoderTest, TracingPutsTheFormerNameInFrontOfThePath)
 {
-    EncoderInside::Trace(encoder, L"A");
-    EXPECT_EQ(Last(), Clean(L"A"));
-    EncoderInside::Trace(encoder, L"B");
-    EXPECT_EQ(Last(), (Record{.ComFunction = L"B", .RdrCommand = L"A"}));
-    EncoderInside::Trace(encoder, L"C");
-    EXPECT_EQ(Last(), (Record{.ComFunction = L"C", .RdrCommand = L"B:A"}));
-
+    EXPECT_EQ(Last(), Clean(L""));
+    for (const auto& [name, path] : {std::pair(L"A", L""), {L"B", L"A"}, {L"C", L"B:A"}}) {
+        EncoderInside::Trace(encoder, name);
+        EXPECT_EQ(Last(), (Record{.ComFunction = name, .RdrCommand = path}));
+    }
     encoder.LastError()->ComFunction.clear();
     EncoderInside::Trace(encoder, L"D");
-    EXPECT_EQ(Last(), (Record{.ComFunction = L"D", .RdrCommand = L"B:A"}));
-
     EncoderInside::SetNumberAndDescription(encoder, -6, L"failure");
-    EXPECT_EQ(Last(), (Record{-6, L"failure", L"D", L"B:A", L"", 0}));
-}
-
-TEST_F(EncoderTest, UnsupportedPropertiesRaiseWhetherOpenOrClosed)
-{
-    const auto expectRaised = [this](std::wstring_view name, const auto& read) {
-        try {
-            read();
-            ADD_FAILURE() << "nothing was raised";
-        } catch (const RaisedFailure& raised) {
-            EXPECT_EQ(raised.Number, -16);
-            EXPECT_EQ(raised.Description, L"Feature not supported");
-            EXPECT_EQ(raised.Source, L"");
-        }
-        EXPECT_EQ(Last(), (Record{-16, L"Feature not supported", std::wstring(name), L"", L"", 0}));
-    };
-    for (const bool open : {false, true}) {
-        if (open) {
-            Open();
-        }
-        expectRaised(L"ATRString", [this] { static_cast<void>(encoder.ATRString()); });
-        expectRaised(L"CardType", [this] { static_cast<void>(encoder.CardType()); });
-        expectRaised(L"SerialNumberLength", [this] { static_cast<void>(encoder.SerialNumberLength()); });
-        EXPECT_TRUE(reader.Calls.empty());
-    }
+    EXPECT_EQ(Last(), (Record{-6, L"failure", L"D", L"B:A"}));
 }
 
 TEST_F(EncoderTest, ReaderTypeIsAskedAnewAndEndsAtItsFirstNul)
 {
     Open();
-    struct Case {
-        std::string Answer;
-        std::wstring Type;
-    };
-    const Case cases[] = {{"MultiISO 2.5", L"MultiISO 2.5"},
-                          {std::string("One\0two", 7), L"One"},
-                          {std::string("\0x", 2), L""},
-                          {"", L""}};
-    for (const Case& row : cases) {
-        reader.Type = row.Answer;
-        EXPECT_EQ(encoder.ReaderType(), row.Type);
+    for (const std::string& answer : {std::string("One"), std::string("Two\0more", 8)}) {
+        reader.Type = answer;
+        EXPECT_EQ(encoder.ReaderType(), answer == "One" ? L"One" : L"Two");
         EXPECT_EQ(Last(), Clean(L"ReaderType"));
     }
-    EXPECT_EQ(reader.Calls.size(), std::size(cases));
     EXPECT_EQ(EncoderInside::LowerReaderType(encoder), L"multiiso 2.5");
 }
 
-TEST_F(EncoderTest, ReaderTypeRaisesWhatItRecords)
+TEST_F(EncoderTest, PropertiesRaiseWhatTheyRecord)
 {
-    const auto expectRaised = [this](const Record& expected) {
+    const auto raises = [this](const Record& expected, const std::optional<std::wstring>& source, auto read) {
         try {
-            static_cast<void>(encoder.ReaderType());
+            static_cast<void>(read());
             ADD_FAILURE() << "nothing was raised";
         } catch (const RaisedFailure& raised) {
-            EXPECT_EQ(raised.Number, expected.Number);
-            EXPECT_EQ(raised.Description, expected.Description);
-            EXPECT_FALSE(raised.Source);
+            EXPECT_EQ(std::tie(raised.Number, raised.Description, raised.Source),
+                      std::tie(expected.Number, expected.Description, source));
         }
         EXPECT_EQ(Last(), expected);
     };
-    expectRaised({-1, L"Encoder is closed", L"ReaderType", L"", L"", 0});
+    const auto expectUnsupported = [&] {
+        const std::wstring text = L"Feature not supported";
+        raises({-16, text, L"ATRString"}, L"", [this] { return encoder.ATRString(); });
+        raises({-16, text, L"CardType"}, L"", [this] { return encoder.CardType(); });
+        raises({-16, text, L"SerialNumberLength"}, L"", [this] { return encoder.SerialNumberLength(); });
+        EXPECT_TRUE(reader.Calls.empty());
+    };
+    const auto readType = [this] { return encoder.ReaderType(); };
+    raises({-1, L"Encoder is closed", L"ReaderType"}, {}, readType);
+    expectUnsupported();
     Open();
+    expectUnsupported();
     reader.Missing(ReaderFunction::GetReaderType);
-    expectRaised(CallFailed(L"GetReaderType", L"ReaderType", L"GetReaderType"));
+    raises(CallFailed(L"GetReaderType", L"ReaderType", L"GetReaderType"), {}, readType);
 }
 
 TEST_F(EncoderTest, StateFollowsTheSelectionAndLeavesACleanRecord)
 {
-    EXPECT_EQ(encoder.EncoderState(), sceClosed);
-    EXPECT_EQ(Last(), Clean(L"EncoderState"));
+    const auto expectState = [this](sceEncoderState state) {
+        EXPECT_EQ(encoder.EncoderState(), state);
+        EXPECT_EQ(Last(), Clean(L"EncoderState"));
+    };
+    expectState(sceClosed);
     EXPECT_TRUE(reader.Calls.empty());
     Open();
-
-    struct Case {
-        std::string SelectReply;
-        sceEncoderState State;
-    };
-    for (const Case& row : {Case{"04A1B2C3", sceReady},
-                            {"", sceReady},
-                            {ScriptedReader::Status('X'), sceReady},
-                            {ScriptedReader::Status('N'), sceOpened},
-                            {ScriptedReader::Status('F'), sceUnknown},
-                            {ScriptedReader::Status('x'), sceUnknown}}) {
-        reader.Reply("select", {row.SelectReply});
-        EXPECT_EQ(encoder.EncoderState(), row.State) << row.SelectReply;
-        EXPECT_EQ(Last(), Clean(L"EncoderState"));
+    const auto status = ScriptedReader::Status;
+    const std::pair<std::string, sceEncoderState> states[] = {
+        {"04A1B2C3", sceReady},    {"", sceReady},
+        {status('X'), sceReady},   {status('N'), sceOpened},
+        {status('F'), sceUnknown}, {status('x'), sceUnknown}};
+    for (const auto& [reply, state] : states) {
+        reader.Reply("select", {reply});
+        expectState(state);
     }
     reader.Missing(ReaderFunction::SendCommandGetData);
-    EXPECT_EQ(encoder.EncoderState(), sceUnknown);
-    EXPECT_EQ(Last(), Clean(L"EncoderState"));
+    expectState(sceUnknown);
 }
 
 } // namespace

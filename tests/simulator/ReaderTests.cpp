@@ -14,70 +14,57 @@ namespace simulator
 namespace
 {
 
-const std::string FactoryKey = "FFFFFFFFFFFF";
-
 Reader Open(CardBox& box, const std::string& options)
 {
     const Device device = ParseDeviceText("com1," + options).value();
     return {device, box.Lay(device.Card).value()};
 }
 
-/// A status letter shows as <L>, data as it is.
-std::string Send(Reader& reader, const std::string& command, const std::string& data = "")
+/// The replies to commands, each with a colon in front of its data: a status letter as <L>, nothing as -.
+std::string Send(Reader& reader, std::initializer_list<std::string> commands)
 {
-    const std::string reply = reader.Send(command, data);
-    return reply.size() == 2 && reply[1] == '\0' ? std::string{'<', reply[0], '>'} : reply;
+    std::string replies;
+    for (const std::string& command : commands) {
+        const std::size_t name = std::min(command.find(':'), command.size());
+        const std::string reply =
+            reader.Send(command.substr(0, name), command.substr(std::min(name + 1, command.size())));
+        const bool isStatus = reply.size() == 2 && reply[1] == '\0';
+        replies += replies.empty() ? "" : " ";
+        replies += isStatus ? std::string{'<', reply[0], '>'} : reply.empty() ? "-" : reply;
+    }
+    return replies;
 }
 
-std::string LogIn(Reader& reader, uint8_t number = 0)
+std::string LogIn(Reader& reader, const std::string& number)
 {
-    for (const char* command : {"use iso14443a", "antenna on", "select"}) {
-        Send(reader, command);
-    }
-    return Send(reader, "login", ToHex({&number, 1}) + "AA" + FactoryKey);
+    Send(reader, {"use iso14443a", "antenna on", "select"});
+    return Send(reader, {"login:" + number + "AAFFFFFFFFFFFF"});
 }
 
 TEST(SimulatedReaderTest, AnswersASessionStepByStep)
 {
     CardBox box;
     Reader reader = Open(box, "uid=0a0b0c0e,fault=login/1/C");
-    const std::array<std::string, 3> steps[] = {
-        {"antenna on", "", ""},
-        {"select", "", "<N>"}, // ISO 14443 A is not chosen yet
-        {"use iso14443a", "", ""},
-        {"select", "", "0A0B0C0E"},
-        {"login", "01AA" + FactoryKey, "<C>"}, // a planned fault ends the selection
-        {"login", "01AA" + FactoryKey, "<O>"},
-        {"select", "", "0A0B0C0E"},
-        {"read block", "04", "<O>"},
-        {"login", "01CC" + FactoryKey, "<?>"},
-        {"login", "01AA", "<?>"},
-        {"login", "01AA" + FactoryKey, "<L>"},
-        {"write vblock", "06123456FE", "123456FE"},
-        {"read block", "06", "FE56341201A9CBEDFE56341206F906F9"},
-        {"read block", "08", "<O>"},
-        {"read block", "40", "<R>"},
-        {"dance", "", "<?>"},
-        {"write block", "07A0A1A2A3A4A5FF078069B0B1B2B3B4B5", "000000000000FF078069000000000000"},
-        {"read block", "07", "000000000000FF078069B0B1B2B3B4B5"},
-        {"write vblock", "0700000001", "<F>"}, // a trailer
-        {"login", "01AA" + FactoryKey, "<O>"}, // what the card refuses ends the selection
-        {"select", "", "0A0B0C0E"},
-        {"login", "01AA" + FactoryKey, "<X>"},
-        {"login", "01AAA0A1A2A3A4A5", "<O>"},
-        {"select", "", "0A0B0C0E"},
-        {"login", "00AA" + FactoryKey, "<L>"},
-        {"read block", "00", "0A0B0C0E0308040053494D554C415445"},
-        {"select", "", "0A0B0C0E"}, // ends the login
-        {"read block", "00", "<O>"},
-        {"login", "00AA" + FactoryKey, "<L>"},
-        {"write block", "0000000000000000000000000000000000", "<F>"},
-        {"antenna off", "", ""},
-        {"select", "", "<N>"},
+    const std::string select = "select";
+    const std::string login = "login:01AAFFFFFFFFFFFF";
+    const std::string login0 = "login:00AAFFFFFFFFFFFF";
+    const auto expect = [&reader](std::initializer_list<std::string> commands, const std::string& replies) {
+        EXPECT_EQ(Send(reader, commands), replies);
     };
-    for (const auto& [command, sent, reply] : steps) {
-        EXPECT_EQ(Send(reader, command, sent), reply) << command << ' ' << sent;
-    }
+    expect({"antenna on", select, "use iso14443a", select}, "- <N> - 0A0B0C0E"); // it needs both
+    expect({login, login, select, "read block:04"},
+           "<C> <O> 0A0B0C0E <O>"); // a planned fault ends the selection
+    expect({"login:01CCFFFFFFFFFFFF", "login:01AA", login, "dance"}, "<?> <?> <L> <?>");
+    expect({"write vblock:06123456FE", "read block:06"}, "123456FE FE56341201A9CBEDFE56341206F906F9");
+    expect({"read block:08", "read block:40"}, "<O> <R>");
+    expect({"write block:07A0A1A2A3A4A5FF078069B0B1B2B3B4B5"}, "000000000000FF078069000000000000");
+    expect({"read block:07"}, "000000000000FF078069B0B1B2B3B4B5");
+    // What the card refuses, such as a value in a trailer or a wrong key, ends the selection too.
+    expect({"write vblock:0700000001", login, select}, "<F> <O> 0A0B0C0E");
+    expect({login, "login:01AAA0A1A2A3A4A5", select}, "<X> <O> 0A0B0C0E");
+    expect({login0, "read block:00"}, "<L> 0A0B0C0E0308040053494D554C415445");
+    expect({select, "read block:00", login0}, "0A0B0C0E <O> <L>"); // a selection ends the login
+    expect({"write block:0000000000000000000000000000000000", "antenna off", select}, "<F> - <N>");
 }
 
 TEST(SimulatedReaderTest, LoginNumberOpensItsSectorAndNoBlockBesides)
@@ -85,25 +72,27 @@ TEST(SimulatedReaderTest, LoginNumberOpensItsSectorAndNoBlockBesides)
     CardBox box;
     Reader small = Open(box, "card=1k");
     Reader large = Open(box, "card=4k");
+    const auto hex = [](unsigned number) {
+        const auto byte = static_cast<uint8_t>(number);
+        return ToHex({&byte, 1});
+    };
     for (unsigned login = 0; login < 256; ++login) {
-        const auto number = static_cast<uint8_t>(login);
-        EXPECT_EQ(LogIn(small, number), login < 16 ? "<L>" : "<R>") << login;
+        EXPECT_EQ(LogIn(small, hex(login)), login < 16 ? "<L>" : "<R>") << login;
         const bool exists = login < 32 || (login < 64 && login % 4 == 0);
-        EXPECT_EQ(LogIn(large, number), exists ? "<L>" : "<R>") << login;
+        EXPECT_EQ(LogIn(large, hex(login)), exists ? "<L>" : "<R>") << login;
         const unsigned end = login * 4 + (login < 32 ? 4 : 16);
         for (unsigned block = 0; block < 256; ++block) {
-            const auto byte = static_cast<uint8_t>(block);
-            ASSERT_EQ(Send(large, "read block", ToHex({&byte, 1})).size() == 32,
+            ASSERT_EQ(Send(large, {"read block:" + hex(block)}).size() == 32,
                       exists && block >= login * 4 && block < end)
                 << login << ' ' << block;
         }
     }
 }
 
-// The replies to a login, a read of a block, a login, a write of ones, a login and a read: a letter, the
-// first digit of data, or a dash for nothing.
 TEST(SimulatedReaderTest, OptionsTellWhatComesOfALife)
 {
+    // The replies to a login, a read of a block, a login, a write of ones, a login and a read: a letter, the
+    // first digit of data, or a dash for nothing.
     const std::pair<const char*, const char*> lives[] = {
         {"uid=00000001", "L0L1L1"},
         {"uid=00000001,card=4k", "L1L1L1"}, // a card is its serial number
@@ -112,16 +101,15 @@ TEST(SimulatedReaderTest, OptionsTellWhatComesOfALife)
         {"uid=00000003,remove=10", "L0L1NN"},
         {"uid=00000003", "L1L1L1"},
         {"card=none", "NNNNNN"},
-        {"uid=00000004,reader=MultiISO 1.0", "-0-1-1"},
-    };
+        {"uid=00000004,reader=MultiISO 1.0", "-0-1-1"}};
     CardBox box;
     for (const auto& [options, expected] : lives) {
         Reader reader = Open(box, options);
         std::string replies;
-        for (const char* command : {"read block", "write block", "read block"}) {
-            const std::string data = *command == 'w' ? "01" + std::string(32, '1') : "01";
-            for (const std::string& reply : {LogIn(reader), Send(reader, command, data)}) {
-                replies += reply.empty() ? '-' : reply[reply.front() == '<' ? 1 : 0];
+        for (const char* command :
+             {"read block:01", "write block:0111111111111111111111111111111111", "read block:01"}) {
+            for (const std::string& reply : {LogIn(reader, "00"), Send(reader, {command})}) {
+                replies += reply[reply.front() == '<' ? 1 : 0];
             }
         }
         EXPECT_EQ(replies, expected) << options;
