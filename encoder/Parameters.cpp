@@ -29,6 +29,8 @@ void Store(std::wstring_view value, Field& field)
 
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a host may give a text out of the record, which is
+// reset
 void Encoder::Parameters(std::wstring Text)
 {
     ResetLastError();

@@ -559,11 +559,8 @@ void FormWindow::ShowNow(const Control& Shown)
             PostQuitMessage(static_cast<int>(event.wParam)); // for the loops outside
             return;
         }
-        const System* form = m_system.get();
-        while (form != nullptr && IsDialogMessageW(form->Dialog, &event) == FALSE) {
-            form = form->Owner;
-        }
-        if (form == nullptr) { // none of theirs
+        // An owner is disabled meanwhile: no key is meant for it.
+        if (IsDialogMessageW(m_system->Dialog, &event) == FALSE) {
             TranslateMessage(&event);
             DispatchMessageW(&event);
         }
