@@ -1,0 +1,78 @@
+// The four functions that a host's component loader calls, and the factories behind them.
+//
+// The module Globals stands here with its start routine, as it would run when the component starts. All that
+// it has to do is to clear the pending failure; here that is a value, which goes with the call that raised
+// it. So there is nothing for it to do, and no DllMain.
+#include <initguid.h> // gives the identifiers of the type library their place
+
+#include "boundary/AutomationEncoder.h"
+#include "boundary/AutomationError.h"
+#include "boundary/ComObject.h"
+#include "boundary/Registration.h"
+#include "boundary/TypeLibrary.h"
+
+#include <olectl.h>
+
+namespace acg
+{
+
+namespace
+{
+
+template <class Class>
+class Factory final : public ComObject<IClassFactory>
+{
+public:
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* Outer, REFIID Wanted, void** Object) override
+    {
+        if (Outer != nullptr) {
+            return Guarded([&] {
+                Given(Object) = nullptr;
+                Check(CLASS_E_NOAGGREGATION);
+            });
+        }
+        return Create<Class>(Wanted, Object);
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL Lock) override
+    {
+        Uses += Lock != FALSE ? 1 : -1;
+        return S_OK;
+    }
+};
+
+} // namespace
+
+} // namespace acg
+
+STDAPI DllGetClassObject(REFCLSID Class, REFIID Wanted, LPVOID* Object)
+{
+    if (Class == __uuidof(Encoder)) {
+        return acg::Create<acg::Factory<acg::AutomationEncoder>>(Wanted, Object);
+    }
+    if (Class == __uuidof(CError)) {
+        return acg::Create<acg::Factory<acg::AutomationError>>(Wanted, Object);
+    }
+    return acg::Guarded([&] {
+        acg::Given(Object) = nullptr;
+        acg::Check(CLASS_E_CLASSNOTAVAILABLE);
+    });
+}
+
+STDAPI DllCanUnloadNow()
+{
+    if (acg::Uses != 0) {
+        return S_FALSE;
+    }
+    acg::LetGoOfTypeLibrary();
+    return S_OK;
+}
+
+STDAPI DllRegisterServer()
+{
+    return acg::Register();
+}
+
+STDAPI DllUnregisterServer()
+{
+    return acg::Unregister();
+}

@@ -1,0 +1,702 @@
+// Encoder and CError as a client meets them, by slot and by name, on the simulated reader.
+#include "tests/boundary/Client.h"
+
+#include <cwchar>
+#include <ocidl.h>
+#include <set>
+#include <utility>
+
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // interfaces have no destructor
+
+namespace client
+{
+
+namespace
+{
+
+constexpr LONG NoNumber = 0;
+constexpr unsigned char KeyTypeA = 1;
+const wchar_t* const FactoryKey = L"FFFFFFFFFFFF";
+
+ComPtr<_Encoder> NewEncoder()
+{
+    CLSID id{};
+    EXPECT_EQ(CLSIDFromProgID(EncoderName, &id), S_OK);
+    ComPtr<_Encoder> encoder;
+    EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(_Encoder),
+                               reinterpret_cast<void**>(encoder.GetAddressOf())),
+              S_OK);
+    return encoder;
+}
+
+ComPtr<_CError> RecordOf(_Encoder& encoder)
+{
+    ComPtr<_CError> error;
+    EXPECT_EQ(encoder.get_LastError(error.GetAddressOf()), S_OK);
+    return error;
+}
+
+LONG NumberOf(_CError& error)
+{
+    LONG number = Poison;
+    EXPECT_EQ(error.get_Number(&number), S_OK);
+    return number;
+}
+
+std::wstring FunctionOf(_CError& error)
+{
+    Text name;
+    EXPECT_EQ(error.get_ComFunction(name.Variable()), S_OK);
+    return name.Characters();
+}
+
+/// A device with a card of its own, as cards last as long as the process.
+std::wstring ParametersFor(LONG card)
+{
+    wchar_t text[32];
+    std::swprintf(text, std::size(text), L"Device=com1,uid=%08lX", card);
+    return text;
+}
+
+/// The number that OpenEncoder asks for: the fifth field.
+LONG HandleNumber(const std::wstring& information)
+{
+    size_t from = 0;
+    for (int field = 1; field < 5; ++field) {
+        from = information.find(L'|', from) + 1;
+    }
+    return std::stol(information.substr(from));
+}
+
+void Open(_Encoder& encoder, LONG card)
+{
+    ASSERT_EQ(encoder.put_Parameters(Text(ParametersFor(card))), S_OK);
+    Text information;
+    ASSERT_EQ(encoder.GetInformation(information.Variable()), S_OK);
+    sceReturnCode result = sceError;
+    ASSERT_EQ(encoder.OpenEncoder(HandleNumber(information.Characters()), &result), S_OK);
+    ASSERT_EQ(result, sceSuccess);
+}
+
+ULONG References(IUnknown& object)
+{
+    object.AddRef();
+    return object.Release();
+}
+
+class MemberTest : public testing::TestWithParam<Way>
+{
+protected:
+    const Way way = GetParam();
+    const ComPtr<_Encoder> made = NewEncoder();
+    _Encoder& encoder = *made.Get();
+    const ComPtr<_CError> record = RecordOf(encoder);
+    const Text key{FactoryKey};
+    const SCBS_SecurityLevelEnum keep = Raw<SCBS_SecurityLevelEnum>(-1);
+    const SCSS_SecurityLevelEnum keepTrailer = Raw<SCSS_SecurityLevelEnum>(-1);
+
+    template <class Called, class... Arguments>
+    void Succeeds(const Called& member, const Arguments&... arguments)
+    {
+        auto result = Raw<sceReturnCode>(Poison);
+        EXPECT_EQ(member(way, encoder, arguments..., &result), Outcome());
+        EXPECT_EQ(result, sceSuccess) << testing::PrintToString(std::wstring(member.Name));
+        EXPECT_EQ(NumberOf(*record.Get()), NoNumber);
+        EXPECT_EQ(FunctionOf(*record.Get()), member.Name);
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Ways, MemberTest, testing::Values(Way::BySlot, Way::ByName),
+                         [](const auto& way) { return way.param == Way::BySlot ? "BySlot" : "ByName"; });
+
+TEST_P(MemberTest, OperationsComeThrough)
+{
+    const LONG card = way == Way::BySlot ? 1 : 2;
+    EXPECT_EQ(PutParameters(way, encoder, Text(ParametersFor(card))), Outcome());
+    Text text;
+    EXPECT_EQ(GetParameters(way, encoder, text.Variable()), Outcome());
+    EXPECT_NE(text.Characters().find(ParametersFor(card)), std::wstring::npos);
+    Text information;
+    EXPECT_EQ(GetInformation(way, encoder, information.Variable()), Outcome());
+    EXPECT_TRUE(information.Characters().starts_with(L"Tarvello|ACG Multi-ISO|7.1.1947|1|"));
+    Succeeds(OpenEncoder, HandleNumber(information.Characters()));
+
+    sceEncoderState state{};
+    EXPECT_EQ(EncoderState(way, encoder, &state), Outcome());
+    EXPECT_EQ(state, sceReady);
+    Text type;
+    EXPECT_EQ(ReaderType(way, encoder, type.Variable()), Outcome());
+    EXPECT_EQ(type.Characters(), L"MultiISO 2.1");
+
+    Succeeds(ReadSerialNumber, text.Variable());
+    EXPECT_EQ(text.Characters(), ParametersFor(card).substr(16));
+    LONG number = Poison;
+    unsigned char checkSum = 0;
+    Succeeds(ReadManufacturerCode, key, KeyTypeA, &number, &checkSum, text.Variable());
+    EXPECT_EQ(number, card);
+    EXPECT_EQ(checkSum, card); // the exclusive or of the number's bytes
+    EXPECT_EQ(text.Characters().size(), 22U);
+
+    Text block(L" 000102030405060708090a0b0c0d0e0f ");
+    Succeeds(WriteDataBloc, 5, key, KeyTypeA, block.Variable());
+    Text bytes(L"AABB");
+    constexpr unsigned char from = 14;
+    constexpr unsigned char to = 15;
+    Succeeds(WriteBytesInBloc, 5, key, KeyTypeA, from, to, bytes.Variable());
+    Succeeds(ReadDataBloc, 5, key, KeyTypeA, block.Variable());
+    EXPECT_EQ(block.Characters(), L"000102030405060708090A0B0C0DAABB");
+    EXPECT_EQ(bytes.Characters(), block.Characters());
+    Succeeds(WriteValueBloc, 6, key, KeyTypeA, -2);
+    Succeeds(ReadDataBloc, 6, key, KeyTypeA, block.Variable());
+    EXPECT_EQ(block.Characters().substr(0, 16), L"FEFFFFFF01000000");
+
+    constexpr unsigned char bothKeys = 2;
+    const auto readOnly = Raw<SCBS_SecurityLevelEnum>(scbs_A_Read + scbs_B_Read);
+    const auto readWrite = Raw<SCBS_SecurityLevelEnum>(scbs_A_ReadWrite + scbs_B_ReadWrite);
+    const Text keyA(L"A0A1A2A3A4A5");
+    const Text keyB(L"B0B1B2B3B4B5");
+    Succeeds(WriteSectorTrailer, 2, key, KeyTypeA, keyA, keyB, bothKeys, readOnly, readWrite, keep,
+             scss_B_WriteKeysConditions, nullptr);
+    unsigned char keysUsed = 0;
+    unsigned char bx = 0;
+    SCBS_SecurityLevelEnum levels[] = {keep, keep, keep};
+    SCSS_SecurityLevelEnum trailer{};
+    Succeeds(ReadSectorTrailer, 2, keyA, KeyTypeA, &keysUsed, &levels[0], &levels[1], &levels[2], &trailer,
+             &bx);
+    EXPECT_EQ(keysUsed, bothKeys);
+    EXPECT_EQ(std::to_array(levels), (std::array{readOnly, readWrite, readWrite}));
+    EXPECT_EQ(trailer, scss_B_WriteKeysConditions);
+    EXPECT_EQ(bx, 0x69);
+
+    EXPECT_EQ(ReOpenEncoder(way, encoder), Outcome());
+    EXPECT_EQ(FunctionOf(*record.Get()), L"OpenEncoder");
+    Succeeds(CloseEncoder);
+    EXPECT_EQ(EncoderState(way, encoder, &state), Outcome());
+    EXPECT_EQ(state, sceClosed);
+}
+
+TEST_P(MemberTest, FailedOperationGivesItsResultAndNoFailedCall)
+{
+    Text block(L"kept");
+    sceReturnCode result = sceSuccess;
+    EXPECT_EQ(ReadDataBloc(way, encoder, 5, key, KeyTypeA, block.Variable(), &result), Outcome());
+    EXPECT_EQ(result, sceError);
+    EXPECT_EQ(block.Characters(), L"kept");
+    EXPECT_EQ(NumberOf(*record.Get()), -1);
+    EXPECT_EQ(FunctionOf(*record.Get()), L"ReadDataBloc");
+}
+
+TEST_P(MemberTest, RaisedFailureCarriesNumberDescriptionAndSource)
+{
+    const auto raises = [&](const auto& member, auto result, const Outcome& expected) {
+        EXPECT_EQ(member(way, encoder, &result), expected);
+        EXPECT_EQ(way == Way::BySlot, result == decltype(result)()); // by name it isn't handed over
+        EXPECT_EQ(NumberOf(*record.Get()), expected.Result);
+        EXPECT_EQ(FunctionOf(*record.Get()), member.Name);
+    };
+    const Outcome notSupported = {-16, L"Feature not supported", L""};
+    raises(ATRString, reinterpret_cast<BSTR>(Poison), notSupported);
+    raises(CardType, Raw<sceCardTypes>(Poison), notSupported);
+    raises(SerialNumberLength, Poison, notSupported);
+    raises(ReaderType, reinterpret_cast<BSTR>(Poison), {-1, L"Encoder is closed", EncoderName});
+}
+
+TEST_P(MemberTest, RecordsFieldsCanBeReadAndWritten)
+{
+    ComPtr<_CError> error;
+    EXPECT_EQ(LastError(way, encoder, error.GetAddressOf()), Outcome());
+    ASSERT_EQ(error.Get(), record.Get());
+    ForEach(NumberFields, [&](const auto& field) {
+        LONG value = Poison;
+        EXPECT_EQ(field.second(way, *error.Get(), -7), Outcome());
+        EXPECT_EQ(field.first(way, *error.Get(), &value), Outcome());
+        EXPECT_EQ(value, -7);
+    });
+    ForEach(TextFields, [&](const auto& field) {
+        const std::wstring withNul = std::wstring(L"a\0b", 3) + field.first.Name;
+        Text value;
+        EXPECT_EQ(field.second(way, *error.Get(), Text(withNul)), Outcome());
+        EXPECT_EQ(field.first(way, *error.Get(), value.Variable()), Outcome());
+        EXPECT_EQ(value.Characters(), withNul);
+        Text empty;
+        EXPECT_EQ(field.second(way, *error.Get(), nullptr), Outcome());
+        EXPECT_EQ(field.first(way, *error.Get(), empty.Variable()), Outcome());
+        EXPECT_EQ(empty.Characters(), L"");
+    });
+}
+
+/// An object that stands for a number where a value is wanted.
+class NumberObject final : public IDispatch
+{
+public:
+    explicit NumberObject(LONG number) : m_number(number) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override
+    {
+        *object = wanted == __uuidof(IUnknown) || wanted == __uuidof(IDispatch) ? this : nullptr;
+        return *object != nullptr ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++References; }
+    ULONG STDMETHODCALLTYPE Release() override { return --References; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result,
+                                     EXCEPINFO*, UINT*) override
+    {
+        EXPECT_EQ(member, DISPID_VALUE);
+        V_VT(result) = VT_I4;
+        V_I4(result) = m_number;
+        return S_OK;
+    }
+
+    ULONG References = 1;
+
+private:
+    LONG m_number;
+};
+
+TEST_P(MemberTest, ByteIsConvertedBySystemAndItsVariableLeftAlone)
+{
+    constexpr LONG BadBX = -15;
+    NumberObject object(105);
+    NumberObject tooLarge(256);
+    struct {
+        const char* What;
+        Variant Given;
+        LONG Number; ///< of the record
+        LONG Byte;   ///< on the card, where it was written
+    } cases[] = {
+        {"left out", Variant(VT_ERROR, DISP_E_PARAMNOTFOUND), NoNumber, 0x69},
+        {"another error", Variant(VT_ERROR, E_FAIL), BadBX, 0},
+        {"empty", Variant(), NoNumber, 0},
+        {"null", Variant(VT_NULL), BadBX, 0},
+        {"255", Variant(VT_I4, 255), NoNumber, 255},
+        {"256", Variant(VT_I4, 256), BadBX, 0},
+        {"-1", Variant(VT_I4, -1), BadBX, 0},
+        {"2.5", Variant(2.5), NoNumber, 2},
+        {"text 16", Variant(L"16"), NoNumber, 16},
+        {"text that is no number", Variant(L"x"), BadBX, 0},
+        {"object of 105", Variant(object), NoNumber, 105},
+        {"object of 256", Variant(tooLarge), BadBX, 0},
+    };
+    LONG card = way == Way::BySlot ? 0x100 : 0x200;
+    for (auto& [what, given, number, byte] : cases) {
+        SCOPED_TRACE(what);
+        Open(encoder, ++card);
+        const VARIANT before = given;
+        sceReturnCode result{};
+        EXPECT_EQ(WriteSectorTrailer(way, encoder, 1, key, KeyTypeA, key, key, 1, keep, keep, keep,
+                                     keepTrailer, &given, &result),
+                  Outcome());
+        EXPECT_EQ(std::memcmp(&before, &given, sizeof(VARIANT)), 0);
+        EXPECT_EQ(NumberOf(*record.Get()), number);
+        if (number == NoNumber) {
+            Text trailer;
+            EXPECT_EQ(encoder.ReadDataBloc(7, key, KeyTypeA, trailer.Variable(), &result), S_OK);
+            EXPECT_EQ(std::stol(trailer.Characters().substr(18, 2), nullptr, 16), byte);
+        }
+    }
+    EXPECT_EQ(object.References, 2U); // ours, and that of the variant
+    EXPECT_EQ(tooLarge.References, 2U);
+}
+
+TEST(EncoderTest, RecordIsOneObjectAndOutlivesItsEncoder)
+{
+    ComPtr<_Encoder> encoder = NewEncoder();
+    const ComPtr<_CError> error = RecordOf(*encoder.Get());
+    EXPECT_EQ(RecordOf(*encoder.Get()).Get(), error.Get());
+    EXPECT_EQ(References(*error.Get()), 2U);
+
+    sceReturnCode result{};
+    EXPECT_EQ(encoder->OpenEncoder(-1, &result), S_OK);
+    EXPECT_EQ(result, sceError);
+    EXPECT_EQ(encoder.Reset(), 0U);
+    EXPECT_EQ(References(*error.Get()), 1U);
+    EXPECT_EQ(NumberOf(*error.Get()), -2);
+    EXPECT_EQ(FunctionOf(*error.Get()), L"OpenEncoder");
+}
+
+TEST(EncoderTest, EachHasItsOwnSettingsLinkAndRecord)
+{
+    const ComPtr<_Encoder> one = NewEncoder();
+    const ComPtr<_Encoder> other = NewEncoder();
+    Open(*one.Get(), 3);
+    sceReturnCode result{};
+    EXPECT_EQ(other->OpenEncoder(-1, &result), S_OK);
+    EXPECT_EQ(NumberOf(*RecordOf(*other.Get()).Get()), -2);
+    EXPECT_EQ(NumberOf(*RecordOf(*one.Get()).Get()), NoNumber);
+    sceEncoderState state{};
+    EXPECT_EQ(other->get_EncoderState(&state), S_OK);
+    EXPECT_EQ(state, sceClosed);
+    EXPECT_EQ(one->get_EncoderState(&state), S_OK);
+    EXPECT_EQ(state, sceReady);
+    Text parameters;
+    EXPECT_EQ(other->get_Parameters(parameters.Variable()), S_OK);
+    EXPECT_EQ(parameters.Characters().find(L"uid"), std::wstring::npos);
+}
+
+TEST(EncoderTest, ReleaseWhileOpenClosesReaderAndLink)
+{
+    ComPtr<_Encoder> encoder = NewEncoder();
+    Open(*encoder.Get(), 4);
+
+    // The simulated library counts lines and readers in one. The latest line that is open is this one.
+    const HMODULE reader = GetModuleHandleW(L"ACGReader330.dll");
+    const auto find = [&](const char* name) { return reinterpret_cast<void*>(GetProcAddress(reader, name)); };
+    const auto baudRateOf = reinterpret_cast<LONG(__stdcall*)(ULONG)>(find("GetCommBaudRate"));
+    const auto typeOf = reinterpret_cast<BSTR(__stdcall*)(ULONG, char*)>(find("GetReaderType"));
+    ASSERT_TRUE(baudRateOf != nullptr && typeOf != nullptr);
+    ULONG line = 0;
+    for (ULONG handle = 1; handle < 1000; ++handle) {
+        line = baudRateOf(handle) != 0 ? handle : line;
+    }
+    ASSERT_EQ(baudRateOf(line), 9600);
+    ASSERT_NE(TakeText(typeOf(line + 1, nullptr)), L"");
+
+    EXPECT_EQ(encoder.Reset(), 0U);
+    EXPECT_EQ(baudRateOf(line), 0);
+    EXPECT_EQ(TakeText(typeOf(line + 1, nullptr)), L"");
+}
+
+// The timer comes while the dialog is open, on its thread, and lets go of the last reference.
+_Encoder* InConfigure = nullptr;
+
+void CALLBACK ReleaseAndCancel(HWND /*window*/, UINT /*message*/, UINT_PTR timer, DWORD /*time*/)
+{
+    const HWND dialog = FindWindowW(nullptr, L"Configuration de l'encodeur ACG");
+    if (dialog != nullptr) {
+        KillTimer(nullptr, timer);
+        EXPECT_GT(InConfigure->Release(), 0U);
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    }
+}
+
+TEST_P(MemberTest, ConfigureKeepsItsObjectWhileItsDialogIsOpen)
+{
+    ComPtr<_Encoder> other = NewEncoder();
+    const ComPtr<_CError> error = RecordOf(*other.Get());
+    InConfigure = other.Detach();
+    constexpr UINT pollTime = 20; // milliseconds
+    ASSERT_NE(SetTimer(nullptr, 0, pollTime, &ReleaseAndCancel), 0U);
+    auto result = Raw<sceReturnCode>(Poison);
+    EXPECT_EQ(Configure(way, *InConfigure, Text(L"francais"), &result), Outcome());
+    EXPECT_EQ(result, sceCanceled);
+    EXPECT_EQ(References(*error.Get()), 1U); // the Encoder, which held it too, has gone
+    EXPECT_EQ(FunctionOf(*error.Get()), L"Configure");
+}
+
+TEST(ObjectTest, AnswersToItsInterfacesAndRefusesOthers)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder();
+    const ComPtr<_CError> error = RecordOf(*encoder.Get());
+    const struct {
+        IUnknown* Object;
+        IID Default;
+        IID OfTheOther;
+    } objects[] = {
+        {encoder.Get(), __uuidof(_Encoder), __uuidof(_CError)},
+        {error.Get(), __uuidof(_CError), __uuidof(_Encoder)},
+    };
+    for (const auto& [object, own, ofTheOther] : objects) {
+        const ULONG references = References(*object);
+        for (const IID& id : {__uuidof(IUnknown), __uuidof(IDispatch), own, __uuidof(IProvideClassInfo),
+                              __uuidof(ISupportErrorInfo)}) {
+            ComPtr<IUnknown> answered;
+            ComPtr<IUnknown> itself;
+            EXPECT_EQ(object->QueryInterface(id, reinterpret_cast<void**>(answered.GetAddressOf())), S_OK);
+            EXPECT_EQ(References(*object), references + 1);
+            EXPECT_EQ(answered.As(&itself), S_OK);
+            EXPECT_EQ(itself.Get(), object);
+        }
+        for (const IID& id : {ofTheOther, __uuidof(IClassFactory), __uuidof(IPersist)}) {
+            auto* refused = reinterpret_cast<void*>(Poison);
+            EXPECT_EQ(object->QueryInterface(id, &refused), E_NOINTERFACE);
+            EXPECT_EQ(refused, nullptr);
+        }
+        EXPECT_EQ(object->QueryInterface(own, nullptr), E_POINTER);
+        EXPECT_EQ(References(*object), references);
+
+        ComPtr<ISupportErrorInfo> errorInfo;
+        ASSERT_EQ(ComPtr<IUnknown>(object).As(&errorInfo), S_OK);
+        EXPECT_EQ(errorInfo->InterfaceSupportsErrorInfo(own), S_OK);
+        EXPECT_EQ(errorInfo->InterfaceSupportsErrorInfo(ofTheOther), S_FALSE);
+    }
+}
+
+TEST(ObjectTest, DescribesItselfByTheTypeLibrary)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder();
+    const auto idOf = [](ITypeInfo& info) {
+        TYPEATTR* attributes = nullptr;
+        EXPECT_EQ(info.GetTypeAttr(&attributes), S_OK);
+        const GUID id = attributes->guid;
+        info.ReleaseTypeAttr(attributes);
+        return id;
+    };
+    UINT count = 0;
+    EXPECT_EQ(encoder->GetTypeInfoCount(&count), S_OK);
+    EXPECT_EQ(count, 1U);
+    EXPECT_EQ(encoder->GetTypeInfoCount(nullptr), E_POINTER);
+    ComPtr<ITypeInfo> info;
+    EXPECT_EQ(encoder->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.GetAddressOf()), S_OK);
+    EXPECT_EQ(idOf(*info.Get()), __uuidof(_Encoder));
+    ComPtr<IProvideClassInfo> provider;
+    EXPECT_EQ(encoder.As(&provider), S_OK);
+    EXPECT_EQ(provider->GetClassInfo(info.ReleaseAndGetAddressOf()), S_OK);
+    EXPECT_EQ(idOf(*info.Get()), __uuidof(Encoder));
+    auto* none = reinterpret_cast<ITypeInfo*>(Poison);
+    EXPECT_EQ(encoder->GetTypeInfo(1, LOCALE_USER_DEFAULT, &none), DISP_E_BADINDEX);
+    EXPECT_EQ(none, nullptr);
+    EXPECT_EQ(encoder->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
+
+    DISPPARAMS nothing{};
+    LPOLESTR names[] = {const_cast<LPOLESTR>(L"WriteDataBloc"), const_cast<LPOLESTR>(L"KeyType")};
+    DISPID ids[] = {DISPID_UNKNOWN, DISPID_UNKNOWN};
+    EXPECT_EQ(encoder->GetIDsOfNames(IID{}, names, 2, LOCALE_USER_DEFAULT, ids), S_OK);
+    EXPECT_EQ(ids[1], 2);
+    EXPECT_EQ(encoder->GetIDsOfNames(__uuidof(_Encoder), names, 1, LOCALE_USER_DEFAULT, ids),
+              DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(encoder->Invoke(ids[0], __uuidof(_Encoder), LOCALE_USER_DEFAULT, Method, &nothing, nullptr,
+                              nullptr, nullptr),
+              DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(Invoke(*encoder.Get(), L"NoSuchMember", Method, nullptr, 0, nullptr).Result,
+              DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(Invoke(*encoder.Get(), L"ReadSerialNumber", Method, nullptr, 0, nullptr).Result,
+              DISP_E_BADPARAMCOUNT);
+}
+
+// What follows calls every member alike, with arguments that fit their types.
+
+template <class Formal>
+struct Argument {
+    Formal Value = static_cast<Formal>(1);
+    Formal Give() { return Value; }
+};
+template <class Variable>
+struct Argument<Variable*> {
+    Variable Value = static_cast<Variable>(1);
+    Variable* Give() { return &Value; }
+};
+template <>
+struct Argument<BSTR> {
+    Text Value{FactoryKey};
+    BSTR Give() { return Value; }
+};
+template <>
+struct Argument<BSTR*> {
+    Text Value{L"000102030405060708090A0B0C0D0E0F"};
+    BSTR* Give() { return Value.Variable(); }
+};
+template <>
+struct Argument<VARIANT*> {
+    Variant Value{L"x"};
+    VARIANT* Give() { return &Value; }
+};
+template <>
+struct Argument<_CError**> {
+    ComPtr<_CError> Value;
+    _CError** Give() { return Value.ReleaseAndGetAddressOf(); }
+};
+
+/// A text, or the text of a variant, may be null; no other pointer.
+template <class Formal>
+constexpr bool MustBeGiven =
+    std::is_pointer_v<Formal> && !std::is_same_v<Formal, BSTR> && !std::is_same_v<Formal, VARIANT*>;
+
+/// One call, and what it needs.
+template <class Interface, class... Formal>
+class Call
+{
+public:
+    explicit Call(const Member<Interface, Formal...>& member) : m_member(member)
+    {
+        if constexpr (GivesText) {
+            BSTR& text = *std::get<0>(m_arguments).Give();
+            SysFreeString(std::exchange(text, nullptr));
+        }
+    }
+
+    static constexpr int NoPosition = -1;
+    /// As its result, for which there is no text before the call.
+    static constexpr bool GivesText = sizeof...(Formal) == 1 && (std::is_same_v<Formal, BSTR*> && ...);
+
+    HRESULT operator()(Interface& object, int nullPosition = NoPosition)
+    {
+        int at = 0;
+        const auto give = [&]<class One>(Argument<One>& argument) {
+            const bool null = at++ == nullPosition;
+            if constexpr (MustBeGiven<One>) {
+                return null ? nullptr : argument.Give();
+            } else {
+                return argument.Give();
+            }
+        };
+        const std::tuple<Formal...> given =
+            std::apply([&](auto&... one) { return std::tuple<Formal...>{give(one)...}; }, m_arguments);
+        return std::apply([&](Formal... one) { return (object.*m_member.Slot)(one...); }, given);
+    }
+
+    /// The variables of numbers still hold what they held before.
+    [[nodiscard]] bool NumbersAreUntouched() const
+    {
+        const auto isUntouched = []<class One>(const Argument<One>& argument) {
+            if constexpr (std::is_same_v<One, LONG*> || std::is_same_v<One, unsigned char*>) {
+                return argument.Value == 1;
+            }
+            return true;
+        };
+        return std::apply([&](const auto&... one) { return (isUntouched(one) && ...); }, m_arguments);
+    }
+
+    /// Calls it with each pointer in turn being null.
+    void RefusesNull(Interface& object)
+    {
+        int at = 0;
+        for (const bool mustBeGiven : {MustBeGiven<Formal>..., false}) {
+            if (mustBeGiven) {
+                EXPECT_EQ((*this)(object, at), E_POINTER) << "without argument " << at;
+            }
+            ++at;
+        }
+    }
+
+private:
+    const Member<Interface, Formal...>& m_member;
+    std::tuple<Argument<Formal>...> m_arguments;
+};
+
+/// Every member of both objects. The body: (object, member).
+template <class Body>
+void ForEveryMember(_Encoder& encoder, const Body& body)
+{
+    const auto onRecord = [&](const auto& field) {
+        const ComPtr<_CError> record = RecordOf(encoder);
+        body(*record.Get(), field.second);
+        body(*record.Get(), field.first);
+    };
+    ForEach(EncoderMembers, [&](const auto& member) { body(encoder, member); });
+    ForEach(NumberFields, onRecord);
+    ForEach(TextFields, onRecord);
+}
+
+TEST(EveryMemberTest, RefusesNullInPlaceOfAVariable)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder();
+    ForEveryMember(*encoder.Get(), [](auto& object, const auto& member) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(member.Name)));
+        Call(member).RefusesNull(object);
+    });
+    EXPECT_EQ(encoder->Configure(nullptr, nullptr), E_POINTER);
+    EXPECT_EQ(FunctionOf(*RecordOf(*encoder.Get()).Get()), L""); // no operation has begun
+}
+
+/// Sees every block of the system's allocator, in which texts lie, while it stands.
+class AllocationSpy final : public IMallocSpy
+{
+public:
+    AllocationSpy()
+    {
+        // The system keeps freed texts for itself, unless it is told not to.
+        const auto setNoCache = reinterpret_cast<void (*)()>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"oleaut32.dll"), "SetOaNoCache")));
+        setNoCache();
+        EXPECT_EQ(CoRegisterMallocSpy(this), S_OK);
+    }
+    ~AllocationSpy() { EXPECT_EQ(CoRevokeMallocSpy(), S_OK); }
+    AllocationSpy(const AllocationSpy&) = delete;
+    AllocationSpy& operator=(const AllocationSpy&) = delete;
+
+    std::set<void*> Live;  ///< made since it stands, and not freed
+    bool FailNext = false; ///< once
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override
+    {
+        *object = wanted == __uuidof(IUnknown) || wanted == __uuidof(IMallocSpy) ? this : nullptr;
+        return *object != nullptr ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    SIZE_T STDMETHODCALLTYPE PreAlloc(SIZE_T size) override
+    {
+        return std::exchange(FailNext, false) ? 0 : size;
+    }
+    void* STDMETHODCALLTYPE PostAlloc(void* block) override
+    {
+        if (block != nullptr) {
+            Live.insert(block);
+        }
+        return block;
+    }
+    void* STDMETHODCALLTYPE PreFree(void* block, BOOL /*spied*/) override
+    {
+        EXPECT_TRUE(block == nullptr || Live.erase(block) == 1) << "freed twice, or not ours";
+        return block;
+    }
+    void STDMETHODCALLTYPE PostFree(BOOL /*spied*/) override {}
+    SIZE_T STDMETHODCALLTYPE PreRealloc(void* block, SIZE_T size, void** realBlock, BOOL /*spied*/) override
+    {
+        *realBlock = block;
+        Live.erase(block);
+        return size;
+    }
+    void* STDMETHODCALLTYPE PostRealloc(void* block, BOOL /*spied*/) override { return PostAlloc(block); }
+    void* STDMETHODCALLTYPE PreGetSize(void* block, BOOL /*spied*/) override { return block; }
+    SIZE_T STDMETHODCALLTYPE PostGetSize(SIZE_T size, BOOL /*spied*/) override { return size; }
+    void* STDMETHODCALLTYPE PreDidAlloc(void* block, BOOL /*spied*/) override { return block; }
+    int STDMETHODCALLTYPE PostDidAlloc(void*, BOOL /*spied*/, int result) override { return result; }
+    void STDMETHODCALLTYPE PreHeapMinimize() override {}
+    void STDMETHODCALLTYPE PostHeapMinimize() override {}
+};
+
+TEST(EveryMemberTest, LeavesTextsAndVariantsToTheirOwner)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder();
+    for (const LONG card : {0, 5}) { // the first time the encoder is closed, and card operations fail
+        if (card != 0) {
+            Open(*encoder.Get(), card);
+        }
+        ForEveryMember(*encoder.Get(), [](auto& object, const auto& member) {
+            SCOPED_TRACE(testing::PrintToString(std::wstring(member.Name)));
+            SetErrorInfo(0, nullptr);
+            AllocationSpy spy;
+            {
+                Call call(member);
+                const size_t given = spy.Live.size();
+                const HRESULT result = call(object);
+                SetErrorInfo(0, nullptr);
+                EXPECT_EQ(spy.Live.size(), given + (call.GivesText && SUCCEEDED(result) ? 1 : 0));
+            }
+            EXPECT_TRUE(spy.Live.empty());
+        });
+    }
+}
+
+TEST(EveryMemberTest, LeavesTheCallersTextAloneWithoutMemory)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder(); // closed: what is handed out is all that is allocated
+    int failed = 0;
+    ForEveryMember(*encoder.Get(), [&](auto& object, const auto& member) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(member.Name)));
+        SetErrorInfo(0, nullptr);
+        AllocationSpy spy;
+        Call call(member);
+        const std::set<void*> before = spy.Live;
+        spy.FailNext = true;
+        const HRESULT result = call(object);
+        SetErrorInfo(0, nullptr);
+        if (!std::exchange(spy.FailNext, false) && result != -1 && result != -16) { // these raise
+            EXPECT_EQ(result, E_OUTOFMEMORY);
+            EXPECT_EQ(spy.Live, before);
+            EXPECT_TRUE(call.NumbersAreUntouched());
+            ++failed;
+        }
+    });
+    EXPECT_EQ(failed, 12); // of the members that hand out a text, and the one that copies a variant
+}
+
+} // namespace
+
+} // namespace client
