@@ -29,8 +29,8 @@ void Store(std::wstring_view value, Field& field)
 
 } // namespace
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): a host may give a text out of the record, which is
-// reset
+// By value: a host may give a text out of the record, which is reset before the text is read.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void Encoder::Parameters(std::wstring Text)
 {
     ResetLastError();

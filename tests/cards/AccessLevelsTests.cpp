@@ -115,7 +115,7 @@ TEST_F(AccessLevelsTest, LevelsOfMinusOneAndKeyModeZeroKeepWhatTheCardHas)
     EXPECT_EQ(Rekey(/*keysToUse=*/0, 1, -1, FactoryKey, KeyTypeA),
               (Numbers{sceSuccess, 1, 5, 5, 5, 3, 0x69}));
     RekeyNewCard(BothKeys, 13, 12);
-    Rekey(BothKeys, -1, -1, KeyB, KeyTypeB);
+    EXPECT_EQ(Rekey(BothKeys, -1, -1, KeyB, KeyTypeB), (Numbers{sceSuccess, 2, 13, 13, 13, 12, 0x69}));
     EXPECT_EQ(Read(7, KeyA), L"00000000000078778869000000000000");
     // Both keys can't store level 1.
     EXPECT_EQ(Rekey(/*keysToUse=*/0, 1, -1, KeyB, KeyTypeB), Numbers{-13});
@@ -124,12 +124,13 @@ TEST_F(AccessLevelsTest, LevelsOfMinusOneAndKeyModeZeroKeepWhatTheCardHas)
 TEST_F(AccessLevelsTest, ValueBlocksCountUntilTheEncoderIsClosed)
 {
     RekeyNewCard(BothKeys, 15, 12);
+    EXPECT_EQ(encoder.WriteValueBloc(4, KeyB, KeyTypeB, 0), sceSuccess);
     EXPECT_EQ(encoder.WriteValueBloc(5, KeyB, KeyTypeB, 1000), sceSuccess);
     EXPECT_EQ(Read(5, KeyA), L"E803000017FCFFFFE803000005FA05FA");
     Rekey(BothKeys, 13, 12, KeyB, KeyTypeB);
-    EXPECT_EQ(Read(7, KeyA).substr(12, 6), L"58778A"); // 100, 110, 100, 011
+    EXPECT_EQ(Read(7, KeyA).substr(12, 6), L"48778B"); // 110, 110, 100, 011
     encoder.ReOpenEncoder();
-    Rekey(BothKeys, 13, 12, KeyB, KeyTypeB);
+    Rekey(BothKeys, 9, 12, KeyB, KeyTypeB);
     EXPECT_EQ(Read(7, KeyA).substr(12, 6), L"787788"); // 100, 100, 100, 011
 }
 
