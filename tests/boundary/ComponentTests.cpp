@@ -658,8 +658,11 @@ TEST(EveryMemberTest, LeavesTextsAndVariantsToTheirOwner)
         if (card != 0) {
             Open(*encoder.Get(), card);
         }
-        ForEveryMember(*encoder.Get(), [](auto& object, const auto& member) {
+        ForEveryMember(*encoder.Get(), [&](auto& object, const auto& member) {
             SCOPED_TRACE(testing::PrintToString(std::wstring(member.Name)));
+            if (card != 0) {
+                encoder->ReOpenEncoder(); // the member before may have closed it
+            }
             SetErrorInfo(0, nullptr);
             AllocationSpy spy;
             {
