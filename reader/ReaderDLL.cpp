@@ -1,17 +1,12 @@
 #include "reader/ReaderDLL.h"
 
 #include "platform/AnsiText.h"
+#include "reader/ReaderCall.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <utility>
-
-#ifdef _WIN32
-#define ACG_READER_CALL __stdcall
-#else
-#define ACG_READER_CALL
-#endif
 
 namespace acg
 {

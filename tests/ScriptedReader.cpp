@@ -1,15 +1,10 @@
 #include "ScriptedReader.h"
 
 #include "platform/AnsiText.h"
+#include "reader/ReaderCall.h"
 
 #include <algorithm>
 #include <sstream>
-
-#ifdef _WIN32
-#define READER_CALL __stdcall
-#else
-#define READER_CALL
-#endif
 
 namespace acg
 {
@@ -54,39 +49,40 @@ std::string MaskKeys(const std::string& command, std::string data)
 struct ScriptedFunctions {
     /// A function that takes numbers and gives one that never changes.
     template <ReaderFunction Function, int Answer, class Result, class... Numbers>
-    static Result READER_CALL Number(Numbers... numbers)
+    static Result ACG_READER_CALL Number(Numbers... numbers)
     {
         Log(Function, int64_t{numbers}...);
         return Result{Answer};
     }
-    static ReaderHandle READER_CALL OpenComm(const char* device, uint8_t autodetect, CommSettings* settings)
+    static ReaderHandle ACG_READER_CALL OpenComm(const char* device, uint8_t autodetect,
+                                                 CommSettings* settings)
     {
         Log(ReaderFunction::OpenComm, device, int{autodetect}, settings->BaudRate, int{settings->Protocol});
         settings->BaudRate = -1; // nobody reads it
         return current->Comm;
     }
-    static ReaderHandle READER_CALL OpenReader(ReaderHandle comm, uint8_t id, int32_t third)
+    static ReaderHandle ACG_READER_CALL OpenReader(ReaderHandle comm, uint8_t id, int32_t third)
     {
         Log(ReaderFunction::OpenReader, comm, int{id}, third);
         return current->Reader;
     }
-    static char* READER_CALL DetectReader(ReaderHandle comm, char* buffer)
+    static char* ACG_READER_CALL DetectReader(ReaderHandle comm, char* buffer)
     {
         Log(ReaderFunction::DetectReader, comm);
         return Text(current->Readers, buffer, 256);
     }
-    static char* READER_CALL GetReaderType(ReaderHandle reader, char* buffer)
+    static char* ACG_READER_CALL GetReaderType(ReaderHandle reader, char* buffer)
     {
         Log(ReaderFunction::GetReaderType, reader);
         return Text(current->Type, buffer, 100);
     }
-    static char* READER_CALL GetDeviceID(ReaderHandle reader, char* buffer)
+    static char* ACG_READER_CALL GetDeviceID(ReaderHandle reader, char* buffer)
     {
         Log(ReaderFunction::GetDeviceID, reader);
         return Text(current->DeviceID, buffer, 20);
     }
-    static char* READER_CALL SendCommandGetData(ReaderHandle reader, const char* command, const char* data,
-                                                char* buffer)
+    static char* ACG_READER_CALL SendCommandGetData(ReaderHandle reader, const char* command,
+                                                    const char* data, char* buffer)
     {
         Log(ReaderFunction::SendCommandGetData, reader, command, MaskKeys(command, data));
         return Text(current->Answer(command, data), buffer, 512);

@@ -1,13 +1,12 @@
 // The binding of the library, its texts, and its call failures.
 #include "platform/AnsiText.h"
+#include "reader/ReaderCall.h"
 #include "tests/ScriptedReader.h"
 
 #ifdef _WIN32
 #include <windows.h>
-#define READER_CALL __stdcall
 #else
 #include <cerrno>
-#define READER_CALL
 #endif
 
 namespace acg
@@ -51,8 +50,8 @@ TEST(ReaderDLLTest, SettingsReadBackComeThrough)
 
 constexpr int32_t BusyError = 16;
 
-ReaderHandle READER_CALL FailingOpenComm(const char* /*device*/, uint8_t /*autodetect*/,
-                                         CommSettings* /*settings*/)
+ReaderHandle ACG_READER_CALL FailingOpenComm(const char* /*device*/, uint8_t /*autodetect*/,
+                                             CommSettings* /*settings*/)
 {
 #ifdef _WIN32
     SetLastError(BusyError);

@@ -1,17 +1,12 @@
 // The reader library as a host sees it: the shared library, its names and its byte strings.
 #include "platform/AnsiText.h"
 #include "platform/Library.h"
+#include "reader/ReaderCall.h"
 #include "reader/ReaderDLL.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-
-#ifdef _WIN32
-#define READER_CALL __stdcall
-#else
-#define READER_CALL
-#endif
 
 namespace simulator
 {
@@ -27,7 +22,7 @@ Result Call(const char* name, Arguments... arguments)
     if (address == nullptr) {
         throw std::runtime_error(name);
     }
-    return reinterpret_cast<Result(READER_CALL*)(Arguments...)>(address)(arguments...);
+    return reinterpret_cast<Result(ACG_READER_CALL*)(Arguments...)>(address)(arguments...);
 }
 
 template <class... Arguments>
