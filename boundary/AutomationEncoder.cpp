@@ -30,7 +30,6 @@ static_assert(Same({::scss_A_Nothing, ::scss_A_WriteKeys, ::scss_A_WriteConditio
 static_assert(Same({::scss_B_Nothing, ::scss_B_WriteKeys, ::scss_B_WriteConditions,
                     ::scss_B_WriteKeysConditions},
                    {scss_B_Nothing, scss_B_WriteKeys, scss_B_WriteConditions, scss_B_WriteKeysConditions}));
-static_assert(sizeof(::sceReturnCode) == sizeof(sceReturnCode));
 
 /// Texts stand first: where there is no memory for one, no variable has changed.
 template <class... Variables>

@@ -17,8 +17,8 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 
-/// The system's category of the classes that scripts may use.
-constexpr wchar_t Programmable[] = L"{40FC6ED5-2438-11CF-A3DB-080036F12502}";
+/// The system's category of Automation classes. It doesn't call them safe for scripts.
+constexpr wchar_t ProgrammableCategory[] = L"{40FC6ED5-2438-11CF-A3DB-080036F12502}";
 
 // The version and the language of the type library.
 constexpr WORD MajorVersion = 2;
@@ -44,7 +44,7 @@ std::vector<Class> Classes()
 std::wstring TextOf(const GUID& id)
 {
     wchar_t text[sizeof("{00000000-0000-0000-0000-000000000000}")];
-    StringFromGUID2(id, text, static_cast<int>(std::size(text)));
+    static_cast<void>(StringFromGUID2(id, text, static_cast<int>(std::size(text)))); // there is room
     return text;
 }
 
@@ -63,7 +63,7 @@ std::vector<Entry> EntriesOf(const Class& described)
         {key + L"\\ProgID", nullptr, described.Name},
         {key + L"\\TypeLib", nullptr, TextOf(LIBID_ACG_MultiISO_TV)},
         {key + L"\\Programmable", nullptr, L""},
-        {key + L"\\Implemented Categories\\" + Programmable, nullptr, L""},
+        {key + L"\\Implemented Categories\\" + ProgrammableCategory, nullptr, L""},
         {described.Name, nullptr, described.Name},
         {described.Name + L"\\CLSID", nullptr, TextOf(described.Id)},
     };
@@ -116,7 +116,7 @@ HRESULT Register() noexcept
 {
     const HRESULT result = Guarded(&RegisterAll);
     if (FAILED(result)) {
-        Unregister();
+        static_cast<void>(Unregister()); // why the registration failed is the answer
     }
     return result;
 }
@@ -125,7 +125,8 @@ HRESULT Unregister() noexcept
 {
     // The system does its own part where it can: not for a registration that is half done, or whose library
     // has moved. So the keys are deleted all the same, and that decides.
-    UnRegisterTypeLib(LIBID_ACG_MultiISO_TV, MajorVersion, MinorVersion, Language, SYS_WIN32);
+    static_cast<void>(
+        UnRegisterTypeLib(LIBID_ACG_MultiISO_TV, MajorVersion, MinorVersion, Language, SYS_WIN32));
     HRESULT result = S_OK;
     const HRESULT listed = Guarded([&] {
         for (const std::wstring& key : AllKeys()) {

@@ -1,4 +1,4 @@
-// How a call's failure becomes a result code. No C++ exception gets past Guarded.
+// How a call's failure becomes a result code.
 #pragma once
 
 #include <windows.h>
@@ -34,6 +34,7 @@ Variable& Given(Variable* Pointer)
 /// the range that Automation hosts turn back into the number. Any other failure leaves none.
 HRESULT ResultOfException() noexcept;
 
+/// Runs a member; no C++ exception gets past it.
 template <class Body>
 HRESULT Guarded(const Body& Run) noexcept
 {

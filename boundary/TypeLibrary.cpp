@@ -22,9 +22,10 @@ ITypeLib* LoadedLibrary = nullptr;
 
 std::wstring OwnPath()
 {
-    constexpr DWORD longestPath = 32767;
-    std::wstring path(longestPath, L'\0');
-    path.resize(GetModuleFileNameW(reinterpret_cast<HMODULE>(&__ImageBase), path.data(), longestPath));
+    constexpr DWORD LongestPath = 32767;
+    std::wstring path(LongestPath, L'\0');
+    path.resize(GetModuleFileNameW(reinterpret_cast<HMODULE>(&__ImageBase), path.data(), LongestPath));
+    Check(path.empty() ? HRESULT_FROM_WIN32(GetLastError()) : S_OK);
     return path;
 }
 

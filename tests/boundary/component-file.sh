@@ -16,5 +16,6 @@ bytes=$(stat -c %s "$file")
 
 printf '%s bytes; exports: %s; imports: %s\n' "$bytes" "$exports" "$(xargs <<<"$imports")"
 [ "$exports" = 'DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer' ]
-[ -n "$imports" ] && [ -z "$foreign" ]
+[ -n "$imports" ]
+[ -z "$foreign" ]
 [ "$bytes" -le "$most_bytes" ]
