@@ -44,7 +44,7 @@ using Clock = std::function<std::chrono::steady_clock::time_point()>;
 ///
 /// Every call blocks until the reader library has answered. An Encoder is used by one thread at a time.
 /// Operations that give a sceReturnCode report a failure by sceError and the record behind LastError; they
-/// don't throw. Each selects its card and logs in anew.
+/// don't throw. Every access to a block selects the card and logs in anew.
 ///
 /// Not here: a card's contents, a cache, a retry, a log. A key is handed to the reader and forgotten.
 class Encoder

@@ -55,8 +55,8 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
 
     const auto deadline = m_oClock() + WaitForCard;
     do {
-        static_cast<void>(
-            SelectCardInRange()); // the record decides: without a reader's type, too, the wait goes on
+        // The record decides, not the result: without a reader's type, too, the wait goes on.
+        static_cast<void>(SelectCardInRange());
     } while (m_oLastError->Number != 0 && m_oClock() < deadline);
     ResetLastError(L"OpenEncoder");
     return sceSuccess;
