@@ -9,11 +9,6 @@ namespace acg
 namespace
 {
 
-bool IsLeftOut(const VARIANT& value)
-{
-    return V_VT(&value) == VT_ERROR && V_ERROR(&value) == DISP_E_PARAMNOTFOUND;
-}
-
 bool Succeeded(HRESULT result)
 {
     if (result == E_OUTOFMEMORY) {
@@ -21,14 +16,6 @@ bool Succeeded(HRESULT result)
     }
     return SUCCEEDED(result);
 }
-
-/// A variant of our own.
-struct Variant : VARIANT {
-    Variant() { VariantInit(this); }
-    ~Variant() { VariantClear(this); }
-    Variant(const Variant&) = delete;
-    Variant& operator=(const Variant&) = delete;
-};
 
 } // namespace
 
@@ -56,6 +43,30 @@ void TextVariable::GiveBack()
     m_variable = text;
 }
 
+Variant::~Variant()
+{
+    if (V_VT(this) == VT_BSTR) {
+        Wipe(V_BSTR(this), SysStringLen(V_BSTR(this)));
+    }
+    VariantClear(this);
+}
+
+bool Variant::Convert(VARIANT& From, VARTYPE Type)
+{
+    const bool isText = V_VT(&From) == VT_BSTR || V_VT(&From) == (VT_BYREF | VT_BSTR);
+    if (isText && Type == VT_BSTR) { // the system would copy it twice, and not wipe the first
+        V_BSTR(this) = NewText(TextOf(V_ISBYREF(&From) ? *V_BSTRREF(&From) : V_BSTR(&From)));
+        V_VT(this) = VT_BSTR;
+        return true;
+    }
+    return Succeeded(VariantChangeType(this, &From, 0, Type));
+}
+
+bool IsLeftOut(const VARIANT& Value)
+{
+    return V_VT(&Value) == VT_ERROR && V_ERROR(&Value) == DISP_E_PARAMNOTFOUND;
+}
+
 std::optional<int32_t> ByteOf(VARIANT* Value)
 {
     if (Value == nullptr) {
@@ -68,7 +79,7 @@ std::optional<int32_t> ByteOf(VARIANT* Value)
     if (IsLeftOut(copy)) {
         return std::nullopt;
     }
-    return Succeeded(VariantChangeType(&copy, &copy, 0, VT_UI1)) ? V_UI1(&copy) : NoByte;
+    return copy.Convert(copy, VT_UI1) ? V_UI1(&copy) : NoByte;
 }
 
 } // namespace acg

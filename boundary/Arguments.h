@@ -78,6 +78,20 @@ private:
     SecretText m_text;
 };
 
+/// A variant of our own. A text in it may be a key.
+struct Variant : VARIANT {
+    Variant() { VariantInit(this); }
+    ~Variant();
+    Variant(const Variant&) = delete;
+    Variant& operator=(const Variant&) = delete;
+
+    /// Becomes what the system makes of a value as another type. False where it refuses.
+    bool Convert(VARIANT& From, VARTYPE Type);
+};
+
+/// An argument in whose place the caller says that there is none.
+bool IsLeftOut(const VARIANT& Value);
+
 /// No byte has this value.
 inline constexpr int32_t NoByte = -1;
 

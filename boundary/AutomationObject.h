@@ -3,6 +3,7 @@
 #pragma once
 
 #include "boundary/Arguments.h"
+#include "boundary/CallByName.h"
 #include "boundary/ComObject.h"
 #include "boundary/TypeLibrary.h"
 
@@ -46,8 +47,8 @@ public:
                                      UINT* BadArgument) override
     {
         return WithTypeInfo(Reserved, [&](ITypeInfo& info) {
-            return info.Invoke(static_cast<Interface*>(this), Member, Flags, Arguments, Result, Exception,
-                               BadArgument);
+            return CallByName(info, static_cast<Interface*>(this), Member, Flags, Arguments, Result,
+                              Exception, BadArgument);
         });
     }
 

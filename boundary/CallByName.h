@@ -1,0 +1,18 @@
+// A call by name, as IDispatch::Invoke is asked for it.
+#pragma once
+
+#include <oaidl.h>
+
+namespace acg
+{
+
+/// Calls a member of an object through the description of its interface. The type library's own call takes an
+/// argument of the declared type, or a reference to one; a script gives references to variants. So every
+/// other argument is first converted into a variable of the declared type. A script's variable gets the value
+/// of an in/out argument back when the call has come to its end, whatever result the operation gives.
+///
+/// DISP_E_TYPEMISMATCH: an argument that doesn't convert; BadArgument is its index, and nothing was called.
+HRESULT CallByName(ITypeInfo& Interface, void* Object, DISPID Member, WORD Flags, const DISPPARAMS* Arguments,
+                   VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument) noexcept;
+
+} // namespace acg
