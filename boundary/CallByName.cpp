@@ -20,29 +20,39 @@ struct Parameter {
     bool IsInOut;
 };
 
-/// The parameters of a member, without that of its result; none if there is no such member.
-std::vector<Parameter> ParametersOf(ITypeInfo& info, DISPID member, WORD flags)
+/// The parameters of a function, without that of its result.
+std::vector<Parameter> ParametersOf(const FUNCDESC& function)
 {
     std::vector<Parameter> parameters;
-    FUNCDESC* function = nullptr;
-    for (UINT at = 0; SUCCEEDED(info.GetFuncDesc(at, &function)); ++at) {
-        const auto release = [&](FUNCDESC* one) { info.ReleaseFuncDesc(one); };
-        const std::unique_ptr<FUNCDESC, decltype(release)> owner(function, release);
-        if (function->memid != member || (function->invkind & flags) == 0) {
-            continue;
+    for (SHORT at = 0; at < function.cParams; ++at) {
+        const TYPEDESC& type = function.lprgelemdescParam[at].tdesc;
+        const PARAMDESC& description = function.lprgelemdescParam[at].paramdesc;
+        const bool isReference = type.vt == VT_PTR;
+        const VARTYPE plain = isReference ? type.lptdesc->vt : type.vt;
+        if ((description.wParamFlags & PARAMFLAG_FRETVAL) == 0) {
+            // The named types among the arguments are enums.
+            parameters.push_back({plain == VT_USERDEFINED ? VARTYPE{VT_I4} : plain, isReference});
         }
-        for (SHORT i = 0; i < function->cParams; ++i) {
-            const ELEMDESC& described = function->lprgelemdescParam[i];
-            const bool isReference = described.tdesc.vt == VT_PTR;
-            const VARTYPE type = isReference ? described.tdesc.lptdesc->vt : described.tdesc.vt;
-            if ((described.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) == 0) {
-                // The named types among the arguments are enums.
-                parameters.push_back({type == VT_USERDEFINED ? VARTYPE{VT_I4} : type, isReference});
-            }
-        }
-        break;
     }
     return parameters;
+}
+
+/// None if there is no such member: the system's own call then says so.
+std::vector<Parameter> ParametersOf(ITypeInfo& info, DISPID member, WORD flags)
+{
+    const auto release = [&](FUNCDESC* function) { info.ReleaseFuncDesc(function); };
+    for (UINT at = 0;; ++at) {
+        FUNCDESC* described = nullptr;
+        const HRESULT result = info.GetFuncDesc(at, &described);
+        if (result == TYPE_E_ELEMENTNOTFOUND) {
+            return {};
+        }
+        Check(result);
+        const std::unique_ptr<FUNCDESC, decltype(release)> function(described, release);
+        if (function->memid == member && (function->invkind & flags) != 0) {
+            return ParametersOf(*function);
+        }
+    }
 }
 
 /// An argument that was converted, and the script's variable that gets it back.

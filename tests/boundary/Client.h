@@ -5,13 +5,16 @@
 #include <ACG_MultiISO_TV.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <cwchar>
 #include <oleauto.h>
 #include <ostream>
 #include <string>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 #include <wrl/client.h>
 
 namespace client
@@ -44,6 +47,7 @@ public:
     {
     }
     ~Text() { SysFreeString(m_text); }
+    void Set(const wchar_t* characters) { SysFreeString(std::exchange(m_text, SysAllocString(characters))); }
     Text(const Text&) = delete;
     Text& operator=(const Text&) = delete;
 
@@ -109,9 +113,12 @@ inline Outcome WithErrorInfo(HRESULT result)
     return outcome;
 }
 
+/// While the component works, and not the client.
+inline bool InCall = false;
+
 /// Calls a member by its name. Kind: DISPATCH_METHOD and its like. The arguments stand in reverse order.
 inline Outcome Invoke(IDispatch& object, const wchar_t* name, WORD kind, VARIANTARG* reversed, UINT count,
-                      VARIANT* result)
+                      VARIANT* result, UINT* badArgument = nullptr)
 {
     auto* names = const_cast<LPOLESTR>(name);
     DISPID id = DISPID_UNKNOWN;
@@ -126,28 +133,32 @@ inline Outcome Invoke(IDispatch& object, const wchar_t* name, WORD kind, VARIANT
         arguments.cNamedArgs = 1;
     }
     EXCEPINFO exception{};
+    InCall = true;
     const HRESULT called =
-        object.Invoke(id, IID{}, LOCALE_USER_DEFAULT, kind, &arguments, result, &exception, nullptr);
+        object.Invoke(id, IID{}, LOCALE_USER_DEFAULT, kind, &arguments, result, &exception, badArgument);
+    InCall = false;
     if (called != DISP_E_EXCEPTION) {
         return {.Result = called};
     }
     return {exception.scode, TakeText(exception.bstrDescription), TakeText(exception.bstrSource)};
 }
 
+constexpr VARTYPE VariantReference = VT_BYREF | VT_VARIANT;
+
 /// An argument as a caller by name hands it over: a pointer as a reference of its type.
 template <class Formal>
 VARIANTARG AsVariant(Formal argument)
 {
     VARIANTARG variant{};
-    if constexpr (std::is_same_v<Formal, VARIANT*>) {
-        V_VT(&variant) = VT_VARIANT | VT_BYREF;
-        V_VARIANTREF(&variant) = argument;
-    } else if constexpr (std::is_same_v<Formal, BSTR>) {
+    if constexpr (std::is_same_v<Formal, BSTR>) {
         V_VT(&variant) = VT_BSTR;
         V_BSTR(&variant) = argument;
     } else if constexpr (std::is_pointer_v<Formal>) {
         constexpr VARTYPE number = sizeof(*argument) == 1 ? VT_UI1 : VT_I4;
-        V_VT(&variant) = VT_BYREF | (std::is_same_v<Formal, BSTR*> ? VARTYPE{VT_BSTR} : number);
+        V_VT(&variant) = std::is_same_v<Formal, VARIANT*>    ? VariantReference
+                         : std::is_same_v<Formal, BSTR*>     ? VT_BYREF | VT_BSTR
+                         : std::is_same_v<Formal, _CError**> ? VT_BYREF | VT_DISPATCH
+                                                             : VT_BYREF | number;
         V_BYREF(&variant) = argument;
     } else {
         V_VT(&variant) = sizeof(Formal) == 1 ? VT_UI1 : VT_I4;
@@ -156,69 +167,68 @@ VARIANTARG AsVariant(Formal argument)
     return variant;
 }
 
-/// Takes the result of a call by name over into the variable that a caller by slot would have given: the one
-/// that the last argument points to.
-template <class Value>
-void TakeOver(VARIANT& from, Value* result)
+/// Puts what a call by name has given into the variable that a caller by slot would have named.
+inline void TakeOver(VARIANT& given, const VARIANTARG& variable)
 {
-    if constexpr (std::is_same_v<Value, BSTR>) {
-        EXPECT_EQ(V_VT(&from), VT_BSTR);
-        *result = V_BSTR(&from);
-    } else if constexpr (std::is_pointer_v<Value>) {
-        EXPECT_EQ(V_VT(&from), VT_DISPATCH);
-        *result = static_cast<Value>(V_DISPATCH(&from));
-    } else {
-        EXPECT_EQ(V_VT(&from), VT_I4);
-        *result = static_cast<Value>(V_I4(&from));
+    if (V_ISBYREF(&variable) && V_VT(&variable) != VariantReference) {
+        EXPECT_EQ(V_VT(&given) | VT_BYREF, V_VT(&variable));
+        auto* const value = reinterpret_cast<unsigned char*>(&V_BYREF(&given));
+        std::swap_ranges(value, value + (V_VT(&given) == VT_UI1 ? 1 : sizeof(LONG)),
+                         static_cast<unsigned char*>(V_BYREF(&variable)));
     }
-    V_VT(&from) = VT_EMPTY;
-}
-inline void TakeOver(VARIANT& /*from*/) {}
-inline void TakeOver(VARIANT& /*from*/, LONG /*noResult*/) {}
-template <class First, class Second, class... Rest>
-void TakeOver(VARIANT& from, First /*argument*/, Second second, Rest... rest)
-{
-    TakeOver(from, second, rest...);
 }
 
 enum class Way {
     BySlot,
-    ByName,
+    ByName,   ///< with arguments and references of the declared types, as C++ and compiled Basic do
+    AsScript, ///< by name, and every argument a reference to a variant
 };
 
-/// A member that is called by slot or by name with one and the same list of arguments, the variable of the
-/// result last. A null VARIANT* is left out by name.
+/// A member that is called in every way with one and the same list of arguments, the variable of the result
+/// last. A null VARIANT* is left out by name.
 template <class Interface, class... Formal>
 struct Member {
     const wchar_t* Name;
     WORD Kind;
     HRESULT (STDMETHODCALLTYPE Interface::*Slot)(Formal...);
 
+    static constexpr size_t Count = sizeof...(Formal);
+
     Outcome operator()(Way way, Interface& object, std::type_identity_t<Formal>... arguments) const
     {
         if (way == Way::BySlot) {
             SetErrorInfo(0, nullptr);
-            return WithErrorInfo((object.*Slot)(arguments...));
+            InCall = true;
+            const HRESULT result = (object.*Slot)(arguments...);
+            InCall = false;
+            return WithErrorInfo(result);
         }
-        std::array<VARIANTARG, sizeof...(Formal) + 1> reversed{}; // never empty
-        VARIANTARG* first = reversed.data() + sizeof...(Formal);
-        ((*--first = AsVariant<Formal>(arguments)), ...);
-        auto count = static_cast<UINT>(sizeof...(Formal));
-        if (count == 0 || Kind == DISPATCH_PROPERTYPUT) {
-            return Invoke(object, Name, Kind, first, count, nullptr);
-        }
-        const auto drop = [&] {
-            ++first;
-            --count;
-        };
-        drop(); // the variable of the result
-        if (count > 0 && V_VT(first) == (VT_VARIANT | VT_BYREF) && V_VARIANTREF(first) == nullptr) {
-            drop();
+        std::array<VARIANTARG, Count + 1> typed{}; // in reverse order; never empty
+        size_t at = Count;
+        ((typed[--at] = AsVariant<Formal>(arguments)), ...);
+        const size_t results = Count > 0 && Kind != DISPATCH_PROPERTYPUT ? 1 : 0;
+        const size_t leftOut = Count > results && V_VT(&typed[results]) == VariantReference &&
+                               V_BYREF(&typed[results]) == nullptr;
+
+        std::array<Variant, Count + 1> variables;
+        std::array<VARIANTARG, Count + 1> given = typed;
+        for (at = results + leftOut; way == Way::AsScript && at < Count; ++at) {
+            if (V_VT(&typed[at]) != VariantReference) {
+                EXPECT_EQ(VariantCopyInd(&variables[at], &typed[at]), S_OK);
+                given[at] = AsVariant<VARIANT*>(&variables[at]);
+            }
         }
         Variant result;
-        const Outcome outcome = Invoke(object, Name, Kind, first, count, &result);
+        const Outcome outcome =
+            Invoke(object, Name, Kind, &given[results + leftOut],
+                   static_cast<UINT>(Count - results - leftOut), results ? &result : nullptr);
         if (SUCCEEDED(outcome.Result)) {
-            TakeOver(result, arguments...);
+            if (results > 0) {
+                TakeOver(result, typed[0]);
+            }
+            for (at = results + leftOut; way == Way::AsScript && at < Count; ++at) {
+                TakeOver(variables[at], typed[at]);
+            }
         }
         return outcome;
     }
@@ -280,6 +290,78 @@ template <class Tuple, class Body>
 void ForEach(const Tuple& all, const Body& body)
 {
     std::apply([&](const auto&... one) { (body(one), ...); }, all);
+}
+
+// On the simulated reader.
+
+constexpr LONG NoNumber = 0;
+constexpr unsigned char KeyTypeA = 1;
+const wchar_t* const FactoryKey = L"FFFFFFFFFFFF";
+
+inline ComPtr<_Encoder> NewEncoder()
+{
+    CLSID id{};
+    EXPECT_EQ(CLSIDFromProgID(EncoderName, &id), S_OK);
+    ComPtr<_Encoder> encoder;
+    EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(_Encoder),
+                               reinterpret_cast<void**>(encoder.GetAddressOf())),
+              S_OK);
+    return encoder;
+}
+
+inline ComPtr<_CError> RecordOf(_Encoder& encoder)
+{
+    ComPtr<_CError> error;
+    EXPECT_EQ(encoder.get_LastError(error.GetAddressOf()), S_OK);
+    return error;
+}
+
+inline LONG NumberOf(_CError& error)
+{
+    LONG number = Poison;
+    EXPECT_EQ(error.get_Number(&number), S_OK);
+    return number;
+}
+
+inline std::wstring FunctionOf(_CError& error)
+{
+    Text name;
+    EXPECT_EQ(error.get_ComFunction(name.Variable()), S_OK);
+    return name.Characters();
+}
+
+/// A device with a card of its own, as cards last as long as the process.
+inline std::wstring ParametersFor(LONG card)
+{
+    wchar_t text[32];
+    std::swprintf(text, std::size(text), L"Device=com1,uid=%08lX", card);
+    return text;
+}
+
+/// The number that OpenEncoder asks for: the fifth field.
+inline LONG HandleNumber(const std::wstring& information)
+{
+    size_t from = 0;
+    for (int field = 1; field < 5; ++field) {
+        from = information.find(L'|', from) + 1;
+    }
+    return std::stol(information.substr(from));
+}
+
+inline void Open(_Encoder& encoder, LONG card)
+{
+    ASSERT_EQ(encoder.put_Parameters(Text(ParametersFor(card))), S_OK);
+    Text information;
+    ASSERT_EQ(encoder.GetInformation(information.Variable()), S_OK);
+    sceReturnCode result = sceError;
+    ASSERT_EQ(encoder.OpenEncoder(HandleNumber(information.Characters()), &result), S_OK);
+    ASSERT_EQ(result, sceSuccess);
+}
+
+inline ULONG References(IUnknown& object)
+{
+    object.AddRef();
+    return object.Release();
 }
 
 } // namespace client

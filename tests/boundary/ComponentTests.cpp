@@ -1,10 +1,7 @@
 // Encoder and CError as a client meets them, by slot and by name, on the simulated reader.
 #include "tests/boundary/Client.h"
 
-#include <cwchar>
 #include <ocidl.h>
-#include <set>
-#include <utility>
 
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // interfaces have no destructor
 
@@ -13,76 +10,6 @@ namespace client
 
 namespace
 {
-
-constexpr LONG NoNumber = 0;
-constexpr unsigned char KeyTypeA = 1;
-const wchar_t* const FactoryKey = L"FFFFFFFFFFFF";
-
-ComPtr<_Encoder> NewEncoder()
-{
-    CLSID id{};
-    EXPECT_EQ(CLSIDFromProgID(EncoderName, &id), S_OK);
-    ComPtr<_Encoder> encoder;
-    EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(_Encoder),
-                               reinterpret_cast<void**>(encoder.GetAddressOf())),
-              S_OK);
-    return encoder;
-}
-
-ComPtr<_CError> RecordOf(_Encoder& encoder)
-{
-    ComPtr<_CError> error;
-    EXPECT_EQ(encoder.get_LastError(error.GetAddressOf()), S_OK);
-    return error;
-}
-
-LONG NumberOf(_CError& error)
-{
-    LONG number = Poison;
-    EXPECT_EQ(error.get_Number(&number), S_OK);
-    return number;
-}
-
-std::wstring FunctionOf(_CError& error)
-{
-    Text name;
-    EXPECT_EQ(error.get_ComFunction(name.Variable()), S_OK);
-    return name.Characters();
-}
-
-/// A device with a card of its own, as cards last as long as the process.
-std::wstring ParametersFor(LONG card)
-{
-    wchar_t text[32];
-    std::swprintf(text, std::size(text), L"Device=com1,uid=%08lX", card);
-    return text;
-}
-
-/// The number that OpenEncoder asks for: the fifth field.
-LONG HandleNumber(const std::wstring& information)
-{
-    size_t from = 0;
-    for (int field = 1; field < 5; ++field) {
-        from = information.find(L'|', from) + 1;
-    }
-    return std::stol(information.substr(from));
-}
-
-void Open(_Encoder& encoder, LONG card)
-{
-    ASSERT_EQ(encoder.put_Parameters(Text(ParametersFor(card))), S_OK);
-    Text information;
-    ASSERT_EQ(encoder.GetInformation(information.Variable()), S_OK);
-    sceReturnCode result = sceError;
-    ASSERT_EQ(encoder.OpenEncoder(HandleNumber(information.Characters()), &result), S_OK);
-    ASSERT_EQ(result, sceSuccess);
-}
-
-ULONG References(IUnknown& object)
-{
-    object.AddRef();
-    return object.Release();
-}
 
 class MemberTest : public testing::TestWithParam<Way>
 {
@@ -105,12 +32,13 @@ protected:
         EXPECT_EQ(FunctionOf(*record.Get()), member.Name);
     }
 };
-INSTANTIATE_TEST_SUITE_P(Ways, MemberTest, testing::Values(Way::BySlot, Way::ByName),
-                         [](const auto& way) { return way.param == Way::BySlot ? "BySlot" : "ByName"; });
+constexpr const char* WayNames[] = {"BySlot", "ByName", "AsScript"};
+INSTANTIATE_TEST_SUITE_P(Ways, MemberTest, testing::Values(Way::BySlot, Way::ByName, Way::AsScript),
+                         [](const auto& way) { return WayNames[static_cast<size_t>(way.param)]; });
 
 TEST_P(MemberTest, OperationsComeThrough)
 {
-    const LONG card = way == Way::BySlot ? 1 : 2;
+    const LONG card = 0x10 + static_cast<LONG>(way);
     EXPECT_EQ(PutParameters(way, encoder, Text(ParametersFor(card))), Outcome());
     Text text;
     EXPECT_EQ(GetParameters(way, encoder, text.Variable()), Outcome());
@@ -282,7 +210,7 @@ TEST_P(MemberTest, ByteIsConvertedBySystemAndItsVariableLeftAlone)
         {"object of 105", Variant(object), NoNumber, 105},
         {"object of 256", Variant(tooLarge), BadBX, 0},
     };
-    LONG card = way == Way::BySlot ? 0x100 : 0x200;
+    LONG card = 0x100 * (1 + static_cast<LONG>(way));
     for (auto& [what, given, number, byte] : cases) {
         SCOPED_TRACE(what);
         Open(encoder, ++card);
@@ -466,238 +394,6 @@ TEST(ObjectTest, DescribesItselfByTheTypeLibrary)
               DISP_E_UNKNOWNNAME);
     EXPECT_EQ(Invoke(*encoder.Get(), L"ReadSerialNumber", Method, nullptr, 0, nullptr).Result,
               DISP_E_BADPARAMCOUNT);
-}
-
-// What follows calls every member alike, with arguments that fit their types.
-
-template <class Formal>
-struct Argument {
-    Formal Value = static_cast<Formal>(1);
-    Formal Give() { return Value; }
-};
-template <class Variable>
-struct Argument<Variable*> {
-    Variable Value = static_cast<Variable>(1);
-    Variable* Give() { return &Value; }
-};
-template <>
-struct Argument<BSTR> {
-    Text Value{FactoryKey};
-    BSTR Give() { return Value; }
-};
-template <>
-struct Argument<BSTR*> {
-    Text Value{L"000102030405060708090A0B0C0D0E0F"};
-    BSTR* Give() { return Value.Variable(); }
-};
-template <>
-struct Argument<VARIANT*> {
-    Variant Value{L"x"};
-    VARIANT* Give() { return &Value; }
-};
-template <>
-struct Argument<_CError**> {
-    ComPtr<_CError> Value;
-    _CError** Give() { return Value.ReleaseAndGetAddressOf(); }
-};
-
-/// A text, or the text of a variant, may be null; no other pointer.
-template <class Formal>
-constexpr bool MustBeGiven =
-    std::is_pointer_v<Formal> && !std::is_same_v<Formal, BSTR> && !std::is_same_v<Formal, VARIANT*>;
-
-/// One call, and what it needs.
-template <class Interface, class... Formal>
-class Call
-{
-public:
-    explicit Call(const Member<Interface, Formal...>& member) : m_member(member)
-    {
-        if constexpr (GivesText) {
-            BSTR& text = *std::get<0>(m_arguments).Give();
-            SysFreeString(std::exchange(text, nullptr));
-        }
-    }
-
-    static constexpr int NoPosition = -1;
-    /// As its result, for which there is no text before the call.
-    static constexpr bool GivesText = sizeof...(Formal) == 1 && (std::is_same_v<Formal, BSTR*> && ...);
-
-    HRESULT operator()(Interface& object, int nullPosition = NoPosition)
-    {
-        int at = 0;
-        const auto give = [&]<class One>(Argument<One>& argument) {
-            const bool null = at++ == nullPosition;
-            if constexpr (MustBeGiven<One>) {
-                return null ? nullptr : argument.Give();
-            } else {
-                return argument.Give();
-            }
-        };
-        const std::tuple<Formal...> given =
-            std::apply([&](auto&... one) { return std::tuple<Formal...>{give(one)...}; }, m_arguments);
-        return std::apply([&](Formal... one) { return (object.*m_member.Slot)(one...); }, given);
-    }
-
-    /// The variables of numbers still hold what they held before.
-    [[nodiscard]] bool NumbersAreUntouched() const
-    {
-        const auto isUntouched = []<class One>(const Argument<One>& argument) {
-            if constexpr (std::is_same_v<One, LONG*> || std::is_same_v<One, unsigned char*>) {
-                return argument.Value == 1;
-            }
-            return true;
-        };
-        return std::apply([&](const auto&... one) { return (isUntouched(one) && ...); }, m_arguments);
-    }
-
-    /// Calls it with each pointer in turn being null.
-    void RefusesNull(Interface& object)
-    {
-        int at = 0;
-        for (const bool mustBeGiven : {MustBeGiven<Formal>..., false}) {
-            if (mustBeGiven) {
-                EXPECT_EQ((*this)(object, at), E_POINTER) << "without argument " << at;
-            }
-            ++at;
-        }
-    }
-
-private:
-    const Member<Interface, Formal...>& m_member;
-    std::tuple<Argument<Formal>...> m_arguments;
-};
-
-/// Every member of both objects. The body: (object, member).
-template <class Body>
-void ForEveryMember(_Encoder& encoder, const Body& body)
-{
-    const auto onRecord = [&](const auto& field) {
-        const ComPtr<_CError> record = RecordOf(encoder);
-        body(*record.Get(), field.second);
-        body(*record.Get(), field.first);
-    };
-    ForEach(EncoderMembers, [&](const auto& member) { body(encoder, member); });
-    ForEach(NumberFields, onRecord);
-    ForEach(TextFields, onRecord);
-}
-
-TEST(EveryMemberTest, RefusesNullInPlaceOfAVariable)
-{
-    const ComPtr<_Encoder> encoder = NewEncoder();
-    ForEveryMember(*encoder.Get(), [](auto& object, const auto& member) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(member.Name)));
-        Call(member).RefusesNull(object);
-    });
-    EXPECT_EQ(encoder->Configure(nullptr, nullptr), E_POINTER);
-    EXPECT_EQ(FunctionOf(*RecordOf(*encoder.Get()).Get()), L""); // no operation has begun
-}
-
-/// Sees every block of the system's allocator, in which texts lie, while it stands.
-class AllocationSpy final : public IMallocSpy
-{
-public:
-    AllocationSpy()
-    {
-        // The system keeps freed texts for itself, unless it is told not to.
-        const auto setNoCache = reinterpret_cast<void (*)()>(
-            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"oleaut32.dll"), "SetOaNoCache")));
-        setNoCache();
-        EXPECT_EQ(CoRegisterMallocSpy(this), S_OK);
-    }
-    ~AllocationSpy() { EXPECT_EQ(CoRevokeMallocSpy(), S_OK); }
-    AllocationSpy(const AllocationSpy&) = delete;
-    AllocationSpy& operator=(const AllocationSpy&) = delete;
-
-    std::set<void*> Live;  ///< made since it stands, and not freed
-    bool FailNext = false; ///< once
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override
-    {
-        *object = wanted == __uuidof(IUnknown) || wanted == __uuidof(IMallocSpy) ? this : nullptr;
-        return *object != nullptr ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    SIZE_T STDMETHODCALLTYPE PreAlloc(SIZE_T size) override
-    {
-        return std::exchange(FailNext, false) ? 0 : size;
-    }
-    void* STDMETHODCALLTYPE PostAlloc(void* block) override
-    {
-        if (block != nullptr) {
-            Live.insert(block);
-        }
-        return block;
-    }
-    void* STDMETHODCALLTYPE PreFree(void* block, BOOL /*spied*/) override
-    {
-        EXPECT_TRUE(block == nullptr || Live.erase(block) == 1) << "freed twice, or not ours";
-        return block;
-    }
-    void STDMETHODCALLTYPE PostFree(BOOL /*spied*/) override {}
-    SIZE_T STDMETHODCALLTYPE PreRealloc(void* block, SIZE_T size, void** realBlock, BOOL /*spied*/) override
-    {
-        *realBlock = block;
-        Live.erase(block);
-        return size;
-    }
-    void* STDMETHODCALLTYPE PostRealloc(void* block, BOOL /*spied*/) override { return PostAlloc(block); }
-    void* STDMETHODCALLTYPE PreGetSize(void* block, BOOL /*spied*/) override { return block; }
-    SIZE_T STDMETHODCALLTYPE PostGetSize(SIZE_T size, BOOL /*spied*/) override { return size; }
-    void* STDMETHODCALLTYPE PreDidAlloc(void* block, BOOL /*spied*/) override { return block; }
-    int STDMETHODCALLTYPE PostDidAlloc(void*, BOOL /*spied*/, int result) override { return result; }
-    void STDMETHODCALLTYPE PreHeapMinimize() override {}
-    void STDMETHODCALLTYPE PostHeapMinimize() override {}
-};
-
-TEST(EveryMemberTest, LeavesTextsAndVariantsToTheirOwner)
-{
-    const ComPtr<_Encoder> encoder = NewEncoder();
-    for (const LONG card : {0, 5}) { // the first time the encoder is closed, and card operations fail
-        if (card != 0) {
-            Open(*encoder.Get(), card);
-        }
-        ForEveryMember(*encoder.Get(), [&](auto& object, const auto& member) {
-            SCOPED_TRACE(testing::PrintToString(std::wstring(member.Name)));
-            if (card != 0) {
-                encoder->ReOpenEncoder(); // the member before may have closed it
-            }
-            SetErrorInfo(0, nullptr);
-            AllocationSpy spy;
-            {
-                Call call(member);
-                const size_t given = spy.Live.size();
-                const HRESULT result = call(object);
-                SetErrorInfo(0, nullptr);
-                EXPECT_EQ(spy.Live.size(), given + (call.GivesText && SUCCEEDED(result) ? 1 : 0));
-            }
-            EXPECT_TRUE(spy.Live.empty());
-        });
-    }
-}
-
-TEST(EveryMemberTest, LeavesTheCallersTextAloneWithoutMemory)
-{
-    const ComPtr<_Encoder> encoder = NewEncoder(); // closed: what is handed out is all that is allocated
-    int failed = 0;
-    ForEveryMember(*encoder.Get(), [&](auto& object, const auto& member) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(member.Name)));
-        SetErrorInfo(0, nullptr);
-        AllocationSpy spy;
-        Call call(member);
-        const std::set<void*> before = spy.Live;
-        spy.FailNext = true;
-        const HRESULT result = call(object);
-        SetErrorInfo(0, nullptr);
-        if (!std::exchange(spy.FailNext, false) && result != -1 && result != -16) { // these raise
-            EXPECT_EQ(result, E_OUTOFMEMORY);
-            EXPECT_EQ(spy.Live, before);
-            EXPECT_TRUE(call.NumbersAreUntouched());
-            ++failed;
-        }
-    });
-    EXPECT_EQ(failed, 12); // of the members that hand out a text, and the one that copies a variant
 }
 
 } // namespace
