@@ -28,9 +28,9 @@ BSTR NewText(std::wstring_view Text)
     return text;
 }
 
-TextVariable::TextVariable(BSTR* Variable, Incoming Text) : m_variable(Given(Variable))
+TextVariable::TextVariable(BSTR* Variable) : m_variable(Given(Variable))
 {
-    const std::wstring_view incoming = Text == Incoming::Read ? TextOf(m_variable) : std::wstring_view();
+    const std::wstring_view incoming = TextOf(m_variable);
     m_text.Reserve(std::max<size_t>(incoming.size(), BlockDigits));
     m_text += incoming;
 }

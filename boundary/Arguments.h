@@ -63,11 +63,7 @@ NumberVariable<Own, Callers> Number(Callers* Variable)
 class TextVariable
 {
 public:
-    enum class Incoming {
-        Read,
-        Ignored,
-    };
-    TextVariable(BSTR* Variable, Incoming Text);
+    explicit TextVariable(BSTR* Variable);
     operator std::wstring&() { return m_text.InPlace(); }
     /// Frees the caller's text and puts the new one in its place. If there is no memory for that, the
     /// variable stays as it is, and so must come first among those that are given back.

@@ -12,6 +12,16 @@ namespace acg
 /// The objects that live and the locks on factories: the library can't be unloaded before all are gone.
 inline std::atomic<long> Uses = 0;
 
+/// Gives no object, and the reason.
+inline HRESULT NoObject(void** Object, HRESULT Reason)
+{
+    if (Object == nullptr) {
+        return E_POINTER;
+    }
+    *Object = nullptr;
+    return Reason;
+}
+
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored                                                                               \
     "-Wnon-virtual-dtor" // interfaces have no destructor; nobody deletes through one
@@ -30,7 +40,6 @@ public:
         if (Object == nullptr) {
             return E_POINTER;
         }
-        *Object = nullptr;
         const struct {
             const IID& Id;
             IUnknown* Interface;
@@ -42,7 +51,7 @@ public:
                 return S_OK;
             }
         }
-        return E_NOINTERFACE;
+        return NoObject(Object, E_NOINTERFACE);
     }
     ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
     ULONG STDMETHODCALLTYPE Release() override

@@ -25,13 +25,7 @@ class Factory final : public ComObject<IClassFactory>
 public:
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* Outer, REFIID Wanted, void** Object) override
     {
-        if (Outer != nullptr) {
-            return Guarded([&] {
-                Given(Object) = nullptr;
-                Check(CLASS_E_NOAGGREGATION);
-            });
-        }
-        return Create<Class>(Wanted, Object);
+        return Outer != nullptr ? NoObject(Object, CLASS_E_NOAGGREGATION) : Create<Class>(Wanted, Object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL Lock) override
     {
@@ -52,10 +46,7 @@ STDAPI DllGetClassObject(REFCLSID Class, REFIID Wanted, LPVOID* Object)
     if (Class == __uuidof(CError)) {
         return acg::Create<acg::Factory<acg::AutomationError>>(Wanted, Object);
     }
-    return acg::Guarded([&] {
-        acg::Given(Object) = nullptr;
-        acg::Check(CLASS_E_CLASSNOTAVAILABLE);
-    });
+    return acg::NoObject(Object, CLASS_E_CLASSNOTAVAILABLE);
 }
 
 STDAPI DllCanUnloadNow()
