@@ -4,6 +4,7 @@
 #include "dialogs/frmTest.h"
 #include "encoder/NumberReading.h"
 #include "platform/TextCase.h"
+#include "platform/ThreadObject.h"
 
 #include <algorithm>
 
@@ -12,6 +13,8 @@ namespace acg
 
 namespace
 {
+
+const ThreadObject<frmConfigure> OwnDialog;
 
 // The frame, and the rows in it.
 constexpr Area Frame = {97, 90, 6540, 2895};
@@ -122,9 +125,7 @@ struct frmConfigure::Window {
 
 frmConfigure& frmConfigure::OfThread()
 {
-    // Never destroyed: the component may have been unloaded when its thread ends.
-    thread_local auto* const object = new frmConfigure;
-    return *object;
+    return OwnDialog.Get();
 }
 
 void frmConfigure::Show(const ReaderDLL& Reader)

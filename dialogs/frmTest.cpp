@@ -1,6 +1,7 @@
 #include "dialogs/frmTest.h"
 
 #include "dialogs/Texts.h"
+#include "platform/ThreadObject.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,6 +11,8 @@ namespace acg
 
 namespace
 {
+
+const ThreadObject<frmTest> OwnDialog;
 
 constexpr int StartDelay = 1000; // milliseconds
 constexpr Colour LogBackground = {Colour::Source::Own, 0xF8, 0xF8, 0xF0};
@@ -137,9 +140,7 @@ private:
 
 frmTest& frmTest::OfThread()
 {
-    // Never destroyed: the component may have been unloaded when its thread ends.
-    thread_local auto* const object = new frmTest;
-    return *object;
+    return OwnDialog.Get();
 }
 
 void frmTest::Show(const ReaderDLL& Reader, Form* Owner)

@@ -434,6 +434,36 @@ TEST_P(EveryWayTest, LeavesNothingBehindWhateverAllocationFails)
     RecordProperty("failed", failed);
 }
 
+void CALLBACK CancelDialog(HWND /*window*/, UINT /*message*/, UINT_PTR /*timer*/, DWORD /*time*/)
+{
+    PostMessageW(FindWindowW(nullptr, L"ACG Encoder Configuration"), WM_COMMAND, IDCANCEL, 0);
+}
+
+TEST(EveryMemberTest, ConfigureLeavesNothingBehindWhateverAllocationFails)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder();
+    const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &CancelDialog);
+    Memory memory;
+    const Text language(L"english");
+    size_t kept = 0;
+    for (const bool isFirst : {true, false}) {
+        bool hasFailed = true;
+        for (int allocation = 1; hasFailed; ++allocation) {
+            sceReturnCode result = sceError;
+            memory.FailOwn = allocation;
+            InCall = true;
+            const HRESULT called = encoder->Configure(language, &result);
+            InCall = false;
+            hasFailed = std::exchange(memory.FailOwn, 0) <= 0;
+            EXPECT_EQ(called, hasFailed ? E_OUTOFMEMORY : S_OK) << allocation;
+            EXPECT_EQ(result, hasFailed ? sceSuccess : sceCanceled);
+        }
+        kept = isFirst ? memory.Own.size() : kept; // the dialog of the thread, and what the runtime keeps
+    }
+    EXPECT_EQ(memory.Own.size(), kept);
+    KillTimer(nullptr, timer);
+}
+
 } // namespace
 
 } // namespace client
