@@ -4,6 +4,7 @@
 #include "boundary/Results.h"
 
 #include <atomic>
+#include <exception>
 #include <unknwn.h>
 
 namespace acg
@@ -77,6 +78,9 @@ private:
 template <class Object>
 HRESULT Create(REFIID Wanted, void** Created) noexcept
 {
+    // The runtime keeps something for each thread that throws, and ends the process if there is no memory for
+    // it then. An object stays on the thread that makes it; so it is made now.
+    static_cast<void>(std::uncaught_exceptions());
     return Guarded([&] {
         Given(Created) = nullptr;
         auto* const object = new Object;
