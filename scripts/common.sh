@@ -25,7 +25,7 @@ style_tools=(
     'have clang-format|clang-format'
     'have clang-tidy|clang-tidy'
 )
-# The Windows build and its tests, and what takes the pictures of the dialogs.
+# The Windows build, its package and its tests, and what takes the pictures of the dialogs.
 windows_tools=(
     'have i686-w64-mingw32-g++-posix|g++-mingw-w64-i686-posix'
     'have wine|wine'
@@ -36,6 +36,8 @@ windows_tools=(
     'have i686-w64-mingw32-widl|mingw-w64-tools'
     'test -e /usr/include/wine/wine/windows/oaidl.idl|libwine-dev'
     'have faketime|faketime'
+    'have zip|zip'
+    'have unzip|unzip'
 )
 picture_tools=(
     'have xdotool|xdotool'

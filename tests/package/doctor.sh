@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# doctor.sh ZIP: the doctor tells each fault of an installation, and names its mend.
+set -euo pipefail
+. "$(dirname "$0")/unpacked.sh"
+
+register() { on_wine regsvr32 /s ACG_MultiISO_TV.dll; }
+
+# finds LINES WHAT MEND [PARAMETERS]: LINES has the first character of each line, of ok, FAILED or -.
+finds() {
+    local status=0 output
+    output=$(on_wine cscript //nologo "${script:-doctor.vbs}" "${@:4}") || status=$?
+    if [ "$status" -ne 1 ] || [ "$(grep -v '^ ' <<<"$output" | cut -c 1 | tr -d '\n')" != "$1" ] ||
+        ! grep -A 1 "^FAILED  $2" <<<"$output" | grep -q "^        mend: $3"; then
+        printf 'status %s, not found: %s, %s, %s, but:\n%s\n' "$status" "$1" "$2" "$3" "$output"
+        exit 1
+    fi
+}
+
+finds oF------- 'The class is registered' 'register .* by the 32-bit regsvr32'
+register
+# Wine runs 32-bit programs only here: so the doctor is told otherwise.
+sed 's/^processor = .*/processor = "AMD64"\r/' doctor.vbs >other.vbs
+script=other.vbs finds F-------- 'The script host is 32-bit' 'run this script by C:.*SysWOW64.cscript.exe'
+finds oooooF--- 'The reader library is found' "put the vendor's ACGReader330.dll beside the component"
+
+cp simulator/ACGReader330.dll .
+mv ACG_MultiISO_TV.dll away.dll
+finds ooF------ "The component's file is there" 'unpack ACG_MultiISO_TV.dll'
+head -c 10000 away.dll >ACG_MultiISO_TV.dll
+finds ooooF---- 'The component loads' 'the file is damaged'
+LC_ALL=C sed 's/MSFT/TFSM/' away.dll >ACG_MultiISO_TV.dll # where a type library begins
+finds ooooF---- 'The component loads, and its type library' 'the file is damaged'
+mv away.dll ACG_MultiISO_TV.dll
+on_wine reg delete 'HKLM\Software\Classes\TypeLib\{F7AA3FEF-4DC8-45C9-BE9F-1C10F86CD5FF}' /f >/dev/null
+finds oooFooooo 'The type library is registered' 'register .* by the 32-bit regsvr32'
+register
+
+sed 's/GetDeviceID/GetDeviceIX/' simulator/ACGReader330.dll >ACGReader330.dll
+finds ooooooFoo 'The reader library has its thirteen functions: it lacks GetDeviceID$' 'take the 32-bit'
+sed 's/GetReaderType/GetReaderTypX/' simulator/ACGReader330.dll >ACGReader330.dll
+finds ooooooFoF 'The reader says its type: 453 ' 'if its functions are there, switch'
+cp ACG_MultiISO_TV.dll ACGReader330.dll # names the functions, but has none
+finds ooooooFF- 'The reader library .*: it lacks OpenComm .* CloseComm$' 'take the 32-bit'
+finds ooooooFF- 'The reader opens: 453 ' 'take the ACGReader330.dll that belongs'
+head -c 10000 simulator/ACGReader330.dll >ACGReader330.dll
+finds ooooooFF- 'The reader opens: 53 ' 'it is damaged, or needs a library'
+
+mv simulator/ACGReader330.dll "$WINEPREFIX/drive_c/windows/system32"
+rm ACGReader330.dll # now that of the system's folder is found
+finds oooooooF- 'The reader opens: -2 ' 'is Device right' Device=com1,card=2k
+finds oooooooF- 'The reader opens: -4 ' "check the reader's power and cable" Device=com1,readers=

@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# install-page.sh ZIP: the commands of the install page, carried out one after the other, lead where it says.
+# The scripts shown in the README work on the way, and nothing is left behind in the end.
+set -euo pipefail
+. "$(dirname "$0")/unpacked.sh"
+
+# commands PAGE [STEP]: what a page tells its reader to type.
+commands() {
+    sed 's|<pre>|\n&\n|; s|</pre>|\n&\n|' "$1" | awk -v step="${2:-}" '
+        /<pre>/ { block++; inside = 1; next }
+        /<\/pre>/ { inside = 0 }
+        inside && (step == "" || step == block)'
+}
+# carry_out STEP
+carry_out() {
+    { echo '@cd /d C:\ACG' && commands install.html "$1" | sed 's/^/@/'; } | sed 's/$/\r/' >step.bat
+    on_wine cmd /c 'C:\ACG\step.bat'
+}
+# What the registry knows of classes, type libraries and interfaces.
+classes() {
+    on_wine reg export 'HKLM\Software\Classes' 'C:\classes.reg' /y >/dev/null && cat ../classes.reg
+}
+# readme_block LANGUAGE
+readme_block() {
+    awk -v from="\`\`\`$1" '/^```$/ { inside = 0 } inside; $0 == from { inside = 1 }' "$repository/README.md"
+}
+# The number that opens the encoder is drawn anew each time.
+mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; }
+
+diff <(commands install.html) <(commands installation.html)
+echo >empty.js
+on_wine cscript //nologo empty.js # Wine's script host registers something of its own when it first runs
+classes >before.reg
+carry_out 1
+classes | cmp -s before.reg - && exit 1 # so the comparison sees a registration
+carry_out 2
+transcript=$(readme_block console | sed 1d)
+diff <(printf '%s\n' "$transcript" "$transcript" | mask) <(carry_out 3 | mask)
+doctor=$(carry_out 4)
+[ "$(grep -c '^ok      ' <<<"$doctor")" -eq 9 ]
+[ "$(wc -l <<<"$doctor")" -eq 9 ]
+
+status=0
+output=$(on_wine cscript //nologo script-host.vbs Device=com1,readers=) || status=$?
+[ "$status" -eq 1 ]
+grep -qx '  Description    No encoder found' <<<"$output"
+readme_block vb | sed 's/$/\r/' >first.vbs
+[ "$(on_wine cscript //nologo first.vbs)" = 'Block 4: 00000000000000000000000000000000' ]
+cp "$repository/tests/examples/script-by-value.js" .
+diff - <(on_wine cscript //nologo script-by-value.js) <<'END'
+open 0
+read 0,0,0,0
+write 0,0,0,0,0
+untouched 7
+refused 2: -11
+state 3, close 0
+END
+
+carry_out 5
+classes | cmp before.reg -
