@@ -39,6 +39,12 @@ windows_tools=(
     'have zip|zip'
     'have unzip|unzip'
 )
+coverage_tools=(
+    'have gcovr|gcovr'
+)
+bench_tools=(
+    'test -e /usr/include/benchmark/benchmark.h|libbenchmark-dev'
+)
 picture_tools=(
     'have xdotool|xdotool'
     'have import|imagemagick'
