@@ -2,9 +2,6 @@
 
 #include "encoder/Keys.h"
 
-#include <cstddef>
-#include <iterator>
-
 namespace acg
 {
 
@@ -26,7 +23,7 @@ struct BlockOfBothKeys {
     AccessTriple OfValueBlock; ///< where the block was written as a value block since the opening
 };
 
-constexpr BlockOfBothKeys BlockOfBoth[] = {
+constexpr BlockOfBothKeys BlockOfBoth[HighestLevel + 1] = {
     //                        key A  key B
     {"111", "111"},               //  0   -      -
     {RefusedLevel, RefusedLevel}, //  1   r      -
@@ -94,9 +91,6 @@ AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
 {
     if (KeysToUse == KeyAAlone) {
         return BlockOfKeyA[Level & RightsOfKeyA];
-    }
-    if (static_cast<size_t>(Level) >= std::size(BlockOfBoth)) {
-        return RefusedLevel;
     }
     const BlockOfBothKeys& row = BlockOfBoth[Level];
     return IsValueBlock ? row.OfValueBlock : row.Triple;

@@ -29,10 +29,12 @@ using AccessTriple = std::string_view;
 /// In place of a triple: the level can't be stored.
 inline constexpr AccessTriple RefusedLevel;
 
-/// The triple of a data block's level; Level is at least 0.
+inline constexpr int32_t HighestLevel = 15;
+
+/// The triple of a data block's level, 0 to HighestLevel.
 [[nodiscard]] AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock);
 
-/// The triple of the trailer's level; Level is at least 0.
+/// The triple of the trailer's level, 0 to HighestLevel.
 [[nodiscard]] AccessTriple TrailerTriple(int32_t Level, uint8_t KeysToUse);
 
 /// Stores the triple in the slot with that mask (1, 2, 4 or 8), inverted copies included.

@@ -22,14 +22,12 @@ constexpr size_t FirstConditionByte = 6;
 constexpr size_t UserByte = 9;
 constexpr unsigned TrailerSlot = 3;
 
-constexpr int32_t HighestLevel = 15;
-
 /// A pair that isn't hexadecimal counts as far as it can be read.
 uint8_t ByteOf(std::wstring_view block, size_t byte)
 {
-    std::wstring number = L"&h";
-    number += block.substr(byte * DigitsOfByte, DigitsOfByte);
-    return static_cast<uint8_t>(ReadWholeNumber(number));
+    const wchar_t* const pair = &block[byte * DigitsOfByte];
+    const wchar_t number[] = {L'&', L'h', pair[0], pair[1]};
+    return static_cast<uint8_t>(ReadWholeNumber({number, std::size(number)}));
 }
 
 ConditionBytes ConditionBytesOf(std::wstring_view trailer)
@@ -166,6 +164,7 @@ sceReturnCode Encoder::SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t 
     if (Level < 0) {
         return sceSuccess;
     }
+    // There is a list: the trailer has been read, so the encoder is open.
     const bool isValueBlock =
         m_colValueBlocks && std::ranges::find(*m_colValueBlocks, BlocNumber) != m_colValueBlocks->end();
     return Store(BlockTriple(Level, KeysToUse, isValueBlock), Mask, Bytes);

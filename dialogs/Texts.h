@@ -25,6 +25,6 @@ struct Translated {
 
 /// Puts the values in place of %1, %2 and so on: each at all its occurrences, in that order, on the result of
 /// the one before.
-[[nodiscard]] std::wstring Fill(std::wstring Text, std::initializer_list<std::wstring> Values);
+[[nodiscard]] std::wstring Fill(std::wstring Text, std::initializer_list<std::wstring_view> Values);
 
 } // namespace acg

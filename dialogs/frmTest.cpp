@@ -260,8 +260,8 @@ Failure frmTest::TestReader(Link& Opened)
         return giveUp(m_texts.m_sNoAccess);
     }
     std::wstring deviceId;
-    static_cast<void>(
-        m_window->Reader.GetDeviceID(Opened.Reader, deviceId)); // without one the line ends behind its label
+    // Without one the line ends behind its label.
+    static_cast<void>(m_window->Reader.GetDeviceID(Opened.Reader, deviceId));
     LogLine(Fill(m_texts.m_sDeviceID, {deviceId}));
     std::wstring type;
     if (const Failure failure = m_window->Reader.GetReaderType(Opened.Reader, type)) {

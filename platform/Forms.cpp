@@ -34,9 +34,9 @@ void Control::SetBackground(const Colour& Background)
     Changed(&FormWindow::ShowBackground);
 }
 
-void Control::SetLines(std::vector<std::wstring> Lines)
+void Control::SetLines(std::initializer_list<std::wstring_view> Lines)
 {
-    m_lines = std::move(Lines);
+    m_lines.assign(Lines.begin(), Lines.end());
     m_selectedLine = NoLine;
     Changed(&FormWindow::ShowLines);
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -80,7 +81,7 @@ public:
     // Of a list: its lines, counted from 0, and the selected one.
     static constexpr int NoLine = -1;
     [[nodiscard]] const std::vector<std::wstring>& Lines() const { return m_lines; }
-    void SetLines(std::vector<std::wstring> Lines); ///< with none selected
+    void SetLines(std::initializer_list<std::wstring_view> Lines); ///< with none selected
     void AddLine(std::wstring_view Line);
     [[nodiscard]] int SelectedLine() const { return m_selectedLine; }
     /// Selects as a person would, OnPick included; nothing happens where there is no such line.

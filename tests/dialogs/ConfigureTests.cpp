@@ -89,6 +89,9 @@ TEST_F(ConfigureTest, DetectionRuleFollowsTheSelection)
             form.Named("cboBaudrate").Pick(3); // nothing happens where it is disabled
             EXPECT_EQ(TextOf(form, "cboBaudrate"), L"57600");
         }
+        form.Named("cboAutoDetect").Pick(0);
+        form.Named("cboAutoDetect").Edit(L"");
+        EXPECT_FALSE(form.Named("cboBaudrate").IsEnabled());
     });
 }
 
@@ -188,6 +191,7 @@ TEST_F(ConfigureTest, WithNobodyToPlayTheLastButtonDecides)
     Configure([&](Form&) {
         ++shown;
         EXPECT_EQ(encoder.Configure(L"francais"), sceSuccess);
+        frmConfigure::OfThread().Show(reader.DLL());
         EXPECT_EQ(frmConfigure::OfThread().Language, L"english");
     });
     EXPECT_EQ(shown, 1);

@@ -129,7 +129,11 @@ TEST_F(TestDialogTest, LogNamesTheDetectionFillsInTurnAndCountsUpTo255Readers)
 
 TEST_F(TestDialogTest, ClosedBeforeTheFirstTickNoTestRuns)
 {
-    Configure([](Form& form) { Press(form, "cmdTest"); }, [](Form& form) { form.PressCloseBox(); });
+    const auto playTest = [this](Form& form) {
+        frmTest::OfThread().Show(reader.DLL(), nullptr); // nothing more is shown
+        form.PressCloseBox();
+    };
+    Configure([](Form& form) { Press(form, "cmdTest"); }, playTest);
     EXPECT_TRUE(reader.Calls.empty());
 }
 
