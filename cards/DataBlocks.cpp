@@ -33,7 +33,10 @@ void StoreBlockText(const SecretText& reply, std::wstring& BlocContents)
 sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
                                    std::wstring_view OperationName)
 {
-    SecretText data(TwoHexDigits(LoginSector(BlocNumber)));
+    constexpr size_t DigitsBeforeKey = 4;
+    SecretText data;
+    data.Reserve(DigitsBeforeKey + key.Characters().size());
+    data += TwoHexDigits(LoginSector(BlocNumber));
     data += KeyType == KeyTypeB ? L"BB" : L"AA";
     data += key;
     MakeUpper(data.InPlace());

@@ -116,15 +116,25 @@ void Encoder::SetLastError(std::optional<int32_t> Number, std::optional<std::wst
 
 void Encoder::ResetLastError(std::wstring_view ComFunction)
 {
-    SetLastError(0, L"", /*LastDllError=*/0, ComFunction, L"", L"");
+    CError& record = *m_oLastError;
+    record.Number = 0;
+    record.Description.clear();
+    record.LastDllError = 0;
+    record.ComFunction = ComFunction;
+    record.RdrCommand.clear();
+    record.RdrRetCode.clear();
 }
 
 void Encoder::TraceLastError(std::wstring_view FunctionName)
 {
     CError& record = *m_oLastError;
     if (!record.ComFunction.empty()) {
-        const std::wstring below = record.RdrCommand.empty() ? L"" : L":" + record.RdrCommand;
-        record.RdrCommand = record.ComFunction + below;
+        std::wstring path = record.ComFunction;
+        if (!record.RdrCommand.empty()) {
+            path += L":";
+            path += record.RdrCommand;
+        }
+        record.RdrCommand = std::move(path);
     }
     record.ComFunction = FunctionName;
 }

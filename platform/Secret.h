@@ -1,6 +1,7 @@
 // Text that may hold a key of a card.
 #pragma once
 
+#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <string>
@@ -10,13 +11,13 @@
 namespace acg
 {
 
-/// Overwrites characters so that no compiler leaves it out.
+/// Overwrites characters. The statement behind it is empty and may read them, for all that a compiler knows:
+/// so none leaves it out.
 template <class Char>
 void Wipe(Char* Text, std::size_t Count)
 {
-    for (volatile Char* at = Text; at != Text + Count; ++at) {
-        *at = Char();
-    }
+    std::fill_n(Text, Count, Char());
+    __asm__ volatile("" : : "r"(Text) : "memory");
 }
 
 /// Text that may hold a key: whatever it held is wiped before its memory is given up. It isn't copied, and

@@ -8,7 +8,7 @@ namespace acg
 namespace
 {
 
-/// Lower-case letters first to last, each with its capital at the same distance.
+/// Lower-case letters first to last, in ascending order, each with its capital at the same distance.
 struct CaseRange {
     wchar_t FirstLower;
     wchar_t LastLower;
@@ -27,7 +27,10 @@ constexpr CaseRange CaseRanges[] = {
 wchar_t Upper(wchar_t character)
 {
     for (const CaseRange& range : CaseRanges) {
-        if (character >= range.FirstLower && character <= range.LastLower) {
+        if (character < range.FirstLower) {
+            break;
+        }
+        if (character <= range.LastLower) {
             return static_cast<wchar_t>(range.FirstUpper + (character - range.FirstLower));
         }
     }

@@ -11,7 +11,10 @@ namespace
 
 std::wstring CommandPath(std::wstring_view command)
 {
-    std::wstring path = L"SendCommandGetData:";
+    constexpr std::wstring_view Function = L"SendCommandGetData:";
+    std::wstring path;
+    path.reserve(Function.size() + command.size());
+    path += Function;
     path += command;
     return path;
 }
