@@ -21,11 +21,13 @@ sceReturnCode Encoder::ReadManufacturerCode(const SecretText& key, uint8_t KeyTy
     SerialNumber = 0;
     CheckSum = 0;
     ManufacturerInfo.clear();
-    std::wstring block;
-    if (ReadDataBloc(ManufacturerBlock, key, KeyType, block) == sceError) {
+    SecretText text; // like the text of any block
+    text.Reserve(BlockDigits);
+    if (ReadDataBloc(ManufacturerBlock, key, KeyType, text.InPlace()) == sceError) {
         TraceLastError(OperationName);
         return sceError;
     }
+    const std::wstring_view block = text;
     SerialNumber = static_cast<int32_t>(ReadHexDigits(block.substr(0, CheckByte)));
     CheckSum = static_cast<uint8_t>(ReadHexDigits(block.substr(CheckByte, DigitsOfByte)));
     ManufacturerInfo = block.substr(Data);
