@@ -51,39 +51,46 @@ struct ScriptedFunctions {
     template <ReaderFunction Function, int Answer, class Result, class... Numbers>
     static Result ACG_READER_CALL Number(Numbers... numbers)
     {
+        const Turn script(/*OfComponent=*/false);
         Log(Function, int64_t{numbers}...);
         return Result{Answer};
     }
     static ReaderHandle ACG_READER_CALL OpenComm(const char* device, uint8_t autodetect,
                                                  CommSettings* settings)
     {
+        const Turn script(/*OfComponent=*/false);
         Log(ReaderFunction::OpenComm, device, int{autodetect}, settings->BaudRate, int{settings->Protocol});
         settings->BaudRate = -1; // nobody reads it
-        return current->Comm;
+        return current->FaultReply() == nullptr ? current->Comm : 0;
     }
     static ReaderHandle ACG_READER_CALL OpenReader(ReaderHandle comm, uint8_t id, int32_t third)
     {
+        const Turn script(/*OfComponent=*/false);
         Log(ReaderFunction::OpenReader, comm, int{id}, third);
-        return current->Reader;
+        return current->FaultReply() == nullptr ? current->Reader : 0;
     }
     static char* ACG_READER_CALL DetectReader(ReaderHandle comm, char* buffer)
     {
+        const Turn script(/*OfComponent=*/false);
         Log(ReaderFunction::DetectReader, comm);
-        return Text(current->Readers, buffer, 256);
+        return Text(current->FaultReply() == nullptr ? current->Readers : "", buffer, 256);
     }
     static char* ACG_READER_CALL GetReaderType(ReaderHandle reader, char* buffer)
     {
+        const Turn script(/*OfComponent=*/false);
         Log(ReaderFunction::GetReaderType, reader);
-        return Text(current->Type, buffer, 100);
+        return Text(current->FaultReply() == nullptr ? current->Type : "", buffer, 100);
     }
     static char* ACG_READER_CALL GetDeviceID(ReaderHandle reader, char* buffer)
     {
+        const Turn script(/*OfComponent=*/false);
         Log(ReaderFunction::GetDeviceID, reader);
         return Text(current->DeviceID, buffer, 20);
     }
     static char* ACG_READER_CALL SendCommandGetData(ReaderHandle reader, const char* command,
                                                     const char* data, char* buffer)
     {
+        const Turn script(/*OfComponent=*/false);
         Log(ReaderFunction::SendCommandGetData, reader, command, MaskKeys(command, data));
         return Text(current->Answer(command, data), buffer, 512);
     }
@@ -140,10 +147,6 @@ private:
 ScriptedReader::ScriptedReader()
 {
     current = this;
-    Reply("use iso14443a", {""});
-    Reply("antenna on", {""});
-    Reply("select", {"04a1B2C3"});
-    Reply("login", {Status('L')});
 }
 
 ScriptedReader::~ScriptedReader()
@@ -158,13 +161,11 @@ ReaderDLL ScriptedReader::DLL()
 
 EntryPoint ScriptedReader::Find(ReaderFunction function)
 {
+    const Turn script(/*OfComponent=*/false);
     EntryPoint entry;
     entry.LibraryLoaded = !LibraryMissing;
-    const auto index = static_cast<size_t>(function);
-    const int call = ++m_callCounts.at(index);
-    const Gap& gap = m_gaps.at(index);
-    const bool missing = call >= gap.FromCall && call < gap.FromCall + gap.Times;
-    if (LibraryMissing || missing) {
+    const bool isFault = Injected.Hits(++m_calls) && !Injected.Reply;
+    if (LibraryMissing || Missing.contains(function) || isFault) {
         entry.SystemError = MissingError;
     } else {
         entry.Address = ScriptedFunctions::Address(function);
@@ -172,35 +173,25 @@ EntryPoint ScriptedReader::Find(ReaderFunction function)
     return entry;
 }
 
-void ScriptedReader::Reply(const std::string& Command, std::initializer_list<std::string> Replies)
-{
-    m_replies[Command] = Replies;
-}
-
 std::string ScriptedReader::Answer(const std::string& command, const std::string& data)
 {
     m_sent.emplace_back(command, data);
-    std::deque<std::string>& replies = m_replies[command];
-    if (replies.empty()) {
-        ADD_FAILURE() << "unexpected call: SendCommandGetData " << command << ' ' << MaskKeys(command, data);
-        return {};
+    if (const std::string* const reply = FaultReply()) {
+        return *reply;
     }
-    std::string reply = replies.front();
-    if (replies.size() > 1) {
-        replies.pop_front();
-    }
-    return reply;
+    EXPECT_TRUE(Replies.contains(command))
+        << "unexpected call: " << command << ' ' << MaskKeys(command, data);
+    return Replies[command];
 }
 
-void ScriptedReader::Missing(ReaderFunction Function, int FromCall, int Times)
+const std::string* ScriptedReader::FaultReply() const
 {
-    const auto index = static_cast<size_t>(Function);
-    m_callCounts.at(index) = 0;
-    m_gaps.at(index) = {FromCall, Times};
+    return Injected.Reply && Injected.Hits(m_calls) ? &*Injected.Reply : nullptr;
 }
 
 void ScriptedReader::Forget()
 {
+    m_calls = 0;
     Calls.clear();
     m_sent.clear();
 }

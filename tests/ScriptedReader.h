@@ -6,15 +6,32 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <deque>
 #include <map>
+#include <optional>
 #include <ostream>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace acg
 {
+
+/// Whose code is running: the component's, or that of its test and the scripted reader. The memory tests look
+/// at the component alone.
+class Turn
+{
+public:
+    explicit Turn(bool OfComponent) : m_former(std::exchange(IsComponents, OfComponent)) {}
+    ~Turn() { IsComponents = m_former; }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    inline static bool IsComponents = false;
+
+private:
+    bool m_former;
+};
 
 /// Stands in for the library: its thirteen functions are reached through the real ReaderDLL, text conversion,
 /// freeing and failure handling included. One at a time.
@@ -41,14 +58,25 @@ public:
     std::string Type = "MultiISO 2.5";
     std::string DeviceID = "ID 7";
 
-    /// The replies to a command, one after the other; the last one stays.
-    void Reply(const std::string& Command, std::initializer_list<std::string> Replies);
+    /// What commands are answered.
+    std::map<std::string, std::string> Replies = {
+        {"use iso14443a", ""}, {"antenna on", ""}, {"select", "04a1B2C3"}, {"login", Status('L')}};
     /// A reply of a status letter.
     [[nodiscard]] static std::string Status(char Letter) { return {Letter, '\0'}; }
 
-    /// The function can't be found, from its FromCall-th call on, that many times.
-    void Missing(ReaderFunction Function, int FromCall = 1, int Times = Always);
+    std::set<ReaderFunction> Missing; ///< can't be found
     bool LibraryMissing = false;
+
+    /// Calls, of any function, that can't be made. Where there is a Reply, a command is answered by it, and
+    /// any other function by empty text or a handle of 0. FromCall counts from 1 at the last Forget.
+    struct Fault {
+        int FromCall = Always;
+        int Times = 0;
+        std::optional<std::string> Reply;
+
+        [[nodiscard]] bool Hits(int Call) const { return Call >= FromCall && Call - FromCall < Times; }
+    };
+    Fault Injected;
 
     /// What was called since the last Forget, with arguments; the digits of keys are masked.
     std::vector<std::string> Calls;
@@ -62,19 +90,16 @@ private:
     friend struct ScriptedFunctions;
     EntryPoint Find(ReaderFunction function);
     std::string Answer(const std::string& command, const std::string& data);
+    /// What the call that is being made is to answer by the fault, or null.
+    [[nodiscard]] const std::string* FaultReply() const;
 
-    struct Gap {
-        int FromCall = Always;
-        int Times = 0;
-    };
-    std::map<std::string, std::deque<std::string>> m_replies;
-    std::array<Gap, ReaderFunctionCount> m_gaps;
-    std::array<int, ReaderFunctionCount> m_callCounts{};
+    int m_calls = 0;
     std::vector<std::pair<std::string, std::string>> m_sent;
 };
 
 /// Looks inside an Encoder.
 struct EncoderInside {
+    static int32_t HandleNumber(const Encoder& encoder) { return encoder.m_lHandleNumber; }
     static ReaderHandle Comm(const Encoder& encoder) { return encoder.m_hComm; }
     static ReaderHandle Reader(const Encoder& encoder) { return encoder.m_hReader; }
     static const std::wstring& LowerReaderType(const Encoder& encoder) { return encoder.m_sReaderType; }
@@ -82,11 +107,11 @@ struct EncoderInside {
     {
         return encoder.m_colValueBlocks;
     }
-    static void Trace(Encoder& encoder, std::wstring_view name) { encoder.TraceLastError(name); }
-    static void SetNumberAndDescription(Encoder& encoder, int32_t number, std::wstring_view description)
+    static void AddValueBlock(Encoder& encoder, int32_t number)
     {
-        encoder.SetLastError(number, description);
+        encoder.m_colValueBlocks.emplace().push_back(number);
     }
+    static void Trace(Encoder& encoder, std::wstring_view name) { encoder.TraceLastError(name); }
 };
 
 /// A record to compare with. Call failures: CallFailed.

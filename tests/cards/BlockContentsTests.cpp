@@ -23,7 +23,7 @@ TEST_F(BlockContentsTest, ValueGoesToTheReaderAsEightDigitsAndItsBlockIsListed)
         EXPECT_TRUE(reader.WasSent("write vblock", "05" + digits)) << digits;
     }
     EXPECT_EQ(Last(), Clean(L"WriteValueBloc"));
-    reader.Reply("login", {""});
+    reader.Replies["login"] = "";
     EXPECT_EQ(encoder.WriteValueBloc(-7, Key, 1, 0), sceError);
     EXPECT_EQ(EncoderInside::ValueBlocks(encoder), (std::vector<int32_t>{5, 5, 5, 5, 5, -7}));
 }
@@ -38,7 +38,7 @@ TEST_F(BlockContentsTest, BytesArePutIntoTheBlock)
         {2, 3, L"AB", "0011AB00445566778899AABBCCDDEEFF"},
         {2, 2, L"ABCD", "0011AB33445566778899AABBCCDDEEFF"},
         {0, 1, L"", "00002233445566778899AABBCCDDEEFF"}};
-    reader.Reply("write block", {"44"});
+    reader.Replies["write block"] = "44";
     const std::string login = std::string(SelectCommands) + ", login 02BB************, ";
     const std::string commands = login + "read block 09, " + login + "write block 09";
     for (const auto& [from, to, bytes, sent] : ranges) {
@@ -78,7 +78,7 @@ TEST_F(BlockContentsTest, ManufacturerBlockIsCutIntoItsFields)
         {"1 345678G1", 1, 0, zeros}};
     for (const auto& [reply, number, sum, information] : blocks) {
         reader.Forget();
-        reader.Reply("read block", {reply});
+        reader.Replies["read block"] = reply;
         int32_t serialNumber = 7;
         uint8_t checkSum = 7;
         std::wstring manufacturerInfo;

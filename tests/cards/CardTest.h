@@ -10,14 +10,10 @@ namespace acg
 class CardTest : public EncoderTest
 {
 protected:
-    CardTest() { Restore(); }
-    void Restore()
+    CardTest()
     {
-        reader.Missing(ReaderFunction::SendCommandGetData, /*FromCall=*/1, /*Times=*/0);
-        reader.Reply("select", {"04A1B2C3"});
-        reader.Reply("login", {ScriptedReader::Status('L')});
         for (const char* command : {"read block", "write block", "write vblock"}) {
-            reader.Reply(command, {"00112233445566778899aabbccddeeff"});
+            reader.Replies[command] = "00112233445566778899aabbccddeeff";
         }
     }
     const std::wstring Key = L"a1b2c3d4e5f6";
@@ -48,7 +44,7 @@ inline sceReturnCode WriteTrailer(Encoder& encoder, const std::wstring& key, uin
 }
 
 /// What ReadSectorTrailer returns and makes of arguments that were 9: keys used, the four levels, BX.
-inline Numbers ReadTrailer(Encoder& encoder, const std::wstring& keyA, int32_t sector)
+inline Numbers ReadTrailer(Encoder& encoder, std::wstring_view keyA, int32_t sector)
 {
     uint8_t keys = 9;
     uint8_t bx = 9;

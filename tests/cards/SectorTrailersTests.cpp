@@ -43,7 +43,7 @@ TEST_F(SectorTrailersTest, BadArgumentsAreRefusedInOrder)
 
 TEST_F(SectorTrailersTest, WritingReadsTheTrailerTwiceAndWritesItWhole)
 {
-    reader.Reply("read block", {"000000000000FF078069FFFFFFFFFFFF"});
+    reader.Replies["read block"] = "000000000000FF078069FFFFFFFFFFFF";
     Open();
     const TrailerArguments arguments{
         .KeyA = L" 0a0b0c0d0e0f ", .Levels = {1, -1, 15, 2}, .BX = 0, .Sector = 33};
@@ -64,7 +64,7 @@ TEST_F(SectorTrailersTest, ReadingDecodesThePlainBitsAsFarAsTheyAreHexadecimal)
         {"000000000000xxA04Fzz", {sceSuccess, 2, 5, 13, 12, 0, 0}}, // 010, 110, 011, 110
         {"000000000000004g0g1g", {sceSuccess, 1, 15, 15, 15, 1, 1}}};
     for (const auto& [reply, levels] : cases) {
-        reader.Reply("read block", {reply});
+        reader.Replies["read block"] = reply;
         EXPECT_EQ(ReadTrailer(encoder, Key, 31), levels);
         EXPECT_EQ(Last(), Clean(L"ReadSectorTrailer"));
     }

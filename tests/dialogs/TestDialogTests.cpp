@@ -88,9 +88,9 @@ TEST_F(TestDialogTest, EachExitEndsInTheLogInBothLanguages)
     for (const auto& [function, calls, closing, lines] : missing) {
         const std::wstring cause =
             L"Can't find entry point " + FromAnsi(Name(function)) + L" in ACGReader330";
-        reader.Missing(function);
+        reader.Missing = {function};
         ExpectEnd(calls, closing, lines, L"Error 453: " + cause, L"Erreur 453 : " + cause);
-        reader.Missing(function, /*FromCall=*/1, /*Times=*/0);
+        reader.Missing.clear();
     }
     const std::wstring failed = L"\r\n\r\n<< Test failed >>\r\n";
     const std::wstring failedInFrench = L"\r\n\r\n<< Echec du test >>\r\n";
@@ -106,8 +106,7 @@ TEST_F(TestDialogTest, EachExitEndsInTheLogInBothLanguages)
 
 TEST_F(TestDialogTest, MissingDeviceIdLeavesItsLineEmptyAndTheTestGoesOn)
 {
-    reader.Missing(ReaderFunction::GetDeviceID);
-    reader.Missing(ReaderFunction::CloseReader);
+    reader.Missing = {ReaderFunction::GetDeviceID, ReaderFunction::CloseReader};
     const std::wstring log = Log();
     EXPECT_NE(log.find(L"\r\nEncoder DeviceID: \r\nEncoder type: MultiISO 2.5\r\n"), log.npos);
     EXPECT_TRUE(log.ends_with(L"...\r\n\r\n<< Successful test >>\r\n"));

@@ -1,4 +1,4 @@
-// The record of the last failure, the states, and the properties that raise.
+// The record of the last failure, and the properties that raise.
 #include "tests/ScriptedReader.h"
 
 namespace acg
@@ -11,6 +11,7 @@ TEST_F(EncoderTest, DestructionClosesReaderThenLinkAndLeavesTheRecord)
 {
     auto mortal = std::make_unique<Encoder>(reader.DLL(), std::chrono::steady_clock::now);
     const std::shared_ptr<CError> record = mortal->LastError();
+    EXPECT_EQ(Last(), Clean(L""));
     EXPECT_TRUE(reader.Calls.empty());
     mortal->ReOpenEncoder();
     EXPECT_EQ(mortal->OpenEncoder(-1), sceError);
@@ -23,28 +24,11 @@ TEST_F(EncoderTest, DestructionClosesReaderThenLinkAndLeavesTheRecord)
     EXPECT_EQ(reader.Calls, closed);
 }
 
-TEST_F(EncoderTest, TracingPutsTheFormerNameInFrontOfThePath)
+TEST_F(EncoderTest, TracingKeepsAPathThatHasNoName)
 {
-    EXPECT_EQ(Last(), Clean(L""));
-    for (const auto& [name, path] : {std::pair(L"A", L""), {L"B", L"A"}, {L"C", L"B:A"}}) {
-        EncoderInside::Trace(encoder, name);
-        EXPECT_EQ(Last(), (Record{.ComFunction = name, .RdrCommand = path}));
-    }
-    encoder.LastError()->ComFunction.clear();
-    EncoderInside::Trace(encoder, L"D");
-    EncoderInside::SetNumberAndDescription(encoder, -6, L"failure");
-    EXPECT_EQ(Last(), (Record{-6, L"failure", L"D", L"B:A"}));
-}
-
-TEST_F(EncoderTest, ReaderTypeIsAskedAnewAndEndsAtItsFirstNul)
-{
-    Open();
-    for (const std::string& answer : {std::string("One"), std::string("Two\0more", 8)}) {
-        reader.Type = answer;
-        EXPECT_EQ(encoder.ReaderType(), answer == "One" ? L"One" : L"Two");
-        EXPECT_EQ(Last(), Clean(L"ReaderType"));
-    }
-    EXPECT_EQ(EncoderInside::LowerReaderType(encoder), L"multiiso 2.5");
+    encoder.LastError()->RdrCommand = L"path";
+    EncoderInside::Trace(encoder, L"Name");
+    EXPECT_EQ(Last(), (Record{.ComFunction = L"Name", .RdrCommand = L"path"}));
 }
 
 TEST_F(EncoderTest, PropertiesRaiseWhatTheyRecord)
@@ -71,30 +55,8 @@ TEST_F(EncoderTest, PropertiesRaiseWhatTheyRecord)
     expectUnsupported();
     Open();
     expectUnsupported();
-    reader.Missing(ReaderFunction::GetReaderType);
+    reader.Missing = {ReaderFunction::GetReaderType};
     raises(CallFailed(L"GetReaderType", L"ReaderType", L"GetReaderType"), {}, readType);
-}
-
-TEST_F(EncoderTest, StateFollowsTheSelectionAndLeavesACleanRecord)
-{
-    const auto expectState = [this](sceEncoderState state) {
-        EXPECT_EQ(encoder.EncoderState(), state);
-        EXPECT_EQ(Last(), Clean(L"EncoderState"));
-    };
-    expectState(sceClosed);
-    EXPECT_TRUE(reader.Calls.empty());
-    Open();
-    const auto status = ScriptedReader::Status;
-    const std::pair<std::string, sceEncoderState> states[] = {
-        {"04A1B2C3", sceReady},    {"", sceReady},
-        {status('X'), sceReady},   {status('N'), sceOpened},
-        {status('F'), sceUnknown}, {status('x'), sceUnknown}};
-    for (const auto& [reply, state] : states) {
-        reader.Reply("select", {reply});
-        expectState(state);
-    }
-    reader.Missing(ReaderFunction::SendCommandGetData);
-    expectState(sceUnknown);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The binding of the library, its texts, and its call failures.
+// The functions of the library, and their texts.
 #include "platform/AnsiText.h"
 #include "reader/ReaderCall.h"
 #include "tests/ScriptedReader.h"
@@ -14,39 +14,6 @@ namespace acg
 
 namespace
 {
-
-TEST(ReaderDLLTest, MissingFunctionAssignsNothingAndServesAgainOnceFound)
-{
-    ScriptedReader reader;
-    const ReaderDLL dll = reader.DLL();
-    reader.Missing(ReaderFunction::GetCommTimeout, /*FromCall=*/1, /*Times=*/1);
-    int32_t timeout = 5;
-    const Failure failure = dll.GetCommTimeout(1, timeout);
-    EXPECT_EQ(failure.Number, 453);
-    EXPECT_STREQ(failure.Description, L"Can't find entry point GetCommTimeout in ACGReader330");
-    EXPECT_EQ(failure.LastDllError, ScriptedReader::MissingError);
-    EXPECT_EQ(timeout, 5);
-
-    EXPECT_FALSE(dll.GetCommTimeout(1, timeout));
-    EXPECT_EQ(timeout, 1234);
-}
-
-TEST(ReaderDLLTest, SettingsReadBackComeThrough)
-{
-    ScriptedReader reader;
-    const ReaderDLL dll = reader.DLL();
-    uint8_t protocol = 0;
-    int32_t baudRate = 0;
-    std::wstring id;
-    EXPECT_FALSE(dll.GetCommProtocol(7, protocol));
-    EXPECT_FALSE(dll.GetCommBaudRate(7, baudRate));
-    EXPECT_FALSE(dll.GetDeviceID(8, id));
-    EXPECT_EQ(protocol, 1);
-    EXPECT_EQ(baudRate, 57600);
-    EXPECT_EQ(id, L"ID 7");
-    EXPECT_EQ(reader.Calls,
-              (std::vector<std::string>{"GetCommProtocol 7", "GetCommBaudRate 7", "GetDeviceID 8"}));
-}
 
 constexpr int32_t BusyError = 16;
 
