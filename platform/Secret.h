@@ -11,13 +11,19 @@
 namespace acg
 {
 
-/// Overwrites characters. The statement behind it is empty and may read them, for all that a compiler knows:
-/// so none leaves it out.
+/// An empty statement that may read the characters, for all that a compiler knows: none leaves out what was
+/// written there before.
+template <class Char>
+void KeepWritten(const Char* Text)
+{
+    __asm__ volatile("" : : "r"(Text) : "memory");
+}
+
 template <class Char>
 void Wipe(Char* Text, std::size_t Count)
 {
     std::fill_n(Text, Count, Char());
-    __asm__ volatile("" : : "r"(Text) : "memory");
+    KeepWritten(Text);
 }
 
 /// Text that may hold a key: whatever it held is wiped before its memory is given up. It isn't copied, and
@@ -81,8 +87,8 @@ private:
     /// Wipes the whole of the text's memory, characters that were cut off included, and empties it.
     static void WipeAll(Text& text)
     {
-        text.resize(text.capacity());
-        Wipe(text.data(), text.size());
+        text.assign(text.capacity(), Char());
+        KeepWritten(text.data());
         text.clear();
     }
 

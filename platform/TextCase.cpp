@@ -55,11 +55,10 @@ void MakeUpper(std::wstring& Text)
     std::ranges::transform(Text, Text.begin(), Upper);
 }
 
-std::wstring ToLower(std::wstring_view Text)
+std::wstring ToLower(std::wstring Text)
 {
-    std::wstring lower(Text);
-    std::ranges::transform(lower, lower.begin(), Lower);
-    return lower;
+    std::ranges::transform(Text, Text.begin(), Lower);
+    return Text;
 }
 
 } // namespace acg

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 namespace acg
 {
@@ -10,6 +9,6 @@ namespace acg
 /// The letters of ASCII and of Windows-1252 change their case, each for one other letter; every other
 /// character stays as it is.
 void MakeUpper(std::wstring& Text);
-[[nodiscard]] std::wstring ToLower(std::wstring_view Text);
+[[nodiscard]] std::wstring ToLower(std::wstring Text);
 
 } // namespace acg

@@ -3,6 +3,8 @@
 #include "platform/TextCase.h"
 #include "reader/StatusLetters.h"
 
+#include <utility>
+
 namespace acg
 {
 
@@ -66,7 +68,7 @@ sceReturnCode Encoder::SelectCardInRange()
     std::wstring type;
     const Failure failure = ReadReaderType(type);
     if (!failure) {
-        m_sReaderType = ToLower(type);
+        m_sReaderType = ToLower(std::move(type));
     }
     return sceSuccess;
 }
