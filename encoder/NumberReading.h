@@ -3,9 +3,9 @@
 
 #include <concepts>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace acg
 {
@@ -24,10 +24,8 @@ namespace acg
 template <std::integral Field>
 [[nodiscard]] std::optional<Field> ReadField(std::wstring_view Text)
 {
-    using Limits = std::numeric_limits<Field>;
     const int64_t number = ReadWholeNumber(Text);
-    return number >= Limits::min() && number <= Limits::max() ? std::optional(static_cast<Field>(number))
-                                                              : std::nullopt;
+    return std::in_range<Field>(number) ? std::optional(static_cast<Field>(number)) : std::nullopt;
 }
 
 } // namespace acg

@@ -1,6 +1,8 @@
 // The record of the last failure, and the properties that raise.
 #include "tests/ScriptedReader.h"
 
+#include <new>
+
 namespace acg
 {
 
@@ -22,6 +24,12 @@ TEST_F(EncoderTest, DestructionClosesReaderThenLinkAndLeavesTheRecord)
     const std::vector<std::string> closed = {"CloseReader 34", "CloseComm 17", "CloseReader 0",
                                              "CloseComm 0"};
     EXPECT_EQ(reader.Calls, closed);
+}
+
+TEST(EncoderLifeTest, DestructionBearsThatThereIsNoMemory)
+{
+    const auto lookUp = [](ReaderFunction) -> EntryPoint { throw std::bad_alloc(); };
+    EXPECT_EQ(Encoder(ReaderDLL(lookUp), std::chrono::steady_clock::now).LastError()->Number, 0);
 }
 
 TEST_F(EncoderTest, TracingKeepsAPathThatHasNoName)
