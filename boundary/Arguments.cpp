@@ -53,6 +53,9 @@ Variant::~Variant()
 
 bool Variant::Convert(VARIANT& From, VARTYPE Type)
 {
+    if (V_ISBYREF(&From) && V_BYREF(&From) == nullptr) {
+        return false;
+    }
     const bool isText = V_VT(&From) == VT_BSTR || V_VT(&From) == (VT_BYREF | VT_BSTR);
     if (isText && Type == VT_BSTR) { // the system would copy it twice, and not wipe the first
         V_BSTR(this) = NewText(TextOf(V_ISBYREF(&From) ? *V_BSTRREF(&From) : V_BSTR(&From)));

@@ -3,6 +3,7 @@
 #include "boundary/Arguments.h"
 
 #include <memory>
+#include <ranges>
 #include <utility>
 #include <vector>
 
@@ -16,11 +17,11 @@ constexpr VARTYPE VariantReference = VT_BYREF | VT_VARIANT;
 
 /// What the type library says of a parameter.
 struct Parameter {
-    VARTYPE Type; ///< without the reference of an in/out one
-    bool IsInOut;
+    VARTYPE Type; ///< without the reference
+    bool IsReference;
 };
 
-/// The parameters of a function, without that of its result.
+/// Those of a function, without that of its result.
 std::vector<Parameter> ParametersOf(const FUNCDESC& function)
 {
     std::vector<Parameter> parameters;
@@ -38,7 +39,7 @@ std::vector<Parameter> ParametersOf(const FUNCDESC& function)
 }
 
 /// None if there is no such member: the system's own call then says so.
-std::vector<Parameter> ParametersOf(ITypeInfo& info, DISPID member, WORD flags)
+std::vector<Parameter> FindParameters(ITypeInfo& info, DISPID member, WORD flags)
 {
     const auto release = [&](FUNCDESC* function) { info.ReleaseFuncDesc(function); };
     for (UINT at = 0;; ++at) {
@@ -55,11 +56,55 @@ std::vector<Parameter> ParametersOf(ITypeInfo& info, DISPID member, WORD flags)
     }
 }
 
-/// An argument that was converted, and the script's variable that gets it back.
+/// The variable of a script that a reference leads to; a parameter of a script's own procedure leads on to
+/// the variable of its caller.
+VARIANT* VariableOf(const VARIANTARG& reference)
+{
+    VARIANT* const variable = V_VARIANTREF(&reference);
+    const bool leadsOn = variable != nullptr && V_VT(variable) == VariantReference;
+    return leadsOn ? V_VARIANTREF(variable) : variable;
+}
+
+/// An argument as a value of the declared type, where it isn't one.
 struct Converted {
     Variant Value;
-    VARIANT* Variable = nullptr;
+    VARIANT* Variable = nullptr; ///< of the script, which gets the value back
 };
+
+/// Makes of an argument what the type library's own call takes for the parameter. False where it doesn't
+/// convert.
+bool Fit(const Parameter& parameter, VARIANTARG& argument, Converted& converted)
+{
+    if (parameter.Type == VT_VARIANT || IsLeftOut(argument)) {
+        return true; // the system takes the one, and refuses the other
+    }
+    VARIANT* source = &argument;
+    if (V_VT(&argument) == VariantReference) {
+        source = VariableOf(argument);
+        if (source == nullptr) {
+            return false;
+        }
+        if (V_ISBYREF(source)) { // it stands for a variable with a type, as a compiled host would name it
+            argument = *source;
+            source = &argument;
+        }
+    }
+    const bool isReference = V_ISBYREF(&argument) && source == &argument;
+    if (parameter.IsReference ? isReference : V_VT(&argument) == parameter.Type) {
+        return true;
+    }
+    if (!converted.Value.Convert(*source, parameter.Type)) {
+        return false;
+    }
+    if (parameter.IsReference) {
+        converted.Variable = source == &argument ? nullptr : source; // a mere value gets nothing back
+        V_VT(&argument) = static_cast<VARTYPE>(VT_BYREF | parameter.Type);
+        V_BYREF(&argument) = &V_BYREF(&converted.Value); // where a variant has its value, of whatever type
+    } else {
+        argument = converted.Value;
+    }
+    return true;
+}
 
 class CallArguments
 {
@@ -73,7 +118,7 @@ public:
     {
         for (UINT at = 0; at < given.cArgs; ++at) {
             const size_t index = ParameterAt(at, parameters.size());
-            if (index < parameters.size() && !Convert(parameters[index], m_arguments[at], m_converted[at])) {
+            if (index < parameters.size() && !Fit(parameters[index], m_arguments[at], m_converted[at])) {
                 if (bad != nullptr) {
                     *bad = at;
                 }
@@ -84,9 +129,10 @@ public:
 
     DISPPARAMS* Passed() { return &m_passed; }
 
+    /// In the order of the parameters: a variable that was given twice ends with the last value.
     void GiveBack()
     {
-        for (Converted& one : m_converted) {
+        for (Converted& one : std::views::reverse(m_converted)) {
             if (one.Variable != nullptr) {
                 std::swap<VARIANT>(*one.Variable, one.Value); // what it held before goes with ours
             }
@@ -104,28 +150,6 @@ private:
         return name == DISPID_PROPERTYPUT ? parameterCount - 1 : static_cast<size_t>(name);
     }
 
-    static bool Convert(const Parameter& parameter, VARIANTARG& argument, Converted& converted)
-    {
-        const bool isVariable = V_VT(&argument) == VariantReference;
-        const bool isAsDeclared =
-            parameter.IsInOut ? V_ISBYREF(&argument) && !isVariable : V_VT(&argument) == parameter.Type;
-        if (isAsDeclared || parameter.Type == VT_VARIANT || IsLeftOut(argument)) {
-            return true; // the system judges it
-        }
-        VARIANT* const source = isVariable ? V_VARIANTREF(&argument) : &argument;
-        if (source == nullptr || !converted.Value.Convert(*source, parameter.Type)) {
-            return false;
-        }
-        if (!parameter.IsInOut) {
-            argument = converted.Value;
-            return true;
-        }
-        converted.Variable = isVariable ? V_VARIANTREF(&argument) : nullptr; // a mere value gets nothing back
-        V_VT(&argument) = static_cast<VARTYPE>(VT_BYREF | parameter.Type);
-        V_BYREF(&argument) = &V_BYREF(&converted.Value); // its value, of whatever type
-        return true;
-    }
-
     std::vector<VARIANTARG> m_arguments;
     std::vector<Converted> m_converted;
     DISPPARAMS m_passed;
@@ -137,7 +161,12 @@ HRESULT CallByName(ITypeInfo& Interface, void* Object, DISPID Member, WORD Flags
                    VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument) noexcept
 {
     return Guarded([&] {
-        CallArguments arguments(ParametersOf(Interface, Member, Flags), Given(Arguments), BadArgument);
+        const DISPPARAMS& given = Given(Arguments);
+        const bool isWhole = (given.cArgs == 0 || given.rgvarg != nullptr) &&
+                             given.cNamedArgs <= given.cArgs &&
+                             (given.cNamedArgs == 0 || given.rgdispidNamedArgs != nullptr);
+        Check(isWhole ? S_OK : E_INVALIDARG);
+        CallArguments arguments(FindParameters(Interface, Member, Flags), given, BadArgument);
         Check(Interface.Invoke(Object, Member, Flags, arguments.Passed(), Result, Exception, BadArgument));
         arguments.GiveBack();
     });

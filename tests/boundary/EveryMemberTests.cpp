@@ -190,25 +190,38 @@ TEST(EveryMemberTest, ConvertsAScriptsVariableOrRefusesIt)
     EXPECT_EQ(variables, 13);
 }
 
-TEST(EveryMemberTest, TakesArgumentsByTheirNames)
+TEST(EveryMemberTest, TakesArgumentsByTheirNamesAndFollowsReferences)
 {
     const ComPtr<_Encoder> encoder = NewEncoder();
     LPOLESTR names[] = {const_cast<LPOLESTR>(L"ReadDataBloc"), const_cast<LPOLESTR>(L"BlocContents"),
                         const_cast<LPOLESTR>(L"KeyType")};
     DISPID ids[3] = {};
     ASSERT_EQ(encoder->GetIDsOfNames(IID{}, names, 3, LOCALE_USER_DEFAULT, ids), S_OK);
-    Variant contents(12.0);
     Text key{OwnKey};
-    VARIANTARG given[] = {AsVariant<VARIANT*>(&contents), AsVariant<LONG>(1), AsVariant<BSTR>(key),
-                          AsVariant<LONG>(4)};
+    VARIANTARG given[] = {{}, AsVariant<LONG>(1), AsVariant<BSTR*>(key.Variable()), AsVariant<LONG>(4)};
     DISPPARAMS arguments{.rgvarg = given, .rgdispidNamedArgs = ids + 1, .cArgs = 4, .cNamedArgs = 2};
-    Variant result;
-    EXPECT_EQ(
-        encoder->Invoke(ids[0], IID{}, LOCALE_USER_DEFAULT, Method, &arguments, &result, nullptr, nullptr),
-        S_OK);
-    EXPECT_EQ(V_I4(&result), sceError);
-    ASSERT_EQ(V_VT(&contents), VT_BSTR);
-    EXPECT_EQ(std::wstring(V_BSTR(&contents)), L"12"); // without a card it stays
+    const auto call = [&](VARIANT& contents) {
+        given[0] = AsVariant<VARIANT*>(&contents);
+        Variant result;
+        return encoder->Invoke(ids[0], IID{}, LOCALE_USER_DEFAULT, Method, &arguments, &result, nullptr,
+                               nullptr);
+    };
+    // The encoder is closed, so contents stay, but for their type.
+    Variant variable(12.0);
+    VARIANT toVariable = AsVariant<VARIANT*>(&variable);
+    EXPECT_EQ(call(toVariable), S_OK);
+    ASSERT_EQ(V_VT(&variable), VT_BSTR);
+    EXPECT_EQ(std::wstring(V_BSTR(&variable)), L"12");
+    Text text(L"typed");
+    VARIANT toText = AsVariant<BSTR*>(text.Variable());
+    EXPECT_EQ(call(toText), S_OK);
+    EXPECT_EQ(V_VT(&toText), VT_BYREF | VT_BSTR);
+    EXPECT_EQ(text.Characters(), L"typed");
+
+    V_BYREF(&given[2]) = nullptr;
+    EXPECT_EQ(call(toText), DISP_E_TYPEMISMATCH);
+    arguments.rgvarg = nullptr;
+    EXPECT_EQ(call(toText), E_INVALIDARG);
 }
 
 /// Sees, while it stands, the memory of the component's own code, and every block of the system's allocator,
