@@ -2,7 +2,8 @@
 '
 '     cscript //nologo doctor.vbs [PARAMETERS]      as in: doctor.vbs "Device=com3;Baud rate=19200"
 '
-' with the 32-bit cscript. "-": can't be told, as a rule because of a failure above. Status 1: a line failed.
+' with the 32-bit cscript. "-": can't be told, because of a failure above, or, for the functions, because of the
+' system's code page. Status 1: a line failed.
 Option Explicit
 
 Const ClassName = "ACG_MultiISO_TV.Encoder"
@@ -11,7 +12,7 @@ Const ReaderLibrary = "ACGReader330.dll"
 Const RegisterIt = "register ACG_MultiISO_TV.dll by the 32-bit regsvr32, as administrator: see install.html"
 
 Dim shell, files, windowsFolder, encoder, image, failed, good
-Dim processor, classKey, component, typeLibrary, library, isReadable, readerType, trouble, mend
+Dim processor, classKey, component, typeLibrary, library, isReadable, settings, readerType, trouble, mend
 Set shell = CreateObject("WScript.Shell")
 Set files = CreateObject("Scripting.FileSystemObject")
 windowsFolder = files.GetSpecialFolder(0)
@@ -28,7 +29,9 @@ good = Passes(good, files.FileExists(component), "The component's file is there"
     "unpack ACG_MultiISO_TV.dll to that place again, or register it where it lies now")
 
 typeLibrary = Registered("TypeLib\" & Registered(classKey & "\TypeLib\") & TypeLibraryVersion)
-Passes good, files.FileExists(typeLibrary), "The type library is registered", typeLibrary, RegisterIt
+' The component's own file carries it; the system may write the path another way in front.
+Passes good, Right(LCase(typeLibrary), Len(component)) = LCase(component), "The type library is registered", _
+    typeLibrary, RegisterIt
 
 If good Then trouble = CreationTrouble
 good = Passes(good, trouble = "", "The component loads, and its type library with it", trouble, _
@@ -44,10 +47,10 @@ Passes good And isReadable, trouble = "", "The reader library has its thirteen f
     "take the 32-bit " & ReaderLibrary & " that belongs to this component"
 
 If good Then trouble = OpeningTrouble(mend)
-good = Passes(good, trouble = "", "The reader opens", trouble, mend)
+good = Passes(good, trouble = "", "The reader opens" & settings, trouble, mend)
 
-If good Then trouble = TypeTrouble(readerType)
-Passes good, trouble = "", "The reader says its type", readerType & trouble, "if its functions are there, switch the reader off and on"
+If good Then trouble = TypeTrouble(readerType, mend)
+Passes good, trouble = "", "The reader says its type", readerType & trouble, mend
 
 If failed Then WScript.Quit 1
 
@@ -77,14 +80,16 @@ End Function
 
 ' Reading a member by name leads through the type library that the component carries.
 Function CreationTrouble
-    Dim settings
+    Dim state
     On Error Resume Next
     Set encoder = CreateObject(ClassName)
-    If Err.Number = 0 Then settings = encoder.Parameters
-    If Err.Number <> 0 Then CreationTrouble = Hex(Err.Number) & " " & Err.Description
+    If Err.Number = 0 Then state = encoder.EncoderState
+    If Err.Number > 0 Then CreationTrouble = Err.Number & " " & Err.Description
+    If Err.Number < 0 Then CreationTrouble = Hex(Err.Number) & " " & Err.Description
 End Function
 
-' The component looks beside itself, then in the system's folder; not in the current one, nor along PATH.
+' The component looks beside itself, then in the folder of its host, then in the system's; not in the current
+' one, nor along PATH. What lies beside another host than this script's can't be told here.
 Function LibraryFound
     LibraryFound = files.GetParentFolderName(component) & "\" & ReaderLibrary
     If files.FileExists(LibraryFound) Then Exit Function
@@ -152,19 +157,25 @@ End Function
 Function OpeningTrouble(mend)
     Dim fields, record
     If WScript.Arguments.Count > 0 Then encoder.Parameters = WScript.Arguments(0)
+    settings = encoder.Parameters
+    settings = " with " & Replace(Mid(settings, InStr(settings, "Device=")), vbCrLf, ";")
     fields = Split(encoder.GetInformation, "|")
     If encoder.OpenEncoder(fields(4)) = 0 Then Exit Function
     Set record = encoder.LastError
     OpeningTrouble = record.Number & " " & record.Description & ", in " & record.RdrCommand
+    If record.LastDllError <> 0 Then OpeningTrouble = OpeningTrouble & ", system error " & record.LastDllError
     mend = "is Device right, as in doctor.vbs Device=com3? Is another program using the reader?"
     If record.Number = -4 Then mend = "check the reader's power and cable; then Device, Baud rate, Autodetect"
     If record.Number = 453 Then mend = "take the " & ReaderLibrary & " that belongs to this component"
     If record.Number = 53 Then mend = "it is damaged, or needs a library that isn't there: install it anew"
 End Function
 
-Function TypeTrouble(readerType)
+Function TypeTrouble(readerType, mend)
     On Error Resume Next
+    mend = "switch the reader off and on"
     readerType = encoder.ReaderType
+    If readerType = "" Then TypeTrouble = "it gives none"
     If Err.Number <> 0 Then TypeTrouble = Err.Number & " " & Err.Description
+    If Err.Number = 453 Then mend = "take the " & ReaderLibrary & " that belongs to this component"
     encoder.CloseEncoder
 End Function

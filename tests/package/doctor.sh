@@ -31,21 +31,25 @@ finds ooooF---- 'The component loads' 'the file is damaged'
 LC_ALL=C sed 's/MSFT/TFSM/' away.dll >ACG_MultiISO_TV.dll # where a type library begins
 finds ooooF---- 'The component loads, and its type library' 'the file is damaged'
 mv away.dll ACG_MultiISO_TV.dll
-on_wine reg delete 'HKLM\Software\Classes\TypeLib\{F7AA3FEF-4DC8-45C9-BE9F-1C10F86CD5FF}' /f >/dev/null
+key='HKLM\Software\Classes\TypeLib\{F7AA3FEF-4DC8-45C9-BE9F-1C10F86CD5FF}'
+on_wine reg add "$key\\2.1\\409\\win32" /ve /d 'C:\windows\win.ini' /f >/dev/null
+finds oooFooooo 'The type library is registered: C:.windows.win.ini' 'register .* by the 32-bit regsvr32'
+on_wine reg delete "$key" /f >/dev/null
 finds oooFooooo 'The type library is registered' 'register .* by the 32-bit regsvr32'
 register
 
 sed 's/GetDeviceID/GetDeviceIX/' simulator/ACGReader330.dll >ACGReader330.dll
 finds ooooooFoo 'The reader library has its thirteen functions: it lacks GetDeviceID$' 'take the 32-bit'
 sed 's/GetReaderType/GetReaderTypX/' simulator/ACGReader330.dll >ACGReader330.dll
-finds ooooooFoF 'The reader says its type: 453 ' 'if its functions are there, switch'
+finds ooooooFoF 'The reader says its type: 453 ' 'take the ACGReader330.dll that belongs'
 cp ACG_MultiISO_TV.dll ACGReader330.dll # names the functions, but has none
 finds ooooooFF- 'The reader library .*: it lacks OpenComm .* CloseComm$' 'take the 32-bit'
-finds ooooooFF- 'The reader opens: 453 ' 'take the ACGReader330.dll that belongs'
+finds ooooooFF- 'The reader opens.*: 453 ' 'take the ACGReader330.dll that belongs'
 head -c 10000 simulator/ACGReader330.dll >ACGReader330.dll
-finds ooooooFF- 'The reader opens: 53 ' 'it is damaged, or needs a library'
+finds ooooooFF- 'The reader opens.*: 53 ' 'it is damaged, or needs a library'
 
 mv simulator/ACGReader330.dll "$WINEPREFIX/drive_c/windows/system32"
 rm ACGReader330.dll # now that of the system's folder is found
-finds oooooooF- 'The reader opens: -2 ' 'is Device right' Device=com1,card=2k
-finds oooooooF- 'The reader opens: -4 ' "check the reader's power and cable" Device=com1,readers=
+finds oooooooF- 'The reader opens.*: -2 ' 'is Device right' Device=com1,card=2k
+finds oooooooF- 'The reader opens.*: -4 ' "check the reader's power and cable" Device=com1,readers=
+finds ooooooooF 'The reader says its type: it gives none' 'switch the reader off and on' Device=com1,reader=
