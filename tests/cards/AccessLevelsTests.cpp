@@ -38,13 +38,12 @@ protected:
 
     /// Writes the trailer of sector 1, with one level for all data blocks, and gives how it reads back, or
     /// the number of the failure.
-    Numbers Rekey(uint8_t keysToUse, int32_t block, int32_t trailer, const std::wstring& key, uint8_t keyType)
+    Numbers Rekey(uint8_t keysToUse, int32_t block, int32_t trailer, const std::wstring& key = KeyB,
+                  uint8_t keyType = KeyTypeB)
     {
         const TrailerArguments arguments{.KeysToUse = keysToUse, .Levels = {block, block, block, trailer}};
-        if (WriteTrailer(encoder, key, keyType, arguments) == sceError) {
-            return {encoder.LastError()->Number};
-        }
-        return ReadTrailer(encoder, KeyA, 1);
+        const auto code = WriteTrailer(encoder, key, keyType, arguments);
+        return code == sceError ? Numbers{encoder.LastError()->Number} : ReadTrailer(encoder, KeyA, 1);
     }
     Numbers RekeyNewCard(uint8_t keysToUse, int32_t block, int32_t trailer)
     {
@@ -87,21 +86,21 @@ TEST_F(AccessLevelsTest, EachLevelGrantsWhatItSaysAndReadsBackAsThat)
             SCOPED_TRACE(testing::Message() << "level " << level << ", keys " << int{keysToUse});
             const bool alone = keysToUse == KeyAAlone;
             const auto asked = static_cast<int32_t>(level);
-
+            const auto readBack = [&](int32_t block, int32_t trailer, bool stored) {
+                return stored ? Numbers{sceSuccess, keysToUse, block, block, block, trailer, 0x69}
+                              : Numbers{-13};
+            };
             const int32_t onBlock = alone ? ToKeyAAlone[level] : OnBlock[level];
             // The bits would grant key B what they grant key A, were it a key.
             const int32_t back = alone ? onBlock * 5 : onBlock;
             const int32_t all = alone ? 3 : 12;
-            EXPECT_EQ(RekeyNewCard(keysToUse, asked, all),
-                      onBlock == No ? Numbers{-13}
-                                    : (Numbers{sceSuccess, keysToUse, back, back, back, all, 0x69}));
+            EXPECT_EQ(RekeyNewCard(keysToUse, asked, all), readBack(back, all, onBlock != No));
             for (const int32_t block : {4, 5, 6}) {
                 EXPECT_EQ(BlockRights(block), std::max(onBlock, 0));
             }
 
             const int32_t onTrailer = alone ? ToKeyAAlone[level] : OnTrailer[level];
-            const auto expected =
-                onTrailer == No ? Numbers{-13} : Numbers{sceSuccess, keysToUse, 15, 15, 15, onTrailer, 0x69};
+            const Numbers expected = readBack(15, onTrailer, onTrailer != No);
             EXPECT_EQ(RekeyNewCard(keysToUse, 15, asked), expected);
             const int32_t ofKeyA = TrailerRights(KeyA, KeyTypeA);
             EXPECT_EQ(RekeyNewCard(keysToUse, 15, asked), expected);
@@ -115,10 +114,10 @@ TEST_F(AccessLevelsTest, LevelsOfMinusOneAndKeyModeZeroKeepWhatTheCardHas)
     EXPECT_EQ(Rekey(/*keysToUse=*/0, 1, -1, FactoryKey, KeyTypeA),
               (Numbers{sceSuccess, 1, 5, 5, 5, 3, 0x69}));
     RekeyNewCard(BothKeys, 13, 12);
-    EXPECT_EQ(Rekey(BothKeys, -1, -1, KeyB, KeyTypeB), (Numbers{sceSuccess, 2, 13, 13, 13, 12, 0x69}));
+    EXPECT_EQ(Rekey(BothKeys, -1, -1), (Numbers{sceSuccess, 2, 13, 13, 13, 12, 0x69}));
     EXPECT_EQ(Read(7, KeyA), L"00000000000078778869000000000000");
     // Both keys can't store level 1.
-    EXPECT_EQ(Rekey(/*keysToUse=*/0, 1, -1, KeyB, KeyTypeB), Numbers{-13});
+    EXPECT_EQ(Rekey(/*keysToUse=*/0, 1, -1), Numbers{-13});
 }
 
 TEST_F(AccessLevelsTest, ValueBlocksCountUntilTheEncoderIsClosed)
@@ -127,10 +126,10 @@ TEST_F(AccessLevelsTest, ValueBlocksCountUntilTheEncoderIsClosed)
     EXPECT_EQ(encoder.WriteValueBloc(4, KeyB, KeyTypeB, 0), sceSuccess);
     EXPECT_EQ(encoder.WriteValueBloc(5, KeyB, KeyTypeB, 1000), sceSuccess);
     EXPECT_EQ(Read(5, KeyA), L"E803000017FCFFFFE803000005FA05FA");
-    Rekey(BothKeys, 13, 12, KeyB, KeyTypeB);
+    Rekey(BothKeys, 13, 12);
     EXPECT_EQ(Read(7, KeyA).substr(12, 6), L"48778B"); // 110, 110, 100, 011
     encoder.ReOpenEncoder();
-    Rekey(BothKeys, 9, 12, KeyB, KeyTypeB);
+    Rekey(BothKeys, 9, 12);
     EXPECT_EQ(Read(7, KeyA).substr(12, 6), L"787788"); // 100, 100, 100, 011
 }
 
@@ -145,23 +144,6 @@ TEST_F(AccessLevelsTest, SectorOfSixteenBlocksHasFiveBlocksInASlot)
     }
     // Block 141 stands for the second slot, though it lies in the third: 101, 110, 111, 011.
     EXPECT_EQ(Read(143, KeyA), L"0000000000001872DEAB000000000000");
-}
-
-TEST(AccessBitsTest, EveryTripleInEverySlotComesBackAndLeavesTheOthers)
-{
-    for (const ConditionBytes before :
-         {ConditionBytes{0x00, 0x00, 0x00}, {0xFF, 0xFF, 0xFF}, {0xFF, 0x07, 0x80}}) {
-        for (unsigned slot = 0; slot < 4; ++slot) {
-            for (const AccessTriple triple : {"000", "001", "010", "011", "100", "101", "110", "111"}) {
-                ConditionBytes bytes = before;
-                StoreAccessBits(triple, static_cast<uint8_t>(1U << slot), bytes);
-                for (unsigned other = 0; other < 4; ++other) {
-                    EXPECT_EQ(DecodeSlot(bytes, other).Triple,
-                              other == slot ? triple : DecodeSlot(before, other).Triple);
-                }
-            }
-        }
-    }
 }
 
 } // namespace

@@ -15,10 +15,8 @@ protected:
     void SetUp() override
     {
         // Both objects outlive a test as they outlive a dialog.
-        frmConfigure::OfThread().Protocol = 0;
-        frmConfigure::OfThread().OKPressed = false;
-        frmTest& test = frmTest::OfThread();
-        std::tie(test.AutoDetect, test.BaudRate, test.Protocol, test.Timeout) = std::tuple(0, 0, 0, 0);
+        frmConfigure::OfThread() = {};
+        frmTest::OfThread() = {};
     }
     void TearDown() override { HeadlessPlayer() = nullptr; }
 

@@ -1,3 +1,5 @@
+// The simulated reader: the device text that plans it, its commands, and the card in its field. What the card
+// grants under each access condition is held against the component's access levels.
 #include "simulator/Reader.h"
 
 #include "simulator/CardBox.h"
@@ -13,6 +15,19 @@ namespace simulator
 
 namespace
 {
+
+TEST(DeviceTextTest, WhatIsUnknownIsRefused)
+{
+    for (const char* text : {"", "com1", "com1,reader=", "com1,readers=", "com1,fault=write vblock/12/?"}) {
+        EXPECT_TRUE(ParseDeviceText(text)) << text;
+    }
+    for (const std::string option :
+         {"card=2k", "card=", "CARD=1k", "uid=A1B2C3", "uid=A1B2C3DG", "image=", "reader", "readers=4100",
+          "remove=", "remove=1x", "remove=4294967296", "colour=red", "card=1k,,card=1k", "fault=login/1",
+          "fault=login/0/N", "fault=login/1/Z", "fault=login/1/NX", "fault=login/1/N/", "fault=dance/1/N"}) {
+        EXPECT_FALSE(ParseDeviceText("com1," + option)) << option;
+    }
+}
 
 Reader Open(CardBox& box, const std::string& options)
 {
@@ -72,19 +87,15 @@ TEST(SimulatedReaderTest, LoginNumberOpensItsSectorAndNoBlockBesides)
     CardBox box;
     Reader small = Open(box, "card=1k");
     Reader large = Open(box, "card=4k");
-    const auto hex = [](unsigned number) {
-        const auto byte = static_cast<uint8_t>(number);
-        return ToHex({&byte, 1});
-    };
+    const auto hex = [](unsigned number) { return ToHex({{static_cast<uint8_t>(number)}}); };
     for (unsigned login = 0; login < 256; ++login) {
         EXPECT_EQ(LogIn(small, hex(login)), login < 16 ? "<L>" : "<R>") << login;
         const bool exists = login < 32 || (login < 64 && login % 4 == 0);
         EXPECT_EQ(LogIn(large, hex(login)), exists ? "<L>" : "<R>") << login;
         const unsigned end = login * 4 + (login < 32 ? 4 : 16);
         for (unsigned block = 0; block < 256; ++block) {
-            ASSERT_EQ(Send(large, {"read block:" + hex(block)}).size() == 32,
-                      exists && block >= login * 4 && block < end)
-                << login << ' ' << block;
+            const bool isRead = Send(large, {"read block:" + hex(block)}).size() == 32;
+            ASSERT_EQ(isRead, exists && block >= login * 4 && block < end) << login << ' ' << block;
         }
     }
 }
@@ -113,6 +124,22 @@ TEST(SimulatedReaderTest, OptionsTellWhatComesOfALife)
             }
         }
         EXPECT_EQ(replies, expected) << options;
+    }
+}
+
+TEST(SimulatedCardTest, EachBitThatDisagreesWithItsCopyBlocksTheSectorAndNoOther)
+{
+    constexpr std::array<uint8_t, KeySize> key = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+    constexpr Block openTrailer = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x07, 0x80};
+    for (unsigned bit = 0; bit < 24; ++bit) {
+        Card card(BlocksOf1K, {});
+        Block trailer = openTrailer;
+        trailer[6 + bit / 8] ^= static_cast<uint8_t>(1U << bit % 8);
+        ASSERT_TRUE(card.Write(7, KeyType::A, trailer));
+        EXPECT_FALSE(card.Login(1, KeyType::A, key)) << bit;
+        EXPECT_FALSE(card.Read(4, KeyType::A)) << bit;
+        EXPECT_FALSE(card.Write(7, KeyType::A, openTrailer)) << bit;
+        EXPECT_TRUE(card.Login(2, KeyType::A, key)) << bit;
     }
 }
 
