@@ -70,6 +70,10 @@ void Measure(_Encoder& encoder, int commands, const Member<_Encoder, Formal...>&
 void MeasureAll()
 {
     const ComPtr<_Encoder> made = NewEncoder();
+    if (made.Get() == nullptr) {
+        std::puts("the component isn't registered");
+        std::exit(EXIT_FAILURE);
+    }
     _Encoder& encoder = *made.Get();
     encoder.ReOpenEncoder();
     const Text key(FactoryKey);

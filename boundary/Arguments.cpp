@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace acg
 {
@@ -28,9 +29,9 @@ BSTR NewText(std::wstring_view Text)
     return text;
 }
 
-TextVariable::TextVariable(BSTR* Variable) : m_variable(Given(Variable))
+TextVariable::TextVariable(BSTR* Variable, Incoming Text) : m_variable(Given(Variable))
 {
-    const std::wstring_view incoming = TextOf(m_variable);
+    const std::wstring_view incoming = Text == Incoming::Read ? TextOf(m_variable) : std::wstring_view();
     m_text.Reserve(std::max<size_t>(incoming.size(), BlockDigits));
     m_text += incoming;
 }
@@ -56,13 +57,16 @@ bool Variant::Convert(VARIANT& From, VARTYPE Type)
     if (V_ISBYREF(&From) && V_BYREF(&From) == nullptr) {
         return false;
     }
+    Variant converted;
     const bool isText = V_VT(&From) == VT_BSTR || V_VT(&From) == (VT_BYREF | VT_BSTR);
     if (isText && Type == VT_BSTR) { // the system would copy it twice, and not wipe the first
-        V_BSTR(this) = NewText(TextOf(V_ISBYREF(&From) ? *V_BSTRREF(&From) : V_BSTR(&From)));
-        V_VT(this) = VT_BSTR;
-        return true;
+        V_BSTR(&converted) = NewText(TextOf(V_ISBYREF(&From) ? *V_BSTRREF(&From) : V_BSTR(&From)));
+        V_VT(&converted) = VT_BSTR;
+    } else if (!Succeeded(VariantChangeType(&converted, &From, 0, Type))) {
+        return false;
     }
-    return Succeeded(VariantChangeType(this, &From, 0, Type));
+    std::swap<VARIANT>(*this, converted);
+    return true;
 }
 
 bool IsLeftOut(const VARIANT& Value)

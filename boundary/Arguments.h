@@ -63,7 +63,11 @@ NumberVariable<Own, Callers> Number(Callers* Variable)
 class TextVariable
 {
 public:
-    explicit TextVariable(BSTR* Variable);
+    enum class Incoming {
+        Read,
+        Ignored, ///< not even copied: what is to come may be longer, and outgrow the copy's room
+    };
+    TextVariable(BSTR* Variable, Incoming Text);
     operator std::wstring&() { return m_text.InPlace(); }
     /// Frees the caller's text and puts the new one in its place. If there is no memory for that, the
     /// variable stays as it is, and so must come first among those that are given back.

@@ -40,6 +40,8 @@ void GiveBack(Variables&... variables)
 
 } // namespace
 
+using Incoming = TextVariable::Incoming;
+
 AutomationEncoder::AutomationEncoder()
 {
     // Its first reference is taken over, which Attach doesn't do in every version of the system's headers.
@@ -109,7 +111,7 @@ HRESULT AutomationEncoder::CloseEncoder(::sceReturnCode* Result)
 HRESULT AutomationEncoder::ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result)
 {
     return Answer(Result, [&] {
-        TextVariable serialNumber(SerialNumber);
+        TextVariable serialNumber(SerialNumber, Incoming::Ignored);
         const sceReturnCode result = m_encoder.ReadSerialNumber(serialNumber);
         serialNumber.GiveBack();
         return result;
@@ -120,7 +122,7 @@ HRESULT AutomationEncoder::ReadDataBloc(LONG BlocNumber, BSTR key, unsigned char
                                         ::sceReturnCode* Result)
 {
     return Answer(Result, [&] {
-        TextVariable contents(BlocContents); // it stays where no card was selected
+        TextVariable contents(BlocContents, Incoming::Read); // it stays where no card was selected
         const sceReturnCode result = m_encoder.ReadDataBloc(BlocNumber, TextOf(key), KeyType, contents);
         contents.GiveBack();
         return result;
@@ -134,7 +136,7 @@ HRESULT AutomationEncoder::ReadManufacturerCode(BSTR key, unsigned char KeyType,
     return Answer(Result, [&] {
         auto serialNumber = Number<int32_t>(SerialNumber);
         auto checkSum = Number<uint8_t>(CheckSum);
-        TextVariable info(ManufacturerInfo);
+        TextVariable info(ManufacturerInfo, Incoming::Ignored);
         const sceReturnCode result =
             m_encoder.ReadManufacturerCode(TextOf(key), KeyType, serialNumber, checkSum, info);
         GiveBack(info, serialNumber, checkSum);
@@ -167,7 +169,7 @@ HRESULT AutomationEncoder::WriteDataBloc(LONG BlocNumber, BSTR key, unsigned cha
                                          ::sceReturnCode* Result)
 {
     return Answer(Result, [&] {
-        TextVariable contents(BlocContents);
+        TextVariable contents(BlocContents, Incoming::Read);
         const sceReturnCode result = m_encoder.WriteDataBloc(BlocNumber, TextOf(key), KeyType, contents);
         contents.GiveBack();
         return result;
@@ -202,7 +204,7 @@ HRESULT AutomationEncoder::WriteBytesInBloc(LONG BlocNumber, BSTR key, unsigned 
                                             ::sceReturnCode* Result)
 {
     return Answer(Result, [&] {
-        TextVariable contents(BlocContents);
+        TextVariable contents(BlocContents, Incoming::Read);
         const sceReturnCode result =
             m_encoder.WriteBytesInBloc(BlocNumber, TextOf(key), KeyType, FromByte, ToByte, contents);
         contents.GiveBack();

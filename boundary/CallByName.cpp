@@ -68,7 +68,7 @@ VARIANT* VariableOf(const VARIANTARG& reference)
 /// An argument as a value of the declared type, where it isn't one.
 struct Converted {
     Variant Value;
-    VARIANT* Variable = nullptr; ///< of the script, which gets the value back
+    VARIANT* Variable = nullptr; ///< of the script, if any: it gets the value back
 };
 
 /// Makes of an argument what the type library's own call takes for the parameter. False where it doesn't
@@ -78,26 +78,26 @@ bool Fit(const Parameter& parameter, VARIANTARG& argument, Converted& converted)
     if (parameter.Type == VT_VARIANT || IsLeftOut(argument)) {
         return true; // the system takes the one, and refuses the other
     }
-    VARIANT* source = &argument;
+    VARIANT* variable = nullptr;
     if (V_VT(&argument) == VariantReference) {
-        source = VariableOf(argument);
-        if (source == nullptr) {
+        variable = VariableOf(argument);
+        if (variable == nullptr) {
             return false;
         }
-        if (V_ISBYREF(source)) { // it stands for a variable with a type, as a compiled host would name it
-            argument = *source;
-            source = &argument;
+        if (V_ISBYREF(variable)) { // it stands for a variable with a type, as a compiled host would name it
+            argument = *variable;
+            variable = nullptr;
         }
     }
-    const bool isReference = V_ISBYREF(&argument) && source == &argument;
-    if (parameter.IsReference ? isReference : V_VT(&argument) == parameter.Type) {
+    const bool fits = parameter.IsReference ? V_ISBYREF(&argument) : V_VT(&argument) == parameter.Type;
+    if (variable == nullptr && fits) {
         return true;
     }
-    if (!converted.Value.Convert(*source, parameter.Type)) {
+    if (!converted.Value.Convert(variable != nullptr ? *variable : argument, parameter.Type)) {
         return false;
     }
     if (parameter.IsReference) {
-        converted.Variable = source == &argument ? nullptr : source; // a mere value gets nothing back
+        converted.Variable = variable; // a mere value gets nothing back
         V_VT(&argument) = static_cast<VARTYPE>(VT_BYREF | parameter.Type);
         V_BYREF(&argument) = &V_BYREF(&converted.Value); // where a variant has its value, of whatever type
     } else {

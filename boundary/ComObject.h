@@ -79,7 +79,7 @@ template <class Object>
 HRESULT Create(REFIID Wanted, void** Created) noexcept
 {
     // The runtime keeps something for each thread that throws, and ends the process if there is no memory for
-    // it then. An object stays on the thread that makes it; so it is made now.
+    // it then. An object stays on the thread that makes it; so asking for it here has it made early.
     static_cast<void>(std::uncaught_exceptions());
     return Guarded([&] {
         Given(Created) = nullptr;

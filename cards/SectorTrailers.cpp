@@ -25,9 +25,11 @@ constexpr unsigned TrailerSlot = 3;
 /// A pair that isn't hexadecimal counts as far as it can be read.
 uint8_t ByteOf(std::wstring_view block, size_t byte)
 {
-    const wchar_t* const pair = &block[byte * DigitsOfByte];
-    const wchar_t number[] = {L'&', L'h', pair[0], pair[1]};
-    return static_cast<uint8_t>(ReadWholeNumber({number, std::size(number)}));
+    constexpr std::wstring_view Hexadecimal = L"&h";
+    wchar_t number[Hexadecimal.size() + DigitsOfByte] = {};
+    const size_t sign = Hexadecimal.copy(number, Hexadecimal.size());
+    const size_t digits = block.copy(number + sign, DigitsOfByte, byte * DigitsOfByte);
+    return static_cast<uint8_t>(ReadWholeNumber({number, sign + digits}));
 }
 
 ConditionBytes ConditionBytesOf(std::wstring_view trailer)

@@ -116,7 +116,7 @@ void Encoder::SetLastError(std::optional<int32_t> Number, std::optional<std::wst
 
 void Encoder::ResetLastError(std::wstring_view ComFunction)
 {
-    CError& record = *m_oLastError;
+    CError& record = *m_oLastError; // each field for itself: its text keeps its memory for the next one
     record.Number = 0;
     record.Description.clear();
     record.LastDllError = 0;

@@ -9,7 +9,7 @@ Option Explicit
 Const ClassName = "ACG_MultiISO_TV.Encoder"
 Const TypeLibraryVersion = "\2.1\409\win32\"
 Const ReaderLibrary = "ACGReader330.dll"
-Const RegisterIt = "register ACG_MultiISO_TV.dll by the 32-bit regsvr32, as administrator: see install.html"
+Const RegisterIt = "register ACG_MultiISO_TV.dll by the 32-bit regsvr32, as administrator: see install-en.html"
 
 Dim shell, files, windowsFolder, encoder, image, failed, good
 Dim processor, classKey, component, typeLibrary, library, isReadable, settings, readerType, trouble, mend

@@ -17,7 +17,8 @@ public:
     ThreadPointer& operator=(const ThreadPointer&) = delete;
 
     [[nodiscard]] void* Get() const;
-    void Set(void* Pointer) const; ///< throws std::bad_alloc
+    void Set(void* Pointer) const; ///< throws std::bad_alloc, always where the system gave no storage
+
 private:
     unsigned long m_key;
 };

@@ -84,7 +84,7 @@ struct Variant : VARIANT {
     Variant& operator=(const Variant&) = delete;
 };
 
-/// How a call ended. Both ways of calling tell the same.
+/// How a call ended. All ways of calling tell the same.
 struct Outcome {
     HRESULT Result = S_OK;
     std::wstring Description;

@@ -1,4 +1,4 @@
-// Encoder and CError as a client meets them, by slot and by name, on the simulated reader.
+// Encoder and CError as a client meets them, by slot, by name and as a script, on the simulated reader.
 #include "tests/boundary/Client.h"
 
 #include <ocidl.h>

@@ -1,5 +1,4 @@
-// The DLL as a host's loader meets it: registration, factories, the type library, the version, and where it
-// looks for the reader library.
+// The DLL as a host's loader meets it: registration, factories, the type library and the version.
 #include "tests/boundary/Client.h"
 
 #include <algorithm>
@@ -13,40 +12,18 @@ namespace client
 namespace
 {
 
-namespace fs = std::filesystem;
-
-fs::path OwnPath()
+std::filesystem::path ComponentPath()
 {
     wchar_t path[MAX_PATH];
-    return std::wstring(path, GetModuleFileNameW(nullptr, path, MAX_PATH));
-}
-
-fs::path ComponentPath()
-{
-    return OwnPath().replace_filename(L"ACG_MultiISO_TV.dll");
-}
-
-/// Runs a program to its end.
-DWORD RunProgram(std::wstring commandLine, const wchar_t* folder = nullptr)
-{
-    STARTUPINFOW start{.cb = sizeof(start)};
-    PROCESS_INFORMATION process{};
-    DWORD code = MAXDWORD;
-    if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, folder, &start,
-                       &process) != FALSE) {
-        WaitForSingleObject(process.hProcess, INFINITE);
-        GetExitCodeProcess(process.hProcess, &code);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
-    }
-    return code;
+    const std::filesystem::path own = std::wstring(path, GetModuleFileNameW(nullptr, path, MAX_PATH));
+    return own.parent_path() / L"ACG_MultiISO_TV.dll";
 }
 
 /// The component as it is loaded by hand.
 class LoadedComponent
 {
 public:
-    explicit LoadedComponent(const fs::path& path = ComponentPath()) : m_module(LoadLibraryW(path.c_str())) {}
+    LoadedComponent() : m_module(LoadLibraryW(ComponentPath().c_str())) {}
     ~LoadedComponent() { FreeLibrary(m_module); }
     LoadedComponent(const LoadedComponent&) = delete;
     LoadedComponent& operator=(const LoadedComponent&) = delete;
@@ -159,7 +136,7 @@ protected:
 TEST_F(RegistrationTest, MakesEverythingKnownAndLeavesNothingBehind)
 {
     const std::wstring path = ComponentPath().wstring();
-    ASSERT_EQ(RunProgram(L"regsvr32 /s \"" + path + L"\""), 0U);
+    ASSERT_EQ(component.Register(), S_OK);
     const GUID libraryId = AttributesOf(*TypeLibrary().Get()).guid;
     for (const auto& [name, id] :
          {std::pair{EncoderName, __uuidof(Encoder)}, {ErrorName, __uuidof(CError)}}) {
@@ -176,7 +153,7 @@ TEST_F(RegistrationTest, MakesEverythingKnownAndLeavesNothingBehind)
     ComPtr<ITypeLib> library;
     EXPECT_EQ(LoadRegTypeLib(libraryId, 2, 1, 0x409, library.GetAddressOf()), S_OK);
 
-    ASSERT_EQ(RunProgram(L"regsvr32 /u /s \"" + path + L"\""), 0U);
+    ASSERT_EQ(component.Unregister(), S_OK);
     EXPECT_TRUE(IsUnknown());
 }
 
@@ -253,28 +230,6 @@ TEST(LibraryTest, FactoriesMakeBothClassesAndRefuseTheRest)
     }
 }
 
-TEST(LibraryTest, TakesReaderLibraryFromItsOwnFolderAndNeverFromTheCurrentOne)
-{
-    constexpr DWORD notFound = 53;
-    constexpr DWORD lacksFunction = 453;
-    const fs::path folder = fs::temp_directory_path() / (L"acg" + std::to_wstring(GetCurrentProcessId()));
-    const fs::path own = folder / L"own" / ComponentPath().filename();
-    const fs::path hosts = folder / L"host" / L"client.exe";
-    const fs::path current = folder / L"current" / L"ACGReader330.dll";
-    for (const fs::path& file : {own, hosts, current}) {
-        fs::create_directories(file.parent_path());
-    }
-    fs::copy(ComponentPath(), own);
-    fs::copy(OwnPath(), hosts);
-    // A library of that name, but without the functions: a call of one tells whether it was loaded.
-    fs::copy(ComponentPath(), current);
-    const std::wstring client = hosts.wstring() + L" --number-of-a-failed-call " + own.wstring();
-    EXPECT_EQ(RunProgram(client, current.parent_path().c_str()), notFound);
-    fs::copy(ComponentPath(), own.parent_path() / current.filename());
-    EXPECT_EQ(RunProgram(client, current.parent_path().c_str()), lacksFunction);
-    fs::remove_all(folder);
-}
-
 TEST(LibraryTest, VersionIsThatOfTheInformation)
 {
     BYTE resource[4096];
@@ -328,31 +283,13 @@ TEST(TypeLibraryTest, KeepsTheOrderOfTheSlots)
               L"RdrCommand=RdrCommand RdrRetCode=RdrRetCode");
 }
 
-/// What the record holds when the first call of the reader library has failed as a call.
-int NumberOfAFailedCall(const char* componentPath)
-{
-    const LoadedComponent component(componentPath);
-    const ComPtr<_Encoder> encoder = component.NewEncoder();
-    encoder->ReOpenEncoder();
-    ComPtr<_CError> error;
-    encoder->get_LastError(error.GetAddressOf());
-    LONG number = 0;
-    error->get_Number(&number);
-    return number;
-}
-
 } // namespace
 
 } // namespace client
 
-/// With --number-of-a-failed-call and a component it is a client in a process of its own, and gives that
-/// number as its status.
 int main(int argc, char* argv[])
 {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    if (argc > 2 && argv[1] == std::string("--number-of-a-failed-call")) {
-        return client::NumberOfAFailedCall(argv[2]);
-    }
     testing::InitGoogleTest(&argc, argv);
     if (FAILED(client::LoadedComponent().Register())) {
         return EXIT_FAILURE;

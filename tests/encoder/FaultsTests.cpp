@@ -3,6 +3,7 @@
 #include "tests/encoder/Operations.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace acg
 {
@@ -51,7 +52,10 @@ constexpr std::string_view Exchange = "SendCommandGetData 34 ";
 const Rule& RuleOf(const std::string& call)
 {
     const std::string name = call.substr(call.starts_with(Exchange) ? Exchange.size() : 0);
-    return *std::ranges::find_if(Rules, [&](const Rule& rule) { return name.starts_with(rule.Call); });
+    const auto* const rule =
+        std::ranges::find_if(Rules, [&](const Rule& one) { return name.starts_with(one.Call); });
+    return rule != std::end(Rules) ? *rule
+                                   : throw std::logic_error("no rule for " + name.substr(0, name.find(' ')));
 }
 
 std::wstring Joined(const std::wstring& path, const std::wstring& below)

@@ -13,7 +13,7 @@ commands() {
 }
 # carry_out STEP
 carry_out() {
-    { echo '@cd /d C:\ACG' && commands install.html "$1" | sed 's/^/@/'; } | sed 's/$/\r/' >step.bat
+    { echo '@cd /d C:\ACG' && commands install-en.html "$1" | sed 's/^/@/'; } | sed 's/$/\r/' >step.bat
     on_wine cmd /c 'C:\ACG\step.bat'
 }
 # What the registry knows of classes, type libraries and interfaces.
@@ -27,7 +27,9 @@ readme_block() {
 # The number that opens the encoder is drawn anew each time.
 mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; }
 
-diff <(commands install.html) <(commands installation.html)
+# Both pages have the same commands, and tell the same failures, by their numbers.
+codes() { sed -nE 's/^<tr><td>[^0-9-]*(regsvr32|[0-9A-F-]+).*/\1/p' "$1"; }
+diff <(commands install-en.html; codes install-en.html) <(commands install-fr.html; codes install-fr.html)
 echo >empty.js
 on_wine cscript //nologo empty.js # Wine's script host registers something of its own when it first runs
 classes >before.reg
