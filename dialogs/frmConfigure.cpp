@@ -114,9 +114,9 @@ struct frmConfigure::Window {
 
     Window(frmConfigure& Opened, const ReaderDLL& Used) : Owner(Opened), Reader(Used)
     {
-        Owner.m_window = this;
         Dialog.DefaultButton = &cmdOK;
         Dialog.CancelButton = &cmdCancel;
+        Owner.m_window = this;
     }
     ~Window() { Owner.m_window = nullptr; }
     Window(const Window&) = delete;

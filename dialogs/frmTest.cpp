@@ -74,12 +74,12 @@ struct frmTest::Window {
 
     Window(frmTest& Opened, const ReaderDLL& Used) : Owner(Opened), Reader(Used)
     {
-        Owner.m_window = this;
         constexpr Area Margin = {0, 0, 150, 3150};
         constexpr Area Separator = {-630, 3150, 7245 + 630, 0};
         Dialog.Shapes = {{Margin, LogBackground}, {Separator, {Colour::Source::Highlight3D}}};
         Dialog.DefaultButton = &cmdOK;
         txtLog.SetBackground(LogBackground);
+        Owner.m_window = this; // nothing throws any more
     }
     ~Window() { Owner.m_window = nullptr; }
     Window(const Window&) = delete;
