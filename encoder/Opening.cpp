@@ -48,17 +48,21 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
         RecordRefusal(CannotOpenEncoder, L"OpenEncoder", L"OpenComm");
         return sceError;
     }
-    if (OpenFirstReader() == sceError) {
+    try {
+        if (OpenFirstReader() == sceError) {
+            ReleaseDevice();
+            return sceError;
+        }
+        const auto deadline = m_oClock() + WaitForCard;
+        do {
+            // The record decides, not the result: without a reader's type, too, the wait goes on.
+            static_cast<void>(SelectCardInRange());
+        } while (m_oLastError->Number != 0 && m_oClock() < deadline);
+        ResetLastError(L"OpenEncoder");
+    } catch (...) { // out of memory: a host that gets no result has nothing to close
         ReleaseDevice();
-        return sceError;
+        throw;
     }
-
-    const auto deadline = m_oClock() + WaitForCard;
-    do {
-        // The record decides, not the result: without a reader's type, too, the wait goes on.
-        static_cast<void>(SelectCardInRange());
-    } while (m_oLastError->Number != 0 && m_oClock() < deadline);
-    ResetLastError(L"OpenEncoder");
     return sceSuccess;
 }
 
