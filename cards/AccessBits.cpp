@@ -92,6 +92,9 @@ AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
     if (KeysToUse == KeyAAlone) {
         return BlockOfKeyA[Level & RightsOfKeyA];
     }
+    if (Level > HighestLevel) {
+        return RefusedLevel;
+    }
     const BlockOfBothKeys& row = BlockOfBoth[Level];
     return IsValueBlock ? row.OfValueBlock : row.Triple;
 }

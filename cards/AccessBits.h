@@ -31,10 +31,10 @@ inline constexpr AccessTriple RefusedLevel;
 
 inline constexpr int32_t HighestLevel = 15;
 
-/// The triple of a data block's level, 0 to HighestLevel.
+/// The triple of a data block's level, which is at least 0.
 [[nodiscard]] AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock);
 
-/// The triple of the trailer's level, 0 to HighestLevel.
+/// The triple of the trailer's level, which is at least 0.
 [[nodiscard]] AccessTriple TrailerTriple(int32_t Level, uint8_t KeysToUse);
 
 /// Stores the triple in the slot with that mask (1, 2, 4 or 8), inverted copies included.

@@ -23,7 +23,7 @@ sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, const SecretText& ke
     }
     if (FromByte >= BlockBytes || ToByte >= BlockBytes || ToByte < FromByte) {
         RecordRefusal(BadOffsets, OperationName);
-        BlocContents = oldBlock;
+        StoreInHostText(BlocContents, oldBlock);
         return sceError;
     }
 
@@ -39,11 +39,11 @@ sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, const SecretText& ke
     if (WriteDataBloc(BlocNumber, key, KeyType, newBlock.InPlace()) == sceError) {
         EnsureNumber(WriteErrorOnEncoder);
         TraceLastError(OperationName);
-        BlocContents = oldBlock;
+        StoreInHostText(BlocContents, oldBlock);
         return sceError;
     }
     ResetLastError(OperationName);
-    BlocContents = newBlock;
+    StoreInHostText(BlocContents, newBlock);
     return sceSuccess;
 }
 

@@ -18,8 +18,7 @@ constexpr std::wstring_view ReaderWithSilentLogin = L"multiiso 1.0";
 /// A reply as block text: filled with "0" at its end, or cut.
 void StoreBlockText(const SecretText& reply, std::wstring& BlocContents)
 {
-    BlocContents.reserve(BlockDigits); // no copy is left behind in freed memory
-    BlocContents = reply.Characters().substr(0, BlockDigits);
+    StoreInHostText(BlocContents, reply.Characters().substr(0, BlockDigits));
     BlocContents.resize(BlockDigits, L'0');
 }
 
