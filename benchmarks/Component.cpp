@@ -43,6 +43,10 @@ void Measure(_Encoder& encoder, int commands, const Member<_Encoder, Formal...>&
 {
     const double bySlot = TimeOf([&] { return (encoder.*member.Slot)(arguments...); });
 
+    if (*std::get<sizeof...(Formal) - 1>(std::tuple(arguments...)) != sceSuccess) {
+        std::puts("an operation failed");
+        std::exit(EXIT_FAILURE);
+    }
     auto* name = const_cast<LPOLESTR>(member.Name);
     DISPID id = DISPID_UNKNOWN;
     encoder.GetIDsOfNames(IID{}, &name, 1, LOCALE_USER_DEFAULT, &id);

@@ -1,6 +1,6 @@
 // What the fuzz targets share. An input is texts from its front, each up to a backslash and the character
 // behind that, and numbers from its end. So a seed is lines that end in a backslash, then letters, the first
-// one last. A check that fails shows itself alone, and no text, which may hold a key.
+// one last. What libFuzzer shows of an input that fails is made up, its keys too.
 #pragma once
 
 #undef NDEBUG

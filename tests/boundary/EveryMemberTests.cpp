@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -73,6 +72,15 @@ public:
     Outcome operator()(Way way, Interface& object)
     {
         return std::apply([&](auto&... one) { return m_member(way, object, one.Give()...); }, m_arguments);
+    }
+
+    /// False where it gave a result code that isn't sceSuccess.
+    [[nodiscard]] bool Succeeded() const
+    {
+        if constexpr (sizeof...(Formal) > 1 && (std::is_same_v<Formal, sceReturnCode*> || ...)) {
+            return std::get<sizeof...(Formal) - 1>(m_arguments).Value == sceSuccess;
+        }
+        return true;
     }
 
     /// Its arguments as a caller by name gives them, in reverse order, without the variable of the result.
@@ -318,12 +326,14 @@ private:
         if (found == live.end()) {
             return;
         }
-        const auto* const bytes = static_cast<const char*>(block);
-        const std::string_view contents(bytes, found->second);
-        const std::string_view wide(reinterpret_cast<const char*>(OwnKey), sizeof(OwnKey) - sizeof(wchar_t));
         if (InCall) {
-            EXPECT_EQ(contents.find(OwnKeyNarrow), std::string_view::npos) << "freed with a key in it";
-            EXPECT_EQ(contents.find(wide), std::string_view::npos) << "freed with a key in it";
+            std::string contents(static_cast<const char*>(block), found->second);
+            std::erase(contents, '\0'); // so wide text is narrow
+            constexpr size_t part = 6;  // a text that was emptied has lost its first digit
+            for (size_t at = 0; at + part < sizeof(OwnKeyNarrow); ++at) {
+                EXPECT_EQ(contents.find(OwnKeyNarrow + at, 0, part), std::string::npos)
+                    << "freed with a part of the key in it";
+            }
         }
         live.erase(found);
     }
@@ -407,6 +417,7 @@ int FailEachAllocation(Memory& memory, Way way, LONG card)
                 EXPECT_TRUE(result == E_OUTOFMEMORY || IsRaised(result) || !hasFailed ||
                             countdown == &memory.FailText)
                     << result;
+                EXPECT_TRUE(hasFailed || call.Succeeded());
                 failed += hasFailed ? 1 : 0;
             }
         }

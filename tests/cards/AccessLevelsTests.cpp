@@ -1,6 +1,5 @@
 // The access levels against the simulated card: what a level promises, what the card then allows, and what
 // the level reads back as.
-#include "cards/AccessBits.h"
 #include "tests/cards/CardTest.h"
 
 namespace acg

@@ -1,4 +1,5 @@
 // The sector trailer operations on a scripted reader: what they refuse, what they send, what they decode.
+#include "cards/AccessBits.h"
 #include "tests/cards/CardTest.h"
 
 namespace acg
@@ -39,6 +40,15 @@ TEST_F(SectorTrailersTest, BadArgumentsAreRefusedInOrder)
     expectRefused(-13, badSecurity, {.KeysToUse = BothKeys, .Levels = {-1, -1, -1, 2}});
     expectRefused(-13, badSecurity, {.KeysToUse = 255, .Levels = {-1, 7, -1, -1}});
     EXPECT_EQ(reader.Calls.size(), 24U);
+}
+
+TEST_F(SectorTrailersTest, WhatIsKeptIsWhatTheCardAnsweredEvenNothing)
+{
+    reader.Replies["read block"] = "";
+    Open();
+    EXPECT_EQ(WriteTrailer(encoder, Key, KeyTypeB, {.KeysToUse = KeysAsOnCard}), sceSuccess);
+    EXPECT_TRUE(reader.WasSent("write block", "07A0A1A2A3A4A500000000B0B1B2B3B4B5"));
+    EXPECT_EQ(BlockTriple(HighestLevel + 1, BothKeys, /*IsValueBlock=*/false), RefusedLevel);
 }
 
 TEST_F(SectorTrailersTest, WritingReadsTheTrailerTwiceAndWritesItWhole)

@@ -100,6 +100,7 @@ TEST_F(TestDialogTest, MissingDeviceIdLeavesItsLineEmptyAndTheTestGoesOn)
     const std::wstring log = Log();
     EXPECT_NE(log.find(L"\r\nEncoder DeviceID: \r\nEncoder type: MultiISO 2.5\r\n"), log.npos);
     EXPECT_TRUE(log.ends_with(L"...\r\n\r\n<< Successful test >>\r\n"));
+    EXPECT_EQ(reader.Calls.back(), "CloseComm 17");
 }
 
 TEST_F(TestDialogTest, LogNamesTheDetectionFillsInTurnAndCountsUpTo255Readers)

@@ -1,5 +1,6 @@
 // Every public operation under every fault of every call that it makes.
 #include "platform/AnsiText.h"
+#include "platform/TextCase.h"
 #include "tests/encoder/Operations.h"
 
 #include <algorithm>
@@ -58,6 +59,29 @@ const Rule& RuleOf(const std::string& call)
                                    : throw std::logic_error("no rule for " + name.substr(0, name.find(' ')));
 }
 
+/// The calls of an operation, one name behind the other.
+std::string NamesOf(const CallList& calls)
+{
+    std::string names;
+    for (const std::string& call : calls) {
+        std::string name(RuleOf(call).Call);
+        std::ranges::replace(name, ' ', '_');
+        names += name + ' ';
+    }
+    return names;
+}
+
+/// The same as the operation tells them.
+std::string Expanded(const Operation& operation)
+{
+    std::string names = operation.Calls + ' ';
+    constexpr std::string_view card = "card ";
+    for (size_t at = 0; (at = names.find(card, at)) != std::string::npos;) {
+        names.replace(at, card.size(), "use_iso14443a antenna_on select GetReaderType ");
+    }
+    return names;
+}
+
 std::wstring Joined(const std::wstring& path, const std::wstring& below)
 {
     return path.empty() || below.empty() ? path + below : path + L":" + below;
@@ -70,6 +94,8 @@ struct Told {
     Course Came;
     Record Left;
     bool IsOpen = true;
+    bool HasValueBlocks = true;
+    std::string Type; ///< of the reader, as the last selection found it
 };
 
 /// Stands for all calls: the encoder is closed, and none is made.
@@ -83,7 +109,8 @@ Told Foretell(const Operation& operation, const CallList& clean, const ScriptedR
     const bool asksState = operation.Name == L"EncoderState";
     const bool opens = operation.Name.ends_with(L"OpenEncoder");
     const std::wstring name = opens ? L"OpenEncoder" : operation.Name;
-    Told told{.IsOpen = name != L"CloseEncoder" && !isClosed};
+    const bool staysOpen = name != L"CloseEncoder" && !isClosed;
+    Told told{.IsOpen = staysOpen, .HasValueBlocks = staysOpen, .Type = readerType};
     int calls = 0;
     const auto isHit = [&](const std::string& call) {
         const bool hit = fault.Hits(++calls);
@@ -92,7 +119,6 @@ Told Foretell(const Operation& operation, const CallList& clean, const ScriptedR
         }
         return hit;
     };
-    bool isSilent = readerType == SilentType;
     size_t selection = clean.size();
     size_t selections = 0;
     for (size_t i = 0; i < clean.size(); ++i) {
@@ -115,10 +141,10 @@ Told Foretell(const Operation& operation, const CallList& clean, const ScriptedR
         const bool waits = opens && i >= selection;
         if (rule.Call == "select" && letter == 'N') {
             number = -8;
-        } else if (rule.Call == "login" && (isSilent || letter == 'L')) {
+        } else if (rule.Call == "login" && (told.Type == SilentType || letter == 'L')) {
             number = 0;
         } else if (asksType) {
-            isSilent = isMissing ? isSilent : answer == SilentType;
+            told.Type = isMissing || selections == 0 ? told.Type : answer;
             number = selections > 0 && !waits ? 0 : number;
         }
         if (isClosed && number != 0) {
@@ -146,6 +172,7 @@ Told Foretell(const Operation& operation, const CallList& clean, const ScriptedR
             continue;
         }
         told.IsOpen = told.IsOpen && !opens;
+        told.HasValueBlocks = told.HasValueBlocks && (!opens || rule.Call == "OpenComm");
         if (asksState) {
             const sceEncoderState failed = letter == 'X' ? sceReady : sceUnknown;
             told.Result = number == -1 ? sceClosed : number == -8 ? sceOpened : failed;
@@ -188,6 +215,7 @@ TEST_F(FaultTest, EveryFaultOfEveryCallIsToldAndTheObjectLivesOn)
             Prepare(operation);
             EXPECT_NE(Run(operation, first), sceError);
             const CallList clean = reader.Calls;
+            EXPECT_EQ(NamesOf(clean), Expanded(operation));
             std::vector<ScriptedReader::Fault> faults = FaultsOf(clean);
             count += static_cast<int>(faults.size());
             if (!operation.Name.ends_with(L"OpenEncoder")) {
@@ -213,11 +241,14 @@ TEST_F(FaultTest, EveryFaultOfEveryCallIsToldAndTheObjectLivesOn)
                 EXPECT_EQ(reader.Calls, told.Calls);
                 EXPECT_EQ(std::pair(EncoderInside::Comm(encoder), EncoderInside::Reader(encoder)),
                           told.IsOpen ? std::pair(reader.Comm, reader.Reader) : std::pair(0U, 0U));
+                EXPECT_EQ(EncoderInside::ValueBlocks(encoder).has_value(), told.HasValueBlocks);
+                EXPECT_EQ(EncoderInside::LowerReaderType(encoder), ToLower(FromAnsi(told.Type)));
                 ExpectCleanLife();
                 ASSERT_FALSE(HasFailure());
             }
         }
     }
+    EXPECT_GT(count, 5000);
     RecordProperty("faults", count);
 }
 

@@ -25,7 +25,14 @@ bool HoldsKey(std::string memory)
 {
     std::erase(memory, '\0');
     std::ranges::transform(memory, memory.begin(), [](unsigned char c) { return std::tolower(c); });
-    return memory.find("d1ce0fca57e5") != std::string::npos;
+    constexpr std::string_view Key = "d1ce0fca57e5";
+    constexpr size_t Part = 6; // a text that was emptied has lost its first digit
+    for (size_t at = 0; at + Part <= Key.size(); ++at) {
+        if (memory.find(Key.substr(at, Part)) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool IsToFail()
@@ -103,6 +110,7 @@ struct Life : FaultTest {
             EXPECT_FALSE(isThrown);
         } catch (const std::bad_alloc&) {
             EXPECT_TRUE(isThrown);
+            EXPECT_TRUE(operation.Name != L"OpenEncoder" || EncoderInside::Comm(encoder) == 0);
         }
         const bool came = std::exchange(untilFailure, 0) == 0;
         ExpectCleanLife();
@@ -112,15 +120,20 @@ struct Life : FaultTest {
 
 /// What asks the reader nothing.
 const std::vector<Operation> OtherOperations = {
-    {L"Encoder", [](auto&, auto&) { return Encoder().LastError()->Number; }},
-    {L"GetInformation", [](auto& e, auto&) { return e.GetInformation().empty() ? 1 : 0; }},
-    {L"Parameters", [](auto& e, auto&) { return e.Parameters(e.Parameters() + L"0"), 0; }},
-    {L"Configure", [](auto& e, auto&) { return e.Configure(L"francais"); }},
+    {L"Encoder", "", [](auto&, auto&) { return Encoder().LastError()->Number; }},
+    {L"GetInformation", "", [](auto& e, auto&) { return e.GetInformation().empty() ? 1 : 0; }},
+    {L"Parameters", "", [](auto& e, auto&) { return e.Parameters(e.Parameters() + L"0"), 0; }},
+    {L"Configure", "", [](auto& e, auto&) { return e.Configure(L"francais"); }},
 };
 
 TEST(MemoryTest, EveryAllocationThatFailsReachesTheCallerAndNothingLeaks)
 {
-    HeadlessPlayer() = [](Form& form) { form.Named("cmdOK").Press(); };
+    bool isTested = false;
+    HeadlessPlayer() = [&isTested](Form& form) {
+        isTested = static_cast<bool>(form.OnTimer); // that of the test dialog, in the other one
+        isTested ? form.OnTimer() : form.Named("cmdTest").Press();
+        form.Named("cmdOK").Press();
+    };
     std::vector<Operation> operations = Operations;
     operations.insert(operations.end(), OtherOperations.begin(), OtherOperations.end());
     int failed = 0;
@@ -136,6 +149,7 @@ TEST(MemoryTest, EveryAllocationThatFailsReachesTheCallerAndNothingLeaks)
             failed += came ? 1 : 0;
         }
     }
+    EXPECT_TRUE(isTested);
     RecordProperty("allocations", failed);
 }
 

@@ -32,6 +32,8 @@ struct Course {
 
 struct Operation {
     std::wstring Name;
+    /// The calls that it makes; "card" stands for those of a selection.
+    std::string Calls;
     /// Gives a result code, or for EncoderState a state.
     std::function<int32_t(Encoder&, HostArguments&)> Run;
     /// Does to the arguments what the operation is to do.
@@ -42,15 +44,17 @@ struct Operation {
 
 /// What is written doesn't hang on what was read: all levels and BX, or all bytes of a block, are given.
 inline const std::vector<Operation> Operations = {
-    {L"OpenEncoder", [](auto& e, auto&) { return e.OpenEncoder(EncoderInside::HandleNumber(e)); }},
+    {L"OpenEncoder", "OpenComm SetCommTimeout SetCommProtocol DetectReader OpenReader card",
+     [](auto& e, auto&) { return e.OpenEncoder(EncoderInside::HandleNumber(e)); }},
     {L"ReOpenEncoder",
+     "CloseReader CloseComm OpenComm SetCommTimeout SetCommProtocol DetectReader OpenReader card",
      [](auto& e, auto&) {
          e.ReOpenEncoder();
          return e.LastError()->Number == 0 ? sceSuccess : sceError;
      }},
-    {L"CloseEncoder", [](auto& e, auto&) { return e.CloseEncoder(); }},
-    {L"EncoderState", [](auto& e, auto&) { return e.EncoderState(); }},
-    {L"ReaderType",
+    {L"CloseEncoder", "CloseReader CloseComm", [](auto& e, auto&) { return e.CloseEncoder(); }},
+    {L"EncoderState", "card", [](auto& e, auto&) { return e.EncoderState(); }},
+    {L"ReaderType", "GetReaderType",
      [](auto& e, auto& h) {
          try {
              h.Text = e.ReaderType();
@@ -60,16 +64,20 @@ inline const std::vector<Operation> Operations = {
          }
      },
      [](const auto& c, auto& h) { h.Text = c.Succeeded ? c.Answer : h.Text; }},
-    {L"ReadSerialNumber", [](auto& e, auto& h) { return e.ReadSerialNumber(h.Text); },
+    {L"ReadSerialNumber", "select", [](auto& e, auto& h) { return e.ReadSerialNumber(h.Text); },
      [](const auto& c, auto& h) { h.Text = c.Succeeded ? c.Answer : L""; }},
-    {L"ReadDataBloc", [](auto& e, auto& h) { return e.ReadDataBloc(7, FaultKey, KeyTypeB, h.Text); },
+    {L"ReadDataBloc", "card login read_block",
+     [](auto& e, auto& h) { return e.ReadDataBloc(7, FaultKey, KeyTypeB, h.Text); },
      [](const auto& c, auto& h) {
          h.Text = c.Succeeded ? c.Blocks[0] : std::wstring(c.Selected ? L"" : h.Text);
      }},
-    {L"WriteDataBloc", [](auto& e, auto& h) { return e.WriteDataBloc(7, FaultKey, KeyTypeB, h.Text); },
+    {L"WriteDataBloc", "card login write_block",
+     [](auto& e, auto& h) { return e.WriteDataBloc(7, FaultKey, KeyTypeB, h.Text); },
      [](const auto& c, auto& h) { h.Text = c.Succeeded ? c.Blocks.back() : L"ABAB" + Zeros.substr(4); }},
-    {L"WriteValueBloc", [](auto& e, auto&) { return e.WriteValueBloc(5, FaultKey, KeyTypeB, 42); }},
+    {L"WriteValueBloc", "card login write_vblock",
+     [](auto& e, auto&) { return e.WriteValueBloc(5, FaultKey, KeyTypeB, 42); }},
     {L"ReadManufacturerCode",
+     "card login read_block",
      [](auto& e, auto& h) {
          uint8_t checkSum = 9;
          const auto code = e.ReadManufacturerCode(FaultKey, KeyTypeB, h.Given[0], checkSum, h.Text);
@@ -82,6 +90,7 @@ inline const std::vector<Operation> Operations = {
      },
      {L"ReadDataBloc"}},
     {L"ReadSectorTrailer",
+     "card login read_block",
      [](auto& e, auto& h) {
          h.Given = ReadTrailer(e, FaultKey, 1);
          return h.Given[0];
@@ -94,6 +103,7 @@ inline const std::vector<Operation> Operations = {
      },
      {L"ReadDataBloc"}},
     {L"WriteSectorTrailer",
+     "card login read_block card login read_block card login write_block",
      [](auto& e, auto&) {
          return e.WriteSectorTrailer(1, FaultKey, KeyTypeB, FaultKey, FaultKey, BothKeys, scbs_B_Read,
                                      scbs_B_Read, scbs_B_Read, scss_B_WriteKeysConditions, 0);
@@ -101,7 +111,20 @@ inline const std::vector<Operation> Operations = {
      [](auto&&...) {},
      {L"ReadDataBloc", L"ReadSectorTrailer:ReadDataBloc", L"WriteDataBloc"}},
     {L"WriteBytesInBloc",
+     "card login read_block card login write_block",
      [](auto& e, auto& h) { return e.WriteBytesInBloc(7, FaultKey, KeyTypeB, 0, 15, h.Text); },
+     [](const auto& c, auto& h) { h.Text = c.Blocks.empty() ? L"" : c.Blocks.back(); },
+     {L"ReadDataBloc", L"WriteDataBloc"}},
+    // A key in a host's text that has no room for a block.
+    {L"WriteBytesInBloc",
+     "card login read_block card login write_block",
+     [](auto& e, auto& h) {
+         {
+             const Turn ofHost(/*OfComponent=*/false);
+             h.Text = std::wstring(FaultKey);
+         }
+         return e.WriteBytesInBloc(7, FaultKey, KeyTypeB, 0, 15, h.Text);
+     },
      [](const auto& c, auto& h) { h.Text = c.Blocks.empty() ? L"" : c.Blocks.back(); },
      {L"ReadDataBloc", L"WriteDataBloc"}},
 };
@@ -148,8 +171,8 @@ protected:
         EXPECT_FALSE(EncoderInside::ValueBlocks(encoder));
     }
 
-    /// All faults of these calls, each once and for ever after. A call that gives neither handle nor text can
-    /// only fail to be made.
+    /// All faults of these calls, each once, twice in a row and for ever after. A call that gives neither
+    /// handle nor text can only fail to be made.
     static std::vector<ScriptedReader::Fault> FaultsOf(const std::vector<std::string>& calls)
     {
         std::vector<ScriptedReader::Fault> faults;
@@ -167,6 +190,7 @@ protected:
             }
             for (const auto& reply : replies) {
                 faults.push_back({call, 1, reply});
+                faults.push_back({call, 2, reply});
                 faults.push_back({call, ScriptedReader::Always, reply});
             }
         }
