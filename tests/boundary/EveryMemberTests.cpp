@@ -39,7 +39,7 @@ struct Argument<BSTR> {
 };
 template <>
 struct Argument<BSTR*> {
-    Text Value{L"000102030405060708090A0B0C0D0E0F"};
+    Text Value{L"5EC12E7AB1E5FF0780695EC12E7AB1E5"}; // as a trailer has it, with keys
     BSTR* Give() { return Value.Variable(); }
 };
 template <>
