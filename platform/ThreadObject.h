@@ -20,7 +20,7 @@ public:
     void Set(void* Pointer) const; ///< throws std::bad_alloc, always where the system gave no storage
 
 private:
-    unsigned long m_key;
+    unsigned long m_key = ~0UL; ///< the system gives none like it
 };
 
 /// Made when a thread first asks for it, and never destroyed: the component may have been unloaded when the
@@ -29,7 +29,7 @@ template <class Object>
 class ThreadObject
 {
 public:
-    Object& Get() const
+    [[nodiscard]] Object& Get() const
     {
         if (void* const made = m_pointer.Get()) {
             return *static_cast<Object*>(made);

@@ -1,13 +1,12 @@
 #include "platform/ThreadObject.h"
 
-#include <limits.h>
 #include <new>
 #include <pthread.h>
 
 namespace acg
 {
 
-ThreadPointer::ThreadPointer() noexcept : m_key(PTHREAD_KEYS_MAX)
+ThreadPointer::ThreadPointer() noexcept
 {
     pthread_key_t key = 0;
     if (pthread_key_create(&key, nullptr) == 0) {
