@@ -1,13 +1,10 @@
 // A block as text: 32 hexadecimal digits, two a byte, high digit first, byte 0 first.
 #pragma once
 
-#include "platform/Secret.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace acg
 {
@@ -18,15 +15,6 @@ inline constexpr int32_t BlockDigits = BlockBytes * DigitsOfByte;
 
 /// Puts a text of at most BlockDigits in place of a host's. That may have held a trailer, with keys: where it
 /// has no room for a block, its memory is wiped and given up.
-inline void StoreInHostText(std::wstring& HostText, std::wstring_view Text)
-{
-    if (HostText.capacity() < BlockDigits) {
-        std::wstring roomy;
-        roomy.reserve(BlockDigits);
-        HostText.swap(roomy);
-        const SecretText outgrown(std::move(roomy));
-    }
-    HostText = Text;
-}
+void StoreInHostText(std::wstring& HostText, std::wstring_view Text);
 
 } // namespace acg
