@@ -46,7 +46,7 @@ char* ACG_READER_CALL SendCommandGetData(ReaderHandle /*Reader*/, const char* Co
     case 's': // select
         return ByteString::Make("04A1B2C3");
     case 'l': // login: the letter and its NUL
-        return ByteString::Make({"L", 2});
+        return ByteString::Make({"L\0", 2});
     case 'r': // read block
     case 'w': // write block, write vblock
         return ByteString::Make("000000000000FF078069FFFFFFFFFFFF");
