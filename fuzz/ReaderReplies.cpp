@@ -60,6 +60,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
              [&] { return encoder.WriteSectorTrailer(1, key, 1, key, key, 0, level, level, level, last); }},
             {L"WriteBytesInBloc",
              [&] { return encoder.WriteBytesInBloc(4, key, 1, 3, 15, text.assign(L"01")); }},
+            {L"ReaderType",
+             [&] {
+                 try {
+                     text = encoder.ReaderType();
+                     return sceSuccess;
+                 } catch (const RaisedFailure&) {
+                     return sceError;
+                 }
+             }},
+            {L"OpenEncoder",
+             [&] {
+                 encoder.ReOpenEncoder();
+                 return encoder.LastError()->Number == 0 ? sceSuccess : sceError;
+             }},
         };
         while (input.remaining_bytes() > 0) {
             const auto letter = input.ConsumeIntegralInRange<size_t>(0, 31); // "a" and "A" are 1
