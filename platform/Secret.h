@@ -81,7 +81,8 @@ public:
     /// The text itself, for operations that change a text in place. They must not outgrow its room.
     [[nodiscard]] Text& InPlace() { return m_text; }
 
-    void Clear() { WipeAll(m_text); }
+    /// Empties it; its memory is wiped when it is given up.
+    void Clear() { m_text.clear(); }
 
 private:
     /// Wipes the whole of the text's memory, characters that were cut off included, and empties it.

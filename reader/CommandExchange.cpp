@@ -8,21 +8,6 @@
 namespace acg
 {
 
-namespace
-{
-
-std::wstring CommandPath(std::wstring_view command)
-{
-    constexpr std::wstring_view Function = L"SendCommandGetData:";
-    std::wstring path;
-    path.reserve(Function.size() + command.size());
-    path += Function;
-    path += command;
-    return path;
-}
-
-} // namespace
-
 /// Sends a command with its data text, and gives the reply. A status letter in place of data is raised as -5
 /// with the letter in the record and in Reply. The record holds the command, never its data.
 Failure Encoder::EncoderCommand(std::wstring_view Command, const SecretText& Data, SecretText& Reply)
@@ -35,7 +20,8 @@ Failure Encoder::EncoderCommand(std::wstring_view Command, const SecretText& Dat
         return Raised(EncoderIsClosed);
     }
     if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, Command, Data, Reply)) {
-        RecordCallFailure(failure, L"EncoderCommand", CommandPath(Command));
+        RecordCallFailure(failure, L"EncoderCommand", L"SendCommandGetData:");
+        m_oLastError->RdrCommand += Command;
         return failure;
     }
     const size_t firstNul = Reply.Characters().find(L'\0');
@@ -44,7 +30,8 @@ Failure Encoder::EncoderCommand(std::wstring_view Command, const SecretText& Dat
     }
     Reply.InPlace().resize(firstNul);
     if (firstNul == StatusLetterLength) {
-        RecordRefusal(EncoderCommandFailed, L"EncoderCommand", CommandPath(Command), Reply);
+        RecordRefusal(EncoderCommandFailed, L"EncoderCommand", L"SendCommandGetData:", Reply);
+        m_oLastError->RdrCommand += Command;
         return Raised(EncoderCommandFailed);
     }
     return {};
