@@ -6,7 +6,7 @@ file=$PWD/$1
 folder=$(mktemp -d)/elsewhere
 trap 'rm -rf "$(dirname "$folder")"' EXIT
 mkdir "$folder"
-git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$folder"
+tar -c --exclude=./build --exclude=./.git . | tar -x -C "$folder"
 cd "$folder"
 # The times of files stay the real ones: the build goes by them.
 NO_FAKE_STAT=1 faketime -f '+400d' sh -c 'cmake --preset windows && cmake --build --preset windows --target ACG_MultiISO_TV'
