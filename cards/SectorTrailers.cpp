@@ -166,7 +166,7 @@ sceReturnCode Encoder::SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t 
     if (Level < 0) {
         return sceSuccess;
     }
-    // There is a list: the trailer has been read, so the encoder is open.
+    // WriteSectorTrailer has read the trailer by now, so the encoder is open and has a list.
     const bool isValueBlock =
         m_colValueBlocks && std::ranges::find(*m_colValueBlocks, BlocNumber) != m_colValueBlocks->end();
     return Store(BlockTriple(Level, KeysToUse, isValueBlock), Mask, Bytes);
