@@ -1,5 +1,6 @@
 #include "dialogs/Texts.h"
 
+#include "encoder/NumberReading.h"
 #include "platform/TextCase.h"
 
 namespace acg
@@ -14,7 +15,7 @@ std::wstring Fill(std::wstring Text, std::initializer_list<std::wstring_view> Va
 {
     int number = 0;
     for (const std::wstring_view value : Values) {
-        const std::wstring placeholder = L"%" + std::to_wstring(++number);
+        const std::wstring placeholder = L"%" + DecimalText(++number);
         for (size_t at = 0; (at = Text.find(placeholder, at)) != std::wstring::npos; at += value.size()) {
             Text.replace(at, placeholder.size(), value);
         }

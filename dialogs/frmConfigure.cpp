@@ -186,9 +186,9 @@ void frmConfigure::Form_Load()
     }
     window.cboDevice.Select(device);
     window.cboAutoDetect.Select(AutoDetect);
-    window.cboBaudrate.Select(std::max(FindLine(window.cboBaudrate.Lines(), std::to_wstring(BaudRate)), 0));
+    window.cboBaudrate.Select(std::max(FindLine(window.cboBaudrate.Lines(), DecimalText(BaudRate)), 0));
     window.cboProtocol.Select(Protocol);
-    window.txtTimeout.SetText(std::to_wstring(Timeout));
+    window.txtTimeout.SetText(DecimalText(Timeout));
 }
 
 void frmConfigure::cboAutoDetect_Change()

@@ -1,6 +1,7 @@
 #include "dialogs/frmTest.h"
 
 #include "dialogs/Texts.h"
+#include "encoder/NumberReading.h"
 #include "platform/ThreadObject.h"
 
 #include <algorithm>
@@ -194,7 +195,7 @@ void frmTest::tmrTest_Timer()
 
     Link link(m_window->Reader);
     if (const Failure failure = RunTest(link)) {
-        LogLine(Fill(m_texts.m_sError, {std::to_wstring(failure.Number), failure.Description}));
+        LogLine(Fill(m_texts.m_sError, {DecimalText(failure.Number), failure.Description}));
     }
 }
 
@@ -227,8 +228,7 @@ Failure frmTest::RunTest(Link& Opened)
     if (const Failure failure = m_window->Reader.GetCommTimeout(comm, timeout)) {
         return failure;
     }
-    LogLine(Fill(m_texts.m_sPortOpen,
-                 {std::to_wstring(baudRate), ProtocolName(protocol), std::to_wstring(timeout)}));
+    LogLine(Fill(m_texts.m_sPortOpen, {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
     return TestReader(Opened);
 }
 
@@ -249,8 +249,8 @@ Failure frmTest::TestReader(Link& Opened)
         return giveUp(m_texts.m_sNoEncoder);
     }
     const auto readerId = static_cast<uint8_t>(readers.front());
-    const size_t count = std::min(readers.size(), MostReaders);
-    LogLine(Fill(m_texts.m_sFound, {std::to_wstring(count), std::to_wstring(readerId)}));
+    const auto count = static_cast<int32_t>(std::min(readers.size(), MostReaders));
+    LogLine(Fill(m_texts.m_sFound, {DecimalText(count), DecimalText(readerId)}));
 
     LogLine(m_texts.m_sOpeningEncoder);
     if (const Failure failure = m_window->Reader.OpenReader(Opened.Comm, readerId, Opened.Reader)) {
@@ -281,7 +281,7 @@ std::wstring frmTest::ModeText() const
 {
     switch (AutoDetect) {
     case 0:
-        return Fill(m_texts.m_sNoAutodetect, {std::to_wstring(BaudRate), ProtocolName(Protocol)});
+        return Fill(m_texts.m_sNoAutodetect, {DecimalText(BaudRate), ProtocolName(Protocol)});
     case 1:
         return m_texts.m_sNormalDetect;
     default:

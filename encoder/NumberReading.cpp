@@ -3,6 +3,8 @@
 #include "reader/HexText.h"
 
 #include <algorithm>
+#include <charconv>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -149,6 +151,12 @@ int64_t ReadWholeNumber(std::wstring_view Text)
     const bool negative = TakeSign(reading);
     const int64_t number = Round(ReadWritten(reading));
     return negative ? -number : number;
+}
+
+std::wstring DecimalText(int32_t Number)
+{
+    char digits[std::numeric_limits<int32_t>::digits10 + 2]; // one digit more than always fits, and a minus
+    return {digits, std::to_chars(digits, std::end(digits), Number).ptr};
 }
 
 } // namespace acg

@@ -1,9 +1,10 @@
-// How a text is read as a number.
+// How a text is read as a number, and a number written as text.
 #pragma once
 
 #include <concepts>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -27,5 +28,8 @@ template <std::integral Field>
     const int64_t number = ReadWholeNumber(Text);
     return std::in_range<Field>(number) ? std::optional(static_cast<Field>(number)) : std::nullopt;
 }
+
+/// The number in decimal digits, with a minus where it is negative.
+[[nodiscard]] std::wstring DecimalText(int32_t Number);
 
 } // namespace acg

@@ -1,5 +1,6 @@
 // The information text, and bringing the reader up and down.
 #include "encoder/Encoder.h"
+#include "encoder/NumberReading.h"
 
 namespace acg
 {
@@ -18,7 +19,7 @@ std::wstring Encoder::GetInformation()
     ResetLastError();
     DrawHandleNumber();
     std::wstring information = L"Tarvello|ACG Multi-ISO|" ACG_VERSION L"|1|";
-    information += std::to_wstring(m_lHandleNumber);
+    information += DecimalText(m_lHandleNumber);
     information += L'|';
     information += Capabilities;
     ResetLastError(L"GetInformation");

@@ -62,9 +62,9 @@ std::wstring Encoder::Parameters()
     std::wstring text = L"Encoding capabilities=";
     text += Capabilities;
     text += L"\r\nDevice=" + m_sDevice;
-    text += L"\r\nAutodetect=" + std::to_wstring(m_bAutodetect);
-    text += L"\r\nBaud rate=" + std::to_wstring(m_lBaudRate);
-    text += L"\r\nTimeout=" + std::to_wstring(m_lTimeout);
+    text += L"\r\nAutodetect=" + DecimalText(m_bAutodetect);
+    text += L"\r\nBaud rate=" + DecimalText(m_lBaudRate);
+    text += L"\r\nTimeout=" + DecimalText(m_lTimeout);
     ResetLastError(L"Parameters");
     return text;
 }
