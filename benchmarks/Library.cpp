@@ -1,8 +1,7 @@
 #include "benchmarks/Library.h"
 
-#include "platform/AnsiText.h"
+#include "simulator/ByteString.h"
 
-using acg::ByteString;
 using acg::ReaderHandle;
 
 ReaderHandle ACG_READER_CALL OpenComm(const char* /*Device*/, uint8_t /*Autodetect*/,
@@ -23,7 +22,7 @@ int32_t ACG_READER_CALL SetCommProtocol(ReaderHandle /*Comm*/, uint8_t /*Protoco
 
 char* ACG_READER_CALL DetectReader(ReaderHandle /*Comm*/, char* /*Buffer*/)
 {
-    return ByteString::Make("A");
+    return simulator::NewByteString("A");
 }
 
 ReaderHandle ACG_READER_CALL OpenReader(ReaderHandle /*Comm*/, uint8_t /*ReaderId*/, int32_t /*Third*/)
@@ -33,7 +32,7 @@ ReaderHandle ACG_READER_CALL OpenReader(ReaderHandle /*Comm*/, uint8_t /*ReaderI
 
 char* ACG_READER_CALL GetReaderType(ReaderHandle /*Reader*/, char* /*Buffer*/)
 {
-    return ByteString::Make("MultiISO 2.5");
+    return simulator::NewByteString("MultiISO 2.5");
 }
 
 char* ACG_READER_CALL SendCommandGetData(ReaderHandle /*Reader*/, const char* Command, const char* Data,
@@ -44,14 +43,14 @@ char* ACG_READER_CALL SendCommandGetData(ReaderHandle /*Reader*/, const char* Co
     }
     switch (Command[0]) {
     case 's': // select
-        return ByteString::Make("04A1B2C3");
+        return simulator::NewByteString("04A1B2C3");
     case 'l': // login: the letter and its NUL
-        return ByteString::Make({"L\0", 2});
+        return simulator::NewByteString({"L\0", 2});
     case 'r': // read block
     case 'w': // write block, write vblock
-        return ByteString::Make("000000000000FF078069FFFFFFFFFFFF");
+        return simulator::NewByteString("000000000000FF078069FFFFFFFFFFFF");
     default:
-        return ByteString::Make("");
+        return simulator::NewByteString("");
     }
 }
 

@@ -11,6 +11,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -92,7 +93,7 @@ void CallBare(const std::vector<Exchange>& exchanges)
 
 // The operations.
 
-const acg::SecretText Key(L"FFFFFFFFFFFF");
+constexpr std::wstring_view Key = L"FFFFFFFFFFFF";
 const std::wstring Block = L"00112233445566778899AABBCCDDEEFF";
 
 struct Operation {
@@ -199,8 +200,7 @@ int main(int count, char** arguments)
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
 
-    constexpr double Bound = 1.5;
-    bool withinBound = true;
+    double worst = 0;
     std::printf("%-20s %8s %11s %8s %6s %22s\n", "operation", "commands", "encoder ns", "bare ns", "ratio",
                 "difference/command ns");
     for (const Operation& operation : Operations) {
@@ -209,7 +209,7 @@ int main(int count, char** arguments)
         const double encoderTime = medians.Of(name + "/encoder");
         const double bareTime = medians.Of(name + "/bare");
         const double ratio = encoderTime / bareTime;
-        withinBound = withinBound && ratio <= Bound;
+        worst = std::max(worst, ratio);
         std::printf("%-20s %8zu %11.0f %8.0f %6.2f %22.0f\n", name.c_str(), commands, encoderTime, bareTime,
                     ratio, (encoderTime - bareTime) / static_cast<double>(commands));
     }
@@ -217,6 +217,6 @@ int main(int count, char** arguments)
     std::printf("an exchange of %d bytes takes the line %.0f us at 9600 baud, %.0f us at 115200 baud\n",
                 ExchangeBytes, LineMicroseconds(ExchangeBytes, 9600),
                 LineMicroseconds(ExchangeBytes, 115200));
-    std::printf("each ratio is %s %.1f\n", withinBound ? "at most" : "NOT at most", Bound);
+    std::printf("worst ratio: %.2f\n", worst);
     return 0;
 }

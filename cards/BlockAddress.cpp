@@ -25,10 +25,10 @@ int32_t LoginSector(int32_t BlocNumber)
 int32_t TrailerBlock(int32_t SectorNumber)
 {
     const auto sector = static_cast<uint32_t>(SectorNumber);
-    const uint32_t nextSector = SectorNumber < FirstLargeSector
-                                    ? (sector + 1) * SmallSectorBlocks
-                                    : (sector + 1 - FirstLargeSector) * LargeSectorBlocks + FirstLargeBlock;
-    return static_cast<int32_t>(nextSector - 1);
+    const uint32_t firstBehind = SectorNumber < FirstLargeSector
+                                     ? (sector + 1) * SmallSectorBlocks
+                                     : (sector + 1 - FirstLargeSector) * LargeSectorBlocks + FirstLargeBlock;
+    return static_cast<int32_t>(firstBehind - 1);
 }
 
 int32_t BlockBefore(int32_t BlocNumber, uint32_t Blocks)

@@ -1,21 +1,14 @@
 #include "cards/BlockText.h"
 
-#include "platform/Secret.h"
-
-#include <utility>
+#include "platform/AnsiText.h"
 
 namespace acg
 {
 
-void StoreInHostText(std::wstring& HostText, std::wstring_view Text)
+void StoreReply(std::wstring& HostText, std::string_view Reply)
 {
-    if (HostText.capacity() < BlockDigits) {
-        std::wstring roomy;
-        roomy.reserve(BlockDigits);
-        HostText.swap(roomy);
-        const SecretText outgrown(std::move(roomy));
-    }
-    HostText = Text;
+    ReplaceByAnsi(HostText, Reply, /*Room=*/BlockDigits, /*Most=*/BlockDigits);
+    HostText.resize(BlockDigits, L'0');
 }
 
 } // namespace acg

@@ -1,5 +1,8 @@
-// A block as text: 32 hexadecimal digits, two a byte, high digit first, byte 0 first.
+// A block as text: 32 hexadecimal digits, two a byte, high digit first, byte 0 first. It may be a sector
+// trailer, with keys.
 #pragma once
+
+#include "platform/Secret.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,10 +14,19 @@ namespace acg
 
 inline constexpr int32_t BlockBytes = 16;
 inline constexpr size_t DigitsOfByte = 2;
-inline constexpr int32_t BlockDigits = BlockBytes * DigitsOfByte;
+inline constexpr size_t BlockDigits = BlockBytes * DigitsOfByte;
 
-/// Puts a text of at most BlockDigits in place of a host's. That may have held a trailer, with keys: where it
-/// has no room for a block, its memory is wiped and given up.
-void StoreInHostText(std::wstring& HostText, std::wstring_view Text);
+/// The component's own text of a block. Operations change Digits in place; there is room for a block.
+struct BlockText {
+    std::wstring Digits;
+
+    BlockText() { Digits.reserve(BlockDigits); }
+    ~BlockText() { Wipe(Digits); }
+    BlockText(const BlockText&) = delete;
+    BlockText& operator=(const BlockText&) = delete;
+};
+
+/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut.
+void StoreReply(std::wstring& HostText, std::string_view Reply);
 
 } // namespace acg

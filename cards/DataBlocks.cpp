@@ -2,109 +2,88 @@
 #include "cards/BlockAddress.h"
 #include "cards/BlockText.h"
 #include "encoder/Encoder.h"
-#include "platform/TextCase.h"
+#include "encoder/Failures.h"
+#include "encoder/Keys.h"
 #include "reader/HexText.h"
 #include "reader/StatusLetters.h"
 
 namespace acg
 {
 
-namespace
-{
-
-/// The one reader whose answer to "login" tells nothing.
-constexpr std::wstring_view ReaderWithSilentLogin = L"multiiso 1.0";
-
-/// A reply as block text: filled with "0" at its end, or cut.
-void StoreBlockText(const SecretText& reply, std::wstring& BlocContents)
-{
-    StoreInHostText(BlocContents, reply.Characters().substr(0, BlockDigits));
-    BlocContents.resize(BlockDigits, L'0');
-}
-
-} // namespace
-
 /// Logs in on the sector of a block. A failure is recorded whole, under the name of the calling operation.
 ///
-/// The good reply to "login" is the status letter "L", which the exchange raises like any status letter; a
-/// reply of data is a failure of the reader. One kind of reader answers otherwise: there the block command
-/// tells whether the login held.
-sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+/// The good reply to "login" is the status letter "L"; a reply of data is a failure of the reader. One type
+/// of reader answers otherwise: there the block command shows whether the login held.
+sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                    std::wstring_view OperationName)
 {
-    constexpr size_t DigitsBeforeKey = 4;
-    SecretText data;
-    data.Reserve(DigitsBeforeKey + key.Characters().size());
-    data += TwoHexDigits(LoginSector(BlocNumber));
-    data += KeyType == KeyTypeB ? L"BB" : L"AA";
-    data += key;
-    MakeUpper(data.InPlace());
+    constexpr std::wstring_view ReaderWithSilentLogin = L"multiiso 1.0";
 
-    SecretText reply;
-    const Failure failure = EncoderCommand(L"login", data, reply);
-    if (m_sReaderType == ReaderWithSilentLogin) {
+    CommandData data;
+    data.AddByte(LoginSector(BlocNumber)).AddByte(KeyType == KeyTypeB ? 0xBB : 0xAA).AddKey(key);
+    ByteString reply;
+    Failure failure = Exchange("login", data, reply);
+    if (m_sReaderType == ReaderWithSilentLogin || failure.Letter == StatusLoggedIn) {
         return sceSuccess;
     }
-    if (failure && IsStatus(m_oLastError->RdrRetCode, StatusLoggedIn)) {
-        return sceSuccess;
+    if (failure) {
+        failure.Number = AuthenticationFailure.Number;
+        failure.Description = AuthenticationFailure.Description;
+        RecordExchange(failure, "login");
+    } else { // the other fields stay as the selection has left them
+        m_oLastError->Number = EncoderFailure.Number;
+        m_oLastError->Description = EncoderFailure.Description;
     }
-    const KnownFailure& cause = failure ? AuthenticationFailure : EncoderFailure;
-    // The other fields stay: the exchange's own, or for a reply of data what the selection left.
-    SetLastError(cause.Number, cause.Description);
-    TraceLastError(OperationName);
-    return sceError;
+    return FailBelow(OperationName);
 }
 
-sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                     std::wstring& BlocContents)
 {
     constexpr std::wstring_view OperationName = L"ReadDataBloc";
 
     ResetLastError();
-    if (SelectCardInRange() == sceError) {
-        TraceLastError(OperationName);
-        return sceError;
+    if (SelectCardInRange()) {
+        return FailBelow(OperationName);
     }
-    BlocContents.clear();
     if (SectorLogin(BlocNumber, key, KeyType, OperationName) == sceError) {
+        BlocContents.clear();
         return sceError;
     }
-    const SecretText data(TwoHexDigits(BlocNumber));
-    SecretText reply;
-    if (const Failure failure = EncoderCommand(L"read block", data, reply)) {
-        TraceLastError(OperationName);
-        return sceError;
+    CommandData data;
+    data.AddByte(BlocNumber);
+    ByteString reply;
+    if (EncoderCommand("read block", data, reply)) {
+        BlocContents.clear();
+        return FailBelow(OperationName);
     }
     ResetLastError(OperationName);
-    StoreBlockText(reply, BlocContents);
+    StoreReply(BlocContents, reply.Bytes());
     return sceSuccess;
 }
 
-sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                      std::wstring& BlocContents)
 {
     constexpr std::wstring_view OperationName = L"WriteDataBloc";
 
     ResetLastError();
     if (!IsHexString(BlocContents, BlockDigits)) {
-        RecordRefusal(BadDataBloc, OperationName);
-        return sceError;
+        return Fail(BadDataBloc, OperationName);
     }
-    if (SelectCardInRange() == sceError) {
-        TraceLastError(OperationName);
-        return sceError;
+    if (SelectCardInRange()) {
+        return FailBelow(OperationName);
     }
     if (SectorLogin(BlocNumber, key, KeyType, OperationName) == sceError) {
         return sceError;
     }
-    SecretText data(TwoHexDigits(BlocNumber));
-    data += BlocContents; // a sector trailer holds keys
-    SecretText reply;
-    if (const Failure failure = EncoderCommand(L"write block", data, reply)) {
-        TraceLastError(OperationName);
-        return sceError;
+    CommandData data;
+    data.AddByte(BlocNumber).AddAscii(BlocContents);
+    ByteString reply;
+    if (EncoderCommand("write block", data, reply)) {
+        return FailBelow(OperationName);
     }
-    StoreBlockText(reply, BlocContents);
+    StoreReply(BlocContents, reply.Bytes());
     ResetLastError(OperationName);
     return sceSuccess;
 }

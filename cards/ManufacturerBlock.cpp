@@ -9,7 +9,7 @@
 namespace acg
 {
 
-sceReturnCode Encoder::ReadManufacturerCode(const SecretText& key, uint8_t KeyType, int32_t& SerialNumber,
+sceReturnCode Encoder::ReadManufacturerCode(std::wstring_view key, uint8_t KeyType, int32_t& SerialNumber,
                                             uint8_t& CheckSum, std::wstring& ManufacturerInfo)
 {
     constexpr std::wstring_view OperationName = L"ReadManufacturerCode";
@@ -20,14 +20,13 @@ sceReturnCode Encoder::ReadManufacturerCode(const SecretText& key, uint8_t KeyTy
     ResetLastError();
     SerialNumber = 0;
     CheckSum = 0;
+    BlockText text;
+    const sceReturnCode result = ReadDataBloc(ManufacturerBlock, key, KeyType, text.Digits);
     ManufacturerInfo.clear();
-    SecretText text; // like the text of any block
-    text.Reserve(BlockDigits);
-    if (ReadDataBloc(ManufacturerBlock, key, KeyType, text.InPlace()) == sceError) {
-        TraceLastError(OperationName);
-        return sceError;
+    if (result == sceError) {
+        return FailBelow(OperationName);
     }
-    const std::wstring_view block = text;
+    const std::wstring_view block = text.Digits;
     SerialNumber = static_cast<int32_t>(ReadHexDigits(block.substr(0, CheckByte)));
     CheckSum = static_cast<uint8_t>(ReadHexDigits(block.substr(CheckByte, DigitsOfByte)));
     ManufacturerInfo = block.substr(Data);

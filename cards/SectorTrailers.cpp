@@ -6,7 +6,8 @@
 #include "cards/BlockAddress.h"
 #include "cards/BlockText.h"
 #include "encoder/Encoder.h"
-#include "encoder/NumberReading.h"
+#include "encoder/Failures.h"
+#include "encoder/Keys.h"
 #include "reader/HexText.h"
 
 #include <algorithm>
@@ -17,19 +18,25 @@ namespace acg
 namespace
 {
 
-constexpr int32_t KeyDigits = 12;
+constexpr size_t KeyDigits = 12;
 constexpr size_t FirstConditionByte = 6;
 constexpr size_t UserByte = 9;
 constexpr unsigned TrailerSlot = 3;
 
-/// A pair that isn't hexadecimal counts as far as it can be read.
+/// A byte of a block that the reader sent. A pair that isn't hexadecimal counts as far as it can be read,
+/// with blanks skipped: " 5" is 5, like "5 " and "5G", and "G5" is 0.
 uint8_t ByteOf(std::wstring_view block, size_t byte)
 {
-    constexpr std::wstring_view Hexadecimal = L"&h";
-    wchar_t number[Hexadecimal.size() + DigitsOfByte] = {};
-    const size_t sign = Hexadecimal.copy(number, Hexadecimal.size());
-    const size_t digits = block.copy(number + sign, DigitsOfByte, byte * DigitsOfByte);
-    return static_cast<uint8_t>(ReadWholeNumber({number, sign + digits}));
+    unsigned value = 0;
+    for (const wchar_t character : block.substr(byte * DigitsOfByte, DigitsOfByte)) {
+        const std::optional<int> digit = HexDigit(character);
+        if (digit) {
+            value = value << 4 | static_cast<unsigned>(*digit);
+        } else if (character != L' ' && character != L'\t' && character != L'\n') {
+            break;
+        }
+    }
+    return static_cast<uint8_t>(value);
 }
 
 ConditionBytes ConditionBytesOf(std::wstring_view trailer)
@@ -54,7 +61,7 @@ bool IsByte(int32_t number)
 
 } // namespace
 
-sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, const SecretText& key, uint8_t KeyType,
+sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType,
                                          uint8_t& KeysUsed, SCBS_SecurityLevelEnum& Security0,
                                          SCBS_SecurityLevelEnum& Security1, SCBS_SecurityLevelEnum& Security2,
                                          SCSS_SecurityLevelEnum& Conditions, uint8_t& BX)
@@ -64,12 +71,11 @@ sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, const SecretText&
     ResetLastError();
     Security0 = Security1 = Security2 = SCBS_SecurityLevelEnum{};
     Conditions = SCSS_SecurityLevelEnum{};
-    SecretText trailer; // key B may be readable
-    trailer.Reserve(BlockDigits);
-    if (ReadDataBloc(TrailerBlock(SectorNumber), key, KeyType, trailer.InPlace()) == sceError) {
-        TraceLastError(OperationName);
-        return sceError;
+    BlockText text;
+    if (ReadDataBloc(TrailerBlock(SectorNumber), key, KeyType, text.Digits) == sceError) {
+        return FailBelow(OperationName);
     }
+    const std::wstring_view trailer = text.Digits;
     BX = ByteOf(trailer, UserByte);
     const ConditionBytes bytes = ConditionBytesOf(trailer);
     const auto blockLevel = [&bytes](unsigned slot) {
@@ -85,42 +91,31 @@ sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, const SecretText&
     return sceSuccess;
 }
 
-sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, const SecretText& key, uint8_t KeyType,
-                                          const SecretText& KeyA, const SecretText& KeyB, uint8_t KeysToUse,
+sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType,
+                                          std::wstring_view KeyA, std::wstring_view KeyB, uint8_t KeysToUse,
                                           SCBS_SecurityLevelEnum Security0, SCBS_SecurityLevelEnum Security1,
                                           SCBS_SecurityLevelEnum Security2, SCSS_SecurityLevelEnum Conditions,
                                           std::optional<int32_t> BX)
 {
-    static constexpr std::wstring_view OperationName = L"WriteSectorTrailer";
-    const auto refuse = [this](const KnownFailure& refusal) {
-        RecordRefusal(refusal, OperationName);
-        return sceError;
-    };
-    const auto fail = [this] {
-        TraceLastError(OperationName);
-        return sceError;
-    };
+    constexpr std::wstring_view OperationName = L"WriteSectorTrailer";
 
     ResetLastError();
-    SecretText keyA(KeyA.Characters());
-    SecretText keyB(KeyB.Characters());
-    if (!IsHexString(keyA.InPlace(), KeyDigits) || !IsHexString(keyB.InPlace(), KeyDigits)) {
-        return refuse(BadKey);
+    if (!AreHexDigits(KeyA, KeyDigits) || !AreHexDigits(KeyB, KeyDigits)) {
+        return Fail(BadKey, OperationName);
     }
     for (const int32_t level : std::initializer_list<int32_t>{Security0, Security1, Security2, Conditions}) {
         if (level < KeepBlockAccess || level > HighestLevel) {
-            return refuse(BadSecurity);
+            return Fail(BadSecurity, OperationName);
         }
     }
     if (BX && !IsByte(*BX)) {
-        return refuse(BadBX);
+        return Fail(BadBX, OperationName);
     }
 
     const int32_t trailerBlock = TrailerBlock(SectorNumber);
-    SecretText oldTrailer;
-    oldTrailer.Reserve(BlockDigits);
-    if (ReadDataBloc(trailerBlock, key, KeyType, oldTrailer.InPlace()) == sceError) {
-        return fail();
+    BlockText oldTrailer;
+    if (ReadDataBloc(trailerBlock, key, KeyType, oldTrailer.Digits) == sceError) {
+        return FailBelow(OperationName);
     }
     // The trailer is read once more for the key mode and byte 9; the levels are of no interest here.
     uint8_t keysUsed = 0;
@@ -129,11 +124,11 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, const SecretText
     SCSS_SecurityLevelEnum trailerLevel{};
     if (ReadSectorTrailer(SectorNumber, key, KeyType, keysUsed, blockLevel, blockLevel, blockLevel,
                           trailerLevel, userByte) == sceError) {
-        return fail();
+        return FailBelow(OperationName);
     }
 
     const uint8_t keyMode = KeysToUse == KeysAsOnCard ? keysUsed : KeysToUse;
-    ConditionBytes bytes = ConditionBytesOf(oldTrailer);
+    ConditionBytes bytes = ConditionBytesOf(oldTrailer.Digits);
     // In a sector of 16 blocks too, its last three data blocks are looked up as value blocks.
     const std::initializer_list<sceReturnCode> encoded = {
         SetBlockAccess(Security0, keyMode, /*Mask=*/1, BlockBefore(trailerBlock, 3), bytes),
@@ -142,19 +137,18 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, const SecretText
         SetTrailerAccess(Conditions, keyMode, /*Mask=*/8, bytes),
     };
     if (std::ranges::find(encoded, sceError) != encoded.end()) {
-        return refuse(BadSecurity);
+        return Fail(BadSecurity, OperationName);
     }
 
-    SecretText newTrailer;
-    newTrailer.Reserve(BlockDigits);
-    newTrailer += keyA;
+    BlockText newTrailer;
+    newTrailer.Digits = TrimBlanks(KeyA);
     for (const uint8_t byte : bytes) {
-        newTrailer += TwoHexDigits(byte);
+        newTrailer.Digits += TwoHexDigits(byte);
     }
-    newTrailer += TwoHexDigits(BX.value_or(userByte));
-    newTrailer += keyB;
-    if (WriteDataBloc(trailerBlock, key, KeyType, newTrailer.InPlace()) == sceError) {
-        return fail();
+    newTrailer.Digits += TwoHexDigits(BX.value_or(userByte));
+    newTrailer.Digits += TrimBlanks(KeyB);
+    if (WriteDataBloc(trailerBlock, key, KeyType, newTrailer.Digits) == sceError) {
+        return FailBelow(OperationName);
     }
     ResetLastError(OperationName);
     return sceSuccess;

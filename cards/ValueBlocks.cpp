@@ -1,12 +1,11 @@
 // Writing a value block.
 #include "encoder/Encoder.h"
-#include "reader/HexText.h"
 
 namespace acg
 {
 
-/// The reader lays the value block out itself: it gets the block and the value.
-sceReturnCode Encoder::WriteValueBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+/// The reader lays the value block out itself: it takes the block and the value.
+sceReturnCode Encoder::WriteValueBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                       int32_t value)
 {
     constexpr std::wstring_view OperationName = L"WriteValueBloc";
@@ -15,18 +14,17 @@ sceReturnCode Encoder::WriteValueBloc(int32_t BlocNumber, const SecretText& key,
         m_colValueBlocks->push_back(BlocNumber);
     }
     ResetLastError();
-    if (SelectCardInRange() == sceError) {
-        TraceLastError(OperationName);
-        return sceError;
+    if (SelectCardInRange()) {
+        return FailBelow(OperationName);
     }
     if (SectorLogin(BlocNumber, key, KeyType, OperationName) == sceError) {
         return sceError;
     }
-    const SecretText data(TwoHexDigits(BlocNumber) + EightHexDigits(value));
-    SecretText reply;
-    if (const Failure failure = EncoderCommand(L"write vblock", data, reply)) {
-        TraceLastError(OperationName);
-        return sceError;
+    CommandData data;
+    data.AddByte(BlocNumber).AddNumber(value);
+    ByteString reply;
+    if (EncoderCommand("write vblock", data, reply)) {
+        return FailBelow(OperationName);
     }
     ResetLastError(OperationName);
     return sceSuccess;

@@ -1,6 +1,7 @@
 // Creation, destruction, the record of the last failure, and the read-only properties.
 #include "encoder/Encoder.h"
 
+#include "encoder/Failures.h"
 #include "reader/StatusLetters.h"
 
 #include <utility>
@@ -12,7 +13,7 @@ Encoder::Encoder() : Encoder(ReaderDLL(), std::chrono::steady_clock::now) {}
 
 Encoder::Encoder(ReaderDLL Reader, Clock Now)
     : m_oReaderDLL(std::move(Reader)), m_oClock(std::move(Now)),
-      m_oRandom(static_cast<std::mt19937::result_type>(m_oClock().time_since_epoch().count()))
+      m_oRandom(static_cast<std::minstd_rand::result_type>(m_oClock().time_since_epoch().count()))
 {
     DrawHandleNumber();
     ResetLastError();
@@ -20,10 +21,7 @@ Encoder::Encoder(ReaderDLL Reader, Clock Now)
 
 Encoder::~Encoder()
 {
-    try {
-        ReleaseDevice();
-    } catch (...) { // out of memory for a failure that nobody reads
-    }
+    ReleaseDevice();
 }
 
 std::shared_ptr<CError> Encoder::LastError()
@@ -36,13 +34,11 @@ sceEncoderState Encoder::EncoderState()
     ResetLastError();
     sceEncoderState state = sceClosed;
     if (m_hReader != 0) {
-        const bool selected = SelectCardInRange() != sceError;
-        if (!selected && m_oLastError->Number == NoCardInEncoder.Number) {
-            state = sceOpened;
-        } else if (selected || IsStatus(m_oLastError->RdrRetCode, StatusAuthenticationFailed)) {
+        const Failure failure = SelectCardInRange();
+        if (!failure || failure.Letter == StatusAuthenticationFailed) {
             state = sceReady;
         } else {
-            state = sceUnknown;
+            state = failure.Number == NoCardInEncoder.Number ? sceOpened : sceUnknown;
         }
     }
     ResetLastError(L"EncoderState");
@@ -53,20 +49,19 @@ std::wstring Encoder::ReaderType()
 {
     std::wstring type;
     if (const Failure failure = ReadReaderType(type)) {
-        throw RaisedFailure{failure.Number, failure.Description, std::nullopt};
+        throw RaisedFailure{failure.Number, std::wstring(failure.Description), std::nullopt};
     }
     return type;
 }
 
 Failure Encoder::ReadReaderType(std::wstring& Type)
 {
-    ResetLastError();
     if (m_hReader == 0) {
-        RecordRefusal(EncoderIsClosed, L"ReaderType");
-        return Raised(EncoderIsClosed);
+        SetLastError(EncoderIsClosed, L"ReaderType");
+        return EncoderIsClosed;
     }
     if (const Failure failure = m_oReaderDLL.GetReaderType(m_hReader, Type)) {
-        RecordCallFailure(failure, L"ReaderType", L"GetReaderType");
+        SetLastError(failure, L"ReaderType", L"GetReaderType");
         return failure;
     }
     ResetLastError(L"ReaderType");
@@ -90,39 +85,25 @@ int32_t Encoder::SerialNumberLength()
 
 void Encoder::RaiseNotSupported(std::wstring_view Property)
 {
-    ResetLastError();
-    RecordRefusal(FeatureNotSupported, Property);
-    throw RaisedFailure{FeatureNotSupported.Number, FeatureNotSupported.Description, std::wstring()};
+    SetLastError(FeatureNotSupported, Property);
+    throw RaisedFailure{FeatureNotSupported.Number, std::wstring(FeatureNotSupported.Description),
+                        std::wstring()};
 }
 
-void Encoder::SetLastError(std::optional<int32_t> Number, std::optional<std::wstring_view> Description,
-                           std::optional<int32_t> LastDllError, std::optional<std::wstring_view> ComFunction,
-                           std::optional<std::wstring_view> RdrCommand,
-                           std::optional<std::wstring_view> RdrRetCode)
+void Encoder::SetLastError(const Failure& Failed, std::wstring_view ComFunction, std::wstring_view RdrCommand)
 {
-    CError& record = *m_oLastError;
-    record.Number = Number.value_or(record.Number);
-    const auto store = [](std::wstring& field, const std::optional<std::wstring_view>& text) {
-        if (text) {
-            field = *text;
-        }
-    };
-    store(record.Description, Description);
-    record.LastDllError = LastDllError.value_or(record.LastDllError);
-    store(record.ComFunction, ComFunction);
-    store(record.RdrCommand, RdrCommand);
-    store(record.RdrRetCode, RdrRetCode);
+    CError& record = *m_oLastError; // assigned field by field, so that each text keeps its memory
+    record.Number = Failed.Number;
+    record.Description = Failed.Description;
+    record.LastDllError = Failed.LastDllError;
+    record.ComFunction = ComFunction;
+    record.RdrCommand = RdrCommand;
+    record.RdrRetCode.assign(Failed.Letter != L'\0' ? 1 : 0, Failed.Letter);
 }
 
 void Encoder::ResetLastError(std::wstring_view ComFunction)
 {
-    CError& record = *m_oLastError; // each field for itself: its text keeps its memory for the next one
-    record.Number = 0;
-    record.Description.clear();
-    record.LastDllError = 0;
-    record.ComFunction = ComFunction;
-    record.RdrCommand.clear();
-    record.RdrRetCode.clear();
+    SetLastError({}, ComFunction);
 }
 
 void Encoder::TraceLastError(std::wstring_view FunctionName)
@@ -139,17 +120,16 @@ void Encoder::TraceLastError(std::wstring_view FunctionName)
     record.ComFunction = FunctionName;
 }
 
-void Encoder::RecordRefusal(const KnownFailure& Refusal, std::wstring_view ComFunction,
-                            std::wstring_view RdrCommand, std::wstring_view RdrRetCode)
+sceReturnCode Encoder::Fail(const Failure& Found, std::wstring_view OperationName)
 {
-    SetLastError(Refusal.Number, Refusal.Description, /*LastDllError=*/0, ComFunction, RdrCommand,
-                 RdrRetCode);
+    SetLastError(Found, OperationName);
+    return sceError;
 }
 
-void Encoder::RecordCallFailure(const Failure& Failed, std::wstring_view ComFunction,
-                                std::wstring_view RdrCommand)
+sceReturnCode Encoder::FailBelow(std::wstring_view OperationName)
 {
-    SetLastError(Failed.Number, Failed.Description, Failed.LastDllError, ComFunction, RdrCommand, L"");
+    TraceLastError(OperationName);
+    return sceError;
 }
 
 } // namespace acg

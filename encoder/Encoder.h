@@ -4,9 +4,9 @@
 #include "cards/ConditionBytes.h"
 #include "encoder/CError.h"
 #include "encoder/Enums.h"
-#include "encoder/Failures.h"
 #include "encoder/Keys.h"
-#include "platform/Secret.h"
+#include "platform/AnsiText.h"
+#include "reader/CommandData.h"
 #include "reader/ReaderDLL.h"
 
 #include <chrono>
@@ -101,12 +101,12 @@ public:
     /// at its end or cut. key: 12 hexadecimal digits, judged by the reader alone. BlocNumber counts the
     /// blocks of the whole card; it isn't tested. After a failure BlocContents is empty, or untouched where
     /// no card was selected.
-    [[nodiscard]] sceReturnCode ReadDataBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                              std::wstring& BlocContents);
 
     /// Reads block 0: bytes 0 to 3 as one number with byte 0 the highest, byte 4, and bytes 5 to 15 as 22
     /// digits. The check sum isn't tested. After a failure they are 0, 0 and empty.
-    [[nodiscard]] sceReturnCode ReadManufacturerCode(const SecretText& key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode ReadManufacturerCode(std::wstring_view key, uint8_t KeyType,
                                                      int32_t& SerialNumber, uint8_t& CheckSum,
                                                      std::wstring& ManufacturerInfo);
 
@@ -115,19 +115,19 @@ public:
     /// read back as the same level: docs/access-levels.md. After a failure the levels are 0, and KeysUsed and
     /// BX untouched.
     [[nodiscard]] sceReturnCode
-    ReadSectorTrailer(int32_t SectorNumber, const SecretText& key, uint8_t KeyType, uint8_t& KeysUsed,
+    ReadSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, uint8_t& KeysUsed,
                       SCBS_SecurityLevelEnum& Security0, SCBS_SecurityLevelEnum& Security1,
                       SCBS_SecurityLevelEnum& Security2, SCSS_SecurityLevelEnum& Conditions, uint8_t& BX);
 
     /// Writes a 16-byte block, 32 hexadecimal digits in either case, blanks around them allowed. BlocContents
     /// comes back as the reader answered, filled or cut to 32 characters; after a failure it is the text,
     /// upper-cased and trimmed.
-    [[nodiscard]] sceReturnCode WriteDataBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode WriteDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                               std::wstring& BlocContents);
 
     /// Writes a value block through the reader's own command. The block then counts as a value block until
     /// the encoder is closed, also where the call fails.
-    [[nodiscard]] sceReturnCode WriteValueBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode WriteValueBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                                int32_t value);
 
     /// Writes both keys of a sector, 12 hexadecimal digits each in either case, and what they may do.
@@ -135,15 +135,15 @@ public:
     /// access bits of that slot; not every level can be stored: docs/access-levels.md. BX: the byte behind
     /// the access bits, 0 to 255; the card's stays where it is left out, and any other number is refused.
     [[nodiscard]] sceReturnCode
-    WriteSectorTrailer(int32_t SectorNumber, const SecretText& key, uint8_t KeyType, const SecretText& KeyA,
-                       const SecretText& KeyB, uint8_t KeysToUse, SCBS_SecurityLevelEnum Security0,
+    WriteSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, std::wstring_view KeyA,
+                       std::wstring_view KeyB, uint8_t KeysToUse, SCBS_SecurityLevelEnum Security0,
                        SCBS_SecurityLevelEnum Security1, SCBS_SecurityLevelEnum Security2,
                        SCSS_SecurityLevelEnum Conditions, std::optional<int32_t> BX = std::nullopt);
 
     /// Changes the bytes FromByte to ToByte of a block, 0 to 15, both included. BlocContents: their digits,
     /// filled with "0" or cut to that length. It comes back as the whole block; after a failure as the
     /// old block, or empty where that couldn't be read. The card is read before the offsets are judged.
-    [[nodiscard]] sceReturnCode WriteBytesInBloc(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode WriteBytesInBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                                  uint8_t FromByte, uint8_t ToByte,
                                                  std::wstring& BlocContents);
 
@@ -153,18 +153,14 @@ public:
 private:
     friend struct EncoderInside; // the tests look inside
 
-    // Record keeping: encoder/Encoder.cpp. An argument that is left out leaves its field as it is.
-    void SetLastError(std::optional<int32_t> Number = {}, std::optional<std::wstring_view> Description = {},
-                      std::optional<int32_t> LastDllError = {},
-                      std::optional<std::wstring_view> ComFunction = {},
-                      std::optional<std::wstring_view> RdrCommand = {},
-                      std::optional<std::wstring_view> RdrRetCode = {});
+    // Record keeping: encoder/Encoder.cpp.
+    void SetLastError(const Failure& Failed, std::wstring_view ComFunction,
+                      std::wstring_view RdrCommand = {});
     void ResetLastError(std::wstring_view ComFunction = {});
     void TraceLastError(std::wstring_view FunctionName);
-    void RecordRefusal(const KnownFailure& Refusal, std::wstring_view ComFunction,
-                       std::wstring_view RdrCommand = {}, std::wstring_view RdrRetCode = {});
-    void RecordCallFailure(const Failure& Failed, std::wstring_view ComFunction,
-                           std::wstring_view RdrCommand);
+    // How an operation ends that has found a failure itself, and one below which a failure is recorded.
+    [[nodiscard]] sceReturnCode Fail(const Failure& Found, std::wstring_view OperationName);
+    [[nodiscard]] sceReturnCode FailBelow(std::wstring_view OperationName);
 
     Failure ReadReaderType(std::wstring& Type);
     [[noreturn]] void RaiseNotSupported(std::wstring_view Property);
@@ -172,21 +168,20 @@ private:
     // Opening and closing: encoder/Opening.cpp.
     void DrawHandleNumber();
     [[nodiscard]] sceReturnCode OpenFirstReader();
-    /// Closes whatever is open, and says nothing of what fails. Both closing functions are called also with a
-    /// handle of 0, which the library takes; so an encoder that is never opened loads it at its destruction.
-    void ReleaseDevice();
+    /// Closes whatever is open, and ignores what fails. Both closing functions are called also with a handle
+    /// of 0, which the library takes; so an encoder that is never opened loads it at its destruction.
+    void ReleaseDevice() noexcept;
 
     // The exchange of one command and the card selection: reader/CommandExchange.cpp.
-    Failure EncoderCommand(std::wstring_view Command, const SecretText& Data, SecretText& Reply);
-    [[nodiscard]] sceReturnCode SelectCardInRange();
-    void RecordNoCard(const Failure& Failed);
+    Failure Exchange(const char* Command, const CommandData& Data, ByteString& Reply);
+    void RecordExchange(const Failure& Failed, const char* Command);
+    Failure EncoderCommand(const char* Command, const CommandData& Data, ByteString& Reply);
+    Failure SelectCard(ByteString& SerialText);
+    Failure SelectCardInRange(Failure* OfReaderType = nullptr);
 
     // The login of the card operations: cards/DataBlocks.cpp.
-    [[nodiscard]] sceReturnCode SectorLogin(int32_t BlocNumber, const SecretText& key, uint8_t KeyType,
+    [[nodiscard]] sceReturnCode SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                             std::wstring_view OperationName);
-
-    // A guard of WriteBytesInBloc: cards/ByteRange.cpp.
-    void EnsureNumber(const KnownFailure& Guard);
 
     // Encoding a level: cards/SectorTrailers.cpp. sceError: the level is refused, and nothing was stored.
     [[nodiscard]] sceReturnCode SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
@@ -196,7 +191,7 @@ private:
 
     ReaderDLL m_oReaderDLL;
     Clock m_oClock;
-    std::mt19937 m_oRandom;
+    std::minstd_rand m_oRandom;
 
     std::wstring m_sDevice = L"com1";
     uint8_t m_bAutodetect = 1;
@@ -206,7 +201,7 @@ private:
     /// its first call and after closing.
     std::optional<std::vector<int32_t>> m_colValueBlocks;
     int32_t m_lHandleNumber = 0;
-    ReaderHandle m_hComm = 0;
+    CommHandle m_hComm = 0;
     ReaderHandle m_hReader = 0;
     std::wstring m_sReaderType; ///< in lower case, as of the last successful card selection
     std::shared_ptr<CError> m_oLastError = std::make_shared<CError>();

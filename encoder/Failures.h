@@ -4,37 +4,23 @@
 
 #include "reader/Failure.h"
 
-#include <cstdint>
-
 namespace acg
 {
 
-struct KnownFailure {
-    int32_t Number;
-    const wchar_t* Description;
-};
-
-/// The failure as one that is raised.
-inline Failure Raised(const KnownFailure& Known)
-{
-    return {Known.Number, Known.Description};
-}
-
-// -3 isn't assigned.
-inline constexpr KnownFailure EncoderIsClosed{-1, L"Encoder is closed"};
-inline constexpr KnownFailure CannotOpenEncoder{-2, L"Cannot open encoder"};
-inline constexpr KnownFailure NoEncoderFound{-4, L"No encoder found"};
-inline constexpr KnownFailure EncoderCommandFailed{-5, L"Encoder command failed"};
-inline constexpr KnownFailure EncoderFailure{-6, L"Encoder failure"};
-inline constexpr KnownFailure AuthenticationFailure{-7, L"Authentication failure"};
-inline constexpr KnownFailure NoCardInEncoder{-8, L"No card in encoder"};
-inline constexpr KnownFailure ReadErrorOnEncoder{-9, L"Read error on encoder"};
-inline constexpr KnownFailure WriteErrorOnEncoder{-10, L"Write error on encoder"};
-inline constexpr KnownFailure BadDataBloc{-11, L"A data bloc must contain 32 hex digits"};
-inline constexpr KnownFailure BadKey{-12, L"A key must contain 12 hex digits"};
-inline constexpr KnownFailure BadSecurity{-13, L"Invalid security information in parameters"};
-inline constexpr KnownFailure BadOffsets{-14, L"Incorrect offsets in parameters"};
-inline constexpr KnownFailure BadBX{-15, L"Incorrect value for BX"};
-inline constexpr KnownFailure FeatureNotSupported{-16, L"Feature not supported"};
+// -3, -9 and -10 aren't used.
+inline constexpr Failure EncoderIsClosed{-1, L"Encoder is closed"};
+inline constexpr Failure CannotOpenLink{-2, L"Cannot open encoder"};
+inline constexpr Failure CannotOpenReader{-2, L"Cannot open encoder", /*LastDllError=*/0, L'0'};
+inline constexpr Failure NoEncoderFound{-4, L"No encoder found", /*LastDllError=*/0, L'0'};
+inline constexpr Failure EncoderCommandFailed{-5, L"Encoder command failed"};
+inline constexpr Failure EncoderFailure{-6, L"Encoder failure"};
+inline constexpr Failure AuthenticationFailure{-7, L"Authentication failure"};
+inline constexpr Failure NoCardInEncoder{-8, L"No card in encoder"};
+inline constexpr Failure BadDataBloc{-11, L"A data bloc must contain 32 hex digits"};
+inline constexpr Failure BadKey{-12, L"A key must contain 12 hex digits"};
+inline constexpr Failure BadSecurity{-13, L"Invalid security information in parameters"};
+inline constexpr Failure BadOffsets{-14, L"Incorrect offsets in parameters"};
+inline constexpr Failure BadBX{-15, L"Incorrect value for BX"};
+inline constexpr Failure FeatureNotSupported{-16, L"Feature not supported"};
 
 } // namespace acg

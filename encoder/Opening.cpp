@@ -1,5 +1,6 @@
 // The information text, and bringing the reader up and down.
 #include "encoder/Encoder.h"
+#include "encoder/Failures.h"
 #include "encoder/NumberReading.h"
 
 namespace acg
@@ -36,17 +37,17 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
     ResetLastError();
     m_colValueBlocks.emplace();
     if (Handle != m_lHandleNumber) {
-        RecordRefusal(CannotOpenEncoder, L"OpenEncoder", L"OpenComm");
+        SetLastError(CannotOpenLink, L"OpenEncoder", L"OpenComm");
         return sceError;
     }
 
     CommSettings settings{.BaudRate = m_lBaudRate, .Protocol = AsciiProtocol};
-    if (const Failure failure = m_oReaderDLL.OpenComm(m_sDevice, m_bAutodetect, settings, m_hComm)) {
-        RecordCallFailure(failure, L"OpenEncoder", L"OpenComm");
-        return sceError;
+    Failure failure = m_oReaderDLL.OpenComm(m_sDevice, m_bAutodetect, settings, m_hComm);
+    if (!failure && m_hComm == 0) {
+        failure = CannotOpenLink;
     }
-    if (m_hComm == 0) {
-        RecordRefusal(CannotOpenEncoder, L"OpenEncoder", L"OpenComm");
+    if (failure) {
+        SetLastError(failure, L"OpenEncoder", L"OpenComm");
         return sceError;
     }
     try {
@@ -55,10 +56,8 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
             return sceError;
         }
         const auto deadline = m_oClock() + WaitForCard;
-        do {
-            // The record decides, not the result: without a reader's type, too, the wait goes on.
-            static_cast<void>(SelectCardInRange());
-        } while (m_oLastError->Number != 0 && m_oClock() < deadline);
+        Failure ofReaderType; // without a reader's type, too, the wait goes on
+        while ((SelectCardInRange(&ofReaderType) || ofReaderType) && m_oClock() < deadline) {}
         ResetLastError(L"OpenEncoder");
     } catch (...) { // out of memory: a host that gets no result has nothing to close
         ReleaseDevice();
@@ -69,52 +68,47 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
 
 sceReturnCode Encoder::OpenFirstReader()
 {
-    const auto failedCall = [this](const Failure& failure, std::wstring_view function) {
-        RecordCallFailure(failure, L"OpenEncoder", function);
+    const auto fail = [this](const Failure& failure, std::wstring_view function) {
+        SetLastError(failure, L"OpenEncoder", function);
         return sceError;
     };
     if (const Failure failure = m_oReaderDLL.SetCommTimeout(m_hComm, m_lTimeout)) {
-        return failedCall(failure, L"SetCommTimeout");
+        return fail(failure, L"SetCommTimeout");
     }
     if (const Failure failure = m_oReaderDLL.SetCommProtocol(m_hComm, AsciiProtocol)) {
-        return failedCall(failure, L"SetCommProtocol");
+        return fail(failure, L"SetCommProtocol");
     }
     std::string readers;
     if (const Failure failure = m_oReaderDLL.DetectReader(m_hComm, readers)) {
-        return failedCall(failure, L"DetectReader");
+        return fail(failure, L"DetectReader");
     }
     if (readers.empty()) {
-        RecordRefusal(NoEncoderFound, L"OpenEncoder", L"DetectReader", L"0");
-        return sceError;
+        return fail(NoEncoderFound, L"DetectReader");
     }
-    if (const Failure failure =
-            m_oReaderDLL.OpenReader(m_hComm, static_cast<uint8_t>(readers.front()), m_hReader)) {
-        return failedCall(failure, L"OpenReader");
+    const auto first = static_cast<uint8_t>(readers.front());
+    if (const Failure failure = m_oReaderDLL.OpenReader(m_hComm, first, m_hReader)) {
+        return fail(failure, L"OpenReader");
     }
-    if (m_hReader == 0) {
-        RecordRefusal(CannotOpenEncoder, L"OpenEncoder", L"OpenReader", L"0");
-        return sceError;
-    }
-    return sceSuccess;
+    return m_hReader != 0 ? sceSuccess : fail(CannotOpenReader, L"OpenReader");
 }
 
 sceReturnCode Encoder::CloseEncoder()
 {
     ResetLastError();
-    const auto failedCall = [this](const Failure& failure, std::wstring_view function) {
-        RecordCallFailure(failure, L"CloseEncoder", function);
+    const auto fail = [this](const Failure& failure, std::wstring_view function) {
+        SetLastError(failure, L"CloseEncoder", function);
         ReleaseDevice();
         return sceError;
     };
     if (m_hReader != 0) {
         if (const Failure failure = m_oReaderDLL.CloseReader(m_hReader)) {
-            return failedCall(failure, L"CloseReader");
+            return fail(failure, L"CloseReader");
         }
     }
     m_hReader = 0;
     if (m_hComm != 0) {
         if (const Failure failure = m_oReaderDLL.CloseComm(m_hComm)) {
-            return failedCall(failure, L"CloseComm");
+            return fail(failure, L"CloseComm");
         }
     }
     m_hComm = 0;
@@ -130,11 +124,17 @@ void Encoder::ReOpenEncoder()
     static_cast<void>(OpenEncoder(m_lHandleNumber));
 }
 
-void Encoder::ReleaseDevice()
+void Encoder::ReleaseDevice() noexcept
 {
-    static_cast<void>(m_oReaderDLL.CloseReader(m_hReader));
+    const auto ignore = [](const auto& call) {
+        try {
+            static_cast<void>(call());
+        } catch (...) { // out of memory: what is left to release is released all the same
+        }
+    };
+    ignore([this] { return m_oReaderDLL.CloseReader(m_hReader); });
     m_hReader = 0;
-    static_cast<void>(m_oReaderDLL.CloseComm(m_hComm));
+    ignore([this] { return m_oReaderDLL.CloseComm(m_hComm); });
     m_hComm = 0;
     m_colValueBlocks.reset();
 }

@@ -2,6 +2,7 @@
 #include "encoder/Encoder.h"
 #include "encoder/NumberReading.h"
 #include "platform/TextCase.h"
+#include "reader/HexText.h"
 
 #include <algorithm>
 
@@ -12,13 +13,6 @@ namespace
 {
 
 constexpr std::wstring_view LineEnd = L"\r\n";
-
-/// Removes spaces, and nothing else, at both ends.
-std::wstring_view TrimSpaces(std::wstring_view text)
-{
-    text = text.substr(std::min(text.find_first_not_of(L' '), text.size()));
-    return text.substr(0, text.find_last_not_of(L' ') + 1);
-}
 
 /// A value that doesn't fit leaves the field as it is.
 template <class Field>
@@ -42,7 +36,7 @@ void Encoder::Parameters(std::wstring Text)
 
         const std::wstring_view beforeSign = entry.substr(0, entry.find(L'='));
         const std::wstring_view value = entry.substr(std::min(beforeSign.size() + 1, entry.size()));
-        const std::wstring key = ToLower(std::wstring(TrimSpaces(beforeSign)));
+        const std::wstring key = ToLower(std::wstring(TrimBlanks(beforeSign)));
         if (key == L"device") {
             m_sDevice = value;
         } else if (key == L"autodetect") {

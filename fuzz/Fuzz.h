@@ -6,6 +6,7 @@
 #undef NDEBUG
 #include "encoder/Encoder.h"
 #include "platform/AnsiText.h"
+#include "simulator/ByteString.h"
 
 #include <cassert>
 #include <fuzzer/FuzzedDataProvider.h>
@@ -27,7 +28,7 @@ struct Library {
 
     static char* Send(Handle handle, const char* command, const char* data, char* /*buffer*/)
     {
-        return acg::ByteString::Make(Answer(handle, command, data));
+        return simulator::NewByteString(Answer(handle, command, data));
     }
     static char* Text(Handle handle, char* buffer) { return Send(handle, "", "", buffer); }
     template <class Result, class... Others>

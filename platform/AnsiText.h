@@ -1,8 +1,11 @@
 // 8-bit text: the system's ANSI code page, and the byte strings in which a reader library gives its texts.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace acg
 {
@@ -12,22 +15,39 @@ namespace acg
 [[nodiscard]] std::string ToAnsi(std::wstring_view Text);
 [[nodiscard]] std::wstring FromAnsi(std::string_view Text);
 
+/// True for characters that are the same byte in every code page.
+template <class Char>
+[[nodiscard]] bool IsAscii(std::basic_string_view<Char> Text)
+{
+    std::make_unsigned_t<Char> bits = 0;
+    for (const Char character : Text) {
+        bits |= static_cast<std::make_unsigned_t<Char>>(character);
+    }
+    return bits < 0x80;
+}
+
+/// Puts a text of the library, up to its first NUL and cut to Most characters, in place of a text that may
+/// hold a key, as may the library's. Leaves room for Room characters at least.
+void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Room = 0,
+                   size_t Most = std::wstring_view::npos);
+
 /// Owner of a length-counted byte string: a pointer to its first byte, with the 32-bit length in bytes
 /// directly before it. Windows: a BSTR made with SysAllocStringByteLen. Elsewhere: one malloc of
 /// 4 + length + 1 bytes. A null pointer is empty text.
 class ByteString
 {
 public:
-    explicit ByteString(char* Bytes) : m_bytes(Bytes) {}
+    explicit ByteString(char* Bytes = nullptr) : m_bytes(Bytes) {}
+    ByteString(ByteString&& Other) noexcept : m_bytes(std::exchange(Other.m_bytes, nullptr)) {}
+    ByteString& operator=(ByteString&& Other) noexcept
+    {
+        std::swap(m_bytes, Other.m_bytes);
+        return *this;
+    }
     /// Wipes the bytes, which may hold a key of the card, and frees them.
     ~ByteString();
-    ByteString(const ByteString&) = delete;
-    ByteString& operator=(const ByteString&) = delete;
 
     [[nodiscard]] std::string_view Bytes() const;
-
-    /// A new byte string that the caller, or an owner made from it, frees; null if there is no memory.
-    [[nodiscard]] static char* Make(std::string_view Bytes);
 
 private:
     char* m_bytes;

@@ -78,17 +78,4 @@ std::string_view ByteString::Bytes() const
     return {m_bytes, length};
 }
 
-char* ByteString::Make(std::string_view Bytes)
-{
-    const auto length = static_cast<Length>(Bytes.size());
-    auto* const memory = static_cast<char*>(std::malloc(sizeof length + length + 1));
-    if (memory == nullptr) {
-        return nullptr;
-    }
-    std::memcpy(memory, &length, sizeof length);
-    std::memcpy(memory + sizeof length, Bytes.data(), length);
-    memory[sizeof length + length] = '\0';
-    return memory + sizeof length;
-}
-
 } // namespace acg

@@ -66,9 +66,4 @@ std::string_view ByteString::Bytes() const
     return {m_bytes, SysStringByteLen(Bstr(m_bytes))};
 }
 
-char* ByteString::Make(std::string_view Bytes)
-{
-    return reinterpret_cast<char*>(SysAllocStringByteLen(Bytes.data(), static_cast<UINT>(Bytes.size())));
-}
-
 } // namespace acg

@@ -1,7 +1,6 @@
 // Text that may hold a key of a card.
 #pragma once
 
-#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <string>
@@ -11,20 +10,23 @@
 namespace acg
 {
 
-/// An empty statement that may read the characters, for all that a compiler knows: none leaves out what was
-/// written there before.
+/// Fills memory with zeros, also where nothing reads it afterwards.
+void Wipe(void* Memory, std::size_t Bytes);
+
+/// Wipes the whole of a text's memory, characters that were cut off included, and empties it.
 template <class Char>
-void KeepWritten(const Char* Text)
+void Wipe(std::basic_string<Char>& Text)
 {
-    __asm__ volatile("" : : "r"(Text) : "memory");
+    Text.resize(Text.capacity());
+    Wipe(Text.data(), Text.size() * sizeof(Char));
+    Text.clear();
 }
 
-template <class Char>
-void Wipe(Char* Text, std::size_t Count)
-{
-    std::fill_n(Text, Count, Char());
-    KeepWritten(Text);
-}
+/// Gives a text that may hold a key room for that many characters. Memory that is too small is wiped.
+void MakeRoom(std::wstring& Text, std::size_t Room);
+
+/// Puts a text in place of one that may hold a key.
+void Replace(std::wstring& Text, std::wstring_view By, std::size_t Room = 0);
 
 /// Text that may hold a key: whatever it held is wiped before its memory is given up. It isn't copied, and
 /// grows only by being appended to.
@@ -43,7 +45,7 @@ public:
     }
     /// Takes a text over and leaves nothing of it behind.
     Secret(Text&& Characters) { *this = std::move(Characters); }
-    ~Secret() { WipeAll(m_text); }
+    ~Secret() { Wipe(m_text); }
     Secret(const Secret&) = delete;
     Secret& operator=(const Secret&) = delete;
 
@@ -51,7 +53,7 @@ public:
     Secret& operator=(Text&& Characters)
     {
         m_text.swap(Characters);
-        WipeAll(Characters);
+        Wipe(Characters);
         return *this;
     }
 
@@ -73,7 +75,7 @@ public:
             larger.reserve(Count);
             larger = m_text;
             m_text.swap(larger);
-            WipeAll(larger);
+            Wipe(larger);
         }
         return *this;
     }
@@ -85,14 +87,6 @@ public:
     void Clear() { m_text.clear(); }
 
 private:
-    /// Wipes the whole of the text's memory, characters that were cut off included, and empties it.
-    static void WipeAll(Text& text)
-    {
-        text.assign(text.capacity(), Char());
-        KeepWritten(text.data());
-        text.clear();
-    }
-
     Text m_text;
 };
 

@@ -1,71 +1,105 @@
 // The exchange of one reader command, and the selection of the card.
 #include "encoder/Encoder.h"
+#include "encoder/Failures.h"
+#include "platform/Secret.h"
 #include "platform/TextCase.h"
 #include "reader/StatusLetters.h"
-
-#include <utility>
 
 namespace acg
 {
 
-/// Sends a command with its data text, and gives the reply. A status letter in place of data is raised as -5
-/// with the letter in the record and in Reply. The record holds the command, never its data.
-Failure Encoder::EncoderCommand(std::wstring_view Command, const SecretText& Data, SecretText& Reply)
+namespace
 {
-    constexpr size_t StatusLetterLength = 1;
 
-    Reply.Clear();
-    if (m_hReader == 0) {
-        RecordRefusal(EncoderIsClosed, L"EncoderCommand");
-        return Raised(EncoderIsClosed);
+/// The character of a reply that is one character and a NUL; else NUL.
+wchar_t StatusLetter(std::string_view reply)
+{
+    const size_t firstNul = reply.find('\0');
+    if (firstNul == std::string_view::npos) {
+        return L'\0';
     }
-    if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, Command, Data, Reply)) {
-        RecordCallFailure(failure, L"EncoderCommand", L"SendCommandGetData:");
-        m_oLastError->RdrCommand += Command;
+    if (IsAscii(reply.substr(0, firstNul))) {
+        return firstNul == 1 ? static_cast<wchar_t>(reply.front()) : L'\0';
+    }
+    // One character may be several bytes.
+    const SecretText text(FromAnsi(reply));
+    return text.Characters().find(L'\0') == 1 ? text.Characters().front() : L'\0';
+}
+
+} // namespace
+
+/// Sends a command with its data text. A status letter in place of data is raised as -5.
+Failure Encoder::Exchange(const char* Command, const CommandData& Data, ByteString& Reply)
+{
+    if (m_hReader == 0) {
+        return EncoderIsClosed;
+    }
+    if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, Command, Data.Text(), Reply)) {
         return failure;
     }
-    const size_t firstNul = Reply.Characters().find(L'\0');
-    if (firstNul == std::wstring_view::npos) {
+    const wchar_t letter = StatusLetter(Reply.Bytes());
+    if (letter == L'\0') {
         return {};
     }
-    Reply.InPlace().resize(firstNul);
-    if (firstNul == StatusLetterLength) {
-        RecordRefusal(EncoderCommandFailed, L"EncoderCommand", L"SendCommandGetData:", Reply);
-        m_oLastError->RdrCommand += Command;
-        return Raised(EncoderCommandFailed);
+    return {EncoderCommandFailed.Number, EncoderCommandFailed.Description, /*LastDllError=*/0, letter};
+}
+
+/// The record holds the command, never its data.
+void Encoder::RecordExchange(const Failure& Failed, const char* Command)
+{
+    SetLastError(Failed, L"EncoderCommand");
+    if (Failed.Number != EncoderIsClosed.Number) {
+        const std::string_view command = Command;
+        std::wstring& path = m_oLastError->RdrCommand;
+        path = L"SendCommandGetData:";
+        path.append(command.begin(), command.end());
     }
-    return {};
+}
+
+/// An exchange whose every failure is recorded.
+Failure Encoder::EncoderCommand(const char* Command, const CommandData& Data, ByteString& Reply)
+{
+    const Failure failure = Exchange(Command, Data, Reply);
+    if (failure) {
+        RecordExchange(failure, Command);
+    }
+    return failure;
+}
+
+/// Sends "select". That no card is in the field is a failure with a number of its own, and no path.
+Failure Encoder::SelectCard(ByteString& SerialText)
+{
+    const Failure failure = Exchange("select", CommandData(), SerialText);
+    if (failure.Letter == StatusNoCard) {
+        SetLastError(NoCardInEncoder, /*ComFunction=*/{});
+        return NoCardInEncoder;
+    }
+    if (failure) {
+        RecordExchange(failure, "select");
+    }
+    return failure;
 }
 
 /// Sets the reader to ISO 14443 A, switches the antenna on, and selects the card in the field. After a
-/// success the record is what asking for the reader's type left: clean, or its call failure; then
-/// m_sReaderType keeps its value.
-sceReturnCode Encoder::SelectCardInRange()
+/// success the record is what asking for the reader's type has left: clean, or its call failure, which is
+/// OfReaderType as well; then m_sReaderType keeps its value.
+Failure Encoder::SelectCardInRange(Failure* OfReaderType)
 {
-    const SecretText noData;
-    SecretText reply;
-    // What comes of these two doesn't matter: "select" tells.
-    static_cast<void>(EncoderCommand(L"use iso14443a", noData, reply));
-    static_cast<void>(EncoderCommand(L"antenna on", noData, reply));
-    if (const Failure failure = EncoderCommand(L"select", noData, reply)) {
-        RecordNoCard(failure);
+    const CommandData noData;
+    ByteString reply;
+    // What comes of these two doesn't matter: "select" decides.
+    static_cast<void>(Exchange("use iso14443a", noData, reply));
+    static_cast<void>(Exchange("antenna on", noData, reply));
+    if (const Failure failure = SelectCard(reply)) {
         TraceLastError(L"SelectCardInRange");
-        return sceError;
+        return failure;
     }
-    std::wstring type;
-    const Failure failure = ReadReaderType(type);
-    if (!failure) {
-        m_sReaderType = ToLower(std::move(type));
+    const Failure failure = ReadReaderType(m_sReaderType);
+    MakeLower(m_sReaderType);
+    if (OfReaderType != nullptr) {
+        *OfReaderType = failure;
     }
-    return sceSuccess;
-}
-
-/// A "select" that the reader answered with "no card" has a number of its own, and no path.
-void Encoder::RecordNoCard(const Failure& Failed)
-{
-    if (Failed.Number == EncoderCommandFailed.Number && IsStatus(m_oLastError->RdrRetCode, StatusNoCard)) {
-        RecordRefusal(NoCardInEncoder, /*ComFunction=*/L"");
-    }
+    return {};
 }
 
 } // namespace acg

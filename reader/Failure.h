@@ -2,15 +2,17 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace acg
 {
 
-/// A raised failure that is still pending, or none. Nothing else keeps it: letting go of the value clears it.
+/// A raised failure that is still pending, or none.
 struct [[nodiscard]] Failure {
-    int32_t Number = 0; ///< 0 for none; below 0 the component's own; above 0 a call failure
-    const wchar_t* Description = L"";
-    int32_t LastDllError = 0; ///< the system's error code right after the call, also where Number is 0
+    int32_t Number = 0;            ///< 0 for none; below 0 the component's own; above 0 a call failure
+    std::wstring_view Description; ///< a literal
+    int32_t LastDllError = 0;      ///< the system's error code of a call failure, else 0
+    wchar_t Letter = L'\0';        ///< what the reader answered, as a rule a status letter; NUL for nothing
 
     explicit operator bool() const { return Number != 0; }
 };

@@ -2,63 +2,35 @@
 
 #include "platform/TextCase.h"
 
-#include <utility>
+#include <algorithm>
 
 namespace acg
 {
 
-namespace
+std::wstring_view TrimBlanks(std::wstring_view Text)
 {
-
-constexpr wchar_t Digits[] = L"0123456789ABCDEF";
-
-/// In place, so that no copy of a key is left behind in freed memory.
-void TrimBlanks(std::wstring& text)
-{
-    text.erase(text.find_last_not_of(L' ') + 1);
-    text.erase(0, text.find_first_not_of(L' '));
+    Text.remove_prefix(std::min(Text.find_first_not_of(L' '), Text.size()));
+    return Text.substr(0, Text.find_last_not_of(L' ') + 1);
 }
 
-} // namespace
+bool AreHexDigits(std::wstring_view Text, size_t Length)
+{
+    const std::wstring_view digits = TrimBlanks(Text);
+    return digits.size() == Length &&
+           std::ranges::all_of(digits, [](wchar_t digit) { return HexDigit(digit).has_value(); });
+}
 
-bool IsHexString(std::wstring& Text, int32_t Length)
+bool IsHexString(std::wstring& Text, size_t Length)
 {
     MakeUpper(Text);
-    TrimBlanks(Text);
-    if (Length != AnyLength && std::cmp_not_equal(Text.size(), Length)) {
-        return false;
-    }
-    return Text.find_first_not_of(Digits) == std::wstring::npos;
+    Text = TrimBlanks(Text); // in its own memory
+    return AreHexDigits(Text, Length);
 }
 
 std::wstring TwoHexDigits(int32_t Value)
 {
     const auto byte = static_cast<uint8_t>(Value);
-    return {Digits[byte >> 4], Digits[byte & 0x0F]};
-}
-
-std::wstring EightHexDigits(int32_t Value)
-{
-    std::wstring digits;
-    for (const int bits : {24, 16, 8, 0}) {
-        digits += TwoHexDigits(Value >> bits);
-    }
-    return digits;
-}
-
-std::optional<int> HexDigit(wchar_t Character)
-{
-    if (Character >= L'0' && Character <= L'9') {
-        return Character - L'0';
-    }
-    constexpr int Ten = 10;
-    if (Character >= L'A' && Character <= L'F') {
-        return Character - L'A' + Ten;
-    }
-    if (Character >= L'a' && Character <= L'f') {
-        return Character - L'a' + Ten;
-    }
-    return std::nullopt;
+    return {static_cast<wchar_t>(HexDigits[byte >> 4]), static_cast<wchar_t>(HexDigits[byte & 0x0F])};
 }
 
 uint32_t ReadHexDigits(std::wstring_view Text)

@@ -1,6 +1,7 @@
 // Hexadecimal text.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,21 +10,36 @@
 namespace acg
 {
 
-/// Lets a test of hexadecimal text pass whatever the number of digits.
-inline constexpr int32_t AnyLength = -1;
+/// The text without the blanks (U+0020), and nothing else, at both ends.
+[[nodiscard]] std::wstring_view TrimBlanks(std::wstring_view Text);
 
-/// Makes the text upper case and removes the blanks (U+0020) at both ends, whatever the result; true if it
-/// then has Length characters, each a digit. Empty text passes with AnyLength and with 0.
-[[nodiscard]] bool IsHexString(std::wstring& Text, int32_t Length);
+/// True for Length hexadecimal digits in either case, with blanks around them or none.
+[[nodiscard]] bool AreHexDigits(std::wstring_view Text, size_t Length);
+
+/// Makes the text upper case and removes the blanks at both ends, whatever the result; true if it then is
+/// Length digits.
+[[nodiscard]] bool IsHexString(std::wstring& Text, size_t Length);
+
+inline constexpr char HexDigits[] = "0123456789ABCDEF";
 
 /// The low byte as two upper-case digits: 9 gives "09", 256 gives "00", -1 gives "FF".
 [[nodiscard]] std::wstring TwoHexDigits(int32_t Value);
 
-/// All 32 bits as eight upper-case digits, the most significant first: -1 gives "FFFFFFFF".
-[[nodiscard]] std::wstring EightHexDigits(int32_t Value);
-
 /// The value of a hexadecimal digit in either case; nothing for any other character.
-[[nodiscard]] std::optional<int> HexDigit(wchar_t Character);
+[[nodiscard]] constexpr std::optional<int> HexDigit(wchar_t Character)
+{
+    if (Character >= L'0' && Character <= L'9') {
+        return Character - L'0';
+    }
+    constexpr int Ten = 10;
+    if (Character >= L'A' && Character <= L'F') {
+        return Character - L'A' + Ten;
+    }
+    if (Character >= L'a' && Character <= L'f') {
+        return Character - L'a' + Ten;
+    }
+    return std::nullopt;
+}
 
 /// The number that the text begins with; 0 where it begins with no digit. Of more than eight digits the last
 /// eight count.

@@ -1,6 +1,6 @@
 #include "reader/ReaderDLL.h"
 
-#include "platform/AnsiText.h"
+#include "platform/Secret.h"
 #include "reader/ReaderCall.h"
 
 #include <algorithm>
@@ -72,12 +72,6 @@ EntryPoint FindInLibrary(ReaderFunction function)
 template <size_t Characters>
 using Buffer = std::array<char, Characters + 1>;
 
-template <class Text>
-void CutAtNul(Text& text)
-{
-    text.resize(std::min(text.find(typename Text::value_type()), text.size()));
-}
-
 } // namespace
 
 const char* Name(ReaderFunction Function)
@@ -98,7 +92,7 @@ Failure ReaderDLL::Call(ReaderFunction Function, Result& result, Arguments... ar
     }
     using Signature = Result(ACG_READER_CALL*)(Arguments...);
     result = reinterpret_cast<Signature>(entry.Address)(arguments...);
-    return {.LastDllError = LastSystemError()};
+    return {};
 }
 
 template <class... Arguments>
@@ -108,59 +102,57 @@ Failure ReaderDLL::CallForText(ReaderFunction Function, std::wstring& Text, Argu
     const Failure failure = Call(Function, bytes, arguments...);
     const ByteString owner(bytes);
     if (!failure) {
-        Text = FromAnsi(owner.Bytes());
-        CutAtNul(Text);
+        ReplaceByAnsi(Text, owner.Bytes());
     }
     return failure;
 }
 
 Failure ReaderDLL::OpenComm(std::wstring_view Device, uint8_t Autodetect, CommSettings& Settings,
-                            ReaderHandle& Comm) const
+                            CommHandle& Comm) const
 {
     return Call(ReaderFunction::OpenComm, Comm, ToAnsi(Device).c_str(), Autodetect, &Settings);
 }
 
-Failure ReaderDLL::SetCommTimeout(ReaderHandle Comm, int32_t Timeout) const
+Failure ReaderDLL::SetCommTimeout(CommHandle Comm, int32_t Timeout) const
 {
     int32_t notRead = 0;
     return Call(ReaderFunction::SetCommTimeout, notRead, Comm, Timeout);
 }
 
-Failure ReaderDLL::SetCommProtocol(ReaderHandle Comm, uint8_t Protocol) const
+Failure ReaderDLL::SetCommProtocol(CommHandle Comm, uint8_t Protocol) const
 {
     int32_t notRead = 0;
     return Call(ReaderFunction::SetCommProtocol, notRead, Comm, Protocol);
 }
 
-Failure ReaderDLL::GetCommProtocol(ReaderHandle Comm, uint8_t& Protocol) const
+Failure ReaderDLL::GetCommProtocol(CommHandle Comm, uint8_t& Protocol) const
 {
     return Call(ReaderFunction::GetCommProtocol, Protocol, Comm);
 }
 
-Failure ReaderDLL::GetCommBaudRate(ReaderHandle Comm, int32_t& BaudRate) const
+Failure ReaderDLL::GetCommBaudRate(CommHandle Comm, int32_t& BaudRate) const
 {
     return Call(ReaderFunction::GetCommBaudRate, BaudRate, Comm);
 }
 
-Failure ReaderDLL::GetCommTimeout(ReaderHandle Comm, int32_t& Timeout) const
+Failure ReaderDLL::GetCommTimeout(CommHandle Comm, int32_t& Timeout) const
 {
     return Call(ReaderFunction::GetCommTimeout, Timeout, Comm);
 }
 
-Failure ReaderDLL::DetectReader(ReaderHandle Comm, std::string& Readers) const
+Failure ReaderDLL::DetectReader(CommHandle Comm, std::string& Readers) const
 {
     Buffer<256> buffer{};
     char* bytes = nullptr;
     const Failure failure = Call(ReaderFunction::DetectReader, bytes, Comm, buffer.data());
     const ByteString owner(bytes);
     if (!failure) {
-        Readers = owner.Bytes();
-        CutAtNul(Readers);
+        Readers = owner.Bytes().substr(0, owner.Bytes().find('\0'));
     }
     return failure;
 }
 
-Failure ReaderDLL::OpenReader(ReaderHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const
+Failure ReaderDLL::OpenReader(CommHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const
 {
     const int32_t thirdArgument = 0; // the library asks for it; it is always 0
     return Call(ReaderFunction::OpenReader, Reader, Comm, ReaderId, thirdArgument);
@@ -178,20 +170,14 @@ Failure ReaderDLL::GetDeviceID(ReaderHandle Reader, std::wstring& Id) const
     return CallForText(ReaderFunction::GetDeviceID, Id, Reader, buffer.data());
 }
 
-Failure ReaderDLL::SendCommandGetData(ReaderHandle Reader, std::wstring_view Command, const SecretText& Data,
-                                      SecretText& Reply) const
+Failure ReaderDLL::SendCommandGetData(ReaderHandle Reader, const char* Command, const char* Data,
+                                      ByteString& Reply)
 {
-    Buffer<512> buffer{};
-    const std::string command = ToAnsi(Command);
-    SecretAnsi data(ToAnsi(Data));
     char* bytes = nullptr;
-    const Failure failure = Call(ReaderFunction::SendCommandGetData, bytes, Reader, command.c_str(),
-                                 data.InPlace().c_str(), buffer.data());
-    Wipe(buffer.data(), buffer.size());
-    const ByteString owner(bytes);
-    if (!failure) {
-        Reply = FromAnsi(owner.Bytes());
-    }
+    const Failure failure =
+        Call(ReaderFunction::SendCommandGetData, bytes, Reader, Command, Data, m_replyBuffer);
+    Wipe(m_replyBuffer, sizeof m_replyBuffer);
+    Reply = ByteString(bytes);
     return failure;
 }
 
@@ -201,7 +187,7 @@ Failure ReaderDLL::CloseReader(ReaderHandle Reader) const
     return Call(ReaderFunction::CloseReader, notRead, Reader);
 }
 
-Failure ReaderDLL::CloseComm(ReaderHandle Comm) const
+Failure ReaderDLL::CloseComm(CommHandle Comm) const
 {
     int32_t notRead = 0;
     return Call(ReaderFunction::CloseComm, notRead, Comm);

@@ -1,8 +1,8 @@
 // The reader vendor's library ACGReader330. Its binary interface is told in docs/reader-library.md.
 #pragma once
 
+#include "platform/AnsiText.h"
 #include "platform/Library.h"
-#include "platform/Secret.h"
 #include "reader/Failure.h"
 
 #include <cstdint>
@@ -42,13 +42,14 @@ struct CommSettings {
 };
 static_assert(sizeof(CommSettings) == 8);
 
-/// Handle of a communication link or of a reader; 0 is none.
-using ReaderHandle = uint32_t;
+// 0 is none.
+using CommHandle = uint32_t;   ///< of a communication link
+using ReaderHandle = uint32_t; ///< of an opened reader
 
 /// Finds a function of the library. It is asked at each call.
 using EntryPointLookUp = std::function<EntryPoint(ReaderFunction)>;
 
-/// The thirteen functions, bound by name at run time. Text goes in and comes out wide, 8-bit ANSI on the way.
+/// The thirteen functions, bound by name at run time.
 ///
 /// Each operation gives back the failure of the call as a call: 53 where the library can't be loaded, 453
 /// where it lacks the function. Then no result is assigned. What the reader itself answered stands in the
@@ -62,27 +63,27 @@ public:
 
     /// Comm: 0 where the link couldn't be opened. Autodetect: 0 disabled, 1 normal, 2 fast.
     Failure OpenComm(std::wstring_view Device, uint8_t Autodetect, CommSettings& Settings,
-                     ReaderHandle& Comm) const;
+                     CommHandle& Comm) const;
     /// Timeout in milliseconds.
-    Failure SetCommTimeout(ReaderHandle Comm, int32_t Timeout) const;
+    Failure SetCommTimeout(CommHandle Comm, int32_t Timeout) const;
     /// Protocol: 0 ASCII, 1 binary.
-    Failure SetCommProtocol(ReaderHandle Comm, uint8_t Protocol) const;
-    Failure GetCommProtocol(ReaderHandle Comm, uint8_t& Protocol) const;
-    Failure GetCommBaudRate(ReaderHandle Comm, int32_t& BaudRate) const;
-    Failure GetCommTimeout(ReaderHandle Comm, int32_t& Timeout) const;
+    Failure SetCommProtocol(CommHandle Comm, uint8_t Protocol) const;
+    Failure GetCommProtocol(CommHandle Comm, uint8_t& Protocol) const;
+    Failure GetCommBaudRate(CommHandle Comm, int32_t& BaudRate) const;
+    Failure GetCommTimeout(CommHandle Comm, int32_t& Timeout) const;
     /// Readers: one byte for each reader found, its id, as the library gave it.
-    Failure DetectReader(ReaderHandle Comm, std::string& Readers) const;
+    Failure DetectReader(CommHandle Comm, std::string& Readers) const;
     /// Reader: 0 where the reader couldn't be opened.
-    Failure OpenReader(ReaderHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const;
+    Failure OpenReader(CommHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const;
     /// Type: up to its first NUL.
     Failure GetReaderType(ReaderHandle Reader, std::wstring& Type) const;
     /// Id: up to its first NUL.
     Failure GetDeviceID(ReaderHandle Reader, std::wstring& Id) const;
-    /// Reply: the whole of it, with what stands behind a NUL. Data may hold a key.
-    Failure SendCommandGetData(ReaderHandle Reader, std::wstring_view Command, const SecretText& Data,
-                               SecretText& Reply) const;
+    /// Command and Data are ASCII or ANSI; Data may hold a key. Reply: the whole of it, with what stands
+    /// behind a NUL.
+    Failure SendCommandGetData(ReaderHandle Reader, const char* Command, const char* Data, ByteString& Reply);
     Failure CloseReader(ReaderHandle Reader) const;
-    Failure CloseComm(ReaderHandle Comm) const;
+    Failure CloseComm(CommHandle Comm) const;
 
 private:
     template <class Result, class... Arguments>
@@ -91,6 +92,9 @@ private:
     Failure CallForText(ReaderFunction Function, std::wstring& Text, Arguments... arguments) const;
 
     EntryPointLookUp m_lookUp;
+    /// For the library to work in: 512 NUL characters and one more. They are NUL again after each call, as
+    /// they may have been a key.
+    char m_replyBuffer[512 + 1] = {};
 };
 
 } // namespace acg

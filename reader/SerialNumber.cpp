@@ -7,14 +7,12 @@ namespace acg
 sceReturnCode Encoder::ReadSerialNumber(std::wstring& SerialNumber)
 {
     ResetLastError();
-    const SecretText noData;
-    SecretText reply;
-    const Failure failure = EncoderCommand(L"select", noData, reply);
+    ByteString reply;
+    const Failure failure = SelectCard(reply);
     if (failure) {
-        RecordNoCard(failure);
         SerialNumber.clear();
     } else {
-        SerialNumber = reply;
+        ReplaceByAnsi(SerialNumber, reply.Bytes());
     }
     TraceLastError(L"ReadSerialNumber");
     return failure ? sceError : sceSuccess;

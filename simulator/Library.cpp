@@ -2,6 +2,7 @@
 //
 // Each function answers every argument: a handle that isn't open gives 0, empty text or the status letter of
 // an unknown command, and a null text is an empty one.
+#include "simulator/ByteString.h"
 #include "simulator/CardBox.h"
 #include "simulator/DeviceText.h"
 #include "simulator/Hex.h"
@@ -9,17 +10,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <map>
 #include <mutex>
 #include <string>
 #include <string_view>
 
 #ifdef _WIN32
-#include <windows.h>
-
-#include <oleauto.h>
 #define READER_CALL __stdcall
 #else
 #define READER_CALL
@@ -37,6 +33,7 @@ namespace
 
 using simulator::Card;
 using simulator::Device;
+using simulator::NewByteString;
 using simulator::Reader;
 
 constexpr int32_t DefaultTimeout = 1000;
@@ -116,24 +113,6 @@ int32_t Set(uint32_t comm, Value Comm::*setting, Value value) noexcept
         line.*setting = value;
         return 0;
     });
-}
-
-/// The caller owns the byte string and frees it. Null, which is empty text too, if there is no memory.
-char* NewByteString(std::string_view text) noexcept
-{
-    const auto length = static_cast<uint32_t>(text.size());
-#ifdef _WIN32
-    return reinterpret_cast<char*>(SysAllocStringByteLen(text.data(), length));
-#else
-    // The length, the bytes, and a NUL that isn't counted.
-    auto* const memory = static_cast<char*>(std::calloc(sizeof(length) + length + 1, 1));
-    if (memory == nullptr) {
-        return nullptr;
-    }
-    std::memcpy(memory, &length, sizeof(length));
-    std::memcpy(memory + sizeof(length), text.data(), length);
-    return memory + sizeof(length);
-#endif
 }
 
 std::string_view TextOf(const char* text)

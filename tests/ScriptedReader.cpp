@@ -2,6 +2,7 @@
 
 #include "platform/AnsiText.h"
 #include "reader/ReaderCall.h"
+#include "simulator/ByteString.h"
 
 #include <algorithm>
 #include <sstream>
@@ -140,7 +141,7 @@ private:
     {
         EXPECT_EQ(std::string(buffer, characters + 1), std::string(characters + 1, '\0'));
         std::fill_n(buffer, characters, 'z');
-        return ByteString::Make(text);
+        return simulator::NewByteString(text);
     }
 };
 

@@ -1,47 +1,12 @@
 // The functions of the library, and their texts.
 #include "platform/AnsiText.h"
-#include "reader/ReaderCall.h"
 #include "tests/ScriptedReader.h"
-
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <cerrno>
-#endif
 
 namespace acg
 {
 
 namespace
 {
-
-constexpr int32_t BusyError = 16;
-
-ReaderHandle ACG_READER_CALL FailingOpenComm(const char* /*device*/, uint8_t /*autodetect*/,
-                                             CommSettings* /*settings*/)
-{
-#ifdef _WIN32
-    SetLastError(BusyError);
-#else
-    errno = BusyError;
-#endif
-    return 0;
-}
-
-TEST(ReaderDLLTest, SystemErrorIsCapturedAfterACallThatWasMade)
-{
-    const ReaderDLL dll([](ReaderFunction) {
-        EntryPoint entry;
-        entry.Address = reinterpret_cast<EntryPoint::Function>(FailingOpenComm);
-        return entry;
-    });
-    CommSettings settings;
-    ReaderHandle comm = 1;
-    const Failure failure = dll.OpenComm(L"com1", 0, settings, comm);
-    EXPECT_FALSE(failure);
-    EXPECT_EQ(failure.LastDllError, BusyError);
-    EXPECT_EQ(comm, 0U);
-}
 
 TEST(ReaderDLLTest, TextIsAnsiInTheLibrary)
 {

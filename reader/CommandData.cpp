@@ -1,0 +1,71 @@
+#include "reader/CommandData.h"
+
+#include "platform/AnsiText.h"
+#include "platform/Secret.h"
+#include "platform/TextCase.h"
+#include "reader/HexText.h"
+
+#include <algorithm>
+
+namespace acg
+{
+
+CommandData::~CommandData()
+{
+    if (m_size > 0) {
+        Wipe(m_text, m_size);
+    }
+}
+
+char* CommandData::Grow(size_t Count)
+{
+    const size_t before = m_size;
+    if (Count >= m_room - m_size) {
+        const size_t room = m_size + Count + 1;
+        auto larger = std::make_unique<char[]>(room);
+        std::copy_n(m_text, m_size, larger.get());
+        Wipe(m_text, m_size);
+        m_larger = std::move(larger);
+        m_text = m_larger.get();
+        m_room = room;
+    }
+    m_size += Count;
+    m_text[m_size] = '\0';
+    return m_text + before;
+}
+
+CommandData& CommandData::AddByte(int32_t Value)
+{
+    const auto byte = static_cast<uint8_t>(Value);
+    char* const digits = Grow(2);
+    digits[0] = HexDigits[byte >> 4];
+    digits[1] = HexDigits[byte & 0x0F];
+    return *this;
+}
+
+CommandData& CommandData::AddNumber(int32_t Value)
+{
+    return AddByte(Value >> 24).AddByte(Value >> 16).AddByte(Value >> 8).AddByte(Value);
+}
+
+CommandData& CommandData::AddAscii(std::wstring_view Text)
+{
+    std::ranges::transform(Text, Grow(Text.size()), [](wchar_t digit) { return static_cast<char>(digit); });
+    return *this;
+}
+
+CommandData& CommandData::AddKey(std::wstring_view Key)
+{
+    if (IsAscii(Key)) { // as each key that a card can have
+        std::ranges::transform(Key, Grow(Key.size()),
+                               [](wchar_t letter) { return static_cast<char>(ToUpper(letter)); });
+        return *this;
+    }
+    SecretText upper(Key);
+    MakeUpper(upper.InPlace());
+    const SecretAnsi ansi(ToAnsi(upper));
+    std::ranges::copy(ansi.Characters(), Grow(ansi.Characters().size()));
+    return *this;
+}
+
+} // namespace acg

@@ -1,0 +1,45 @@
+// The data text of a reader command.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace acg
+{
+
+/// Built in 8-bit, piece by piece, where its parts are known. It may hold keys: it wipes itself, and what it
+/// has outgrown.
+class CommandData
+{
+public:
+    CommandData() { m_own[0] = '\0'; }
+    ~CommandData();
+    CommandData(const CommandData&) = delete;
+    CommandData& operator=(const CommandData&) = delete;
+
+    /// The low byte as two upper-case digits: 9 adds "09", 256 adds "00", -1 adds "FF".
+    CommandData& AddByte(int32_t Value);
+    /// All 32 bits as eight upper-case digits, the most significant first: -1 adds "FFFFFFFF".
+    CommandData& AddNumber(int32_t Value);
+    /// ASCII characters, as they are.
+    CommandData& AddAscii(std::wstring_view Text);
+    /// A key in upper case and ANSI, of any length.
+    CommandData& AddKey(std::wstring_view Key);
+
+    [[nodiscard]] const char* Text() const { return m_text; }
+
+private:
+    /// Makes room behind the text and counts it as text. The caller fills it.
+    char* Grow(size_t Count);
+
+    static constexpr size_t OwnRoom = 64; ///< a block with its number, or a login, and a NUL
+    char m_own[OwnRoom];
+    std::unique_ptr<char[]> m_larger;
+    char* m_text = m_own;
+    size_t m_size = 0;
+    size_t m_room = OwnRoom;
+};
+
+} // namespace acg
