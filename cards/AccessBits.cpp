@@ -18,30 +18,28 @@ constexpr AccessTriple BlockOfKeyA[] = {
     "000", // 3  rw
 };
 
-struct BlockOfBothKeys {
-    AccessTriple Triple;
-    AccessTriple OfValueBlock; ///< where the block was written as a value block since the opening
+constexpr AccessTriple BlockOfBothKeys[HighestLevel + 1] = {
+    //            key A  key B
+    "111",        //  0   -      -
+    RefusedLevel, //  1   r      -
+    RefusedLevel, //  2   w      -
+    RefusedLevel, //  3   rw     -
+    "101",        //  4   -      r
+    "001",        //  5   r      r
+    RefusedLevel, //  6   w      r
+    RefusedLevel, //  7   rw     r
+    "011",        //  8   -      w
+    "100",        //  9   r      w
+    "000",        // 10   w      w
+    "000",        // 11   rw     w
+    "011",        // 12   -      rw
+    "100",        // 13   r      rw
+    "000",        // 14   w      rw
+    "000",        // 15   rw     rw
 };
 
-constexpr BlockOfBothKeys BlockOfBoth[HighestLevel + 1] = {
-    //                        key A  key B
-    {"111", "111"},               //  0   -      -
-    {RefusedLevel, RefusedLevel}, //  1   r      -
-    {RefusedLevel, RefusedLevel}, //  2   w      -
-    {RefusedLevel, RefusedLevel}, //  3   rw     -
-    {"101", "101"},               //  4   -      r
-    {"001", "001"},               //  5   r      r
-    {RefusedLevel, RefusedLevel}, //  6   w      r
-    {RefusedLevel, RefusedLevel}, //  7   rw     r
-    {"011", "011"},               //  8   -      w
-    {"100", "110"},               //  9   r      w
-    {"000", "000"},               // 10   w      w
-    {"000", "000"},               // 11   rw     w
-    {"011", "011"},               // 12   -      rw
-    {"100", "110"},               // 13   r      rw
-    {"000", "000"},               // 14   w      rw
-    {"000", "000"},               // 15   rw     rw
-};
+/// In place of 100, where the block was written as a value block since the opening.
+constexpr AccessTriple OfValueBlock = "110";
 
 /// Bits 0 and 1 of the level, what key A may write, for a sector that works with key A alone.
 constexpr AccessTriple TrailerOfKeyA[] = {
@@ -64,17 +62,16 @@ constexpr TrailerLevel TrailerOfBoth[] = {
     {12, "011"}, // keys and conditions
 };
 
-/// In the order of C1 C2 C3 as a binary number.
 constexpr DecodedAccess Decoded[] = {
-    //                          keys A and B of a data block; what is written of the trailer
-    {"000", 15, KeyAAlone, 1}, // rw rw; by A, keys
-    {"001", 5, KeyAAlone, 3},  // r  r;  by A, keys and conditions
-    {"010", 5, KeyAAlone, 0},  // r  r;  nothing
-    {"011", 12, BothKeys, 12}, // -  rw; by B, keys and conditions
-    {"100", 13, BothKeys, 4},  // r  rw; by B, keys
-    {"101", 4, BothKeys, 8},   // -  r;  by B, conditions
-    {"110", 13, BothKeys, 0},  // r  rw; nothing
-    {"111", 0, BothKeys, 0},   // -  -;  nothing
+    // keys A and B of a data block; what is written of the trailer
+    {15, KeyAAlone, 1}, // 000  rw rw; by A, keys
+    {5, KeyAAlone, 3},  // 001  r  r;  by A, keys and conditions
+    {5, KeyAAlone, 0},  // 010  r  r;  nothing
+    {12, BothKeys, 12}, // 011  -  rw; by B, keys and conditions
+    {13, BothKeys, 4},  // 100  r  rw; by B, keys
+    {4, BothKeys, 8},   // 101  -  r;  by B, conditions
+    {13, BothKeys, 0},  // 110  r  rw; nothing
+    {0, BothKeys, 0},   // 111  -  -;  nothing
 };
 
 constexpr int32_t RightsOfKeyA = 3;
@@ -95,8 +92,8 @@ AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
     if (Level > HighestLevel) {
         return RefusedLevel;
     }
-    const BlockOfBothKeys& row = BlockOfBoth[Level];
-    return IsValueBlock ? row.OfValueBlock : row.Triple;
+    const AccessTriple triple = BlockOfBothKeys[Level];
+    return IsValueBlock && triple == "100" ? OfValueBlock : triple;
 }
 
 AccessTriple TrailerTriple(int32_t Level, uint8_t KeysToUse)

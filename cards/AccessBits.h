@@ -42,7 +42,6 @@ void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes);
 
 /// What a triple reads back as.
 struct DecodedAccess {
-    AccessTriple Triple;
     int32_t BlockLevel;   ///< in a data slot: an SCBS level
     uint8_t KeysUsed;     ///< in the trailer's slot: KeyAAlone where key B can be read out, else BothKeys
     int32_t TrailerLevel; ///< in the trailer's slot: an SCSS level
