@@ -8,7 +8,7 @@ namespace acg
 
 bool IsFrench(std::wstring_view Language)
 {
-    return ToLower(std::wstring(Language)) == L"francais";
+    return ToLower(Language) == L"francais";
 }
 
 std::wstring Fill(std::wstring Text, std::initializer_list<std::wstring_view> Values)

@@ -103,7 +103,13 @@ void Encoder::SetLastError(const Failure& Failed, std::wstring_view ComFunction,
 
 void Encoder::ResetLastError(std::wstring_view ComFunction)
 {
-    SetLastError({}, ComFunction);
+    CError& record = *m_oLastError;
+    record.Number = 0;
+    record.Description.clear();
+    record.LastDllError = 0;
+    record.ComFunction = ComFunction;
+    record.RdrCommand.clear();
+    record.RdrRetCode.clear();
 }
 
 void Encoder::TraceLastError(std::wstring_view FunctionName)

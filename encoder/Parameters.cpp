@@ -36,7 +36,7 @@ void Encoder::Parameters(std::wstring Text)
 
         const std::wstring_view beforeSign = entry.substr(0, entry.find(L'='));
         const std::wstring_view value = entry.substr(std::min(beforeSign.size() + 1, entry.size()));
-        const std::wstring key = ToLower(std::wstring(TrimBlanks(beforeSign)));
+        const std::wstring key = ToLower(TrimBlanks(beforeSign));
         if (key == L"device") {
             m_sDevice = value;
         } else if (key == L"autodetect") {

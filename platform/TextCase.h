@@ -1,54 +1,33 @@
-// Case changes that no user's locale decides.
+// Case changes that no user's locale decides: each letter that has the other case becomes it, one character
+// for one.
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace acg
 {
 
-/// The other case of a letter beyond ASCII, one character for one, as the system knows it; any other
-/// character stays as it is.
-[[nodiscard]] wchar_t SystemToUpper(wchar_t Character);
-[[nodiscard]] wchar_t SystemToLower(wchar_t Character);
+void MakeUpper(std::wstring& Text);
+void MakeLower(std::wstring& Text);
 
-[[nodiscard]] inline wchar_t ToUpper(wchar_t Character)
+[[nodiscard]] inline std::wstring ToLower(std::wstring_view Text)
 {
-    constexpr wchar_t Distance = L'a' - L'A';
-    if (Character < 0x80) {
-        const bool isLower = Character >= L'a' && Character <= L'z';
-        return static_cast<wchar_t>(isLower ? Character - Distance : Character);
-    }
-    return SystemToUpper(Character);
+    std::wstring lower(Text);
+    MakeLower(lower);
+    return lower;
 }
 
-[[nodiscard]] inline wchar_t ToLower(wchar_t Character)
+// Of ASCII alone; any other character stays as it is.
+[[nodiscard]] constexpr wchar_t AsciiToUpper(wchar_t Character)
 {
-    constexpr wchar_t Distance = L'a' - L'A';
-    if (Character < 0x80) {
-        const bool isUpper = Character >= L'A' && Character <= L'Z';
-        return static_cast<wchar_t>(isUpper ? Character + Distance : Character);
-    }
-    return SystemToLower(Character);
+    const bool isLower = Character >= L'a' && Character <= L'z';
+    return static_cast<wchar_t>(isLower ? Character - (L'a' - L'A') : Character);
 }
-
-inline void MakeUpper(std::wstring& Text)
+[[nodiscard]] constexpr wchar_t AsciiToLower(wchar_t Character)
 {
-    for (wchar_t& character : Text) {
-        character = ToUpper(character);
-    }
-}
-
-inline void MakeLower(std::wstring& Text)
-{
-    for (wchar_t& character : Text) {
-        character = ToLower(character);
-    }
-}
-
-[[nodiscard]] inline std::wstring ToLower(std::wstring Text)
-{
-    MakeLower(Text);
-    return Text;
+    const bool isUpper = Character >= L'A' && Character <= L'Z';
+    return static_cast<wchar_t>(isUpper ? Character + (L'a' - L'A') : Character);
 }
 
 } // namespace acg

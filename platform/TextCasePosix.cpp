@@ -9,30 +9,41 @@ namespace acg
 namespace
 {
 
-/// The locale that belongs to no language, and knows every letter.
+/// The locale that belongs to no language and knows every letter; that of ASCII where the system lacks it.
 locale_t Neutral()
 {
-    static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    static const locale_t locale = [] { // kept until the process ends
+        const locale_t neutral = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+        return neutral != nullptr ? neutral : newlocale(LC_CTYPE_MASK, "C", nullptr);
+    }();
     return locale;
 }
 
-wchar_t Changed(wchar_t character, wint_t (*change)(wint_t, locale_t))
+bool IsAscii(wchar_t character)
 {
-    const locale_t locale = Neutral();
-    return locale != nullptr ? static_cast<wchar_t>(change(static_cast<wint_t>(character), locale))
-                             : character;
+    return character < 0x80;
 }
 
 } // namespace
 
-wchar_t SystemToUpper(wchar_t Character)
+// ASCII goes without the system, which takes its time for each character.
+
+void MakeUpper(std::wstring& Text)
 {
-    return Changed(Character, towupper_l);
+    for (wchar_t& character : Text) {
+        character = IsAscii(character)
+                        ? AsciiToUpper(character)
+                        : static_cast<wchar_t>(towupper_l(static_cast<wint_t>(character), Neutral()));
+    }
 }
 
-wchar_t SystemToLower(wchar_t Character)
+void MakeLower(std::wstring& Text)
 {
-    return Changed(Character, towlower_l);
+    for (wchar_t& character : Text) {
+        character = IsAscii(character)
+                        ? AsciiToLower(character)
+                        : static_cast<wchar_t>(towlower_l(static_cast<wint_t>(character), Neutral()));
+    }
 }
 
 } // namespace acg

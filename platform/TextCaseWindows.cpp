@@ -8,23 +8,22 @@ namespace acg
 namespace
 {
 
-wchar_t Changed(wchar_t character, DWORD change)
+void Change(std::wstring& text, DWORD change)
 {
-    wchar_t changed = character;
-    LCMapStringEx(LOCALE_NAME_INVARIANT, change, &character, 1, &changed, 1, nullptr, nullptr, 0);
-    return changed;
+    const auto size = static_cast<int>(text.size());
+    LCMapStringEx(LOCALE_NAME_INVARIANT, change, text.data(), size, text.data(), size, nullptr, nullptr, 0);
 }
 
 } // namespace
 
-wchar_t SystemToUpper(wchar_t Character)
+void MakeUpper(std::wstring& Text)
 {
-    return Changed(Character, LCMAP_UPPERCASE);
+    Change(Text, LCMAP_UPPERCASE);
 }
 
-wchar_t SystemToLower(wchar_t Character)
+void MakeLower(std::wstring& Text)
 {
-    return Changed(Character, LCMAP_LOWERCASE);
+    Change(Text, LCMAP_LOWERCASE);
 }
 
 } // namespace acg

@@ -58,7 +58,7 @@ CommandData& CommandData::AddKey(std::wstring_view Key)
 {
     if (IsAscii(Key)) { // as each key that a card can have
         std::ranges::transform(Key, Grow(Key.size()),
-                               [](wchar_t letter) { return static_cast<char>(ToUpper(letter)); });
+                               [](wchar_t letter) { return static_cast<char>(AsciiToUpper(letter)); });
         return *this;
     }
     SecretText upper(Key);
