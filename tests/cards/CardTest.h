@@ -6,20 +6,6 @@
 namespace acg
 {
 
-/// A scripted reader with a card in its field that takes every command.
-class CardTest : public EncoderTest
-{
-protected:
-    CardTest()
-    {
-        for (const char* command : {"read block", "write block", "write vblock"}) {
-            reader.Replies[command] = "00112233445566778899aabbccddeeff";
-        }
-    }
-    const std::wstring Key = L"a1b2c3d4e5f6";
-    const std::wstring Block = L"00112233445566778899aabbccddeeff";
-};
-
 using Numbers = std::vector<int32_t>;
 
 /// Of WriteSectorTrailer. The levels: of the three data blocks, then of the trailer.

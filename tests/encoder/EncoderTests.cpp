@@ -1,7 +1,8 @@
-// The record of the last failure, and the properties that raise.
+// The life of an encoder, its record, and what it says of itself.
 #include "tests/ScriptedReader.h"
 
 #include <new>
+#include <set>
 
 namespace acg
 {
@@ -9,34 +10,88 @@ namespace acg
 namespace
 {
 
-TEST_F(EncoderTest, DestructionClosesReaderThenLinkAndLeavesTheRecord)
+using CallList = std::vector<std::string>;
+
+TEST_F(EncoderTest, InformationHasSixFieldsAndANewNumberEachTime)
+{
+    std::set<int32_t> numbers;
+    for (int i = 0; i < 50; ++i) {
+        numbers.insert(DrawHandle());
+        Encoder other(reader.DLL(), [this] { return now += std::chrono::seconds(1); });
+        numbers.insert(EncoderInside::HandleNumber(other));
+    }
+    EXPECT_GT(numbers.size(), 80U);
+    EXPECT_TRUE(*numbers.begin() >= 0 && *numbers.rbegin() <= 99999);
+    const std::wstring information = encoder.GetInformation();
+    EXPECT_TRUE(information.starts_with(L"Tarvello|ACG Multi-ISO|7.1.1947|1|"));
+    EXPECT_TRUE(information.ends_with(L"|Mifare Classic, Mifare Ultralight"));
+    EXPECT_EQ(Last(), Clean(L"GetInformation"));
+}
+
+TEST_F(EncoderTest, ReopeningTakesTheSettingsAndTheNumberAtHandAndTheFirstReader)
+{
+    Open();
+    encoder.Parameters(L"Device=com2;Autodetect=2;Baud rate=19200;Timeout=-5");
+    static_cast<void>(encoder.GetInformation());
+    reader.Readers = "\x80\x41"; // in Windows-1252 the euro sign, U+20AC
+    encoder.ReOpenEncoder();
+    EXPECT_EQ(Last(), Clean(L"OpenEncoder"));
+    const CallList expected = {"CloseReader 34",       "CloseComm 17",         "OpenComm com2 2 19200 0",
+                               "SetCommTimeout 17 -5", "SetCommProtocol 17 0", "DetectReader 17",
+                               "OpenReader 17 128 0"};
+    EXPECT_EQ(CallList(reader.Calls.begin(), reader.Calls.begin() + 7), expected);
+    EXPECT_EQ(reader.Commands(), SelectCommands);
+    EXPECT_EQ(EncoderInside::LowerReaderType(encoder), L"multiiso 2.5");
+}
+
+TEST_F(EncoderTest, OpeningWaitsFiveSecondsForACardAndItsReadersType)
+{
+    reader.Missing = {ReaderFunction::GetReaderType};
+    EXPECT_EQ(encoder.OpenEncoder(DrawHandle()), sceSuccess);
+    EXPECT_EQ(Last(), Clean(L"OpenEncoder"));
+    EXPECT_EQ(reader.Calls.size(), 5 + 5 * 3U); // each look at the clock takes a second
+    EXPECT_EQ(encoder.EncoderState(), sceReady);
+}
+
+TEST_F(EncoderTest, RefusedOpeningDropsTheValueBlocksAndKeepsTheOldHandles)
+{
+    Open();
+    EncoderInside::AddValueBlock(encoder, 5);
+    EXPECT_EQ(encoder.OpenEncoder(DrawHandle() + 1), sceError);
+    EXPECT_EQ(Last(), (Record{-2, L"Cannot open encoder", L"OpenEncoder", L"OpenComm"}));
+    EXPECT_EQ(EncoderInside::ValueBlocks(encoder), std::vector<int32_t>());
+    reader.LibraryMissing = true;
+    EXPECT_EQ(encoder.OpenEncoder(DrawHandle()), sceError);
+    EXPECT_EQ(Last(), (Record{53, L"File not found: ACGReader330", L"OpenEncoder", L"OpenComm", L"",
+                              ScriptedReader::MissingError}));
+    EXPECT_TRUE(reader.Calls.empty());
+    reader.LibraryMissing = false;
+
+    // Here the release closes the old reader on the new link.
+    reader.Comm = 0x12;
+    reader.Missing = {ReaderFunction::OpenReader};
+    EXPECT_EQ(encoder.OpenEncoder(DrawHandle()), sceError);
+    EXPECT_EQ(CallList(reader.Calls.end() - 2, reader.Calls.end()),
+              (CallList{"CloseReader 34", "CloseComm 18"}));
+}
+
+TEST_F(EncoderTest, DestructionClosesReaderThenLinkAlsoWhereThatThrows)
 {
     auto mortal = std::make_unique<Encoder>(reader.DLL(), std::chrono::steady_clock::now);
     const std::shared_ptr<CError> record = mortal->LastError();
-    EXPECT_EQ(Last(), Clean(L""));
-    EXPECT_TRUE(reader.Calls.empty());
     mortal->ReOpenEncoder();
-    EXPECT_EQ(mortal->OpenEncoder(-1), sceError);
     reader.Forget();
-    mortal = std::make_unique<Encoder>(reader.DLL(), std::chrono::steady_clock::now);
-    EXPECT_EQ(record->Number, -2);
     mortal.reset();
-    const std::vector<std::string> closed = {"CloseReader 34", "CloseComm 17", "CloseReader 0",
-                                             "CloseComm 0"};
-    EXPECT_EQ(reader.Calls, closed);
-}
+    EXPECT_EQ(reader.Calls, (CallList{"CloseReader 34", "CloseComm 17"}));
+    EXPECT_EQ(record->ComFunction, L"OpenEncoder");
 
-TEST(EncoderLifeTest, DestructionBearsThatThereIsNoMemory)
-{
-    const auto lookUp = [](ReaderFunction) -> EntryPoint { throw std::bad_alloc(); };
-    EXPECT_EQ(Encoder(ReaderDLL(lookUp), std::chrono::steady_clock::now).LastError()->Number, 0);
-}
-
-TEST_F(EncoderTest, TracingKeepsAPathThatHasNoName)
-{
-    encoder.LastError()->RdrCommand = L"path";
-    EncoderInside::Trace(encoder, L"Name");
-    EXPECT_EQ(Last(), (Record{.ComFunction = L"Name", .RdrCommand = L"path"}));
+    std::vector<ReaderFunction> lookedUp;
+    static_cast<void>(Encoder(ReaderDLL([&lookedUp](ReaderFunction function) -> EntryPoint {
+                                  lookedUp.push_back(function);
+                                  throw std::bad_alloc();
+                              }),
+                              std::chrono::steady_clock::now));
+    EXPECT_EQ(lookedUp, (std::vector{ReaderFunction::CloseReader, ReaderFunction::CloseComm}));
 }
 
 TEST_F(EncoderTest, PropertiesRaiseWhatTheyRecord)
@@ -51,18 +106,16 @@ TEST_F(EncoderTest, PropertiesRaiseWhatTheyRecord)
         }
         EXPECT_EQ(Last(), expected);
     };
-    const auto expectUnsupported = [&] {
-        const std::wstring text = L"Feature not supported";
-        raises({-16, text, L"ATRString"}, L"", [this] { return encoder.ATRString(); });
-        raises({-16, text, L"CardType"}, L"", [this] { return encoder.CardType(); });
-        raises({-16, text, L"SerialNumberLength"}, L"", [this] { return encoder.SerialNumberLength(); });
-        EXPECT_TRUE(reader.Calls.empty());
-    };
     const auto readType = [this] { return encoder.ReaderType(); };
     raises({-1, L"Encoder is closed", L"ReaderType"}, {}, readType);
-    expectUnsupported();
+    const std::wstring text = L"Feature not supported";
+    raises({-16, text, L"ATRString"}, L"", [this] { return encoder.ATRString(); });
+    raises({-16, text, L"CardType"}, L"", [this] { return encoder.CardType(); });
+    raises({-16, text, L"SerialNumberLength"}, L"", [this] { return encoder.SerialNumberLength(); });
+    EXPECT_TRUE(reader.Calls.empty());
     Open();
-    expectUnsupported();
+    reader.Type = std::string("MultiISO 2.5\0more", 17);
+    EXPECT_EQ(encoder.ReaderType(), L"MultiISO 2.5");
     reader.Missing = {ReaderFunction::GetReaderType};
     raises(CallFailed(L"GetReaderType", L"ReaderType", L"GetReaderType"), {}, readType);
 }
