@@ -108,8 +108,13 @@ Function HasRead(file)
 End Function
 
 Function LibraryTrouble
-    Dim name, exported
+    Dim kind, name, exported
     On Error Resume Next ' where the file is damaged, no names are found
+    kind = Number(Number(60, 4) + 24, 2)
+    If kind = &H20B Then
+        LibraryTrouble = "it is a 64-bit file"
+        Exit Function
+    End If
     exported = ExportedNames
     For Each name In Array("OpenComm", "SetCommTimeout", "SetCommProtocol", "GetCommProtocol", _
             "GetCommBaudRate", "GetCommTimeout", "DetectReader", "OpenReader", "GetReaderType", _

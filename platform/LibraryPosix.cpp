@@ -5,10 +5,12 @@
 #include <cinttypes>
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <dlfcn.h>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 
 namespace acg
 {
@@ -44,15 +46,29 @@ void* Load(const std::string& file)
     return handle != nullptr ? handle : dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
+/// Why Load has just failed: ENOENT where there is no such file, ELIBBAD where one was refused. The loader
+/// has no code for it, only a text in the user's language. For a missing file that is the file's name first
+/// and the system's words for ENOENT last; for a missing library that the file needs, the name is another.
+int32_t CauseOf(const std::string& file)
+{
+    const char* const words = dlerror();
+    const std::string_view cause = words != nullptr ? words : "";
+    const bool isMissing = cause.starts_with(file + ':') && cause.ends_with(std::strerror(ENOENT));
+    const std::string folder = OwnFolder();
+    const bool isHere = !folder.empty() && access((folder + file).c_str(), F_OK) == 0;
+    return isMissing && !isHere ? ENOENT : ELIBBAD;
+}
+
 } // namespace
 
 EntryPoint Library::Find(const char* Function)
 {
     void* handle = m_handle;
     if (handle == nullptr) {
-        handle = Load(std::string("lib") + m_name + ".so");
+        const std::string file = std::string("lib") + m_name + ".so";
+        handle = Load(file);
         if (handle == nullptr) {
-            return {.SystemError = ENOENT};
+            return {.SystemError = CauseOf(file)};
         }
         m_handle = handle;
     }

@@ -45,7 +45,8 @@ finds ooooooFoF 'The reader says its type: 453 ' 'take the ACGReader330.dll that
 cp ACG_MultiISO_TV.dll ACGReader330.dll # names the functions, but has none
 finds ooooooFF- 'The reader library .*: it lacks OpenComm .* CloseComm$' 'take the 32-bit'
 finds ooooooFF- 'The reader opens.*: 453 ' 'take the ACGReader330.dll that belongs'
-head -c 10000 simulator/ACGReader330.dll >ACGReader330.dll
+perl -0777pe 's/(PE\0\0)L\x01(.{18}\x0B)\x01/$1d\x86$2\x02/s' simulator/ACGReader330.dll >ACGReader330.dll # as of 64 bits
+finds ooooooFF- 'The reader library .*: it is a 64-bit file$' 'take the 32-bit'
 finds ooooooFF- 'The reader opens.*: 53 ' 'it is damaged, or needs a library'
 
 mv simulator/ACGReader330.dll "$WINEPREFIX/drive_c/windows/system32"

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
 namespace acg
 {
@@ -11,20 +12,22 @@ namespace acg
 namespace
 {
 
-// Error codes of the two systems: no such library, no such function.
+// Error codes of the two systems: no such library, no such function, not a library.
 #ifdef _WIN32
 constexpr const char* SimulatorFile = "ACGReader330.dll";
 constexpr const char* CopyName = "OnlyHere.dll";
 constexpr int32_t NoLibrary = 126;
 constexpr int32_t NoFunction = 127;
+constexpr int32_t Refused = 193;
 #else
 constexpr const char* SimulatorFile = "libACGReader330.so";
 constexpr const char* CopyName = "libOnlyHere.so";
 constexpr int32_t NoLibrary = 2;
 constexpr int32_t NoFunction = 38;
+constexpr int32_t Refused = 80;
 #endif
 
-TEST(LibraryTest, IsNeverLoadedFromTheCurrentDirectory)
+TEST(LibraryTest, IsNotLoadedFromTheCurrentDirectoryNorFromAnyFile)
 {
     namespace fs = std::filesystem;
     const fs::path before = fs::current_path();
@@ -37,10 +40,13 @@ TEST(LibraryTest, IsNeverLoadedFromTheCurrentDirectory)
     const EntryPoint entry = Library("OnlyHere").Find("OpenComm");
     fs::current_path(before);
     fs::remove_all(folder);
-
-    EXPECT_EQ(entry.Address, nullptr);
     EXPECT_FALSE(entry.LibraryLoaded);
     EXPECT_EQ(entry.SystemError, NoLibrary);
+
+    const fs::path notOne = program.parent_path() / CopyName;
+    std::ofstream(notOne) << "text";
+    EXPECT_EQ(Library("OnlyHere").Find("OpenComm").SystemError, Refused);
+    fs::remove(notOne);
 }
 
 TEST(LibraryTest, MissingFunctionIsToldFromAMissingLibrary)
