@@ -5,8 +5,9 @@
 //     blocks   0 to 127   sectors  0 to 31, of 4 blocks
 //     blocks 128 to 255   sectors 32 to 39, of 16 blocks (4K only)
 //
-// No number is tested for range: what lies beyond the card, the reader refuses. The arithmetic wraps at 32
-// bits.
+// No number is tested for range, and the arithmetic wraps at 32 bits. What is sent of a block number and of a
+// login sector is their low byte. So the reader doesn't refuse everything that lies beyond the card: block
+// 1024 goes out as block 0, and the trailer of sector 96 as that of sector 32.
 #pragma once
 
 #include <cstdint>

@@ -30,7 +30,8 @@ struct RaisedFailure {
     std::optional<std::wstring> Source; ///< nothing: the platform's default
 };
 
-/// What the component can encode. No operation looks at the kind of card.
+/// What the component says that it can encode. No operation looks at the kind of card: of an Ultralight card
+/// only the serial number can be read, since every access to a block logs in, which such a card doesn't know.
 inline constexpr std::wstring_view Capabilities = L"Mifare Classic, Mifare Ultralight";
 
 /// Tells the time. It need not be the time of day, but must not go backwards.
@@ -46,6 +47,13 @@ using Clock = std::function<std::chrono::steady_clock::time_point()>;
 /// Operations that give a sceReturnCode report a failure by sceError and the record behind LastError; they
 /// don't throw. Every access to a block selects the card and logs in anew.
 ///
+/// A success means that the reader refused nothing. No write is read back, a reply that is too short counts
+/// as zeros, and a card that was swapped between two accesses isn't noticed; so a card can be destroyed by
+/// calls that succeed. Which ones, and what to do about it: docs/access-levels.md, "Read this first".
+///
+/// Block and sector numbers aren't tested: what is sent is the low byte, so a number beyond the card may
+/// reach another block. WriteSectorTrailer on sector 96 writes the keys of sector 32.
+///
 /// Not here: a card's contents, a cache, a retry, a log. A key is handed to the reader and forgotten.
 class Encoder
 {
@@ -59,8 +67,13 @@ public:
     Encoder& operator=(const Encoder&) = delete;
 
     /// The settings, as "Device=com1;Baud rate=9600": entries joined by ";" or, if there is a CR LF
-    /// anywhere, by that. Keys: Device, Autodetect (0 to 255), Baud rate, Timeout (32 bits, ms). A bad entry
-    /// is passed over. An open link keeps the settings that it was opened with.
+    /// anywhere, by that alone. Keys, in any case of letters: Device, Autodetect (0 disabled, 1 normal, 2
+    /// fast; up to 255 is stored), Baud rate, Timeout (signed 32 bits, ms). A call changes only what it
+    /// names. An open link keeps the settings that it was opened with.
+    ///
+    /// Nothing is reported. An unknown or misspelt key is ignored. Device takes all that stands behind "=",
+    /// blanks and a bare LF included. A number is read as far as it goes: "Timeout=500 ms" stores 500,
+    /// "Autodetect=x" 0. One that doesn't fit its field leaves it unchanged.
     void Parameters(std::wstring Text);
     /// The settings as five lines; giving them back changes nothing.
     [[nodiscard]] std::wstring Parameters();
@@ -99,8 +112,8 @@ public:
 
     /// Reads a 16-byte block as 32 hexadecimal digits. A reply that is shorter or longer is filled with "0"
     /// at its end or cut. key: 12 hexadecimal digits, judged by the reader alone. BlocNumber counts the
-    /// blocks of the whole card; it isn't tested. After a failure BlocContents is empty, or untouched where
-    /// no card was selected.
+    /// blocks of the whole card; its low byte is sent. After a failure BlocContents is empty, or unchanged
+    /// where no card was selected.
     [[nodiscard]] sceReturnCode ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                              std::wstring& BlocContents);
 
@@ -121,7 +134,7 @@ public:
 
     /// Writes a 16-byte block, 32 hexadecimal digits in either case, blanks around them allowed. BlocContents
     /// comes back as the reader answered, filled or cut to 32 characters; after a failure it is the text,
-    /// upper-cased and trimmed.
+    /// upper-cased and trimmed. Any reply but a status letter is a success, an empty one too.
     [[nodiscard]] sceReturnCode WriteDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                               std::wstring& BlocContents);
 
@@ -132,8 +145,10 @@ public:
 
     /// Writes both keys of a sector, 12 hexadecimal digits each in either case, and what they may do.
     /// KeysToUse: 1 key A alone, 0 as on the card, any other value both keys. A level of -1 keeps the card's
-    /// access bits of that slot; not every level can be stored: docs/access-levels.md. BX: the byte behind
-    /// the access bits, 0 to 255; the card's stays where it is left out, and any other number is refused.
+    /// access bits of that slot, as the trailer is read first: where the reader's reply is too short, that
+    /// makes the card block the sector for good. Not every level can be stored: docs/access-levels.md. BX:
+    /// the byte behind the access bits, 0 to 255; the card's stays where it is left out, and any other number
+    /// is refused.
     [[nodiscard]] sceReturnCode
     WriteSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, std::wstring_view KeyA,
                        std::wstring_view KeyB, uint8_t KeysToUse, SCBS_SecurityLevelEnum Security0,
@@ -142,7 +157,9 @@ public:
 
     /// Changes the bytes FromByte to ToByte of a block, 0 to 15, both included. BlocContents: their digits,
     /// filled with "0" or cut to that length. It comes back as the whole block; after a failure as the
-    /// old block, or empty where that couldn't be read. The card is read before the offsets are judged.
+    /// old block, or empty where that couldn't be read. The card is read before the offsets are judged. What
+    /// was read is written back: zeros for the rest of the block where the reply was too short, and on a
+    /// sector trailer zeros for key A, which the card doesn't show.
     [[nodiscard]] sceReturnCode WriteBytesInBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                                  uint8_t FromByte, uint8_t ToByte,
                                                  std::wstring& BlocContents);
