@@ -22,12 +22,12 @@
 namespace acg
 {
 
-/// What the four properties that raise throw. Nothing else is thrown to the host, but for running out of
-/// memory.
+/// What the four properties that raise throw. Nothing else is thrown to the host, except when memory runs
+/// out.
 struct RaisedFailure {
     int32_t Number;
     std::wstring Description;
-    std::optional<std::wstring> Source; ///< nothing: the platform's default
+    std::optional<std::wstring> Source; ///< none: the platform's default
 };
 
 /// What the component says that it can encode. No operation looks at the kind of card: of an Ultralight card
@@ -44,8 +44,8 @@ using Clock = std::function<std::chrono::steady_clock::time_point()>;
 /// component's interface.
 ///
 /// Every call blocks until the reader library has answered. An Encoder is used by one thread at a time.
-/// Operations that give a sceReturnCode report a failure by sceError and the record behind LastError; they
-/// don't throw. Every access to a block selects the card and logs in anew.
+/// Operations that return a sceReturnCode report a failure by sceError and the record behind LastError; they
+/// don't throw. Every access to a block selects the card and logs in again.
 ///
 /// A success means that the reader refused nothing. No write is read back, a reply that is too short counts
 /// as zeros, and a card that was swapped between two accesses isn't noticed; so a card can be destroyed by
@@ -54,7 +54,7 @@ using Clock = std::function<std::chrono::steady_clock::time_point()>;
 /// Block and sector numbers aren't tested: what is sent is the low byte, so a number beyond the card may
 /// reach another block. WriteSectorTrailer on sector 96 writes the keys of sector 32.
 ///
-/// Not here: a card's contents, a cache, a retry, a log. A key is handed to the reader and forgotten.
+/// There is no cache of a card's contents, no retry and no log. A key is passed to the reader and forgotten.
 class Encoder
 {
 public:
@@ -75,7 +75,7 @@ public:
     /// blanks and a bare LF included. A number is read as far as it goes: "Timeout=500 ms" stores 500,
     /// "Autodetect=x" 0. One that doesn't fit its field leaves it unchanged.
     void Parameters(std::wstring Text);
-    /// The settings as five lines; giving them back changes nothing.
+    /// The settings as five lines; setting them again changes nothing.
     [[nodiscard]] std::wstring Parameters();
 
     /// The same object at every call. It may outlive the Encoder.
@@ -84,7 +84,7 @@ public:
     /// Tries to select a card, and leaves a clean record.
     [[nodiscard]] sceEncoderState EncoderState();
 
-    /// The reader's type, asked anew at each read. Throws RaisedFailure: -1, or a call failure.
+    /// The reader's type, asked for at each call. Throws RaisedFailure: -1, or a call failure.
     [[nodiscard]] std::wstring ReaderType();
 
     // Not supported: each throws RaisedFailure -16.
@@ -93,32 +93,32 @@ public:
     [[nodiscard]] int32_t SerialNumberLength();
 
     /// Six fields joined by "|": "Tarvello", "ACG Multi-ISO", the version, "1", a number from 0 to 99999 that
-    /// OpenEncoder asks for, drawn anew at each call, and what the component can encode.
+    /// OpenEncoder requires, drawn again at each call, and what the component can encode.
     [[nodiscard]] std::wstring GetInformation();
 
     /// Shows the configuration dialog, in French for "francais" in any case, else in English. sceSuccess: the
-    /// user left with OK, and the settings are taken over; else sceCanceled. An open link stays as it is.
+    /// user left with OK, and the settings are stored; else sceCanceled. An open link stays as it is.
     sceReturnCode Configure(std::wstring Language);
 
-    /// Opens the link and the first reader on it, and waits up to 5 seconds for a card. That no card came is
-    /// no failure. Handle: the number of the latest GetInformation. Close before opening again: nothing
-    /// closes an earlier link. Every call, a refused one too, starts the list of value blocks anew.
+    /// Opens the link and the first reader on it, and waits up to 5 seconds for a card. If none comes, that
+    /// is no failure. Handle: the number of the latest GetInformation. Close before opening again: nothing
+    /// else closes an earlier link. Every call, a refused one too, empties the list of value blocks.
     [[nodiscard]] sceReturnCode OpenEncoder(int32_t Handle);
-    /// Closes the reader, then the link. A closed encoder is a success.
+    /// Closes the reader, then the link. Closing a closed encoder succeeds.
     sceReturnCode CloseEncoder();
 
     /// The serial text of the card in the field, as the reader wrote it; empty on failure.
     [[nodiscard]] sceReturnCode ReadSerialNumber(std::wstring& SerialNumber);
 
     /// Reads a 16-byte block as 32 hexadecimal digits. A reply that is shorter or longer is filled with "0"
-    /// at its end or cut. key: 12 hexadecimal digits, judged by the reader alone. BlocNumber counts the
+    /// at its end or cut. key: 12 hexadecimal digits, checked only by the reader. BlocNumber counts the
     /// blocks of the whole card; its low byte is sent. After a failure BlocContents is empty, or unchanged
     /// where no card was selected.
     [[nodiscard]] sceReturnCode ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                              std::wstring& BlocContents);
 
     /// Reads block 0: bytes 0 to 3 as one number with byte 0 the highest, byte 4, and bytes 5 to 15 as 22
-    /// digits. The check sum isn't tested. After a failure they are 0, 0 and empty.
+    /// digits. CheckSum isn't tested. After a failure they are 0, 0 and empty.
     [[nodiscard]] sceReturnCode ReadManufacturerCode(std::wstring_view key, uint8_t KeyType,
                                                      int32_t& SerialNumber, uint8_t& CheckSum,
                                                      std::wstring& ManufacturerInfo);
@@ -126,7 +126,7 @@ public:
     /// Reads what a sector's trailer lets its keys do. KeysUsed: 1 where the sector works with key A alone
     /// (key B can be read out), else 2. BX: the byte behind the access bits. What was written doesn't always
     /// read back as the same level: docs/access-levels.md. After a failure the levels are 0, and KeysUsed and
-    /// BX untouched.
+    /// BX unchanged.
     [[nodiscard]] sceReturnCode
     ReadSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, uint8_t& KeysUsed,
                       SCBS_SecurityLevelEnum& Security0, SCBS_SecurityLevelEnum& Security1,
@@ -164,7 +164,7 @@ public:
                                                  uint8_t FromByte, uint8_t ToByte,
                                                  std::wstring& BlocContents);
 
-    /// CloseEncoder, then OpenEncoder with the number at hand. How it went stands in the record.
+    /// CloseEncoder, then OpenEncoder with the current number. The outcome is in the record.
     void ReOpenEncoder();
 
 private:
@@ -186,7 +186,7 @@ private:
     void DrawHandleNumber();
     [[nodiscard]] sceReturnCode OpenFirstReader();
     /// Closes whatever is open, and ignores what fails. Both closing functions are called also with a handle
-    /// of 0, which the library takes; so an encoder that is never opened loads it at its destruction.
+    /// of 0, which the library accepts; so an encoder that is never opened loads it at its destruction.
     void ReleaseDevice() noexcept;
 
     // The exchange of one command and the card selection: reader/CommandExchange.cpp.

@@ -1,9 +1,9 @@
-' Looks at an installation line by line, and says what mends a line that failed.
+' Checks an installation step by step, and says how to fix a step that failed.
 '
 '     cscript //nologo doctor.vbs [PARAMETERS]      as in: doctor.vbs "Device=com3;Baud rate=19200"
 '
-' with the 32-bit cscript. "-": can't be told, because of a failure above, or, for the functions, because of the
-' system's code page. Status 1: a line failed.
+' with the 32-bit cscript. "-": not known, because of a failure above, or, for the functions, because of the
+' system's code page. Status 1: a step failed.
 Option Explicit
 
 Const ClassName = "ACG_MultiISO_TV.Encoder"
@@ -12,7 +12,7 @@ Const ReaderLibrary = "ACGReader330.dll"
 Const RegisterIt = "register ACG_MultiISO_TV.dll by the 32-bit regsvr32, as administrator: see install-en.html"
 
 Dim shell, files, windowsFolder, encoder, image, failed, good
-Dim processor, classKey, component, typeLibrary, library, isReadable, settings, readerType, trouble, mend
+Dim processor, classKey, component, typeLibrary, library, isReadable, settings, readerType, trouble, remedy
 Set shell = CreateObject("WScript.Shell")
 Set files = CreateObject("Scripting.FileSystemObject")
 windowsFolder = files.GetSpecialFolder(0)
@@ -29,7 +29,7 @@ good = Passes(good, files.FileExists(component), "The component's file is there"
     "unpack ACG_MultiISO_TV.dll to that place again, or register it where it lies now")
 
 typeLibrary = Registered("TypeLib\" & Registered(classKey & "\TypeLib\") & TypeLibraryVersion)
-' The component's own file carries it; the system may write the path another way in front.
+' The component's own file carries it; the system may put a prefix before the path.
 Passes good, Right(LCase(typeLibrary), Len(component)) = LCase(component), "The type library is registered", _
     typeLibrary, RegisterIt
 
@@ -46,25 +46,25 @@ If isReadable Then trouble = LibraryTrouble
 Passes good And isReadable, trouble = "", "The reader library has its thirteen functions", trouble, _
     "take the 32-bit " & ReaderLibrary & " that belongs to this component"
 
-If good Then trouble = OpeningTrouble(mend)
-good = Passes(good, trouble = "", "The reader opens" & settings, trouble, mend)
+If good Then trouble = OpeningTrouble(remedy)
+good = Passes(good, trouble = "", "The reader opens" & settings, trouble, remedy)
 
-If good Then trouble = TypeTrouble(readerType, mend)
-Passes good, trouble = "", "The reader says its type", readerType & trouble, mend
+If good Then trouble = TypeTrouble(readerType, remedy)
+Passes good, trouble = "", "The reader names its type", readerType & trouble, remedy
 
 If failed Then WScript.Quit 1
 
-' Says a line; True if it could be told, and is good.
-Function Passes(canBeTold, isGood, what, detail, mend)
+' Prints a line; True if the answer is known, and good.
+Function Passes(isKnown, isGood, what, detail, remedy)
     Dim whole
     whole = what
     If detail <> "" Then whole = what & ": " & detail
-    Passes = canBeTold And isGood
+    Passes = isKnown And isGood
     If Passes Then
         WScript.Echo "ok      " & whole
-    ElseIf canBeTold Then
+    ElseIf isKnown Then
         WScript.Echo "FAILED  " & whole
-        WScript.Echo "        mend: " & mend
+        WScript.Echo "        remedy: " & remedy
         failed = True
     Else
         WScript.Echo "-       " & what
@@ -89,7 +89,7 @@ Function CreationTrouble
 End Function
 
 ' The component looks beside itself, then in the folder of its host, then in the system's; not in the current
-' one, nor along PATH. What lies beside another host than this script's can't be told here.
+' one, nor along PATH. What lies beside another host than this script's can't be seen here.
 Function LibraryFound
     LibraryFound = files.GetParentFolderName(component) & "\" & ReaderLibrary
     If files.FileExists(LibraryFound) Then Exit Function
@@ -159,7 +159,7 @@ Function Place(header, address)
     Next
 End Function
 
-Function OpeningTrouble(mend)
+Function OpeningTrouble(remedy)
     Dim fields, record
     If WScript.Arguments.Count > 0 Then encoder.Parameters = WScript.Arguments(0)
     settings = encoder.Parameters
@@ -169,18 +169,18 @@ Function OpeningTrouble(mend)
     Set record = encoder.LastError
     OpeningTrouble = record.Number & " " & record.Description & ", in " & record.RdrCommand
     If record.LastDllError <> 0 Then OpeningTrouble = OpeningTrouble & ", system error " & record.LastDllError
-    mend = "is Device right, as in doctor.vbs Device=com3? Is another program using the reader?"
-    If record.Number = -4 Then mend = "check the reader's power and cable; then Device, Baud rate, Autodetect"
-    If record.Number = 453 Then mend = "take the " & ReaderLibrary & " that belongs to this component"
-    If record.Number = 53 Then mend = "it is damaged, or needs a library that isn't there: install it anew"
+    remedy = "is Device right, as in doctor.vbs Device=com3? Is another program using the reader?"
+    If record.Number = -4 Then remedy = "check the reader's power and cable; then Device, Baud rate, Autodetect"
+    If record.Number = 453 Then remedy = "take the " & ReaderLibrary & " that belongs to this component"
+    If record.Number = 53 Then remedy = "it is damaged, or needs a library that isn't there: reinstall it"
 End Function
 
-Function TypeTrouble(readerType, mend)
+Function TypeTrouble(readerType, remedy)
     On Error Resume Next
-    mend = "switch the reader off and on"
+    remedy = "switch the reader off and on"
     readerType = encoder.ReaderType
-    If readerType = "" Then TypeTrouble = "it gives none"
+    If readerType = "" Then TypeTrouble = "it returns none"
     If Err.Number <> 0 Then TypeTrouble = Err.Number & " " & Err.Description
-    If Err.Number = 453 Then mend = "take the " & ReaderLibrary & " that belongs to this component"
+    If Err.Number = 453 Then remedy = "take the " & ReaderLibrary & " that belongs to this component"
     encoder.CloseEncoder
 End Function

@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# doctor.sh ZIP: the doctor tells each fault of an installation, and names its mend.
+# doctor.sh ZIP: the doctor names each fault of an installation, and its remedy.
 set -euo pipefail
 . "$(dirname "$0")/unpacked.sh"
 
 register() { on_wine regsvr32 /s ACG_MultiISO_TV.dll; }
 
-# finds LINES WHAT MEND [PARAMETERS]: LINES has the first character of each line, of ok, FAILED or -.
+# finds LINES WHAT REMEDY [PARAMETERS]: LINES has the first character of each line, of ok, FAILED or -.
 finds() {
     local status=0 output
     output=$(on_wine cscript //nologo "${script:-doctor.vbs}" "${@:4}") || status=$?
     if [ "$status" -ne 1 ] || [ "$(grep -v '^ ' <<<"$output" | cut -c 1 | tr -d '\n')" != "$1" ] ||
-        ! grep -A 1 "^FAILED  $2" <<<"$output" | grep -q "^        mend: $3"; then
+        ! grep -A 1 "^FAILED  $2" <<<"$output" | grep -q "^        remedy: $3"; then
         printf 'status %s, not found: %s, %s, %s, but:\n%s\n' "$status" "$1" "$2" "$3" "$output"
         exit 1
     fi
@@ -41,7 +41,7 @@ register
 sed 's/GetDeviceID/GetDeviceIX/' simulator/ACGReader330.dll >ACGReader330.dll
 finds ooooooFoo 'The reader library has its thirteen functions: it lacks GetDeviceID$' 'take the 32-bit'
 sed 's/GetReaderType/GetReaderTypX/' simulator/ACGReader330.dll >ACGReader330.dll
-finds ooooooFoF 'The reader says its type: 453 ' 'take the ACGReader330.dll that belongs'
+finds ooooooFoF 'The reader names its type: 453 ' 'take the ACGReader330.dll that belongs'
 cp ACG_MultiISO_TV.dll ACGReader330.dll # names the functions, but has none
 finds ooooooFF- 'The reader library .*: it lacks OpenComm .* CloseComm$' 'take the 32-bit'
 finds ooooooFF- 'The reader opens.*: 453 ' 'take the ACGReader330.dll that belongs'
@@ -53,4 +53,4 @@ mv simulator/ACGReader330.dll "$WINEPREFIX/drive_c/windows/system32"
 rm ACGReader330.dll # now that of the system's folder is found
 finds oooooooF- 'The reader opens.*: -2 ' 'is Device right' Device=com1,card=2k
 finds oooooooF- 'The reader opens.*: -4 ' "check the reader's power and cable" Device=com1,readers=
-finds ooooooooF 'The reader says its type: it gives none' 'switch the reader off and on' Device=com1,reader=
+finds ooooooooF 'The reader names its type: it returns none' 'switch the reader off and on' Device=com1,reader=
