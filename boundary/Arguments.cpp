@@ -1,24 +1,13 @@
 #include "boundary/Arguments.h"
 
+#include "cards/BlockText.h"
+
 #include <algorithm>
 #include <new>
 #include <utility>
 
 namespace acg
 {
-
-namespace
-{
-
-bool Succeeded(HRESULT result)
-{
-    if (result == E_OUTOFMEMORY) {
-        throw std::bad_alloc();
-    }
-    return SUCCEEDED(result);
-}
-
-} // namespace
 
 BSTR NewText(std::wstring_view Text)
 {
@@ -29,22 +18,22 @@ BSTR NewText(std::wstring_view Text)
     return text;
 }
 
-TextVariable::TextVariable(BSTR* Variable, Incoming Text) : m_variable(Given(Variable))
+Variable<BSTR>::Variable(BSTR* OfCaller) : m_ofCaller(*OfCaller)
 {
-    const std::wstring_view incoming = Text == Incoming::Read ? TextOf(m_variable) : std::wstring_view();
-    m_text.Reserve(std::max<size_t>(incoming.size(), BlockDigits));
-    m_text += incoming;
+    const std::wstring_view text = TextOf(m_ofCaller);
+    Copy.Reserve(std::max<size_t>(text.size(), BlockDigits));
+    Copy += text;
 }
 
-void TextVariable::GiveBack()
+void Variable<BSTR>::GiveBack()
 {
-    const BSTR text = NewText(m_text);
-    Wipe(m_variable, SysStringLen(m_variable));
-    SysFreeString(m_variable);
-    m_variable = text;
+    const BSTR text = NewText(Copy);
+    Wipe(m_ofCaller, SysStringLen(m_ofCaller));
+    SysFreeString(m_ofCaller);
+    m_ofCaller = text;
 }
 
-Variant::~Variant()
+OwnVariant::~OwnVariant()
 {
     if (V_VT(this) == VT_BSTR) {
         Wipe(V_BSTR(this), SysStringLen(V_BSTR(this)));
@@ -52,41 +41,56 @@ Variant::~Variant()
     VariantClear(this);
 }
 
-bool Variant::Convert(VARIANT& From, VARTYPE Type)
+HRESULT OwnVariant::Convert(const VARIANT& From, VARTYPE Type, LCID Language)
 {
-    if (V_ISBYREF(&From) && V_BYREF(&From) == nullptr) {
-        return false;
-    }
-    Variant converted;
-    const bool isText = V_VT(&From) == VT_BSTR || V_VT(&From) == (VT_BYREF | VT_BSTR);
+    OwnVariant converted;
+    const bool isText = (V_VT(&From) & ~VT_BYREF) == VT_BSTR;
     if (isText && Type == VT_BSTR) { // the system would copy it twice, and not wipe the first
         V_BSTR(&converted) = NewText(TextOf(V_ISBYREF(&From) ? *V_BSTRREF(&From) : V_BSTR(&From)));
         V_VT(&converted) = VT_BSTR;
-    } else if (!Succeeded(VariantChangeType(&converted, &From, 0, Type))) {
-        return false;
+    } else {
+        const HRESULT result =
+            VariantChangeTypeEx(&converted, const_cast<VARIANT*>(&From), Language, 0, Type);
+        if (FAILED(result)) {
+            const bool isTelling = result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY;
+            return isTelling ? result : DISP_E_TYPEMISMATCH;
+        }
     }
     std::swap<VARIANT>(*this, converted);
-    return true;
+    return S_OK;
 }
 
-bool IsLeftOut(const VARIANT& Value)
+HRESULT Follow(VARIANT*& Value)
 {
-    return V_VT(&Value) == VT_ERROR && V_ERROR(&Value) == DISP_E_PARAMNOTFOUND;
+    for (int depth = 0; depth < 2 && V_VT(Value) == VariantReference; ++depth) {
+        Value = V_VARIANTREF(Value);
+        if (Value == nullptr) {
+            return E_POINTER;
+        }
+    }
+    if (V_VT(Value) == VariantReference) {
+        return DISP_E_TYPEMISMATCH;
+    }
+    return V_ISBYREF(Value) && V_BYREF(Value) == nullptr ? E_POINTER : S_OK;
 }
 
-std::optional<int32_t> ByteOf(VARIANT* Value)
+std::optional<int32_t> ConvertToByte(VARIANT* Value)
 {
     if (Value == nullptr) {
         return std::nullopt;
     }
-    Variant copy;
-    if (!Succeeded(VariantCopyInd(&copy, Value))) {
-        return NoByte;
+    HRESULT result = Follow(Value);
+    OwnVariant converted;
+    if (SUCCEEDED(result)) {
+        if (IsLeftOut(*Value)) {
+            return std::nullopt;
+        }
+        result = converted.Convert(*Value, VT_UI1, LOCALE_USER_DEFAULT);
     }
-    if (IsLeftOut(copy)) {
-        return std::nullopt;
+    if (result == E_OUTOFMEMORY) {
+        throw std::bad_alloc();
     }
-    return copy.Convert(copy, VT_UI1) ? V_UI1(&copy) : NoByte;
+    return SUCCEEDED(result) ? V_UI1(&converted) : NoByte;
 }
 
 } // namespace acg

@@ -2,13 +2,12 @@
 #pragma once
 
 #include "boundary/Results.h"
-#include "cards/BlockText.h"
+#include "encoder/Enums.h"
 #include "platform/Secret.h"
 
+#include <ACG_MultiISO_TV.h>
 #include <cstdint>
-#include <oleauto.h>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -26,7 +25,7 @@ BSTR NewText(std::wstring_view Text);
 
 /// A result as the caller gets it.
 template <class Callers, class Own>
-Callers Outgoing(const Own& Result)
+Callers ForCaller(const Own& Result)
 {
     if constexpr (std::is_same_v<Callers, BSTR>) {
         return NewText(Result);
@@ -35,68 +34,88 @@ Callers Outgoing(const Own& Result)
     }
 }
 
-/// A caller's variable of a number or an enum, while the class works on it. It changes by GiveBack alone, so
-/// not in a call that breaks off.
-template <class Own, class Callers>
-class NumberVariable
-{
-public:
-    explicit NumberVariable(Callers* Variable)
-        : m_variable(Given(Variable)), m_value(static_cast<Own>(*Variable))
-    {
-    }
-    operator Own&() { return m_value; }
-    void GiveBack() { m_variable = static_cast<Callers>(m_value); }
-
-private:
-    Callers& m_variable;
-    Own m_value;
+/// The class's own type for a number or an enum of the type library.
+template <class Callers>
+struct OwnType {
+    using Type = Callers;
+};
+template <>
+struct OwnType<LONG> {
+    using Type = int32_t;
+};
+template <>
+struct OwnType<::SCBS_SecurityLevelEnum> {
+    using Type = SCBS_SecurityLevelEnum;
+};
+template <>
+struct OwnType<::SCSS_SecurityLevelEnum> {
+    using Type = SCSS_SecurityLevelEnum;
 };
 
-template <class Own, class Callers>
-NumberVariable<Own, Callers> Number(Callers* Variable)
-{
-    return NumberVariable<Own, Callers>(Variable);
-}
-
-/// A caller's text variable, while the class works on it. It may hold the keys of a sector.
-class TextVariable
+/// A copy of a caller's variable, for the class to work on. The variable changes by GiveBack alone, so not in
+/// a call that breaks off.
+template <class Callers>
+class Variable
 {
 public:
-    enum class Incoming {
-        Read,
-        Ignored, ///< not even copied: what is to come may be longer, and outgrow the copy's room
-    };
-    TextVariable(BSTR* Variable, Incoming Text);
-    operator std::wstring&() { return m_text.InPlace(); }
+    explicit Variable(Callers* OfCaller) : Copy(static_cast<Own>(*OfCaller)), m_ofCaller(*OfCaller) {}
+    void GiveBack() { m_ofCaller = static_cast<Callers>(Copy); }
+
+private:
+    using Own = typename OwnType<Callers>::Type;
+
+public:
+    Own Copy;
+
+private:
+    Callers& m_ofCaller;
+};
+
+/// The same of a text, which may hold the keys of a sector.
+template <>
+class Variable<BSTR>
+{
+public:
+    explicit Variable(BSTR* OfCaller);
     /// Frees the caller's text and puts the new one in its place. If there is no memory for that, the
     /// variable stays as it is, and so must come first among those that are given back.
     void GiveBack();
 
+    SecretText Copy; ///< with room for a block
+
 private:
-    BSTR& m_variable;
-    SecretText m_text;
+    BSTR& m_ofCaller;
 };
 
 /// A variant of our own. A text in it may be a key.
-struct Variant : VARIANT {
-    Variant() { VariantInit(this); }
-    ~Variant();
-    Variant(const Variant&) = delete;
-    Variant& operator=(const Variant&) = delete;
+struct OwnVariant : VARIANT {
+    OwnVariant() { VariantInit(this); }
+    ~OwnVariant();
+    OwnVariant(const OwnVariant&) = delete;
+    OwnVariant& operator=(const OwnVariant&) = delete;
 
-    /// Becomes what the system makes of a value as another type. False where it refuses.
-    bool Convert(VARIANT& From, VARTYPE Type);
+    /// Becomes what the system makes of a value as another type, or stays as it is.
+    HRESULT Convert(const VARIANT& From, VARTYPE Type, LCID Language);
 };
 
 /// An argument in whose place the caller says that there is none.
-bool IsLeftOut(const VARIANT& Value);
+inline bool IsLeftOut(const VARIANT& Value)
+{
+    return V_VT(&Value) == VT_ERROR && V_ERROR(&Value) == DISP_E_PARAMNOTFOUND;
+}
+
+/// How a script gives a variable.
+inline constexpr VARTYPE VariantReference = VT_BYREF | VT_VARIANT;
+
+/// Follows a script's reference to its variable, and a second one where that is a parameter of its procedure.
+/// What is left may be a reference with a type. E_POINTER: one leads nowhere.
+HRESULT Follow(VARIANT*& Value);
 
 /// No byte has this value.
 inline constexpr int32_t NoByte = -1;
 
-/// What a caller gives as a byte, as the system converts it: nothing where it is left out, NoByte where the
+/// What a caller means by BX, as the system converts it: nothing where it is left out, NoByte where the
 /// system refuses. The caller's variable stays as it is.
-std::optional<int32_t> ByteOf(VARIANT* Value);
+std::optional<int32_t> ConvertToByte(VARIANT* Value);
 
 } // namespace acg

@@ -6,56 +6,180 @@
 #include "encoder/Encoder.h"
 
 #include <ACG_MultiISO_TV.h>
-#include <wrl/client.h>
+#include <algorithm>
+#include <string>
 
 namespace acg
 {
+
+// The type library spells the enums out for hosts; the class has its own.
+constexpr bool Same(std::initializer_list<int32_t> forHosts, std::initializer_list<int32_t> ofTheClass)
+{
+    return std::ranges::equal(forHosts, ofTheClass);
+}
+static_assert(Same({::sceSuccess, ::sceCanceled, ::sceError}, {sceSuccess, sceCanceled, sceError}));
+static_assert(Same({::sceUnknown, ::sceClosed, ::sceOpened, ::sceReady},
+                   {sceUnknown, sceClosed, sceOpened, sceReady}));
+static_assert(Same({::sceUnhandled, ::sceUnknownType, ::sceMifare1K, ::sceMifare4K, ::sceMifareUltralight,
+                    ::sceDESFire, ::sceRfid125KHz, ::scePicoPass2KS},
+                   {sceUnhandled, sceUnknownType, sceMifare1K, sceMifare4K, sceMifareUltralight, sceDESFire,
+                    sceRfid125KHz, scePicoPass2KS}));
+static_assert(Same({::scbs_A_Nothing, ::scbs_A_Read, ::scbs_A_Write, ::scbs_A_ReadWrite},
+                   {scbs_A_Nothing, scbs_A_Read, scbs_A_Write, scbs_A_ReadWrite}));
+static_assert(Same({::scbs_B_Nothing, ::scbs_B_Read, ::scbs_B_Write, ::scbs_B_ReadWrite},
+                   {scbs_B_Nothing, scbs_B_Read, scbs_B_Write, scbs_B_ReadWrite}));
+static_assert(Same({::scss_A_Nothing, ::scss_A_WriteKeys, ::scss_A_WriteConditions,
+                    ::scss_A_WriteKeysConditions},
+                   {scss_A_Nothing, scss_A_WriteKeys, scss_A_WriteConditions, scss_A_WriteKeysConditions}));
+static_assert(Same({::scss_B_Nothing, ::scss_B_WriteKeys, ::scss_B_WriteConditions,
+                    ::scss_B_WriteKeysConditions},
+                   {scss_B_Nothing, scss_B_WriteKeys, scss_B_WriteConditions, scss_B_WriteKeysConditions}));
 
 /// An Encoder as hosts see it. Members convert their arguments and call it; it does the rest.
 class AutomationEncoder final : public AutomationObject<::Encoder, _Encoder>
 {
 public:
-    AutomationEncoder();
+    AutomationEncoder()
+    {
+        // Its first reference is taken over, which Attach doesn't do in every version of the system's
+        // headers.
+        *m_lastError.GetAddressOf() = new AutomationError(m_encoder.LastError());
+    }
 
-    HRESULT STDMETHODCALLTYPE put_Parameters(BSTR Value) override;
-    HRESULT STDMETHODCALLTYPE get_Parameters(BSTR* Result) override;
-    HRESULT STDMETHODCALLTYPE get_LastError(_CError** Result) override;
-    HRESULT STDMETHODCALLTYPE get_EncoderState(::sceEncoderState* Result) override;
-    HRESULT STDMETHODCALLTYPE get_ReaderType(BSTR* Result) override;
-    HRESULT STDMETHODCALLTYPE get_ATRString(BSTR* Result) override;
-    HRESULT STDMETHODCALLTYPE get_CardType(::sceCardTypes* Result) override;
-    HRESULT STDMETHODCALLTYPE get_SerialNumberLength(LONG* Result) override;
-    HRESULT STDMETHODCALLTYPE GetInformation(BSTR* Result) override;
-    HRESULT STDMETHODCALLTYPE Configure(BSTR Language, ::sceReturnCode* Result) override;
-    HRESULT STDMETHODCALLTYPE OpenEncoder(LONG Handle, ::sceReturnCode* Result) override;
-    HRESULT STDMETHODCALLTYPE CloseEncoder(::sceReturnCode* Result) override;
-    HRESULT STDMETHODCALLTYPE ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result) override;
+    HRESULT STDMETHODCALLTYPE put_Parameters(BSTR Value) override
+    {
+        return Run([&] { m_encoder.Parameters(std::wstring(TextOf(Value))); });
+    }
+    HRESULT STDMETHODCALLTYPE get_Parameters(BSTR* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.Parameters(); });
+    }
+    HRESULT STDMETHODCALLTYPE get_LastError(_CError** Result) override
+    {
+        return Answer(Result, [&] { return Microsoft::WRL::ComPtr<_CError>(m_lastError).Detach(); });
+    }
+    HRESULT STDMETHODCALLTYPE get_EncoderState(::sceEncoderState* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.EncoderState(); });
+    }
+    HRESULT STDMETHODCALLTYPE get_ReaderType(BSTR* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.ReaderType(); });
+    }
+    HRESULT STDMETHODCALLTYPE get_ATRString(BSTR* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.ATRString(); });
+    }
+    HRESULT STDMETHODCALLTYPE get_CardType(::sceCardTypes* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.CardType(); });
+    }
+    HRESULT STDMETHODCALLTYPE get_SerialNumberLength(LONG* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.SerialNumberLength(); });
+    }
+    HRESULT STDMETHODCALLTYPE GetInformation(BSTR* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.GetInformation(); });
+    }
+    HRESULT STDMETHODCALLTYPE Configure(BSTR Language, ::sceReturnCode* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.Configure(std::wstring(TextOf(Language))); });
+    }
+    HRESULT STDMETHODCALLTYPE OpenEncoder(LONG Handle, ::sceReturnCode* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.OpenEncoder(Handle); });
+    }
+    HRESULT STDMETHODCALLTYPE CloseEncoder(::sceReturnCode* Result) override
+    {
+        return Answer(Result, [&] { return m_encoder.CloseEncoder(); });
+    }
+    HRESULT STDMETHODCALLTYPE ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result) override
+    {
+        const auto read = [&](SecretText& serialNumber) {
+            std::wstring text; // of any length, and the copy must not outgrow its room
+            const sceReturnCode result = m_encoder.ReadSerialNumber(text);
+            serialNumber = std::move(text);
+            return result;
+        };
+        return Answer(Result, read, SerialNumber);
+    }
     HRESULT STDMETHODCALLTYPE ReadDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType,
-                                           BSTR* BlocContents, ::sceReturnCode* Result) override;
+                                           BSTR* BlocContents, ::sceReturnCode* Result) override
+    {
+        const auto read = [&](SecretText& contents) {
+            return m_encoder.ReadDataBloc(BlocNumber, TextOf(key), KeyType, contents.InPlace());
+        };
+        return Answer(Result, read, BlocContents);
+    }
     HRESULT STDMETHODCALLTYPE ReadManufacturerCode(BSTR key, unsigned char KeyType, LONG* SerialNumber,
                                                    unsigned char* CheckSum, BSTR* ManufacturerInfo,
-                                                   ::sceReturnCode* Result) override;
+                                                   ::sceReturnCode* Result) override
+    {
+        const auto read = [&](SecretText& info, int32_t& serialNumber, uint8_t& checkSum) {
+            return m_encoder.ReadManufacturerCode(TextOf(key), KeyType, serialNumber, checkSum,
+                                                  info.InPlace());
+        };
+        return Answer(Result, read, ManufacturerInfo, SerialNumber, CheckSum);
+    }
     HRESULT STDMETHODCALLTYPE ReadSectorTrailer(LONG SectorNumber, BSTR key, unsigned char KeyType,
                                                 unsigned char* KeysUsed, ::SCBS_SecurityLevelEnum* Security0,
                                                 ::SCBS_SecurityLevelEnum* Security1,
                                                 ::SCBS_SecurityLevelEnum* Security2,
                                                 ::SCSS_SecurityLevelEnum* Conditions, unsigned char* BX,
-                                                ::sceReturnCode* Result) override;
+                                                ::sceReturnCode* Result) override
+    {
+        const auto read = [&](auto&... parts) {
+            return m_encoder.ReadSectorTrailer(SectorNumber, TextOf(key), KeyType, parts...);
+        };
+        return Answer(Result, read, KeysUsed, Security0, Security1, Security2, Conditions, BX);
+    }
     HRESULT STDMETHODCALLTYPE WriteDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType,
-                                            BSTR* BlocContents, ::sceReturnCode* Result) override;
+                                            BSTR* BlocContents, ::sceReturnCode* Result) override
+    {
+        const auto write = [&](SecretText& contents) {
+            return m_encoder.WriteDataBloc(BlocNumber, TextOf(key), KeyType, contents.InPlace());
+        };
+        return Answer(Result, write, BlocContents);
+    }
     HRESULT STDMETHODCALLTYPE WriteValueBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, LONG value,
-                                             ::sceReturnCode* Result) override;
+                                             ::sceReturnCode* Result) override
+    {
+        return Answer(Result,
+                      [&] { return m_encoder.WriteValueBloc(BlocNumber, TextOf(key), KeyType, value); });
+    }
     HRESULT STDMETHODCALLTYPE WriteSectorTrailer(LONG SectorNumber, BSTR key, unsigned char KeyType,
                                                  BSTR KeyA, BSTR KeyB, unsigned char KeysToUse,
                                                  ::SCBS_SecurityLevelEnum Security0,
                                                  ::SCBS_SecurityLevelEnum Security1,
                                                  ::SCBS_SecurityLevelEnum Security2,
                                                  ::SCSS_SecurityLevelEnum Conditions, VARIANT* BX,
-                                                 ::sceReturnCode* Result) override;
+                                                 ::sceReturnCode* Result) override
+    {
+        const auto write = [&] {
+            return m_encoder.WriteSectorTrailer(
+                SectorNumber, TextOf(key), KeyType, TextOf(KeyA), TextOf(KeyB), KeysToUse,
+                static_cast<SCBS_SecurityLevelEnum>(Security0),
+                static_cast<SCBS_SecurityLevelEnum>(Security1),
+                static_cast<SCBS_SecurityLevelEnum>(Security2),
+                static_cast<SCSS_SecurityLevelEnum>(Conditions), ConvertToByte(BX));
+        };
+        return Answer(Result, write);
+    }
     HRESULT STDMETHODCALLTYPE WriteBytesInBloc(LONG BlocNumber, BSTR key, unsigned char KeyType,
                                                unsigned char FromByte, unsigned char ToByte,
-                                               BSTR* BlocContents, ::sceReturnCode* Result) override;
-    HRESULT STDMETHODCALLTYPE ReOpenEncoder() override;
+                                               BSTR* BlocContents, ::sceReturnCode* Result) override
+    {
+        const auto write = [&](SecretText& contents) {
+            return m_encoder.WriteBytesInBloc(BlocNumber, TextOf(key), KeyType, FromByte, ToByte,
+                                              contents.InPlace());
+        };
+        return Answer(Result, write, BlocContents);
+    }
+    HRESULT STDMETHODCALLTYPE ReOpenEncoder() override
+    {
+        return Run([&] { m_encoder.ReOpenEncoder(); });
+    }
 
 private:
     Encoder m_encoder;

@@ -70,7 +70,7 @@ private:
     template <class Field, class Value>
     HRESULT Put(Field CError::*Changed, Value NewValue)
     {
-        return Do([&] { (*m_record).*Changed = NewValue; });
+        return Run([&] { (*m_record).*Changed = NewValue; });
     }
 
     const std::shared_ptr<CError> m_record;

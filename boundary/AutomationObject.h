@@ -8,13 +8,14 @@
 #include "boundary/TypeLibrary.h"
 
 #include <ocidl.h>
+#include <tuple>
 #include <wrl/client.h>
 
 namespace acg
 {
 
 /// An object of a class of the type library, with its default interface. Members of the interface run their
-/// work through Do or Answer; calls by name come to them through the type library.
+/// work through Run or Answer; calls by name come to them through the type library.
 template <class Class, class Interface>
 class AutomationObject : public ComObject<Interface, IProvideClassInfo, ISupportErrorInfo>
 {
@@ -28,33 +29,30 @@ public:
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* Count) override
     {
-        return Guarded([&] { Given(Count) = 1; });
+        return Answer(Count, [] { return 1; });
     }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT Index, LCID /*language*/, ITypeInfo** Info) override
     {
-        return Guarded([&] {
-            Given(Info) = nullptr;
-            Check(Index == 0 ? TypeInfoOf(__uuidof(Interface), Info) : DISP_E_BADINDEX);
-        });
+        return GiveTypeInfo(__uuidof(Interface), Info, Index == 0 ? S_OK : DISP_E_BADINDEX);
     }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID Reserved, LPOLESTR* Names, UINT Count, LCID /*language*/,
                                             DISPID* Ids) override
     {
-        return WithTypeInfo(Reserved, [&](ITypeInfo& info) { return info.GetIDsOfNames(Names, Count, Ids); });
+        return Described(Reserved, [&] { return m_description.Info->GetIDsOfNames(Names, Count, Ids); });
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID Member, REFIID Reserved, LCID /*language*/, WORD Flags,
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID Member, REFIID Reserved, LCID Language, WORD Flags,
                                      DISPPARAMS* Arguments, VARIANT* Result, EXCEPINFO* Exception,
                                      UINT* BadArgument) override
     {
-        return WithTypeInfo(Reserved, [&](ITypeInfo& info) {
-            return CallByName(info, static_cast<Interface*>(this), Member, Flags, Arguments, Result,
-                              Exception, BadArgument);
+        return Described(Reserved, [&] {
+            return CallByName(m_description, static_cast<Interface*>(this), Member, Language, Flags,
+                              Arguments, Result, Exception, BadArgument);
         });
     }
 
     HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** Info) override
     {
-        return TypeInfoOf(__uuidof(Class), Info);
+        return GiveTypeInfo(__uuidof(Class), Info, S_OK);
     }
 
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID Id) override
@@ -63,38 +61,71 @@ public:
     }
 
 protected:
-    /// Runs a member that gives no result. The object outlives it, whatever its host lets go of meanwhile: a
+    /// Runs a member that gives no result. The object outlives it, whatever its host releases meanwhile: a
     /// dialog, and the default value of an object, let the host's code run.
     template <class Body>
-    HRESULT Do(const Body& Run) noexcept
+    HRESULT Run(const Body& Work) noexcept
     {
         const Microsoft::WRL::ComPtr<Interface> alive(this);
-        return Guarded(Run);
+        return Guarded([&] {
+            Work();
+            return S_OK;
+        });
     }
 
-    /// Runs a member that gives a result: 0, or no text, where it fails.
-    template <class Callers, class Body>
-    HRESULT Answer(Callers* Result, const Body& Run) noexcept
+    /// Runs a member that gives a result, which is 0, or no text, where it fails. The work gets copies of the
+    /// variables; texts stand first among these, so that none has changed where there is no memory for one.
+    template <class Callers, class Body, class... Variables>
+    HRESULT Answer(Callers* Result, const Body& Work, Variables*... InOut) noexcept
     {
-        return Do([&] {
-            Given(Result) = Callers();
-            *Result = Outgoing<Callers>(Run());
+        const Microsoft::WRL::ComPtr<Interface> alive(this);
+        return Guarded([&] {
+            if (Result == nullptr) {
+                return E_POINTER;
+            }
+            *Result = Callers();
+            if (((InOut == nullptr) || ...)) {
+                return E_POINTER;
+            }
+            std::tuple<Variable<Variables>...> variables(InOut...);
+            const auto work = [&](auto&... one) {
+                const auto result = Work(one.Copy...);
+                (one.GiveBack(), ...);
+                return ForCaller<Callers>(result);
+            };
+            *Result = std::apply(work, variables);
+            return S_OK;
         });
     }
 
 private:
-    template <class Body>
-    HRESULT WithTypeInfo(REFIID Reserved, const Body& Use)
+    static HRESULT GiveTypeInfo(REFGUID id, ITypeInfo** info, HRESULT refusal) noexcept
     {
-        if (Reserved != IID{}) {
-            return DISP_E_UNKNOWNINTERFACE;
-        }
+        return Guarded([&] {
+            if (info == nullptr) {
+                return E_POINTER;
+            }
+            *info = nullptr;
+            return FAILED(refusal) ? refusal : TypeInfoOf(id, info);
+        });
+    }
+
+    template <class Body>
+    HRESULT Described(REFIID reserved, const Body& use) noexcept
+    {
         // Converting an argument may let the host's code run, as a member may.
         const Microsoft::WRL::ComPtr<Interface> alive(static_cast<Interface*>(this));
-        Microsoft::WRL::ComPtr<ITypeInfo> info;
-        const HRESULT found = TypeInfoOf(__uuidof(Interface), info.GetAddressOf());
-        return FAILED(found) ? found : Use(*info.Get());
+        return Guarded([&] {
+            if (reserved != IID{}) {
+                return DISP_E_UNKNOWNINTERFACE;
+            }
+            const HRESULT described =
+                m_description.Info ? S_OK : Describe(__uuidof(Interface), m_description);
+            return FAILED(described) ? described : use();
+        });
     }
+
+    InterfaceDescription m_description; ///< filled by the first call by name
 };
 
 } // namespace acg

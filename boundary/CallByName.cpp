@@ -2,10 +2,8 @@
 
 #include "boundary/Arguments.h"
 
-#include <memory>
-#include <ranges>
+#include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace acg
 {
@@ -13,163 +11,167 @@ namespace acg
 namespace
 {
 
-constexpr VARTYPE VariantReference = VT_BYREF | VT_VARIANT;
-
-/// What the type library says of a parameter.
-struct Parameter {
-    VARTYPE Type; ///< without the reference
-    bool IsReference;
-};
-
-/// Those of a function, without that of its result.
-std::vector<Parameter> ParametersOf(const FUNCDESC& function)
-{
-    std::vector<Parameter> parameters;
-    for (SHORT at = 0; at < function.cParams; ++at) {
-        const TYPEDESC& type = function.lprgelemdescParam[at].tdesc;
-        const PARAMDESC& description = function.lprgelemdescParam[at].paramdesc;
-        const bool isReference = type.vt == VT_PTR;
-        const VARTYPE plain = isReference ? type.lptdesc->vt : type.vt;
-        if ((description.wParamFlags & PARAMFLAG_FRETVAL) == 0) {
-            // The named types among the arguments are enums.
-            parameters.push_back({plain == VT_USERDEFINED ? VARTYPE{VT_I4} : plain, isReference});
-        }
-    }
-    return parameters;
-}
-
-/// None if there is no such member: the system's own call then says so.
-std::vector<Parameter> FindParameters(ITypeInfo& info, DISPID member, WORD flags)
-{
-    const auto release = [&](FUNCDESC* function) { info.ReleaseFuncDesc(function); };
-    for (UINT at = 0;; ++at) {
-        FUNCDESC* described = nullptr;
-        const HRESULT result = info.GetFuncDesc(at, &described);
-        if (result == TYPE_E_ELEMENTNOTFOUND) {
-            return {};
-        }
-        Check(result);
-        const std::unique_ptr<FUNCDESC, decltype(release)> function(described, release);
-        if (function->memid == member && (function->invkind & flags) != 0) {
-            return ParametersOf(*function);
-        }
-    }
-}
-
-/// The variable of a script that a reference leads to; a parameter of a script's own procedure leads on to
-/// the variable of its caller.
-VARIANT* VariableOf(const VARIANTARG& reference)
-{
-    VARIANT* const variable = V_VARIANTREF(&reference);
-    const bool leadsOn = variable != nullptr && V_VT(variable) == VariantReference;
-    return leadsOn ? V_VARIANTREF(variable) : variable;
-}
-
-/// An argument as a value of the declared type, where it isn't one.
-struct Converted {
-    Variant Value;
+/// An argument in the form in which it reaches the member.
+struct Passed {
+    VARIANTARG Argument{};
+    OwnVariant Converted;        ///< a value of the declared type, where the caller's isn't one
     VARIANT* Variable = nullptr; ///< of the script, if any: it gets the value back
 };
 
-/// Makes of an argument what the type library's own call takes for the parameter. False where it doesn't
-/// convert.
-bool Fit(const Parameter& parameter, VARIANTARG& argument, Converted& converted)
+void PassReference(Passed& passed, VARTYPE type, void* variable)
 {
-    if (parameter.Type == VT_VARIANT || IsLeftOut(argument)) {
-        return true; // the system takes the one, and refuses the other
-    }
-    VARIANT* variable = nullptr;
-    if (V_VT(&argument) == VariantReference) {
-        variable = VariableOf(argument);
-        if (variable == nullptr) {
-            return false;
-        }
-        if (V_ISBYREF(variable)) { // it stands for a variable with a type, as a compiled host would name it
-            argument = *variable;
-            variable = nullptr;
-        }
-    }
-    const bool fits = parameter.IsReference ? V_ISBYREF(&argument) : V_VT(&argument) == parameter.Type;
-    if (variable == nullptr && fits) {
-        return true;
-    }
-    if (!converted.Value.Convert(variable != nullptr ? *variable : argument, parameter.Type)) {
-        return false;
-    }
-    if (parameter.IsReference) {
-        converted.Variable = variable; // a mere value gets nothing back
-        V_VT(&argument) = static_cast<VARTYPE>(VT_BYREF | parameter.Type);
-        V_BYREF(&argument) = &V_BYREF(&converted.Value); // where a variant has its value, of whatever type
-    } else {
-        argument = converted.Value;
-    }
-    return true;
+    V_VT(&passed.Argument) = static_cast<VARTYPE>(VT_BYREF | type);
+    V_BYREF(&passed.Argument) = variable;
 }
 
-class CallArguments
+HRESULT Pass(const Member::Parameter& parameter, VARIANTARG& given, LCID language, Passed& passed)
 {
-public:
-    CallArguments(const std::vector<Parameter>& parameters, const DISPPARAMS& given, UINT* bad)
-        : m_arguments(given.rgvarg, given.rgvarg + given.cArgs),
-          m_converted(given.cArgs), m_passed{.rgvarg = m_arguments.data(),
-                                             .rgdispidNamedArgs = given.rgdispidNamedArgs,
-                                             .cArgs = given.cArgs,
-                                             .cNamedArgs = given.cNamedArgs}
-    {
-        for (UINT at = 0; at < given.cArgs; ++at) {
-            const size_t index = ParameterAt(at, parameters.size());
-            if (index < parameters.size() && !Fit(parameters[index], m_arguments[at], m_converted[at])) {
-                if (bad != nullptr) {
-                    *bad = at;
-                }
-                Check(DISP_E_TYPEMISMATCH);
+    if (IsLeftOut(given) && !parameter.IsOptional) {
+        return DISP_E_PARAMNOTOPTIONAL;
+    }
+    VARIANT* value = &given;
+    if (const HRESULT followed = Follow(value); FAILED(followed)) {
+        return followed;
+    }
+    if (parameter.Type == VT_VARIANT) {
+        PassReference(passed, VT_VARIANT, value);
+        return S_OK;
+    }
+    if (parameter.IsReference && V_ISBYREF(value)) { // a variable with a type, as a compiled host names it
+        passed.Argument = *value;
+        return V_VT(value) == (VT_BYREF | parameter.Type) ? S_OK : DISP_E_TYPEMISMATCH;
+    }
+    if (!parameter.IsReference && V_VT(&given) == parameter.Type) {
+        passed.Argument = given;
+        return S_OK;
+    }
+    const HRESULT converted = passed.Converted.Convert(*value, parameter.Type, language);
+    if (parameter.IsReference) {
+        passed.Variable = value == &given ? nullptr : value;                // a mere value gets nothing back
+        PassReference(passed, parameter.Type, &V_BYREF(&passed.Converted)); // where a variant has its value
+    } else {
+        passed.Argument = passed.Converted;
+    }
+    return converted;
+}
+
+/// For a parameter without an argument.
+HRESULT PassNothing(const Member::Parameter& parameter, Passed& passed)
+{
+    if (parameter.IsResult) {
+        PassReference(passed, parameter.Type, &V_BYREF(&passed.Converted));
+        return S_OK;
+    }
+    V_VT(&passed.Converted) = VT_ERROR;
+    V_ERROR(&passed.Converted) = DISP_E_PARAMNOTFOUND;
+    PassReference(passed, VT_VARIANT, &passed.Converted);
+    return parameter.IsOptional ? S_OK : DISP_E_BADPARAMCOUNT;
+}
+
+/// Arguments with a name stand first; those without stand behind them, in reverse order.
+size_t ParameterOf(UINT argument, const DISPPARAMS& given, const Member& member)
+{
+    if (argument >= given.cNamedArgs) {
+        return given.cArgs - 1 - argument;
+    }
+    const DISPID name = given.rgdispidNamedArgs[argument];
+    return name == DISPID_PROPERTYPUT ? member.Parameters.size() - 1 : static_cast<size_t>(name);
+}
+
+HRESULT PassAll(const Member& member, const DISPPARAMS& given, LCID language, std::vector<Passed>& all,
+                UINT* badArgument)
+{
+    for (UINT at = 0; at < given.cArgs; ++at) {
+        const size_t index = ParameterOf(at, given, member);
+        if (index >= all.size() || member.Parameters[index].IsResult ||
+            V_VT(&all[index].Argument) != VT_EMPTY) {
+            return DISP_E_BADPARAMCOUNT;
+        }
+        const HRESULT result = Pass(member.Parameters[index], given.rgvarg[at], language, all[index]);
+        if (FAILED(result)) {
+            if (badArgument != nullptr) {
+                *badArgument = at;
             }
+            return result;
         }
     }
+    HRESULT result = S_OK;
+    for (size_t at = 0; at < all.size() && SUCCEEDED(result); ++at) {
+        if (V_VT(&all[at].Argument) == VT_EMPTY) {
+            result = PassNothing(member.Parameters[at], all[at]);
+        }
+    }
+    return result;
+}
 
-    DISPPARAMS* Passed() { return &m_passed; }
+/// What a failed member has left as the thread's error information.
+void FillIn(EXCEPINFO& exception, HRESULT result)
+{
+    exception = {.scode = result};
+    Microsoft::WRL::ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.GetAddressOf()) == S_OK) {
+        info->GetSource(&exception.bstrSource);
+        info->GetDescription(&exception.bstrDescription);
+    }
+}
 
-    /// In the order of the parameters: a variable that was given twice ends with the last value.
-    void GiveBack()
-    {
-        for (Converted& one : std::views::reverse(m_converted)) {
-            if (one.Variable != nullptr) {
-                std::swap<VARIANT>(*one.Variable, one.Value); // what it held before goes with ours
+/// To the script's variables and to the caller of the call.
+void GiveBack(const Member& member, std::vector<Passed>& all, VARIANT* result)
+{
+    for (size_t at = 0; at < all.size(); ++at) {
+        OwnVariant& value = all[at].Converted;
+        if (member.Parameters[at].IsResult) {
+            V_VT(&value) = member.Parameters[at].Type;
+            if (result != nullptr) {
+                *result = value;
+                V_VT(&value) = VT_EMPTY;
             }
+        } else if (all[at].Variable != nullptr) {
+            std::swap<VARIANT>(*all[at].Variable, value); // what it held before goes with ours
         }
     }
-
-private:
-    /// Arguments with a name stand first; those without stand behind them, in reverse order.
-    [[nodiscard]] size_t ParameterAt(UINT argument, size_t parameterCount) const
-    {
-        if (argument >= m_passed.cNamedArgs) {
-            return m_passed.cArgs - 1 - argument;
-        }
-        const DISPID name = m_passed.rgdispidNamedArgs[argument];
-        return name == DISPID_PROPERTYPUT ? parameterCount - 1 : static_cast<size_t>(name);
-    }
-
-    std::vector<VARIANTARG> m_arguments;
-    std::vector<Converted> m_converted;
-    DISPPARAMS m_passed;
-};
+}
 
 } // namespace
 
-HRESULT CallByName(ITypeInfo& Interface, void* Object, DISPID Member, WORD Flags, const DISPPARAMS* Arguments,
-                   VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument) noexcept
+HRESULT CallByName(const InterfaceDescription& Interface, void* Object, DISPID Id, LCID Language, WORD Flags,
+                   const DISPPARAMS* Given, VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument)
 {
-    return Guarded([&] {
-        const DISPPARAMS& given = Given(Arguments);
-        const bool isWhole = (given.cArgs == 0 || given.rgvarg != nullptr) &&
-                             given.cNamedArgs <= given.cArgs &&
-                             (given.cNamedArgs == 0 || given.rgdispidNamedArgs != nullptr);
-        Check(isWhole ? S_OK : E_INVALIDARG);
-        CallArguments arguments(FindParameters(Interface, Member, Flags), given, BadArgument);
-        Check(Interface.Invoke(Object, Member, Flags, arguments.Passed(), Result, Exception, BadArgument));
-        arguments.GiveBack();
-    });
+    if (Given == nullptr) {
+        return E_POINTER;
+    }
+    if ((Given->cArgs > 0 && Given->rgvarg == nullptr) || Given->cNamedArgs > Given->cArgs ||
+        (Given->cNamedArgs > 0 && Given->rgdispidNamedArgs == nullptr)) {
+        return E_INVALIDARG;
+    }
+    const auto member = std::ranges::find_if(
+        Interface.Members, [&](const Member& one) { return one.Id == Id && (one.Kind & Flags) != 0; });
+    if (member == Interface.Members.end()) {
+        return DISP_E_MEMBERNOTFOUND;
+    }
+    std::vector<Passed> all(member->Parameters.size());
+    HRESULT result = PassAll(*member, *Given, Language, all, BadArgument);
+    if (FAILED(result)) {
+        return result;
+    }
+    std::vector<VARIANTARG*> arguments;
+    for (Passed& one : all) {
+        arguments.push_back(&one.Argument);
+    }
+    VARIANT returned;
+    result = DispCallFunc(Object, member->Slot, CC_STDCALL, VT_ERROR, static_cast<UINT>(all.size()),
+                          const_cast<VARTYPE*>(member->Types.data()), arguments.data(), &returned);
+    if (FAILED(result)) {
+        return result;
+    }
+    if (FAILED(V_ERROR(&returned))) {
+        if (Exception != nullptr) {
+            FillIn(*Exception, V_ERROR(&returned));
+        }
+        return DISP_E_EXCEPTION;
+    }
+    GiveBack(*member, all, Result);
+    return S_OK;
 }
 
 } // namespace acg

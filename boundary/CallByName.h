@@ -1,19 +1,19 @@
 // A call by name, as IDispatch::Invoke is asked for it.
 #pragma once
 
-#include <oaidl.h>
+#include "boundary/TypeLibrary.h"
 
 namespace acg
 {
 
-/// Calls a member of an object through the description of its interface. The type library's own call takes an
-/// argument of the declared type, or a reference to a variable of that type; a script gives references to
-/// variants. So any other argument is first converted to the declared type, but for one that is left out, and
-/// BX, which is a variant. A script's variable gets the value of an in/out argument back when the call has
-/// come to its end, whatever result the operation gives.
+/// Calls a member of an object by the description of its interface. An argument is converted to the declared
+/// type, unless it has that type, or is a reference to a variable of it. A script gives references to
+/// variants: its variable gets the value of an in/out argument back when the call has come to its end,
+/// whatever result the operation gives. BX, which is a variant, reaches the member as it is.
 ///
-/// DISP_E_TYPEMISMATCH: an argument that doesn't convert; BadArgument is its index, and nothing was called.
-HRESULT CallByName(ITypeInfo& Interface, void* Object, DISPID Member, WORD Flags, const DISPPARAMS* Arguments,
-                   VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument) noexcept;
+/// Where an argument is refused, BadArgument is its index, and nothing was called: DISP_E_TYPEMISMATCH and
+/// DISP_E_OVERFLOW, DISP_E_PARAMNOTOPTIONAL, E_POINTER for a reference that leads nowhere.
+HRESULT CallByName(const InterfaceDescription& Interface, void* Object, DISPID Id, LCID Language, WORD Flags,
+                   const DISPPARAMS* Given, VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument);
 
 } // namespace acg

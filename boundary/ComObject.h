@@ -82,11 +82,14 @@ HRESULT Create(REFIID Wanted, void** Created) noexcept
     // it then. An object stays on the thread that makes it; so asking for it here has it made early.
     static_cast<void>(std::uncaught_exceptions());
     return Guarded([&] {
-        Given(Created) = nullptr;
+        if (Created == nullptr) {
+            return E_POINTER;
+        }
+        *Created = nullptr;
         auto* const object = new Object;
         const HRESULT result = object->QueryInterface(Wanted, Created);
         object->Release();
-        Check(result);
+        return result;
     });
 }
 

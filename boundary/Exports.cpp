@@ -2,14 +2,13 @@
 //
 // The module Globals stands here with its start routine, as it would run when the component starts. All that
 // it has to do is to clear the pending failure; here that is a value, which goes with the call that raised
-// it. So there is nothing for it to do, and no DllMain.
+// it. So there is nothing for it to do.
 #include <initguid.h> // gives the identifiers of the type library their place
 
 #include "boundary/AutomationEncoder.h"
 #include "boundary/AutomationError.h"
 #include "boundary/ComObject.h"
 #include "boundary/Registration.h"
-#include "boundary/TypeLibrary.h"
 
 #include <olectl.h>
 
@@ -51,11 +50,7 @@ STDAPI DllGetClassObject(REFCLSID Class, REFIID Wanted, LPVOID* Object)
 
 STDAPI DllCanUnloadNow()
 {
-    if (acg::Uses != 0) {
-        return S_FALSE;
-    }
-    acg::LetGoOfTypeLibrary();
-    return S_OK;
+    return acg::Uses == 0 ? S_OK : S_FALSE;
 }
 
 STDAPI DllRegisterServer()

@@ -7,7 +7,6 @@
 #include <olectl.h>
 #include <string>
 #include <vector>
-#include <wrl/client.h>
 
 namespace acg
 {
@@ -15,15 +14,8 @@ namespace acg
 namespace
 {
 
-using Microsoft::WRL::ComPtr;
-
 /// The system's category of Automation classes. It doesn't call them safe for scripts.
 constexpr wchar_t ProgrammableCategory[] = L"{40FC6ED5-2438-11CF-A3DB-080036F12502}";
-
-// The version and the language of the type library.
-constexpr WORD MajorVersion = 2;
-constexpr WORD MinorVersion = 1;
-constexpr LCID Language = 0x409;
 
 struct Class {
     const CLSID& Id;
@@ -41,7 +33,7 @@ std::vector<Class> Classes()
     return {{__uuidof(::Encoder), EncoderName}, {__uuidof(::CError), ErrorName}};
 }
 
-std::wstring TextOf(const GUID& id)
+std::wstring IdText(const GUID& id)
 {
     wchar_t text[sizeof("{00000000-0000-0000-0000-000000000000}")];
     static_cast<void>(StringFromGUID2(id, text, static_cast<int>(std::size(text)))); // there is room
@@ -50,7 +42,7 @@ std::wstring TextOf(const GUID& id)
 
 std::wstring KeyOf(const Class& described)
 {
-    return L"CLSID\\" + TextOf(described.Id);
+    return L"CLSID\\" + IdText(described.Id);
 }
 
 std::vector<Entry> EntriesOf(const Class& described)
@@ -61,53 +53,103 @@ std::vector<Entry> EntriesOf(const Class& described)
         {key + L"\\InprocServer32", nullptr, OwnPath()},
         {key + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
         {key + L"\\ProgID", nullptr, described.Name},
-        {key + L"\\TypeLib", nullptr, TextOf(LIBID_ACG_MultiISO_TV)},
+        {key + L"\\TypeLib", nullptr, IdText(LIBID_ACG_MultiISO_TV)},
         {key + L"\\Programmable", nullptr, L""},
         {key + L"\\Implemented Categories\\" + ProgrammableCategory, nullptr, L""},
         {described.Name, nullptr, described.Name},
-        {described.Name + L"\\CLSID", nullptr, TextOf(described.Id)},
+        {described.Name + L"\\CLSID", nullptr, IdText(described.Id)},
     };
 }
 
-void CheckClass(LSTATUS status)
+/// The type library as it is registered.
+struct TypeLibrary {
+    Microsoft::WRL::ComPtr<ITypeLib> Library;
+    TLIBATTR Attributes;
+    std::wstring Key;        ///< of all its versions
+    std::wstring VersionKey; ///< of its own
+};
+
+HRESULT Load(TypeLibrary& library)
 {
-    Check(status == ERROR_SUCCESS ? S_OK : SELFREG_E_CLASS);
+    TLIBATTR* attributes = nullptr;
+    HRESULT result = LoadOwnTypeLibrary(library.Library.GetAddressOf());
+    if (SUCCEEDED(result)) {
+        result = library.Library->GetLibAttr(&attributes);
+    }
+    if (SUCCEEDED(result)) {
+        library.Attributes = *attributes;
+        library.Library->ReleaseTLibAttr(attributes);
+        wchar_t version[sizeof("\\ffff.ffff")];
+        wsprintfW(version, L"\\%x.%x", library.Attributes.wMajorVerNum, library.Attributes.wMinorVerNum);
+        library.Key = L"TypeLib\\" + IdText(library.Attributes.guid);
+        library.VersionKey = library.Key + version;
+    }
+    return result;
 }
 
-void CheckTypeLibrary(HRESULT result)
+/// Where the system refuses, the reason goes before the part that failed.
+HRESULT ResultOf(LSTATUS status, HRESULT failed)
 {
-    Check(SUCCEEDED(result) ? S_OK : SELFREG_E_TYPELIB);
+    return status == ERROR_SUCCESS ? S_OK : status == ERROR_ACCESS_DENIED ? E_ACCESSDENIED : failed;
 }
 
-void RegisterAll()
+LSTATUS Write(const Entry& entry)
+{
+    return RegSetKeyValueW(HKEY_CLASSES_ROOT, entry.Key.c_str(), entry.Name, REG_SZ, entry.Value.c_str(),
+                           static_cast<DWORD>((entry.Value.size() + 1) * sizeof(wchar_t)));
+}
+
+HRESULT RegisterAll()
 {
     for (const Class& described : Classes()) {
-        for (const auto& [key, name, value] : EntriesOf(described)) {
-            CheckClass(RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), name, REG_SZ, value.c_str(),
-                                       static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))));
+        for (const Entry& entry : EntriesOf(described)) {
+            if (const LSTATUS status = Write(entry); status != ERROR_SUCCESS) {
+                return ResultOf(status, SELFREG_E_CLASS);
+            }
         }
     }
-    ComPtr<ITypeLib> library;
-    CheckTypeLibrary(LoadTypeLibEx(OwnPath().c_str(), REGKIND_REGISTER, library.GetAddressOf()));
+    TypeLibrary library;
+    std::wstring path = OwnPath();
+    if (FAILED(Load(library)) || FAILED(RegisterTypeLib(library.Library.Get(), path.data(), nullptr))) {
+        return SELFREG_E_TYPELIB;
+    }
+    // The system has registered it under its language. What carries calls to another apartment looks for it
+    // under none.
+    return ResultOf(Write({library.VersionKey + L"\\0\\win32", nullptr, path}), SELFREG_E_TYPELIB);
 }
 
-void DeleteKey(const std::wstring& key)
+/// The keys under which everything is registered; what stands below them is this version's alone.
+std::vector<std::wstring> AllKeys(const TypeLibrary& library)
 {
-    const LSTATUS status = RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
-    CheckClass(status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status);
-}
-
-/// The keys under which everything is registered; what stands below them is the component's alone.
-std::vector<std::wstring> AllKeys()
-{
-    std::vector<std::wstring> keys = {L"Interface\\" + TextOf(__uuidof(_Encoder)),
-                                      L"Interface\\" + TextOf(__uuidof(_CError)),
-                                      L"TypeLib\\" + TextOf(LIBID_ACG_MultiISO_TV)};
+    std::vector<std::wstring> keys = {L"Interface\\" + IdText(__uuidof(_Encoder)),
+                                      L"Interface\\" + IdText(__uuidof(_CError)), library.VersionKey};
     for (const Class& described : Classes()) {
         keys.push_back(KeyOf(described));
         keys.push_back(described.Name);
     }
     return keys;
+}
+
+HRESULT UnregisterAll()
+{
+    TypeLibrary library;
+    if (FAILED(Load(library))) {
+        return SELFREG_E_TYPELIB;
+    }
+    // The system does its own part where it can: not for a registration that is half done, or whose library
+    // has moved. So the keys are deleted all the same, and that decides.
+    const TLIBATTR& attributes = library.Attributes;
+    static_cast<void>(UnRegisterTypeLib(attributes.guid, attributes.wMajorVerNum, attributes.wMinorVerNum,
+                                        attributes.lcid, attributes.syskind));
+    HRESULT result = S_OK;
+    for (const std::wstring& key : AllKeys(library)) { // one that fails doesn't keep the others
+        const LSTATUS status = RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
+        if (status != ERROR_FILE_NOT_FOUND && SUCCEEDED(result)) {
+            result = ResultOf(status, SELFREG_E_CLASS);
+        }
+    }
+    RegDeleteKeyW(HKEY_CLASSES_ROOT, library.Key.c_str()); // it stays where another version stands in it
+    return result;
 }
 
 } // namespace
@@ -123,19 +165,7 @@ HRESULT Register() noexcept
 
 HRESULT Unregister() noexcept
 {
-    // The system does its own part where it can: not for a registration that is half done, or whose library
-    // has moved. So the keys are deleted all the same, and that decides.
-    static_cast<void>(
-        UnRegisterTypeLib(LIBID_ACG_MultiISO_TV, MajorVersion, MinorVersion, Language, SYS_WIN32));
-    HRESULT result = S_OK;
-    const HRESULT listed = Guarded([&] {
-        for (const std::wstring& key : AllKeys()) {
-            const HRESULT deleted =
-                Guarded([&] { DeleteKey(key); }); // one that fails doesn't keep the others
-            result = FAILED(result) ? result : deleted;
-        }
-    });
-    return FAILED(listed) ? listed : result;
+    return Guarded(&UnregisterAll);
 }
 
 } // namespace acg

@@ -46,8 +46,6 @@ HRESULT ResultOfException() noexcept
     } catch (const RaisedFailure& raised) {
         result = ResultOf(raised.Number);
         info = ErrorInfoOf(raised);
-    } catch (const ComFailure& failure) {
-        result = failure.Result;
     } catch (const std::bad_alloc&) {
         result = E_OUTOFMEMORY;
     } catch (...) {

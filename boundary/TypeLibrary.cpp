@@ -1,9 +1,8 @@
 #include "boundary/TypeLibrary.h"
 
-#include "boundary/Results.h"
-
-#include <mutex>
+#include <memory>
 #include <oleauto.h>
+#include <utility>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase; // where the linker has put this DLL
 
@@ -13,10 +12,31 @@ namespace acg
 namespace
 {
 
-// Objects of several threads share the library. A plain pointer: a destructor would run while the DLL is
-// being unloaded, when it is too late to call the system.
-std::mutex LibraryMutex;
-ITypeLib* LoadedLibrary = nullptr;
+Member::Parameter ParameterOf(const ELEMDESC& described)
+{
+    const TYPEDESC& type = described.tdesc;
+    const USHORT flags = described.paramdesc.wParamFlags;
+    const bool isReference = type.vt == VT_PTR;
+    VARTYPE plain = isReference ? type.lptdesc->vt : type.vt;
+    if (plain == VT_USERDEFINED) { // an enum
+        plain = VT_I4;
+    } else if (plain == VT_PTR) { // an object
+        plain = VT_DISPATCH;
+    }
+    return {plain, isReference, (flags & PARAMFLAG_FOPT) != 0, (flags & PARAMFLAG_FRETVAL) != 0};
+}
+
+Member MemberOf(const FUNCDESC& function)
+{
+    Member member{
+        .Id = function.memid, .Kind = function.invkind, .Slot = static_cast<ULONG_PTR>(function.oVft)};
+    for (SHORT at = 0; at < function.cParams; ++at) {
+        const Member::Parameter parameter = ParameterOf(function.lprgelemdescParam[at]);
+        member.Parameters.push_back(parameter);
+        member.Types.push_back(parameter.IsReference ? VARTYPE(VT_BYREF | parameter.Type) : parameter.Type);
+    }
+    return member;
+}
 
 } // namespace
 
@@ -25,29 +45,49 @@ std::wstring OwnPath()
     constexpr DWORD LongestPath = 32767;
     std::wstring path(LongestPath, L'\0');
     path.resize(GetModuleFileNameW(reinterpret_cast<HMODULE>(&__ImageBase), path.data(), LongestPath));
-    Check(path.empty() ? HRESULT_FROM_WIN32(GetLastError()) : S_OK);
     return path;
 }
 
-HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info) noexcept
+HRESULT LoadOwnTypeLibrary(ITypeLib** Library)
 {
-    return Guarded([&] {
-        Given(Info) = nullptr;
-        const std::lock_guard lock(LibraryMutex);
-        if (LoadedLibrary == nullptr) {
-            Check(LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, &LoadedLibrary));
-        }
-        Check(LoadedLibrary->GetTypeInfoOfGuid(Id, Info));
-    });
+    return LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, Library);
 }
 
-void LetGoOfTypeLibrary() noexcept
+HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info)
 {
-    const std::lock_guard lock(LibraryMutex);
-    if (LoadedLibrary != nullptr) {
-        LoadedLibrary->Release();
-        LoadedLibrary = nullptr;
+    Microsoft::WRL::ComPtr<ITypeLib> library;
+    const HRESULT loaded = LoadOwnTypeLibrary(library.GetAddressOf());
+    return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(Id, Info);
+}
+
+HRESULT Describe(REFIID Interface, InterfaceDescription& Description)
+{
+    InterfaceDescription described;
+    HRESULT result = TypeInfoOf(Interface, described.Info.GetAddressOf());
+    // That is the interface as a script sees it. The one with the slots stands behind it.
+    constexpr UINT behindDispatch = static_cast<UINT>(-1);
+    HREFTYPE reference = 0;
+    Microsoft::WRL::ComPtr<ITypeInfo> slots;
+    if (SUCCEEDED(result)) {
+        result = described.Info->GetRefTypeOfImplType(behindDispatch, &reference);
     }
+    if (SUCCEEDED(result)) {
+        result = described.Info->GetRefTypeInfo(reference, slots.GetAddressOf());
+    }
+    for (UINT at = 0; SUCCEEDED(result); ++at) {
+        const auto release = [&](FUNCDESC* function) { slots->ReleaseFuncDesc(function); };
+        FUNCDESC* function = nullptr;
+        result = slots->GetFuncDesc(at, &function);
+        if (result == TYPE_E_ELEMENTNOTFOUND) {
+            std::swap(Description, described);
+            return S_OK;
+        }
+        if (SUCCEEDED(result)) {
+            const std::unique_ptr<FUNCDESC, decltype(release)> owner(function, release);
+            described.Members.push_back(MemberOf(*function));
+        }
+    }
+    return result;
 }
 
 } // namespace acg

@@ -1,10 +1,12 @@
-// The type library in the resources of this DLL.
+// The type library in the resources of this DLL, and what it says of an interface.
 #pragma once
 
 #include <string>
+#include <vector>
 #include <windows.h>
 
 #include <oaidl.h>
+#include <wrl/client.h>
 
 namespace acg
 {
@@ -12,10 +14,32 @@ namespace acg
 /// The path of the DLL, or of the program, that this code is linked into.
 std::wstring OwnPath();
 
-/// The description of an interface or a class. The library is loaded when first asked.
-HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info) noexcept;
+HRESULT LoadOwnTypeLibrary(ITypeLib** Library);
 
-/// Lets go of the library, so that nothing of this DLL stays behind when it is unloaded.
-void LetGoOfTypeLibrary() noexcept;
+/// The description of an interface or a class.
+HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info);
+
+/// A member of an interface, as a call by name goes by it.
+struct Member {
+    struct Parameter {
+        VARTYPE Type; ///< without the reference
+        bool IsReference;
+        bool IsOptional;
+        bool IsResult; ///< the last one, if any
+    };
+    DISPID Id;
+    int Kind;       ///< DISPATCH_METHOD and its like
+    ULONG_PTR Slot; ///< its offset among the interface's functions
+    std::vector<Parameter> Parameters;
+    std::vector<VARTYPE> Types; ///< of the parameters, with the reference
+};
+
+/// What is looked up once for an object that is called by name.
+struct InterfaceDescription {
+    Microsoft::WRL::ComPtr<ITypeInfo> Info;
+    std::vector<Member> Members;
+};
+
+HRESULT Describe(REFIID Interface, InterfaceDescription& Description);
 
 } // namespace acg

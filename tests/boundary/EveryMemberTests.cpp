@@ -228,7 +228,7 @@ TEST(EveryMemberTest, TakesArgumentsByTheirNamesAndFollowsReferences)
     EXPECT_EQ(text.Characters(), L"typed");
 
     V_BYREF(&given[2]) = nullptr;
-    EXPECT_EQ(call(toText), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(call(toText), E_POINTER);
     arguments.rgvarg = nullptr;
     EXPECT_EQ(call(toText), E_INVALIDARG);
 }
@@ -404,6 +404,11 @@ int FailEachAllocation(Memory& memory, Way way, LONG card)
     }
     EXPECT_NE(encoder.Get(), nullptr);
     Open(*encoder.Get(), card);
+    for (IDispatch* object :
+         std::initializer_list<IDispatch*>{encoder.Get(), RecordOf(*encoder.Get()).Get()}) {
+        EXPECT_NE(Invoke(*object, L"none", Get, nullptr, 0, nullptr).Result,
+                  S_OK); // it now has its type library
+    }
     const auto failEach = [&](auto& object, const auto& member) {
         for (int* const countdown : {&memory.FailOwn, &memory.FailText}) {
             if (way != Way::BySlot && countdown == &memory.FailText) {

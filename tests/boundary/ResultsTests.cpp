@@ -17,22 +17,22 @@ namespace
 TEST(ResultsTest, EveryExceptionHasItsResultAndOnlyARaisedFailureItsInformation)
 {
     const struct {
-        void (*Run)();
+        HRESULT (*Run)();
         HRESULT Result;
         HRESULT Information; ///< S_FALSE for none
     } cases[] = {
-        {[] {
+        {[]() -> HRESULT {
              throw RaisedFailure{-1, L"closed", {}};
          },
          static_cast<HRESULT>(0xFFFFFFFF), S_OK},
-        {[] {
+        {[]() -> HRESULT {
              throw RaisedFailure{453, L"no entry point", L""};
          },
          static_cast<HRESULT>(0x800A01C5), S_OK},
-        {[] { throw ComFailure{DISP_E_BADINDEX}; }, DISP_E_BADINDEX, S_FALSE},
-        {[] { throw std::bad_alloc(); }, E_OUTOFMEMORY, S_FALSE},
-        {[] { throw std::length_error("too long"); }, E_UNEXPECTED, S_FALSE},
-        {[] { throw 1; }, E_UNEXPECTED, S_FALSE},
+        {[] { return DISP_E_BADINDEX; }, DISP_E_BADINDEX, S_FALSE},
+        {[]() -> HRESULT { throw std::bad_alloc(); }, E_OUTOFMEMORY, S_FALSE},
+        {[]() -> HRESULT { throw std::length_error("too long"); }, E_UNEXPECTED, S_FALSE},
+        {[]() -> HRESULT { throw 1; }, E_UNEXPECTED, S_FALSE},
     };
     for (const auto& [run, result, information] : cases) {
         // What an earlier call has left is never taken for this one's.
