@@ -31,6 +31,20 @@ static_assert(sizeof(CommSettings) == 8);
 namespace
 {
 
+#ifdef _WIN32 // the variant of the compiler without a thread library has no std::mutex
+class Mutex
+{
+public:
+    void lock() { AcquireSRWLockExclusive(&m_lock); }
+    void unlock() { ReleaseSRWLockExclusive(&m_lock); }
+
+private:
+    SRWLOCK m_lock = SRWLOCK_INIT;
+};
+#else
+using Mutex = std::mutex;
+#endif
+
 using simulator::Card;
 using simulator::Device;
 using simulator::NewByteString;
@@ -53,7 +67,7 @@ struct OpenedReader {
 };
 
 struct Library {
-    std::mutex Mutex;
+    Mutex Lock;
     simulator::CardBox Cards;
     std::map<uint32_t, Comm> Comms;
     std::map<uint32_t, OpenedReader> Readers;
@@ -82,7 +96,7 @@ Result Locked(Result onFailure, Body body) noexcept
 {
     try {
         Library& library = TheLibrary();
-        const std::lock_guard lock(library.Mutex);
+        const std::lock_guard lock(library.Lock);
         return body(library);
     } catch (...) {
         return onFailure;

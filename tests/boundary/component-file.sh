@@ -4,7 +4,7 @@
 set -euo pipefail
 
 file=$1
-most_bytes=$((400 * 1024))
+most_bytes=$((256 * 1024))
 system='ADVAPI32 GDI32 KERNEL32 OLE32 OLEAUT32 USER32 MSVCRT'
 
 contents=$(i686-w64-mingw32-objdump -p "$file")
