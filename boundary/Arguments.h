@@ -36,21 +36,10 @@ Callers ForCaller(const Own& Result)
 
 /// The class's own type for a number or an enum of the type library.
 template <class Callers>
-struct OwnType {
-    using Type = Callers;
-};
-template <>
-struct OwnType<LONG> {
-    using Type = int32_t;
-};
-template <>
-struct OwnType<::SCBS_SecurityLevelEnum> {
-    using Type = SCBS_SecurityLevelEnum;
-};
-template <>
-struct OwnType<::SCSS_SecurityLevelEnum> {
-    using Type = SCSS_SecurityLevelEnum;
-};
+using OwnType = std::conditional_t<
+    std::is_same_v<Callers, ::SCBS_SecurityLevelEnum>, SCBS_SecurityLevelEnum,
+    std::conditional_t<std::is_same_v<Callers, ::SCSS_SecurityLevelEnum>, SCSS_SecurityLevelEnum,
+                       std::conditional_t<std::is_same_v<Callers, LONG>, int32_t, Callers>>>;
 
 /// A copy of a caller's variable, for the class to work on. The variable changes by GiveBack alone, so not in
 /// a call that breaks off.
@@ -58,14 +47,13 @@ template <class Callers>
 class Variable
 {
 public:
-    explicit Variable(Callers* OfCaller) : Copy(static_cast<Own>(*OfCaller)), m_ofCaller(*OfCaller) {}
+    explicit Variable(Callers* OfCaller)
+        : Copy(static_cast<OwnType<Callers>>(*OfCaller)), m_ofCaller(*OfCaller)
+    {
+    }
     void GiveBack() { m_ofCaller = static_cast<Callers>(Copy); }
 
-private:
-    using Own = typename OwnType<Callers>::Type;
-
-public:
-    Own Copy;
+    OwnType<Callers> Copy;
 
 private:
     Callers& m_ofCaller;

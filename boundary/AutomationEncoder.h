@@ -46,55 +46,55 @@ public:
         *m_lastError.GetAddressOf() = new AutomationError(m_encoder.LastError());
     }
 
-    HRESULT STDMETHODCALLTYPE put_Parameters(BSTR Value) override
+    STDMETHODIMP put_Parameters(BSTR Value) override
     {
         return Run([&] { m_encoder.Parameters(std::wstring(TextOf(Value))); });
     }
-    HRESULT STDMETHODCALLTYPE get_Parameters(BSTR* Result) override
+    STDMETHODIMP get_Parameters(BSTR* Result) override
     {
         return Answer(Result, [&] { return m_encoder.Parameters(); });
     }
-    HRESULT STDMETHODCALLTYPE get_LastError(_CError** Result) override
+    STDMETHODIMP get_LastError(_CError** Result) override
     {
         return Answer(Result, [&] { return Microsoft::WRL::ComPtr<_CError>(m_lastError).Detach(); });
     }
-    HRESULT STDMETHODCALLTYPE get_EncoderState(::sceEncoderState* Result) override
+    STDMETHODIMP get_EncoderState(::sceEncoderState* Result) override
     {
         return Answer(Result, [&] { return m_encoder.EncoderState(); });
     }
-    HRESULT STDMETHODCALLTYPE get_ReaderType(BSTR* Result) override
+    STDMETHODIMP get_ReaderType(BSTR* Result) override
     {
         return Answer(Result, [&] { return m_encoder.ReaderType(); });
     }
-    HRESULT STDMETHODCALLTYPE get_ATRString(BSTR* Result) override
+    STDMETHODIMP get_ATRString(BSTR* Result) override
     {
         return Answer(Result, [&] { return m_encoder.ATRString(); });
     }
-    HRESULT STDMETHODCALLTYPE get_CardType(::sceCardTypes* Result) override
+    STDMETHODIMP get_CardType(::sceCardTypes* Result) override
     {
         return Answer(Result, [&] { return m_encoder.CardType(); });
     }
-    HRESULT STDMETHODCALLTYPE get_SerialNumberLength(LONG* Result) override
+    STDMETHODIMP get_SerialNumberLength(LONG* Result) override
     {
         return Answer(Result, [&] { return m_encoder.SerialNumberLength(); });
     }
-    HRESULT STDMETHODCALLTYPE GetInformation(BSTR* Result) override
+    STDMETHODIMP GetInformation(BSTR* Result) override
     {
         return Answer(Result, [&] { return m_encoder.GetInformation(); });
     }
-    HRESULT STDMETHODCALLTYPE Configure(BSTR Language, ::sceReturnCode* Result) override
+    STDMETHODIMP Configure(BSTR Language, ::sceReturnCode* Result) override
     {
         return Answer(Result, [&] { return m_encoder.Configure(std::wstring(TextOf(Language))); });
     }
-    HRESULT STDMETHODCALLTYPE OpenEncoder(LONG Handle, ::sceReturnCode* Result) override
+    STDMETHODIMP OpenEncoder(LONG Handle, ::sceReturnCode* Result) override
     {
         return Answer(Result, [&] { return m_encoder.OpenEncoder(Handle); });
     }
-    HRESULT STDMETHODCALLTYPE CloseEncoder(::sceReturnCode* Result) override
+    STDMETHODIMP CloseEncoder(::sceReturnCode* Result) override
     {
         return Answer(Result, [&] { return m_encoder.CloseEncoder(); });
     }
-    HRESULT STDMETHODCALLTYPE ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result) override
+    STDMETHODIMP ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result) override
     {
         const auto read = [&](SecretText& serialNumber) {
             std::wstring text; // of any length, and the copy must not outgrow its room
@@ -104,17 +104,17 @@ public:
         };
         return Answer(Result, read, SerialNumber);
     }
-    HRESULT STDMETHODCALLTYPE ReadDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType,
-                                           BSTR* BlocContents, ::sceReturnCode* Result) override
+    STDMETHODIMP ReadDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, BSTR* BlocContents,
+                              ::sceReturnCode* Result) override
     {
         const auto read = [&](SecretText& contents) {
             return m_encoder.ReadDataBloc(BlocNumber, TextOf(key), KeyType, contents.InPlace());
         };
         return Answer(Result, read, BlocContents);
     }
-    HRESULT STDMETHODCALLTYPE ReadManufacturerCode(BSTR key, unsigned char KeyType, LONG* SerialNumber,
-                                                   unsigned char* CheckSum, BSTR* ManufacturerInfo,
-                                                   ::sceReturnCode* Result) override
+    STDMETHODIMP ReadManufacturerCode(BSTR key, unsigned char KeyType, LONG* SerialNumber,
+                                      unsigned char* CheckSum, BSTR* ManufacturerInfo,
+                                      ::sceReturnCode* Result) override
     {
         const auto read = [&](SecretText& info, int32_t& serialNumber, uint8_t& checkSum) {
             return m_encoder.ReadManufacturerCode(TextOf(key), KeyType, serialNumber, checkSum,
@@ -122,39 +122,36 @@ public:
         };
         return Answer(Result, read, ManufacturerInfo, SerialNumber, CheckSum);
     }
-    HRESULT STDMETHODCALLTYPE ReadSectorTrailer(LONG SectorNumber, BSTR key, unsigned char KeyType,
-                                                unsigned char* KeysUsed, ::SCBS_SecurityLevelEnum* Security0,
-                                                ::SCBS_SecurityLevelEnum* Security1,
-                                                ::SCBS_SecurityLevelEnum* Security2,
-                                                ::SCSS_SecurityLevelEnum* Conditions, unsigned char* BX,
-                                                ::sceReturnCode* Result) override
+    STDMETHODIMP ReadSectorTrailer(LONG SectorNumber, BSTR key, unsigned char KeyType,
+                                   unsigned char* KeysUsed, ::SCBS_SecurityLevelEnum* Security0,
+                                   ::SCBS_SecurityLevelEnum* Security1, ::SCBS_SecurityLevelEnum* Security2,
+                                   ::SCSS_SecurityLevelEnum* Conditions, unsigned char* BX,
+                                   ::sceReturnCode* Result) override
     {
         const auto read = [&](auto&... parts) {
             return m_encoder.ReadSectorTrailer(SectorNumber, TextOf(key), KeyType, parts...);
         };
         return Answer(Result, read, KeysUsed, Security0, Security1, Security2, Conditions, BX);
     }
-    HRESULT STDMETHODCALLTYPE WriteDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType,
-                                            BSTR* BlocContents, ::sceReturnCode* Result) override
+    STDMETHODIMP WriteDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, BSTR* BlocContents,
+                               ::sceReturnCode* Result) override
     {
         const auto write = [&](SecretText& contents) {
             return m_encoder.WriteDataBloc(BlocNumber, TextOf(key), KeyType, contents.InPlace());
         };
         return Answer(Result, write, BlocContents);
     }
-    HRESULT STDMETHODCALLTYPE WriteValueBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, LONG value,
-                                             ::sceReturnCode* Result) override
+    STDMETHODIMP WriteValueBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, LONG value,
+                                ::sceReturnCode* Result) override
     {
         return Answer(Result,
                       [&] { return m_encoder.WriteValueBloc(BlocNumber, TextOf(key), KeyType, value); });
     }
-    HRESULT STDMETHODCALLTYPE WriteSectorTrailer(LONG SectorNumber, BSTR key, unsigned char KeyType,
-                                                 BSTR KeyA, BSTR KeyB, unsigned char KeysToUse,
-                                                 ::SCBS_SecurityLevelEnum Security0,
-                                                 ::SCBS_SecurityLevelEnum Security1,
-                                                 ::SCBS_SecurityLevelEnum Security2,
-                                                 ::SCSS_SecurityLevelEnum Conditions, VARIANT* BX,
-                                                 ::sceReturnCode* Result) override
+    STDMETHODIMP WriteSectorTrailer(LONG SectorNumber, BSTR key, unsigned char KeyType, BSTR KeyA, BSTR KeyB,
+                                    unsigned char KeysToUse, ::SCBS_SecurityLevelEnum Security0,
+                                    ::SCBS_SecurityLevelEnum Security1, ::SCBS_SecurityLevelEnum Security2,
+                                    ::SCSS_SecurityLevelEnum Conditions, VARIANT* BX,
+                                    ::sceReturnCode* Result) override
     {
         const auto write = [&] {
             return m_encoder.WriteSectorTrailer(
@@ -166,9 +163,8 @@ public:
         };
         return Answer(Result, write);
     }
-    HRESULT STDMETHODCALLTYPE WriteBytesInBloc(LONG BlocNumber, BSTR key, unsigned char KeyType,
-                                               unsigned char FromByte, unsigned char ToByte,
-                                               BSTR* BlocContents, ::sceReturnCode* Result) override
+    STDMETHODIMP WriteBytesInBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, unsigned char FromByte,
+                                  unsigned char ToByte, BSTR* BlocContents, ::sceReturnCode* Result) override
     {
         const auto write = [&](SecretText& contents) {
             return m_encoder.WriteBytesInBloc(BlocNumber, TextOf(key), KeyType, FromByte, ToByte,
@@ -176,7 +172,7 @@ public:
         };
         return Answer(Result, write, BlocContents);
     }
-    HRESULT STDMETHODCALLTYPE ReOpenEncoder() override
+    STDMETHODIMP ReOpenEncoder() override
     {
         return Run([&] { m_encoder.ReOpenEncoder(); });
     }

@@ -18,59 +18,32 @@ public:
     AutomationError() : AutomationError(std::make_shared<CError>()) {}
     explicit AutomationError(std::shared_ptr<CError> Record) : m_record(std::move(Record)) {}
 
-    HRESULT STDMETHODCALLTYPE get_Number(LONG* Result) override { return Get(Result, &CError::Number); }
-    HRESULT STDMETHODCALLTYPE put_Number(LONG Value) override { return Put(&CError::Number, Value); }
-    HRESULT STDMETHODCALLTYPE get_Description(BSTR* Result) override
-    {
-        return Get(Result, &CError::Description);
-    }
-    HRESULT STDMETHODCALLTYPE put_Description(BSTR Value) override
-    {
-        return Put(&CError::Description, TextOf(Value));
-    }
-    HRESULT STDMETHODCALLTYPE get_LastDllError(LONG* Result) override
-    {
-        return Get(Result, &CError::LastDllError);
-    }
-    HRESULT STDMETHODCALLTYPE put_LastDllError(LONG Value) override
-    {
-        return Put(&CError::LastDllError, Value);
-    }
-    HRESULT STDMETHODCALLTYPE get_ComFunction(BSTR* Result) override
-    {
-        return Get(Result, &CError::ComFunction);
-    }
-    HRESULT STDMETHODCALLTYPE put_ComFunction(BSTR Value) override
-    {
-        return Put(&CError::ComFunction, TextOf(Value));
-    }
-    HRESULT STDMETHODCALLTYPE get_RdrCommand(BSTR* Result) override
-    {
-        return Get(Result, &CError::RdrCommand);
-    }
-    HRESULT STDMETHODCALLTYPE put_RdrCommand(BSTR Value) override
-    {
-        return Put(&CError::RdrCommand, TextOf(Value));
-    }
-    HRESULT STDMETHODCALLTYPE get_RdrRetCode(BSTR* Result) override
-    {
-        return Get(Result, &CError::RdrRetCode);
-    }
-    HRESULT STDMETHODCALLTYPE put_RdrRetCode(BSTR Value) override
-    {
-        return Put(&CError::RdrRetCode, TextOf(Value));
-    }
+    STDMETHODIMP get_Number(LONG* Value) override { return Get(&CError::Number, Value); }
+    STDMETHODIMP put_Number(LONG Value) override { return Put(&CError::Number, Value); }
+    STDMETHODIMP get_Description(BSTR* Value) override { return Get(&CError::Description, Value); }
+    STDMETHODIMP put_Description(BSTR Value) override { return Put(&CError::Description, Value); }
+    STDMETHODIMP get_LastDllError(LONG* Value) override { return Get(&CError::LastDllError, Value); }
+    STDMETHODIMP put_LastDllError(LONG Value) override { return Put(&CError::LastDllError, Value); }
+    STDMETHODIMP get_ComFunction(BSTR* Value) override { return Get(&CError::ComFunction, Value); }
+    STDMETHODIMP put_ComFunction(BSTR Value) override { return Put(&CError::ComFunction, Value); }
+    STDMETHODIMP get_RdrCommand(BSTR* Value) override { return Get(&CError::RdrCommand, Value); }
+    STDMETHODIMP put_RdrCommand(BSTR Value) override { return Put(&CError::RdrCommand, Value); }
+    STDMETHODIMP get_RdrRetCode(BSTR* Value) override { return Get(&CError::RdrRetCode, Value); }
+    STDMETHODIMP put_RdrRetCode(BSTR Value) override { return Put(&CError::RdrRetCode, Value); }
 
 private:
-    template <class Callers, class Field>
-    HRESULT Get(Callers* Result, Field CError::*Wanted)
+    template <class Field, class Callers>
+    HRESULT Get(Field CError::*Wanted, Callers* Result)
     {
         return Answer(Result, [&]() -> const Field& { return (*m_record).*Wanted; });
     }
-    template <class Field, class Value>
-    HRESULT Put(Field CError::*Changed, Value NewValue)
+    HRESULT Put(int32_t CError::*Changed, LONG Value)
     {
-        return Run([&] { (*m_record).*Changed = NewValue; });
+        return Run([&] { (*m_record).*Changed = Value; });
+    }
+    HRESULT Put(std::wstring CError::*Changed, BSTR Value)
+    {
+        return Run([&] { (*m_record).*Changed = TextOf(Value); });
     }
 
     const std::shared_ptr<CError> m_record;

@@ -22,27 +22,27 @@ class AutomationObject : public ComObject<Interface, IProvideClassInfo, ISupport
     using Base = ComObject<Interface, IProvideClassInfo, ISupportErrorInfo>;
 
 public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID Wanted, void** Object) override
+    STDMETHODIMP QueryInterface(REFIID Wanted, void** Object) override
     {
         return Base::QueryInterface(Wanted == __uuidof(IDispatch) ? __uuidof(Interface) : Wanted, Object);
     }
 
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* Count) override
+    STDMETHODIMP GetTypeInfoCount(UINT* Count) override
     {
         return Answer(Count, [] { return 1; });
     }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT Index, LCID /*language*/, ITypeInfo** Info) override
+    STDMETHODIMP GetTypeInfo(UINT Index, LCID /*language*/, ITypeInfo** Info) override
     {
-        return GiveTypeInfo(__uuidof(Interface), Info, Index == 0 ? S_OK : DISP_E_BADINDEX);
+        return Index == 0 ? TypeInfoOf(__uuidof(Interface), Info)
+                          : NoObject(reinterpret_cast<void**>(Info), DISP_E_BADINDEX);
     }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID Reserved, LPOLESTR* Names, UINT Count, LCID /*language*/,
-                                            DISPID* Ids) override
+    STDMETHODIMP GetIDsOfNames(REFIID Reserved, LPOLESTR* Names, UINT Count, LCID /*language*/,
+                               DISPID* Ids) override
     {
         return Described(Reserved, [&] { return m_description.Info->GetIDsOfNames(Names, Count, Ids); });
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID Member, REFIID Reserved, LCID Language, WORD Flags,
-                                     DISPPARAMS* Arguments, VARIANT* Result, EXCEPINFO* Exception,
-                                     UINT* BadArgument) override
+    STDMETHODIMP Invoke(DISPID Member, REFIID Reserved, LCID Language, WORD Flags, DISPPARAMS* Arguments,
+                        VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument) override
     {
         return Described(Reserved, [&] {
             return CallByName(m_description, static_cast<Interface*>(this), Member, Language, Flags,
@@ -50,12 +50,9 @@ public:
         });
     }
 
-    HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** Info) override
-    {
-        return GiveTypeInfo(__uuidof(Class), Info, S_OK);
-    }
+    STDMETHODIMP GetClassInfo(ITypeInfo** Info) override { return TypeInfoOf(__uuidof(Class), Info); }
 
-    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID Id) override
+    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID Id) override
     {
         return Id == __uuidof(Interface) ? S_OK : S_FALSE;
     }
@@ -99,17 +96,6 @@ protected:
     }
 
 private:
-    static HRESULT GiveTypeInfo(REFGUID id, ITypeInfo** info, HRESULT refusal) noexcept
-    {
-        return Guarded([&] {
-            if (info == nullptr) {
-                return E_POINTER;
-            }
-            *info = nullptr;
-            return FAILED(refusal) ? refusal : TypeInfoOf(id, info);
-        });
-    }
-
     template <class Body>
     HRESULT Described(REFIID reserved, const Body& use) noexcept
     {

@@ -154,13 +154,15 @@ HRESULT CallByName(const InterfaceDescription& Interface, void* Object, DISPID I
     if (FAILED(result)) {
         return result;
     }
+    std::vector<VARTYPE> types;
     std::vector<VARIANTARG*> arguments;
     for (Passed& one : all) {
+        types.push_back(V_VT(&one.Argument));
         arguments.push_back(&one.Argument);
     }
     VARIANT returned;
     result = DispCallFunc(Object, member->Slot, CC_STDCALL, VT_ERROR, static_cast<UINT>(all.size()),
-                          const_cast<VARTYPE*>(member->Types.data()), arguments.data(), &returned);
+                          types.data(), arguments.data(), &returned);
     if (FAILED(result)) {
         return result;
     }

@@ -36,7 +36,7 @@ public:
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID Wanted, void** Object) override
+    STDMETHODIMP QueryInterface(REFIID Wanted, void** Object) override
     {
         if (Object == nullptr) {
             return E_POINTER;
@@ -54,8 +54,8 @@ public:
         }
         return NoObject(Object, E_NOINTERFACE);
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override
+    STDMETHODIMP_(ULONG) AddRef() override { return ++m_references; }
+    STDMETHODIMP_(ULONG) Release() override
     {
         const ULONG left = --m_references;
         if (left == 0) {
@@ -82,10 +82,7 @@ HRESULT Create(REFIID Wanted, void** Created) noexcept
     // it then. An object stays on the thread that makes it; so asking for it here has it made early.
     static_cast<void>(std::uncaught_exceptions());
     return Guarded([&] {
-        if (Created == nullptr) {
-            return E_POINTER;
-        }
-        *Created = nullptr;
+        static_cast<void>(NoObject(Created, S_OK)); // so it is null where there is no memory
         auto* const object = new Object;
         const HRESULT result = object->QueryInterface(Wanted, Created);
         object->Release();

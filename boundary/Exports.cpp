@@ -22,11 +22,11 @@ template <class Class>
 class Factory final : public ComObject<IClassFactory>
 {
 public:
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* Outer, REFIID Wanted, void** Object) override
+    STDMETHODIMP CreateInstance(IUnknown* Outer, REFIID Wanted, void** Object) override
     {
         return Outer != nullptr ? NoObject(Object, CLASS_E_NOAGGREGATION) : Create<Class>(Wanted, Object);
     }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL Lock) override
+    STDMETHODIMP LockServer(BOOL Lock) override
     {
         Uses += Lock != FALSE ? 1 : -1;
         return S_OK;

@@ -17,21 +17,16 @@ namespace
 /// The system's category of Automation classes. It doesn't call them safe for scripts.
 constexpr wchar_t ProgrammableCategory[] = L"{40FC6ED5-2438-11CF-A3DB-080036F12502}";
 
-struct Class {
+const struct {
     const CLSID& Id;
-    std::wstring Name;
-};
+    const wchar_t* Name;
+} Classes[] = {{__uuidof(::Encoder), EncoderName}, {__uuidof(::CError), ErrorName}};
 
 struct Entry {
     std::wstring Key;
     const wchar_t* Name; ///< null for the key's own value
     std::wstring Value;
 };
-
-std::vector<Class> Classes()
-{
-    return {{__uuidof(::Encoder), EncoderName}, {__uuidof(::CError), ErrorName}};
-}
 
 std::wstring IdText(const GUID& id)
 {
@@ -40,33 +35,26 @@ std::wstring IdText(const GUID& id)
     return text;
 }
 
-std::wstring KeyOf(const Class& described)
+std::vector<Entry> EntriesOf(const CLSID& id, const std::wstring& name)
 {
-    return L"CLSID\\" + IdText(described.Id);
-}
-
-std::vector<Entry> EntriesOf(const Class& described)
-{
-    const std::wstring key = KeyOf(described);
+    const std::wstring key = L"CLSID\\" + IdText(id);
     return {
-        {key, nullptr, described.Name},
+        {key, nullptr, name},
         {key + L"\\InprocServer32", nullptr, OwnPath()},
         {key + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
-        {key + L"\\ProgID", nullptr, described.Name},
+        {key + L"\\ProgID", nullptr, name},
         {key + L"\\TypeLib", nullptr, IdText(LIBID_ACG_MultiISO_TV)},
         {key + L"\\Programmable", nullptr, L""},
         {key + L"\\Implemented Categories\\" + ProgrammableCategory, nullptr, L""},
-        {described.Name, nullptr, described.Name},
-        {described.Name + L"\\CLSID", nullptr, IdText(described.Id)},
+        {name, nullptr, name},
+        {name + L"\\CLSID", nullptr, IdText(id)},
     };
 }
 
-/// The type library as it is registered.
-struct TypeLibrary {
+/// The type library, its attributes, and the key of this version of it.
+struct TypeLibrary : TLIBATTR {
     Microsoft::WRL::ComPtr<ITypeLib> Library;
-    TLIBATTR Attributes;
-    std::wstring Key;        ///< of all its versions
-    std::wstring VersionKey; ///< of its own
+    std::wstring Key;
 };
 
 HRESULT Load(TypeLibrary& library)
@@ -77,17 +65,16 @@ HRESULT Load(TypeLibrary& library)
         result = library.Library->GetLibAttr(&attributes);
     }
     if (SUCCEEDED(result)) {
-        library.Attributes = *attributes;
+        static_cast<TLIBATTR&>(library) = *attributes;
         library.Library->ReleaseTLibAttr(attributes);
         wchar_t version[sizeof("\\ffff.ffff")];
-        wsprintfW(version, L"\\%x.%x", library.Attributes.wMajorVerNum, library.Attributes.wMinorVerNum);
-        library.Key = L"TypeLib\\" + IdText(library.Attributes.guid);
-        library.VersionKey = library.Key + version;
+        wsprintfW(version, L"\\%x.%x", library.wMajorVerNum, library.wMinorVerNum);
+        library.Key = L"TypeLib\\" + IdText(library.guid) + version;
     }
     return result;
 }
 
-/// Where the system refuses, the reason goes before the part that failed.
+/// What the system refuses is told as such; any other failure by the part that it befell.
 HRESULT ResultOf(LSTATUS status, HRESULT failed)
 {
     return status == ERROR_SUCCESS ? S_OK : status == ERROR_ACCESS_DENIED ? E_ACCESSDENIED : failed;
@@ -101,8 +88,8 @@ LSTATUS Write(const Entry& entry)
 
 HRESULT RegisterAll()
 {
-    for (const Class& described : Classes()) {
-        for (const Entry& entry : EntriesOf(described)) {
+    for (const auto& [id, name] : Classes) {
+        for (const Entry& entry : EntriesOf(id, name)) {
             if (const LSTATUS status = Write(entry); status != ERROR_SUCCESS) {
                 return ResultOf(status, SELFREG_E_CLASS);
             }
@@ -115,19 +102,7 @@ HRESULT RegisterAll()
     }
     // The system has registered it under its language. What carries calls to another apartment looks for it
     // under none.
-    return ResultOf(Write({library.VersionKey + L"\\0\\win32", nullptr, path}), SELFREG_E_TYPELIB);
-}
-
-/// The keys under which everything is registered; what stands below them is this version's alone.
-std::vector<std::wstring> AllKeys(const TypeLibrary& library)
-{
-    std::vector<std::wstring> keys = {L"Interface\\" + IdText(__uuidof(_Encoder)),
-                                      L"Interface\\" + IdText(__uuidof(_CError)), library.VersionKey};
-    for (const Class& described : Classes()) {
-        keys.push_back(KeyOf(described));
-        keys.push_back(described.Name);
-    }
-    return keys;
+    return ResultOf(Write({library.Key + L"\\0\\win32", nullptr, path}), SELFREG_E_TYPELIB);
 }
 
 HRESULT UnregisterAll()
@@ -138,17 +113,23 @@ HRESULT UnregisterAll()
     }
     // The system does its own part where it can: not for a registration that is half done, or whose library
     // has moved. So the keys are deleted all the same, and that decides.
-    const TLIBATTR& attributes = library.Attributes;
-    static_cast<void>(UnRegisterTypeLib(attributes.guid, attributes.wMajorVerNum, attributes.wMinorVerNum,
-                                        attributes.lcid, attributes.syskind));
+    static_cast<void>(UnRegisterTypeLib(library.guid, library.wMajorVerNum, library.wMinorVerNum,
+                                        library.lcid, library.syskind));
+    std::vector<std::wstring> keys = {library.Key, L"Interface\\" + IdText(__uuidof(_Encoder)),
+                                      L"Interface\\" + IdText(__uuidof(_CError))};
+    for (const auto& [id, name] : Classes) {
+        keys.push_back(L"CLSID\\" + IdText(id));
+        keys.emplace_back(name);
+    }
     HRESULT result = S_OK;
-    for (const std::wstring& key : AllKeys(library)) { // one that fails doesn't keep the others
+    for (const std::wstring& key : keys) { // one that fails doesn't keep the others
         const LSTATUS status = RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
         if (status != ERROR_FILE_NOT_FOUND && SUCCEEDED(result)) {
             result = ResultOf(status, SELFREG_E_CLASS);
         }
     }
-    RegDeleteKeyW(HKEY_CLASSES_ROOT, library.Key.c_str()); // it stays where another version stands in it
+    // The key of all versions stays where another version stands in it.
+    RegDeleteKeyW(HKEY_CLASSES_ROOT, (L"TypeLib\\" + IdText(library.guid)).c_str());
     return result;
 }
 

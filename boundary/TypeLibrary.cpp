@@ -1,5 +1,7 @@
 #include "boundary/TypeLibrary.h"
 
+#include "boundary/Results.h"
+
 #include <memory>
 #include <oleauto.h>
 #include <utility>
@@ -31,9 +33,7 @@ Member MemberOf(const FUNCDESC& function)
     Member member{
         .Id = function.memid, .Kind = function.invkind, .Slot = static_cast<ULONG_PTR>(function.oVft)};
     for (SHORT at = 0; at < function.cParams; ++at) {
-        const Member::Parameter parameter = ParameterOf(function.lprgelemdescParam[at]);
-        member.Parameters.push_back(parameter);
-        member.Types.push_back(parameter.IsReference ? VARTYPE(VT_BYREF | parameter.Type) : parameter.Type);
+        member.Parameters.push_back(ParameterOf(function.lprgelemdescParam[at]));
     }
     return member;
 }
@@ -53,11 +53,17 @@ HRESULT LoadOwnTypeLibrary(ITypeLib** Library)
     return LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, Library);
 }
 
-HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info)
+HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info) noexcept
 {
-    Microsoft::WRL::ComPtr<ITypeLib> library;
-    const HRESULT loaded = LoadOwnTypeLibrary(library.GetAddressOf());
-    return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(Id, Info);
+    return Guarded([&] {
+        if (Info == nullptr) {
+            return E_POINTER;
+        }
+        *Info = nullptr;
+        Microsoft::WRL::ComPtr<ITypeLib> library;
+        const HRESULT loaded = LoadOwnTypeLibrary(library.GetAddressOf());
+        return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(Id, Info);
+    });
 }
 
 HRESULT Describe(REFIID Interface, InterfaceDescription& Description)

@@ -17,7 +17,7 @@ std::wstring OwnPath();
 HRESULT LoadOwnTypeLibrary(ITypeLib** Library);
 
 /// The description of an interface or a class.
-HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info);
+HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info) noexcept;
 
 /// A member of an interface, as a call by name goes by it.
 struct Member {
@@ -31,7 +31,6 @@ struct Member {
     int Kind;       ///< DISPATCH_METHOD and its like
     ULONG_PTR Slot; ///< its offset among the interface's functions
     std::vector<Parameter> Parameters;
-    std::vector<VARTYPE> Types; ///< of the parameters, with the reference
 };
 
 /// What is looked up once for an object that is called by name.

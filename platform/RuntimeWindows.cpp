@@ -1,10 +1,9 @@
 // Parts of the compiler's runtime in the component's own words. The runtime's would bring text for people,
-// and with it strings and the printf family, a third of the DLL in all: the host would never see it.
+// and with it strings and the printf family, a third of the DLL, which no host ever sees.
 #include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <new>
-#include <stdexcept>
 #include <windows.h>
 
 // What ends the process if an exception ever had nowhere to go.
@@ -13,34 +12,18 @@ void __gnu_cxx::__verbose_terminate_handler()
     std::abort();
 }
 
-// What the standard library throws: to a host it is an E_UNEXPECTED, whatever it says.
+// What the standard library throws: to a host it is E_UNEXPECTED, whatever it says, or E_OUTOFMEMORY.
 namespace std
 {
 
-void __throw_length_error(const char* /*what*/)
-{
-    throw exception();
-}
-void __throw_out_of_range_fmt(const char* /*what*/, ...)
-{
-    throw exception();
-}
-void __throw_logic_error(const char* /*what*/)
-{
-    throw exception();
-}
-void __throw_bad_function_call()
-{
-    throw exception();
-}
-void __throw_bad_alloc()
-{
-    throw bad_alloc();
-}
-void __throw_bad_array_new_length()
-{
-    throw bad_alloc();
-}
+// clang-format off
+void __throw_length_error(const char*) { throw exception(); }
+void __throw_logic_error(const char*) { throw exception(); }
+void __throw_out_of_range_fmt(const char*, ...) { throw exception(); }
+void __throw_bad_function_call() { throw exception(); }
+void __throw_bad_alloc() { throw bad_alloc(); }
+void __throw_bad_array_new_length() { throw bad_alloc(); }
+// clang-format on
 
 } // namespace std
 
