@@ -2,6 +2,8 @@
 // beside it answers at once.
 #include "tests/boundary/Client.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -36,39 +38,27 @@ double TimeOf(const Call& call)
     return times[Rounds / 2];
 }
 
-/// The last argument is the variable of the result.
-template <class... Formal>
-void Measure(_Encoder& encoder, int commands, const Member<_Encoder, Formal...>& member,
-             std::type_identity_t<Formal>... arguments)
+/// By slot as a compiler makes the call; by name as Call does.
+template <class BySlot>
+void Measure(_Encoder& encoder, int commands, const wchar_t* name, const BySlot& callBySlot,
+             const std::vector<_variant_t>& arguments)
 {
-    const double bySlot = TimeOf([&] { return (encoder.*member.Slot)(arguments...); });
-
-    if (*std::get<sizeof...(Formal) - 1>(std::tuple(arguments...)) != sceSuccess) {
+    sceReturnCode result = sceError;
+    const double bySlot = TimeOf([&] { return callBySlot(&result); });
+    if (result != sceSuccess) {
         std::puts("an operation failed");
         std::exit(EXIT_FAILURE);
     }
-    auto* name = const_cast<LPOLESTR>(member.Name);
-    DISPID id = DISPID_UNKNOWN;
-    encoder.GetIDsOfNames(IID{}, &name, 1, LOCALE_USER_DEFAULT, &id);
-    std::vector<VARIANTARG> given = {AsVariant<Formal>(arguments)...};
-    given.pop_back();
-    std::reverse(given.begin(), given.end());
-    DISPPARAMS list{.rgvarg = given.data(), .cArgs = static_cast<UINT>(given.size())};
-    const auto invoke = [&] {
-        Variant result;
-        return encoder.Invoke(id, IID{}, LOCALE_USER_DEFAULT, Method, &list, &result, nullptr, nullptr);
-    };
-    const double byName = TimeOf(invoke);
-
-    std::vector<Variant> variables(given.size());
-    for (size_t at = 0; at < given.size(); ++at) {
-        if (V_VT(&given[at]) != VariantReference) {
-            VariantCopyInd(&variables[at], &given[at]);
-            given[at] = AsVariant<VARIANT*>(&variables[at]);
-        }
+    const Member& member = Find<_Encoder>(name, arguments.size());
+    Call named(Way::ByName, encoder, member, arguments);
+    const double byName = TimeOf([&] { return named.Run(); });
+    Call script(Way::AsScript, encoder, member, arguments);
+    for (size_t at = 0; at < arguments.size(); ++at) { // a variable has its type after the first call
+        script.Arguments[at] = named.Arguments[at];
     }
-    const double asScript = TimeOf(invoke);
-    std::printf("%-20ls %8d %11.0f %11.0f %11.0f\n", member.Name, commands, bySlot, byName, asScript);
+    const double asScript = TimeOf([&] { return script.Run(); });
+    std::printf("%-20ls %8d %11.0f %11.0f %11.0f %11.2f\n", name, commands, bySlot, byName, asScript,
+                byName / bySlot);
 }
 
 void MeasureAll()
@@ -80,27 +70,47 @@ void MeasureAll()
     }
     _Encoder& encoder = *made.Get();
     encoder.ReOpenEncoder();
-    const Text key(FactoryKey);
-    Text block(L"00112233445566778899AABBCCDDEEFF");
-    sceReturnCode result{};
-    constexpr unsigned char keyType = 1;
+    const _bstr_t key(FactoryKey);
+    const _bstr_t contents(L"00112233445566778899AABBCCDDEEFF");
+    BSTR block = contents.copy();
+    constexpr LONG keyType = 1;
     constexpr LONG blockNumber = 4;
     constexpr int commands = 5;
-    std::printf("%-20s %8s %11s %11s %11s\n", "operation", "commands", "by slot ns", "by name ns",
-                "script ns");
-    Measure(encoder, commands, ReadDataBloc, blockNumber, key, keyType, block.Variable(), &result);
-    Measure(encoder, commands, WriteDataBloc, blockNumber, key, keyType, block.Variable(), &result);
-    unsigned char keysUsed = 0;
-    unsigned char bx = 0;
+    const std::vector<_variant_t> ofBlock = {blockNumber, FactoryKey, keyType, contents};
+    std::printf("%-20s %8s %11s %11s %11s %11s\n", "operation", "commands", "by slot ns", "by name ns",
+                "script ns", "name/slot");
+    const auto read = [&](auto* result) {
+        return encoder.ReadDataBloc(blockNumber, key, keyType, &block, result);
+    };
+    Measure(encoder, commands, L"ReadDataBloc", read, ofBlock);
+    const auto write = [&](auto* result) {
+        return encoder.WriteDataBloc(blockNumber, key, keyType, &block, result);
+    };
+    Measure(encoder, commands, L"WriteDataBloc", write, ofBlock);
+    unsigned char byte = 0;
     SCBS_SecurityLevelEnum level{};
     SCSS_SecurityLevelEnum ofTrailer{};
-    Measure(encoder, commands, ReadSectorTrailer, 1, key, keyType, &keysUsed, &level, &level, &level,
-            &ofTrailer, &bx, &result);
-    Variant userByte(VT_UI1, 0x69);
-    Measure(encoder, 3 * commands, WriteSectorTrailer, 1, key, keyType, key, key, 1, scbs_A_ReadWrite,
-            scbs_A_ReadWrite, scbs_A_ReadWrite, scss_A_WriteKeysConditions, &userByte, &result);
+    const auto readTrailer = [&](auto* result) {
+        return encoder.ReadSectorTrailer(1, key, keyType, &byte, &level, &level, &level, &ofTrailer, &byte,
+                                         result);
+    };
+    Measure(encoder, commands, L"ReadSectorTrailer", readTrailer,
+            {1L, FactoryKey, keyType, 0L, 0L, 0L, 0L, 0L, 0L});
+    constexpr LONG all = scbs_A_ReadWrite;
+    constexpr LONG allOfTrailer = scss_A_WriteKeysConditions;
+    _variant_t userByte(BYTE(0x69));
+    const auto writeTrailer = [&](auto* result) {
+        return encoder.WriteSectorTrailer(1, key, keyType, key, key, 1, scbs_A_ReadWrite, scbs_A_ReadWrite,
+                                          scbs_A_ReadWrite, scss_A_WriteKeysConditions, &userByte, result);
+    };
+    Measure(encoder, 3 * commands, L"WriteSectorTrailer", writeTrailer,
+            {1L, FactoryKey, keyType, FactoryKey, FactoryKey, 1L, all, all, all, allOfTrailer, userByte});
     // Last, as each call makes the list of value blocks longer.
-    Measure(encoder, commands, WriteValueBloc, blockNumber, key, keyType, 1000, &result);
+    const auto writeValue = [&](auto* result) {
+        return encoder.WriteValueBloc(blockNumber, key, keyType, 1000, result);
+    };
+    Measure(encoder, commands, L"WriteValueBloc", writeValue, {blockNumber, FactoryKey, keyType, 1000L});
+    SysFreeString(block);
 }
 
 } // namespace

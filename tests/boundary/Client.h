@@ -1,20 +1,16 @@
-// A client of the component: it knows the type library's declarations, and nothing of the component's
-// sources.
+// A client of the component, which takes from the type library what there is to call.
 #pragma once
 
 #include <ACG_MultiISO_TV.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <cstring>
+#include <comutil.h>
+#include <cstdio>
 #include <cwchar>
+#include <filesystem>
 #include <oleauto.h>
-#include <ostream>
 #include <string>
-#include <tuple>
-#include <type_traits>
-#include <utility>
+#include <vector>
 #include <wrl/client.h>
 
 namespace client
@@ -22,160 +18,69 @@ namespace client
 
 using Microsoft::WRL::ComPtr;
 
-constexpr const wchar_t* EncoderName = L"ACG_MultiISO_TV.Encoder";
-constexpr const wchar_t* ErrorName = L"ACG_MultiISO_TV.CError";
-
-/// What a variable holds that the component has to fill or to leave alone.
-constexpr LONG Poison = 0x5A5A5A5A;
-
-/// A number as an enum that has no such value.
-template <class Enum>
-Enum Raw(LONG number)
-{
-    Enum value{};
-    std::memcpy(&value, &number, sizeof(value));
-    return value;
-}
-
-/// A text that the client owns.
-class Text
-{
-public:
-    Text() = default;
-    explicit Text(const std::wstring& characters)
-        : m_text(SysAllocStringLen(characters.data(), static_cast<UINT>(characters.size())))
-    {
-    }
-    ~Text() { SysFreeString(m_text); }
-    void Set(const wchar_t* characters) { SysFreeString(std::exchange(m_text, SysAllocString(characters))); }
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-
-    operator BSTR() const { return m_text; }
-    BSTR* Variable() { return &m_text; }
-    [[nodiscard]] std::wstring Characters() const { return {m_text, m_text + SysStringLen(m_text)}; }
-
-private:
-    BSTR m_text = nullptr;
-};
-
-inline std::wstring TakeText(BSTR text)
-{
-    Text owner;
-    *owner.Variable() = text;
-    return owner.Characters();
-}
-
-struct Variant : VARIANT {
-    explicit Variant(VARENUM type = VT_EMPTY, LONG value = 0) : VARIANT{}
-    {
-        V_VT(this) = static_cast<VARTYPE>(type);
-        V_I4(this) = value;
-    }
-    explicit Variant(double value) : Variant(VT_R8) { V_R8(this) = value; }
-    explicit Variant(const wchar_t* text) : Variant(VT_BSTR) { V_BSTR(this) = SysAllocString(text); }
-    explicit Variant(IDispatch& object) : Variant(VT_DISPATCH)
-    {
-        object.AddRef();
-        V_DISPATCH(this) = &object;
-    }
-    ~Variant() { VariantClear(this); }
-    Variant(const Variant&) = delete;
-    Variant& operator=(const Variant&) = delete;
-};
-
-/// How a call ended. All ways of calling tell the same.
-struct Outcome {
-    HRESULT Result = S_OK;
-    std::wstring Description;
-    std::wstring Source;
-
-    bool operator==(const Outcome&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const Outcome& outcome)
-{
-    return out << std::hex << outcome.Result << ' ' << testing::PrintToString(outcome.Description) << ' '
-               << testing::PrintToString(outcome.Source);
-}
-
-inline Outcome WithErrorInfo(HRESULT result)
-{
-    Outcome outcome{.Result = result};
-    ComPtr<IErrorInfo> info;
-    if (GetErrorInfo(0, info.GetAddressOf()) == S_OK) {
-        BSTR text = nullptr;
-        info->GetDescription(&text);
-        outcome.Description = TakeText(text);
-        info->GetSource(&text);
-        outcome.Source = TakeText(text);
-    }
-    return outcome;
-}
-
-/// While the component works, and not the client.
-inline bool InCall = false;
-
-/// Calls a member by its name. Kind: DISPATCH_METHOD and its like. The arguments stand in reverse order.
-inline Outcome Invoke(IDispatch& object, const wchar_t* name, WORD kind, VARIANTARG* reversed, UINT count,
-                      VARIANT* result, UINT* badArgument = nullptr)
-{
-    auto* names = const_cast<LPOLESTR>(name);
-    DISPID id = DISPID_UNKNOWN;
-    const HRESULT found = object.GetIDsOfNames(IID{}, &names, 1, LOCALE_USER_DEFAULT, &id);
-    if (FAILED(found)) {
-        return {.Result = found};
-    }
-    DISPID put = DISPID_PROPERTYPUT;
-    DISPPARAMS arguments{.rgvarg = reversed, .cArgs = count};
-    if (kind == DISPATCH_PROPERTYPUT) {
-        arguments.rgdispidNamedArgs = &put;
-        arguments.cNamedArgs = 1;
-    }
-    EXCEPINFO exception{};
-    InCall = true;
-    const HRESULT called =
-        object.Invoke(id, IID{}, LOCALE_USER_DEFAULT, kind, &arguments, result, &exception, badArgument);
-    InCall = false;
-    if (called != DISP_E_EXCEPTION) {
-        return {.Result = called};
-    }
-    return {exception.scode, TakeText(exception.bstrDescription), TakeText(exception.bstrSource)};
-}
-
 constexpr VARTYPE VariantReference = VT_BYREF | VT_VARIANT;
+constexpr const wchar_t* FactoryKey = L"FFFFFFFFFFFF";
 
-/// An argument as a caller by name hands it over: a pointer as a reference of its type.
-template <class Formal>
-VARIANTARG AsVariant(Formal argument)
+inline std::wstring ComponentPath()
 {
-    VARIANTARG variant{};
-    if constexpr (std::is_same_v<Formal, BSTR>) {
-        V_VT(&variant) = VT_BSTR;
-        V_BSTR(&variant) = argument;
-    } else if constexpr (std::is_pointer_v<Formal>) {
-        constexpr VARTYPE number = sizeof(*argument) == 1 ? VT_UI1 : VT_I4;
-        V_VT(&variant) = std::is_same_v<Formal, VARIANT*>    ? VariantReference
-                         : std::is_same_v<Formal, BSTR*>     ? VT_BYREF | VT_BSTR
-                         : std::is_same_v<Formal, _CError**> ? VT_BYREF | VT_DISPATCH
-                                                             : VT_BYREF | number;
-        V_BYREF(&variant) = argument;
-    } else {
-        V_VT(&variant) = sizeof(Formal) == 1 ? VT_UI1 : VT_I4;
-        V_I4(&variant) = static_cast<LONG>(argument);
-    }
-    return variant;
+    wchar_t path[MAX_PATH];
+    const std::filesystem::path own = std::wstring(path, GetModuleFileNameW(nullptr, path, MAX_PATH));
+    return (own.parent_path() / L"ACG_MultiISO_TV.dll").wstring();
 }
 
-/// Puts what a call by name has given into the variable that a caller by slot would have named.
-inline void TakeOver(VARIANT& given, const VARIANTARG& variable)
+inline ComPtr<ITypeLib> TypeLibrary()
 {
-    if (V_ISBYREF(&variable) && V_VT(&variable) != VariantReference) {
-        EXPECT_EQ(V_VT(&given) | VT_BYREF, V_VT(&variable));
-        auto* const value = reinterpret_cast<unsigned char*>(&V_BYREF(&given));
-        std::swap_ranges(value, value + (V_VT(&given) == VT_UI1 ? 1 : sizeof(LONG)),
-                         static_cast<unsigned char*>(V_BYREF(&variable)));
+    ComPtr<ITypeLib> library;
+    EXPECT_EQ(LoadTypeLibEx(ComponentPath().c_str(), REGKIND_NONE, library.GetAddressOf()), S_OK);
+    return library;
+}
+
+/// Of the value that a reference leads to.
+inline VARTYPE Plain(VARTYPE type)
+{
+    return static_cast<VARTYPE>(type & ~VT_BYREF);
+}
+
+struct Member {
+    std::wstring Name;
+    DISPID Id;
+    WORD Kind; ///< DISPATCH_METHOD and its like
+    ULONG_PTR Slot;
+    std::vector<VARTYPE> Types; ///< with the reference; the result last
+    bool HasResult;
+
+    [[nodiscard]] size_t Inputs() const { return Types.size() - (HasResult ? 1 : 0); }
+};
+
+/// In the order of their slots.
+inline std::vector<Member> MembersOf(REFIID id)
+{
+    ComPtr<ITypeInfo> named;
+    ComPtr<ITypeInfo> slots;
+    HREFTYPE reference = 0;
+    EXPECT_EQ(TypeLibrary()->GetTypeInfoOfGuid(id, named.GetAddressOf()), S_OK);
+    EXPECT_EQ(named->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), S_OK);
+    EXPECT_EQ(named->GetRefTypeInfo(reference, slots.GetAddressOf()), S_OK);
+    std::vector<Member> members;
+    FUNCDESC* function = nullptr;
+    for (UINT at = 0; SUCCEEDED(slots->GetFuncDesc(at, &function)); ++at) {
+        _bstr_t name;
+        UINT count = 0;
+        EXPECT_EQ(slots->GetNames(function->memid, name.GetAddress(), 1, &count), S_OK);
+        Member member{name.GetBSTR(), function->memid, static_cast<WORD>(function->invkind),
+                      static_cast<ULONG_PTR>(function->oVft)};
+        for (SHORT parameter = 0; parameter < function->cParams; ++parameter) {
+            const ELEMDESC& described = function->lprgelemdescParam[parameter];
+            const bool isReference = described.tdesc.vt == VT_PTR;
+            const VARTYPE type = isReference ? described.tdesc.lptdesc->vt : described.tdesc.vt;
+            const int plain = type == VT_PTR ? VT_DISPATCH : type == VT_USERDEFINED ? VT_I4 : int{type};
+            member.Types.push_back(static_cast<VARTYPE>(plain | (isReference ? VT_BYREF : 0)));
+            member.HasResult = (described.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0;
+        }
+        slots->ReleaseFuncDesc(function);
+        members.push_back(member);
     }
+    return members;
 }
 
 enum class Way {
@@ -184,150 +89,157 @@ enum class Way {
     AsScript, ///< by name, and every argument a reference to a variant
 };
 
-/// A member that is called in every way with one and the same list of arguments, the variable of the result
-/// last. A null VARIANT* is left out by name.
-template <class Interface, class... Formal>
-struct Member {
-    const wchar_t* Name;
-    WORD Kind;
-    HRESULT (STDMETHODCALLTYPE Interface::*Slot)(Formal...);
-
-    static constexpr size_t Count = sizeof...(Formal);
-
-    Outcome operator()(Way way, Interface& object, std::type_identity_t<Formal>... arguments) const
-    {
-        if (way == Way::BySlot) {
-            SetErrorInfo(0, nullptr);
-            InCall = true;
-            const HRESULT result = (object.*Slot)(arguments...);
-            InCall = false;
-            return WithErrorInfo(result);
-        }
-        std::array<VARIANTARG, Count + 1> typed{}; // in reverse order; never empty
-        size_t at = Count;
-        ((typed[--at] = AsVariant<Formal>(arguments)), ...);
-        const size_t results = Count > 0 && Kind != DISPATCH_PROPERTYPUT ? 1 : 0;
-        const size_t leftOut = Count > results && V_VT(&typed[results]) == VariantReference &&
-                               V_BYREF(&typed[results]) == nullptr;
-
-        std::array<Variant, Count + 1> variables;
-        std::array<VARIANTARG, Count + 1> given = typed;
-        for (at = results + leftOut; way == Way::AsScript && at < Count; ++at) {
-            if (V_VT(&typed[at]) != VariantReference) {
-                EXPECT_EQ(VariantCopyInd(&variables[at], &typed[at]), S_OK);
-                given[at] = AsVariant<VARIANT*>(&variables[at]);
-            }
-        }
-        Variant result;
-        const Outcome outcome =
-            Invoke(object, Name, Kind, &given[results + leftOut],
-                   static_cast<UINT>(Count - results - leftOut), results ? &result : nullptr);
-        if (SUCCEEDED(outcome.Result)) {
-            if (results > 0) {
-                TakeOver(result, typed[0]);
-            }
-            for (at = results + leftOut; way == Way::AsScript && at < Count; ++at) {
-                TakeOver(variables[at], typed[at]);
-            }
-        }
-        return outcome;
-    }
-};
-
-template <class Interface, class... Formal>
-Member(const wchar_t*, WORD, HRESULT (STDMETHODCALLTYPE Interface::*)(Formal...))
-    -> Member<Interface, Formal...>;
-
-constexpr WORD Method = DISPATCH_METHOD;
-constexpr WORD Get = DISPATCH_PROPERTYGET;
-constexpr WORD Put = DISPATCH_PROPERTYPUT;
-
-inline constexpr Member PutParameters{L"Parameters", Put, &_Encoder::put_Parameters};
-inline constexpr Member GetParameters{L"Parameters", Get, &_Encoder::get_Parameters};
-inline constexpr Member LastError{L"LastError", Get, &_Encoder::get_LastError};
-inline constexpr Member EncoderState{L"EncoderState", Get, &_Encoder::get_EncoderState};
-inline constexpr Member ReaderType{L"ReaderType", Get, &_Encoder::get_ReaderType};
-inline constexpr Member ATRString{L"ATRString", Get, &_Encoder::get_ATRString};
-inline constexpr Member CardType{L"CardType", Get, &_Encoder::get_CardType};
-inline constexpr Member SerialNumberLength{L"SerialNumberLength", Get, &_Encoder::get_SerialNumberLength};
-inline constexpr Member GetInformation{L"GetInformation", Method, &_Encoder::GetInformation};
-inline constexpr Member Configure{L"Configure", Method, &_Encoder::Configure};
-inline constexpr Member OpenEncoder{L"OpenEncoder", Method, &_Encoder::OpenEncoder};
-inline constexpr Member CloseEncoder{L"CloseEncoder", Method, &_Encoder::CloseEncoder};
-inline constexpr Member ReadSerialNumber{L"ReadSerialNumber", Method, &_Encoder::ReadSerialNumber};
-inline constexpr Member ReadDataBloc{L"ReadDataBloc", Method, &_Encoder::ReadDataBloc};
-inline constexpr Member ReadManufacturerCode{L"ReadManufacturerCode", Method,
-                                             &_Encoder::ReadManufacturerCode};
-inline constexpr Member ReadSectorTrailer{L"ReadSectorTrailer", Method, &_Encoder::ReadSectorTrailer};
-inline constexpr Member WriteDataBloc{L"WriteDataBloc", Method, &_Encoder::WriteDataBloc};
-inline constexpr Member WriteValueBloc{L"WriteValueBloc", Method, &_Encoder::WriteValueBloc};
-inline constexpr Member WriteSectorTrailer{L"WriteSectorTrailer", Method, &_Encoder::WriteSectorTrailer};
-inline constexpr Member WriteBytesInBloc{L"WriteBytesInBloc", Method, &_Encoder::WriteBytesInBloc};
-inline constexpr Member ReOpenEncoder{L"ReOpenEncoder", Method, &_Encoder::ReOpenEncoder};
-
-/// All of them but Configure, which waits for a person, and ReOpenEncoder, which has no arguments.
-inline constexpr std::tuple EncoderMembers(PutParameters, GetParameters, LastError, EncoderState, ReaderType,
-                                           ATRString, CardType, SerialNumberLength, GetInformation,
-                                           OpenEncoder, CloseEncoder, ReadSerialNumber, ReadDataBloc,
-                                           ReadManufacturerCode, ReadSectorTrailer, WriteDataBloc,
-                                           WriteValueBloc, WriteSectorTrailer, WriteBytesInBloc);
-
-/// The fields of a record: how each is read, and how it is written.
-inline constexpr std::tuple NumberFields(std::pair(Member{L"Number", Get, &_CError::get_Number},
-                                                   Member{L"Number", Put, &_CError::put_Number}),
-                                         std::pair(Member{L"LastDllError", Get, &_CError::get_LastDllError},
-                                                   Member{L"LastDllError", Put, &_CError::put_LastDllError}));
-inline constexpr std::tuple TextFields(std::pair(Member{L"Description", Get, &_CError::get_Description},
-                                                 Member{L"Description", Put, &_CError::put_Description}),
-                                       std::pair(Member{L"ComFunction", Get, &_CError::get_ComFunction},
-                                                 Member{L"ComFunction", Put, &_CError::put_ComFunction}),
-                                       std::pair(Member{L"RdrCommand", Get, &_CError::get_RdrCommand},
-                                                 Member{L"RdrCommand", Put, &_CError::put_RdrCommand}),
-                                       std::pair(Member{L"RdrRetCode", Get, &_CError::get_RdrRetCode},
-                                                 Member{L"RdrRetCode", Put, &_CError::put_RdrRetCode}));
-
-template <class Tuple, class Body>
-void ForEach(const Tuple& all, const Body& body)
+inline VARIANTARG ReferenceTo(VARTYPE type, void* variable)
 {
-    std::apply([&](const auto&... one) { (body(one), ...); }, all);
+    VARIANTARG reference{};
+    V_VT(&reference) = static_cast<VARTYPE>(VT_BYREF | type);
+    V_BYREF(&reference) = variable;
+    return reference;
 }
 
-// On the simulated reader.
+/// A call that can be made again and again. An optional argument at the end may be missing.
+class Call
+{
+public:
+    Call(Way way, IDispatch& object, const Member& member, std::vector<_variant_t> arguments)
+        : Arguments(std::move(arguments)), m_way(way), m_object(object), m_member(member)
+    {
+        for (size_t at = 0; at < Arguments.size(); ++at) {
+            const VARTYPE type = member.Types[at];
+            const VARTYPE plain = Plain(type);
+            if (plain == VT_VARIANT || way == Way::AsScript) {
+                Passed.push_back(ReferenceTo(VT_VARIANT, &Arguments[at]));
+            } else {
+                Arguments[at].ChangeType(plain);
+                Passed.push_back((type & VT_BYREF) != 0 ? ReferenceTo(plain, &V_BYREF(&Arguments[at]))
+                                                        : VARIANTARG(Arguments[at]));
+            }
+        }
+        if (way == Way::BySlot) {
+            Passed.resize(member.Inputs(), ReferenceTo(VT_VARIANT, nullptr));
+            if (member.HasResult) {
+                Passed.push_back(ReferenceTo(member.Types.back(), &V_BYREF(&Value)));
+            }
+        } else {
+            std::reverse(Passed.begin(), Passed.end());
+        }
+        for (VARIANTARG& one : Passed) {
+            m_pointers.push_back(&one);
+        }
+    }
 
-constexpr LONG NoNumber = 0;
-constexpr unsigned char KeyTypeA = 1;
-const wchar_t* const FactoryKey = L"FFFFFFFFFFFF";
+    HRESULT Run()
+    {
+        Value.Clear();
+        V_I4(&Value) = 0x5A5A5A5A; // a member that fails has to take it away
+        SetErrorInfo(0, nullptr);
+        if (m_way == Way::BySlot) {
+            VARIANT result;
+            EXPECT_EQ(DispCallFunc(&m_object, m_member.Slot, CC_STDCALL, VT_ERROR,
+                                   static_cast<UINT>(m_pointers.size()),
+                                   const_cast<VARTYPE*>(m_member.Types.data()), m_pointers.data(), &result),
+                      S_OK);
+            V_VT(&Value) = m_member.HasResult ? Plain(m_member.Types.back()) : VARTYPE{VT_EMPTY};
+            return V_ERROR(&result);
+        }
+        DISPID put = DISPID_PROPERTYPUT;
+        DISPPARAMS list{.rgvarg = Passed.data(), .cArgs = static_cast<UINT>(Passed.size())};
+        if (m_member.Kind == DISPATCH_PROPERTYPUT) {
+            list.rgdispidNamedArgs = &put;
+            list.cNamedArgs = 1;
+        }
+        Exception = {};
+        BadArgument = MAXUINT;
+        return m_object.Invoke(m_member.Id, IID{}, LOCALE_USER_DEFAULT, m_member.Kind, &list, &Value,
+                               &Exception, &BadArgument);
+    }
 
+    std::vector<_variant_t> Arguments;
+    _variant_t Value;
+    std::vector<VARIANTARG> Passed; ///< by name in reverse order
+    EXCEPINFO Exception{};
+    UINT BadArgument = MAXUINT;
+
+private:
+    Way m_way;
+    IDispatch& m_object;
+    const Member& m_member;
+    std::vector<VARIANTARG*> m_pointers;
+};
+
+/// How a call ended, in whatever way it was made.
+struct Outcome {
+    HRESULT Result = S_OK;
+    _bstr_t Description;
+    _bstr_t Source;
+    _variant_t Value;
+    std::vector<_variant_t> Arguments;
+};
+
+inline Outcome Make(Way way, IDispatch& object, const Member& member, std::vector<_variant_t> arguments)
+{
+    Call call(way, object, member, std::move(arguments));
+    Outcome outcome{.Result = call.Run()};
+    ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.GetAddressOf()) == S_OK) {
+        info->GetDescription(outcome.Description.GetAddress());
+        info->GetSource(outcome.Source.GetAddress());
+    } else if (outcome.Result == DISP_E_EXCEPTION) {
+        outcome.Result = call.Exception.scode;
+        outcome.Description.Attach(call.Exception.bstrDescription);
+        outcome.Source.Attach(call.Exception.bstrSource);
+    }
+    outcome.Value = call.Value;
+    outcome.Arguments = std::move(call.Arguments);
+    return outcome;
+}
+
+template <class Interface>
+const std::vector<Member>& Members()
+{
+    static const std::vector<Member> members = MembersOf(__uuidof(Interface));
+    return members;
+}
+
+template <class Interface>
+const Member& Find(const wchar_t* name, size_t arguments)
+{
+    const auto found =
+        std::find_if(Members<Interface>().begin(), Members<Interface>().end(), [&](const Member& one) {
+            return one.Name == name && one.Inputs() >= arguments &&
+                   (one.Kind != DISPATCH_PROPERTYPUT || arguments == 1);
+        });
+    return *found;
+}
+
+template <class Interface>
+Outcome Make(Way way, Interface& object, const wchar_t* name, std::vector<_variant_t> arguments = {})
+{
+    const Member& member = Find<Interface>(name, arguments.size());
+    return Make(way, object, member, std::move(arguments));
+}
+
+inline std::wstring TextOf(_variant_t value)
+{
+    value.ChangeType(VT_BSTR);
+    return {V_BSTR(&value), SysStringLen(V_BSTR(&value))};
+}
+
+/// Of the registered component.
 inline ComPtr<_Encoder> NewEncoder()
 {
-    CLSID id{};
-    EXPECT_EQ(CLSIDFromProgID(EncoderName, &id), S_OK);
-    ComPtr<_Encoder> encoder;
-    EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(_Encoder),
-                               reinterpret_cast<void**>(encoder.GetAddressOf())),
+    ComPtr<_Encoder> made;
+    EXPECT_EQ(CoCreateInstance(__uuidof(Encoder), nullptr, CLSCTX_INPROC_SERVER, __uuidof(_Encoder),
+                               reinterpret_cast<void**>(made.GetAddressOf())),
               S_OK);
-    return encoder;
+    return made;
 }
 
 inline ComPtr<_CError> RecordOf(_Encoder& encoder)
 {
-    ComPtr<_CError> error;
-    EXPECT_EQ(encoder.get_LastError(error.GetAddressOf()), S_OK);
-    return error;
-}
-
-inline LONG NumberOf(_CError& error)
-{
-    LONG number = Poison;
-    EXPECT_EQ(error.get_Number(&number), S_OK);
-    return number;
-}
-
-inline std::wstring FunctionOf(_CError& error)
-{
-    Text name;
-    EXPECT_EQ(error.get_ComFunction(name.Variable()), S_OK);
-    return name.Characters();
+    ComPtr<_CError> record;
+    EXPECT_EQ(encoder.get_LastError(record.GetAddressOf()), S_OK);
+    return record;
 }
 
 /// A device with a card of its own, as cards last as long as the process.
@@ -338,30 +250,11 @@ inline std::wstring ParametersFor(LONG card)
     return text;
 }
 
-/// The number that OpenEncoder asks for: the fifth field.
-inline LONG HandleNumber(const std::wstring& information)
-{
-    size_t from = 0;
-    for (int field = 1; field < 5; ++field) {
-        from = information.find(L'|', from) + 1;
-    }
-    return std::stol(information.substr(from));
-}
-
+/// ReOpenEncoder goes by the number that OpenEncoder asks for.
 inline void Open(_Encoder& encoder, LONG card)
 {
-    ASSERT_EQ(encoder.put_Parameters(Text(ParametersFor(card))), S_OK);
-    Text information;
-    ASSERT_EQ(encoder.GetInformation(information.Variable()), S_OK);
-    sceReturnCode result = sceError;
-    ASSERT_EQ(encoder.OpenEncoder(HandleNumber(information.Characters()), &result), S_OK);
-    ASSERT_EQ(result, sceSuccess);
-}
-
-inline ULONG References(IUnknown& object)
-{
-    object.AddRef();
-    return object.Release();
+    ASSERT_EQ(encoder.put_Parameters(_bstr_t(ParametersFor(card).c_str())), S_OK);
+    ASSERT_EQ(encoder.ReOpenEncoder(), S_OK);
 }
 
 } // namespace client

@@ -11,206 +11,177 @@ namespace client
 namespace
 {
 
-class MemberTest : public testing::TestWithParam<Way>
+constexpr LONG KeyTypeA = 1;
+constexpr const wchar_t* EncoderName = L"ACG_MultiISO_TV.Encoder";
+
+LONG NumberOf(_Encoder& encoder)
+{
+    return Make(Way::BySlot, *RecordOf(encoder).Get(), L"Number").Value;
+}
+
+std::wstring FunctionOf(_Encoder& encoder)
+{
+    return TextOf(Make(Way::BySlot, *RecordOf(encoder).Get(), L"ComFunction").Value);
+}
+
+ULONG References(IUnknown& object)
+{
+    object.AddRef();
+    return object.Release();
+}
+
+class WayTest : public testing::TestWithParam<Way>
 {
 protected:
     const Way way = GetParam();
-    const ComPtr<_Encoder> made = NewEncoder();
+    ComPtr<_Encoder> made = NewEncoder();
     _Encoder& encoder = *made.Get();
-    const ComPtr<_CError> record = RecordOf(encoder);
-    const Text key{FactoryKey};
-    const SCBS_SecurityLevelEnum keep = Raw<SCBS_SecurityLevelEnum>(-1);
-    const SCSS_SecurityLevelEnum keepTrailer = Raw<SCSS_SecurityLevelEnum>(-1);
-
-    template <class Called, class... Arguments>
-    void Succeeds(const Called& member, const Arguments&... arguments)
-    {
-        auto result = Raw<sceReturnCode>(Poison);
-        EXPECT_EQ(member(way, encoder, arguments..., &result), Outcome());
-        EXPECT_EQ(result, sceSuccess) << testing::PrintToString(std::wstring(member.Name));
-        EXPECT_EQ(NumberOf(*record.Get()), NoNumber);
-        EXPECT_EQ(FunctionOf(*record.Get()), member.Name);
-    }
+    const LONG card = 0x10 + static_cast<LONG>(way); // of its own
 };
 constexpr const char* WayNames[] = {"BySlot", "ByName", "AsScript"};
-INSTANTIATE_TEST_SUITE_P(Ways, MemberTest, testing::Values(Way::BySlot, Way::ByName, Way::AsScript),
+INSTANTIATE_TEST_SUITE_P(Ways, WayTest, testing::Values(Way::BySlot, Way::ByName, Way::AsScript),
                          [](const auto& way) { return WayNames[static_cast<size_t>(way.param)]; });
 
-TEST_P(MemberTest, OperationsComeThrough)
+TEST_P(WayTest, OperationsComeThrough)
 {
-    const LONG card = 0x10 + static_cast<LONG>(way);
-    EXPECT_EQ(PutParameters(way, encoder, Text(ParametersFor(card))), Outcome());
-    Text text;
-    EXPECT_EQ(GetParameters(way, encoder, text.Variable()), Outcome());
-    EXPECT_NE(text.Characters().find(ParametersFor(card)), std::wstring::npos);
-    Text information;
-    EXPECT_EQ(GetInformation(way, encoder, information.Variable()), Outcome());
-    EXPECT_TRUE(information.Characters().starts_with(L"Tarvello|ACG Multi-ISO|7.1.1947|1|"));
-    Succeeds(OpenEncoder, HandleNumber(information.Characters()));
+    const std::wstring parameters = ParametersFor(card);
+    EXPECT_EQ(Make(way, encoder, L"Parameters", {parameters.c_str()}).Result, S_OK);
+    EXPECT_NE(TextOf(Make(way, encoder, L"Parameters").Value).find(parameters), std::wstring::npos);
+    const std::wstring information = TextOf(Make(way, encoder, L"GetInformation").Value);
+    ASSERT_TRUE(information.starts_with(L"Tarvello|ACG Multi-ISO|7.1.1947|1|"));
 
-    sceEncoderState state{};
-    EXPECT_EQ(EncoderState(way, encoder, &state), Outcome());
-    EXPECT_EQ(state, sceReady);
-    Text type;
-    EXPECT_EQ(ReaderType(way, encoder, type.Variable()), Outcome());
-    EXPECT_EQ(type.Characters(), L"MultiISO 2.1");
-
-    Succeeds(ReadSerialNumber, text.Variable());
-    EXPECT_EQ(text.Characters(), ParametersFor(card).substr(16));
-    LONG number = Poison;
-    unsigned char checkSum = 0;
-    Succeeds(ReadManufacturerCode, key, KeyTypeA, &number, &checkSum, text.Variable());
-    EXPECT_EQ(number, card);
-    EXPECT_EQ(checkSum, card); // the exclusive or of the number's bytes
-    EXPECT_EQ(text.Characters().size(), 22U);
-
-    Text block(L" 000102030405060708090a0b0c0d0e0f ");
-    Succeeds(WriteDataBloc, 5, key, KeyTypeA, block.Variable());
-    Text bytes(L"AABB");
-    constexpr unsigned char from = 14;
-    constexpr unsigned char to = 15;
-    Succeeds(WriteBytesInBloc, 5, key, KeyTypeA, from, to, bytes.Variable());
-    Succeeds(ReadDataBloc, 5, key, KeyTypeA, block.Variable());
-    EXPECT_EQ(block.Characters(), L"000102030405060708090A0B0C0DAABB");
-    EXPECT_EQ(bytes.Characters(), block.Characters());
-    Succeeds(WriteValueBloc, 6, key, KeyTypeA, -2);
-    Succeeds(ReadDataBloc, 6, key, KeyTypeA, block.Variable());
-    EXPECT_EQ(block.Characters().substr(0, 16), L"FEFFFFFF01000000");
-
-    constexpr unsigned char bothKeys = 2;
-    const auto readOnly = Raw<SCBS_SecurityLevelEnum>(scbs_A_Read + scbs_B_Read);
-    const auto readWrite = Raw<SCBS_SecurityLevelEnum>(scbs_A_ReadWrite + scbs_B_ReadWrite);
-    const Text keyA(L"A0A1A2A3A4A5");
-    const Text keyB(L"B0B1B2B3B4B5");
-    Succeeds(WriteSectorTrailer, 2, key, KeyTypeA, keyA, keyB, bothKeys, readOnly, readWrite, keep,
-             scss_B_WriteKeysConditions, nullptr);
-    unsigned char keysUsed = 0;
-    unsigned char bx = 0;
-    SCBS_SecurityLevelEnum levels[] = {keep, keep, keep};
-    SCSS_SecurityLevelEnum trailer{};
-    Succeeds(ReadSectorTrailer, 2, keyA, KeyTypeA, &keysUsed, &levels[0], &levels[1], &levels[2], &trailer,
-             &bx);
-    EXPECT_EQ(keysUsed, bothKeys);
-    EXPECT_EQ(std::to_array(levels), (std::array{readOnly, readWrite, readWrite}));
-    EXPECT_EQ(trailer, scss_B_WriteKeysConditions);
-    EXPECT_EQ(bx, 0x69);
-
-    EXPECT_EQ(ReOpenEncoder(way, encoder), Outcome());
-    EXPECT_EQ(FunctionOf(*record.Get()), L"OpenEncoder");
-    Succeeds(CloseEncoder);
-    EXPECT_EQ(EncoderState(way, encoder, &state), Outcome());
-    EXPECT_EQ(state, sceClosed);
-}
-
-TEST_P(MemberTest, FailedOperationGivesItsResultAndNoFailedCall)
-{
-    Text block(L"kept");
-    sceReturnCode result = sceSuccess;
-    EXPECT_EQ(ReadDataBloc(way, encoder, 5, key, KeyTypeA, block.Variable(), &result), Outcome());
-    EXPECT_EQ(result, sceError);
-    EXPECT_EQ(block.Characters(), L"kept");
-    EXPECT_EQ(NumberOf(*record.Get()), -1);
-    EXPECT_EQ(FunctionOf(*record.Get()), L"ReadDataBloc");
-}
-
-TEST_P(MemberTest, RaisedFailureCarriesNumberDescriptionAndSource)
-{
-    const auto raises = [&](const auto& member, auto result, const Outcome& expected) {
-        EXPECT_EQ(member(way, encoder, &result), expected);
-        EXPECT_EQ(way == Way::BySlot, result == decltype(result)()); // by name it isn't handed over
-        EXPECT_EQ(NumberOf(*record.Get()), expected.Result);
-        EXPECT_EQ(FunctionOf(*record.Get()), member.Name);
+    constexpr LONG bothKeys = 2;
+    constexpr LONG readOnly = scbs_A_Read + scbs_B_Read;
+    constexpr LONG all = scbs_A_ReadWrite + scbs_B_ReadWrite;
+    constexpr LONG keep = -1;
+    const wchar_t* const keyA = L"A0A1A2A3A4A5";
+    const std::wstring serial = parameters.substr(16);
+    const LONG handle = std::stol(information.substr(34));
+    const struct {
+        const wchar_t* Name;
+        std::vector<_variant_t> Given;
+        std::vector<_variant_t> Expected; ///< from the last argument backwards
+    } rows[] = {
+        {L"OpenEncoder", {handle}, {handle}},
+        {L"ReadSerialNumber", {L""}, {serial.c_str()}},
+        {L"ReadManufacturerCode",
+         {FactoryKey, KeyTypeA, 0L, 0L, L""},
+         {L"08040053494D554C415445", BYTE(card), card}},
+        {L"WriteDataBloc",
+         {5L, FactoryKey, KeyTypeA, L" 000102030405060708090a0b0c0d0e0f "},
+         {L"000102030405060708090A0B0C0D0E0F"}},
+        {L"WriteBytesInBloc",
+         {5L, FactoryKey, KeyTypeA, 14L, 15L, L"AABB"},
+         {L"000102030405060708090A0B0C0DAABB"}},
+        {L"ReadDataBloc", {5L, FactoryKey, KeyTypeA, L""}, {L"000102030405060708090A0B0C0DAABB"}},
+        {L"WriteValueBloc", {6L, FactoryKey, KeyTypeA, -2L}, {-2L}},
+        {L"ReadDataBloc", {6L, FactoryKey, KeyTypeA, L""}, {L"FEFFFFFF01000000FEFFFFFF06F906F9"}},
+        {L"WriteSectorTrailer",
+         {2L, FactoryKey, KeyTypeA, keyA, keyA, bothKeys, readOnly, all, keep,
+          LONG{scss_B_WriteKeysConditions}},
+         {}},
+        {L"ReadSectorTrailer",
+         {2L, keyA, KeyTypeA, 0L, 0L, 0L, 0L, 0L, 0L},
+         {BYTE(0x69), LONG{scss_B_WriteKeysConditions}, all, all, readOnly, BYTE(bothKeys)}},
+        {L"CloseEncoder", {}, {}},
     };
-    const Outcome notSupported = {-16, L"Feature not supported", L""};
-    raises(ATRString, reinterpret_cast<BSTR>(Poison), notSupported);
-    raises(CardType, Raw<sceCardTypes>(Poison), notSupported);
-    raises(SerialNumberLength, Poison, notSupported);
-    raises(ReaderType, reinterpret_cast<BSTR>(Poison), {-1, L"Encoder is closed", EncoderName});
+    for (const auto& [name, given, expected] : rows) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(name)));
+        const Outcome outcome = Make(way, encoder, name, given);
+        EXPECT_EQ(outcome.Result, S_OK);
+        EXPECT_EQ(LONG{outcome.Value}, sceSuccess);
+        EXPECT_EQ(NumberOf(encoder), 0);
+        EXPECT_EQ(FunctionOf(encoder), name);
+        for (size_t at = 0; at < expected.size(); ++at) {
+            EXPECT_EQ(TextOf(outcome.Arguments[given.size() - 1 - at]), TextOf(expected[at])) << at;
+        }
+    }
+    EXPECT_EQ(Make(way, encoder, L"ReOpenEncoder").Result, S_OK);
+    EXPECT_EQ(LONG{Make(way, encoder, L"EncoderState").Value}, sceReady);
+    EXPECT_EQ(TextOf(Make(way, encoder, L"ReaderType").Value), L"MultiISO 2.1");
 }
 
-TEST_P(MemberTest, RecordsFieldsCanBeReadAndWritten)
+TEST_P(WayTest, FailuresComeThroughAsResultsAndRaisedOnesAsFailedCalls)
 {
-    ComPtr<_CError> error;
-    EXPECT_EQ(LastError(way, encoder, error.GetAddressOf()), Outcome());
-    ASSERT_EQ(error.Get(), record.Get());
-    ForEach(NumberFields, [&](const auto& field) {
-        LONG value = Poison;
-        EXPECT_EQ(field.second(way, *error.Get(), -7), Outcome());
-        EXPECT_EQ(field.first(way, *error.Get(), &value), Outcome());
-        EXPECT_EQ(value, -7);
-    });
-    ForEach(TextFields, [&](const auto& field) {
-        const std::wstring withNul = std::wstring(L"a\0b", 3) + field.first.Name;
-        Text value;
-        EXPECT_EQ(field.second(way, *error.Get(), Text(withNul)), Outcome());
-        EXPECT_EQ(field.first(way, *error.Get(), value.Variable()), Outcome());
-        EXPECT_EQ(value.Characters(), withNul);
-        Text empty;
-        EXPECT_EQ(field.second(way, *error.Get(), nullptr), Outcome());
-        EXPECT_EQ(field.first(way, *error.Get(), empty.Variable()), Outcome());
-        EXPECT_EQ(empty.Characters(), L"");
-    });
+    const Outcome failed = Make(way, encoder, L"ReadDataBloc", {5L, FactoryKey, KeyTypeA, L"kept"});
+    EXPECT_EQ(failed.Result, S_OK);
+    EXPECT_EQ(LONG{failed.Value}, sceError);
+    EXPECT_EQ(TextOf(failed.Arguments[3]), L"kept");
+    EXPECT_EQ(NumberOf(encoder), -1);
+
+    const struct {
+        const wchar_t* Name;
+        HRESULT Result;
+        const wchar_t* Description;
+        const wchar_t* Source;
+    } rows[] = {{L"ATRString", -16, L"Feature not supported", L""},
+                {L"CardType", -16, L"Feature not supported", L""},
+                {L"SerialNumberLength", -16, L"Feature not supported", L""},
+                {L"ReaderType", -1, L"Encoder is closed", EncoderName}};
+    for (const auto& [name, result, description, source] : rows) {
+        const Outcome raised = Make(way, encoder, name);
+        EXPECT_EQ(raised.Result, result);
+        EXPECT_TRUE(raised.Description == _bstr_t(description));
+        EXPECT_TRUE(raised.Source == _bstr_t(source));
+        EXPECT_TRUE(V_I4(&raised.Value) == 0 || TextOf(raised.Value).empty());
+        EXPECT_EQ(FunctionOf(encoder), name);
+    }
 }
 
-TEST_P(MemberTest, ByteIsConvertedBySystemAndItsVariableLeftAlone)
+TEST_P(WayTest, RecordsFieldsCanBeReadAndWritten)
 {
-    constexpr LONG BadBX = -15;
-    struct {
-        const char* What;
-        Variant Given;
-        LONG Number; ///< of the record
-        LONG Byte;   ///< on the card, where it was written
-    } cases[] = {
-        {"left out", Variant(VT_ERROR, DISP_E_PARAMNOTFOUND), NoNumber, 0x69},
-        {"another error", Variant(VT_ERROR, E_FAIL), BadBX, 0},
-        {"empty", Variant(), NoNumber, 0},
-        {"null", Variant(VT_NULL), BadBX, 0},
-        {"255", Variant(VT_I4, 255), NoNumber, 255},
-        {"256", Variant(VT_I4, 256), BadBX, 0},
-        {"-1", Variant(VT_I4, -1), BadBX, 0},
-        {"2.5", Variant(2.5), NoNumber, 2},
-        {"text 16", Variant(L"16"), NoNumber, 16},
-        {"text that is no number", Variant(L"x"), BadBX, 0},
-        {"object without a value", Variant(*record.Get()), BadBX, 0},
-    };
-    LONG card = 0x100 * (1 + static_cast<LONG>(way));
-    for (auto& [what, given, number, byte] : cases) {
-        SCOPED_TRACE(what);
-        Open(encoder, ++card);
-        const VARIANT before = given;
-        sceReturnCode result{};
-        EXPECT_EQ(WriteSectorTrailer(way, encoder, 1, key, KeyTypeA, key, key, 1, keep, keep, keep,
-                                     keepTrailer, &given, &result),
-                  Outcome());
-        EXPECT_EQ(std::memcmp(&before, &given, sizeof(VARIANT)), 0);
-        EXPECT_EQ(NumberOf(*record.Get()), number);
-        if (number == NoNumber) {
-            Text trailer;
-            EXPECT_EQ(encoder.ReadDataBloc(7, key, KeyTypeA, trailer.Variable(), &result), S_OK);
-            EXPECT_EQ(std::stol(trailer.Characters().substr(18, 2), nullptr, 16), byte);
+    const Outcome record = Make(way, encoder, L"LastError");
+    ASSERT_EQ(V_VT(&record.Value), VT_DISPATCH);
+    auto& error = static_cast<_CError&>(*V_DISPATCH(&record.Value));
+    for (const Member& member : Members<_CError>()) {
+        if (member.Kind == DISPATCH_PROPERTYPUT) {
+            const std::wstring withNul = std::wstring(L"1\0b", 3) + member.Name;
+            _variant_t text;
+            V_VT(&text) = VT_BSTR;
+            V_BSTR(&text) = SysAllocStringLen(withNul.data(), static_cast<UINT>(withNul.size()));
+            const _variant_t value = member.Types[0] == VT_BSTR ? text : _variant_t(-7L);
+            EXPECT_EQ(Make(way, error, member, {value}).Result, S_OK);
+            EXPECT_EQ(TextOf(Make(way, error, member.Name.c_str()).Value), TextOf(value));
+        }
+    }
+    EXPECT_EQ(error.put_ComFunction(nullptr), S_OK); // as empty text
+    EXPECT_EQ(FunctionOf(encoder), L"");
+}
+
+TEST_P(WayTest, ByteIsConvertedBySystemAndItsVariableLeftAlone)
+{
+    _variant_t leftOut;
+    V_VT(&leftOut) = VT_ERROR;
+    V_ERROR(&leftOut) = DISP_E_PARAMNOTFOUND;
+    _variant_t null;
+    V_VT(&null) = VT_NULL;
+    constexpr LONG badByte = -15;
+    const struct {
+        _variant_t Given;
+        LONG Number;         ///< of the record
+        const wchar_t* Byte; ///< on the card, where it was written
+    } rows[] = {{leftOut, 0, L"69"}, {_variant_t(), 0, L"00"},
+                {null, badByte, {}}, {255L, 0, L"FF"},
+                {256L, badByte, {}}, {-1L, badByte, {}},
+                {2.5, 0, L"02"},     {L"16", 0, L"10"},
+                {L"x", badByte, {}}, {RecordOf(encoder).Get(), badByte, {}}};
+    LONG ownCard = 0x100 * card;
+    for (const auto& [given, number, byte] : rows) {
+        Open(encoder, ++ownCard);
+        const Outcome outcome =
+            Make(way, encoder, L"WriteSectorTrailer",
+                 {1L, FactoryKey, KeyTypeA, FactoryKey, FactoryKey, 1L, -1L, -1L, -1L, -1L, given});
+        EXPECT_EQ(outcome.Result, S_OK);
+        EXPECT_EQ(V_VT(&outcome.Arguments[10]), V_VT(&given));
+        EXPECT_EQ(NumberOf(encoder), number);
+        if (byte != nullptr) {
+            const Outcome trailer = Make(way, encoder, L"ReadDataBloc", {7L, FactoryKey, KeyTypeA, L""});
+            EXPECT_EQ(TextOf(trailer.Arguments[3]).substr(18, 2), byte);
         }
     }
 }
 
-TEST(EncoderTest, HasARecordOfItsOwnThatOutlivesIt)
-{
-    ComPtr<_Encoder> encoder = NewEncoder();
-    const ComPtr<_Encoder> other = NewEncoder();
-    const ComPtr<_CError> error = RecordOf(*encoder.Get());
-    EXPECT_EQ(RecordOf(*encoder.Get()).Get(), error.Get());
-    EXPECT_EQ(References(*error.Get()), 2U);
-
-    Open(*other.Get(), 3);
-    sceReturnCode result{};
-    EXPECT_EQ(encoder->OpenEncoder(-1, &result), S_OK);
-    EXPECT_EQ(result, sceError);
-    EXPECT_EQ(encoder.Reset(), 0U);
-    EXPECT_EQ(References(*error.Get()), 1U);
-    EXPECT_EQ(NumberOf(*error.Get()), -2);
-    EXPECT_EQ(NumberOf(*RecordOf(*other.Get()).Get()), NoNumber);
-}
-
-// The timer comes while the dialog is open, on its thread, and lets go of the last reference.
+// The timer comes while the dialog is open, on its thread, and releases the last reference.
 _Encoder* InConfigure = nullptr;
 
 void CALLBACK ReleaseAndCancel(HWND /*window*/, UINT /*message*/, UINT_PTR timer, DWORD /*time*/)
@@ -223,45 +194,159 @@ void CALLBACK ReleaseAndCancel(HWND /*window*/, UINT /*message*/, UINT_PTR timer
     }
 }
 
-TEST_P(MemberTest, ConfigureKeepsItsObjectWhileItsDialogIsOpen)
+TEST_P(WayTest, ConfigureKeepsItsObjectWhileItsDialogIsOpen)
 {
-    ComPtr<_Encoder> other = NewEncoder();
-    const ComPtr<_CError> error = RecordOf(*other.Get());
-    InConfigure = other.Detach();
+    const ComPtr<_CError> error = RecordOf(encoder);
+    InConfigure = made.Detach();
     constexpr UINT pollTime = 20; // milliseconds
     ASSERT_NE(SetTimer(nullptr, 0, pollTime, &ReleaseAndCancel), 0U);
-    auto result = Raw<sceReturnCode>(Poison);
-    EXPECT_EQ(Configure(way, *InConfigure, Text(L"francais"), &result), Outcome());
-    EXPECT_EQ(result, sceCanceled);
+    EXPECT_EQ(LONG{Make(way, *InConfigure, L"Configure", {L"francais"}).Value}, sceCanceled);
     EXPECT_EQ(References(*error.Get()), 1U); // the Encoder, which held it too, has gone
-    EXPECT_EQ(FunctionOf(*error.Get()), L"Configure");
+}
+
+/// Every member but Configure, which waits for a person, with arguments of which each has its declared type.
+template <class Body>
+void ForEveryMember(IDispatch& object, const std::vector<Member>& members, const Body& body)
+{
+    for (const Member& member : members) {
+        if (member.Name != L"Configure") {
+            SCOPED_TRACE(testing::PrintToString(member.Name));
+            std::vector<_variant_t> arguments(member.Inputs(), _variant_t(1L));
+            for (size_t at = 0; at < arguments.size(); ++at) {
+                if (Plain(member.Types[at]) != VT_VARIANT) {
+                    arguments[at].ChangeType(Plain(member.Types[at]));
+                }
+            }
+            body(object, member, arguments);
+        }
+    }
+}
+
+template <class Body>
+void ForEveryMember(_Encoder& encoder, const Body& body)
+{
+    ForEveryMember(encoder, Members<_Encoder>(), body);
+    ForEveryMember(*RecordOf(encoder).Get(), Members<_CError>(), body);
+}
+
+TEST(EveryMemberTest, RefusesNullInPlaceOfAVariable)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder();
+    ForEveryMember(*encoder.Get(), [](IDispatch& object, const Member& member, const auto& arguments) {
+        for (size_t at = 0; at < member.Types.size(); ++at) {
+            if ((member.Types[at] & VT_BYREF) != 0 && member.Types[at] != VariantReference) {
+                Call call(Way::BySlot, object, member, arguments);
+                V_BYREF(&call.Passed[at]) = nullptr;
+                EXPECT_EQ(call.Run(), E_POINTER) << at;
+                call.Value.Detach();
+            }
+        }
+    });
+    EXPECT_EQ(FunctionOf(*encoder.Get()), L""); // no operation has begun
+}
+
+TEST(EveryMemberTest, ConvertsAScriptsVariableOrTellsWhichItRefuses)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder(); // closed: operations come to their end with sceError
+    ForEveryMember(*encoder.Get(), [](IDispatch& object, const Member& member, const auto& arguments) {
+        for (size_t at = 0; at < arguments.size(); ++at) {
+            const auto plain = Plain(member.Types[at]);
+            const bool isVariable = (member.Types[at] & VT_BYREF) != 0;
+            const size_t position = arguments.size() - 1 - at;
+            if (plain == VT_VARIANT) {
+                continue;
+            }
+            const auto run = [&](const _variant_t& content) {
+                Call call(Way::AsScript, object, member, arguments);
+                call.Arguments[at] = content;
+                const HRESULT result = call.Run();
+                EXPECT_EQ(V_VT(&call.Arguments[at]),
+                          SUCCEEDED(result) && isVariable ? plain : V_VT(&content));
+                EXPECT_EQ(call.BadArgument, SUCCEEDED(result) ? MAXUINT : position);
+                return result;
+            };
+            EXPECT_EQ(run(arguments[at]), S_OK);
+            EXPECT_EQ(run(_variant_t()), S_OK);
+            EXPECT_EQ(run(1.0), S_OK);
+            _variant_t null;
+            V_VT(&null) = VT_NULL;
+            EXPECT_EQ(run(null), DISP_E_TYPEMISMATCH);
+            EXPECT_EQ(run(L"300000000000"), plain == VT_BSTR ? S_OK : DISP_E_OVERFLOW);
+
+            _variant_t variable = arguments[at];
+            VARIANTARG leftOut{};
+            V_VT(&leftOut) = VT_ERROR;
+            V_ERROR(&leftOut) = DISP_E_PARAMNOTFOUND;
+            VARIANTARG once = ReferenceTo(VT_VARIANT, &variable);
+            VARIANTARG twice = ReferenceTo(VT_VARIANT, &once);
+            float wrongType = 1;
+            SAFEARRAY* array = nullptr;
+            const struct {
+                VARIANTARG Given;
+                HRESULT Result;
+            } rows[] = {{twice, S_OK},
+                        {ReferenceTo(VT_VARIANT, &twice), DISP_E_TYPEMISMATCH},
+                        {ReferenceTo(VT_R4, &wrongType), isVariable ? DISP_E_TYPEMISMATCH : S_OK},
+                        {ReferenceTo(VT_ARRAY | VT_I4, &array), DISP_E_TYPEMISMATCH},
+                        {ReferenceTo(VT_VARIANT, nullptr), E_POINTER},
+                        {ReferenceTo(plain, nullptr), E_POINTER},
+                        {leftOut, DISP_E_PARAMNOTOPTIONAL}};
+            for (const auto& [given, result] : rows) {
+                Call call(Way::ByName, object, member, arguments);
+                call.Passed[position] = given;
+                EXPECT_EQ(call.Run(), result) << V_VT(&given);
+                EXPECT_EQ(call.BadArgument, FAILED(result) ? position : MAXUINT);
+            }
+        }
+    });
+}
+
+TEST(ObjectTest, TakesArgumentsByTheirNamesAndRefusesListsThatAreNotWhole)
+{
+    const ComPtr<_Encoder> encoder = NewEncoder();
+    LPOLESTR names[] = {const_cast<LPOLESTR>(L"ReadDataBloc"), const_cast<LPOLESTR>(L"BlocContents"),
+                        const_cast<LPOLESTR>(L"KeyType")};
+    DISPID ids[3] = {};
+    ASSERT_EQ(encoder->GetIDsOfNames(IID{}, names, 3, LOCALE_USER_DEFAULT, ids), S_OK);
+    EXPECT_EQ(encoder->GetIDsOfNames(__uuidof(_Encoder), names, 1, LOCALE_USER_DEFAULT, ids),
+              DISP_E_UNKNOWNINTERFACE);
+    _variant_t contents(12.0);
+    VARIANTARG given[] = {ReferenceTo(VT_VARIANT, &contents), _variant_t(1L), _variant_t(1L), _variant_t(4L)};
+    const auto call = [&](DISPPARAMS list, DISPID id = DISPID_UNKNOWN) {
+        return encoder->Invoke(id == DISPID_UNKNOWN ? ids[0] : id, IID{}, LOCALE_USER_DEFAULT,
+                               DISPATCH_METHOD, &list, nullptr, nullptr, nullptr);
+    };
+    EXPECT_EQ(call({given, ids + 1, 4, 2}), S_OK);
+    EXPECT_EQ(TextOf(contents), L"12"); // the encoder is closed, so it stays, but for its type
+    EXPECT_EQ(call({nullptr, nullptr, 4, 0}), E_INVALIDARG);
+    EXPECT_EQ(call({given, nullptr, 4, 2}), E_INVALIDARG);
+    EXPECT_EQ(call({given, ids + 1, 1, 2}), E_INVALIDARG);
+    EXPECT_EQ(call({given, nullptr, 3, 0}), DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(call({given, nullptr, 4, 0}, 0x1234), DISP_E_MEMBERNOTFOUND);
 }
 
 TEST(ObjectTest, AnswersToItsInterfacesAndRefusesOthers)
 {
-    const ComPtr<_Encoder> encoder = NewEncoder();
+    ComPtr<_Encoder> encoder = NewEncoder();
     const ComPtr<_CError> error = RecordOf(*encoder.Get());
+    EXPECT_EQ(RecordOf(*encoder.Get()).Get(), error.Get());
     const struct {
         IUnknown* Object;
-        IID Default;
+        IID Own;
         IID OfTheOther;
-    } objects[] = {
-        {encoder.Get(), __uuidof(_Encoder), __uuidof(_CError)},
-        {error.Get(), __uuidof(_CError), __uuidof(_Encoder)},
-    };
-    for (const auto& [object, own, ofTheOther] : objects) {
+        IID Class;
+    } rows[] = {{encoder.Get(), __uuidof(_Encoder), __uuidof(_CError), __uuidof(Encoder)},
+                {error.Get(), __uuidof(_CError), __uuidof(_Encoder), __uuidof(CError)}};
+    for (const auto& [object, own, ofTheOther, classId] : rows) {
         const ULONG references = References(*object);
         for (const IID& id : {__uuidof(IUnknown), __uuidof(IDispatch), own, __uuidof(IProvideClassInfo),
                               __uuidof(ISupportErrorInfo)}) {
             ComPtr<IUnknown> answered;
-            ComPtr<IUnknown> itself;
             EXPECT_EQ(object->QueryInterface(id, reinterpret_cast<void**>(answered.GetAddressOf())), S_OK);
             EXPECT_EQ(References(*object), references + 1);
-            EXPECT_EQ(answered.As(&itself), S_OK);
-            EXPECT_EQ(itself.Get(), object);
         }
         for (const IID& id : {ofTheOther, __uuidof(IClassFactory), __uuidof(IPersist)}) {
-            auto* refused = reinterpret_cast<void*>(Poison);
+            auto* refused = static_cast<void*>(object);
             EXPECT_EQ(object->QueryInterface(id, &refused), E_NOINTERFACE);
             EXPECT_EQ(refused, nullptr);
         }
@@ -269,52 +354,79 @@ TEST(ObjectTest, AnswersToItsInterfacesAndRefusesOthers)
         EXPECT_EQ(References(*object), references);
 
         ComPtr<ISupportErrorInfo> errorInfo;
+        ComPtr<IProvideClassInfo> classInfo;
+        ComPtr<ITypeInfo> info;
+        TYPEATTR* attributes = nullptr;
         ASSERT_EQ(ComPtr<IUnknown>(object).As(&errorInfo), S_OK);
         EXPECT_EQ(errorInfo->InterfaceSupportsErrorInfo(own), S_OK);
         EXPECT_EQ(errorInfo->InterfaceSupportsErrorInfo(ofTheOther), S_FALSE);
+        ASSERT_EQ(errorInfo.As(&classInfo), S_OK);
+        EXPECT_EQ(classInfo->GetClassInfo(info.GetAddressOf()), S_OK);
+        EXPECT_EQ(info->GetTypeAttr(&attributes), S_OK);
+        EXPECT_EQ(attributes->guid, classId);
+        info->ReleaseTypeAttr(attributes);
     }
+    EXPECT_EQ(encoder->GetTypeInfo(1, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
+    EXPECT_EQ(encoder.Reset(), 0U);
+    EXPECT_EQ(References(*error.Get()), 1U); // it outlives its encoder
 }
 
-TEST(ObjectTest, DescribesItselfByTheTypeLibrary)
+// What a thread of another apartment does with the object, and how it went.
+struct Apartment {
+    DWORD Kind;
+    IStream* Marshalled;
+    HRESULT Got = E_UNEXPECTED;
+    Outcome Read;
+    Outcome Raised;
+    HRESULT Created = E_UNEXPECTED;
+};
+
+DWORD WINAPI RunApartment(void* argument)
+{
+    auto& apartment = *static_cast<Apartment*>(argument);
+    CoInitializeEx(nullptr, apartment.Kind);
+    {
+        ComPtr<_Encoder> encoder;
+        apartment.Got = CoGetInterfaceAndReleaseStream(apartment.Marshalled, __uuidof(_Encoder),
+                                                       reinterpret_cast<void**>(encoder.GetAddressOf()));
+        if (SUCCEEDED(apartment.Got)) {
+            const wchar_t* const text = L"text";
+            apartment.Read =
+                Make(Way::BySlot, *encoder.Get(), L"ReadDataBloc", {4L, FactoryKey, KeyTypeA, text});
+            apartment.Raised = Make(Way::ByName, *encoder.Get(), L"ATRString");
+        }
+        ComPtr<_Encoder> own;
+        apartment.Created =
+            CoCreateInstance(__uuidof(Encoder), nullptr, CLSCTX_INPROC_SERVER, __uuidof(_Encoder),
+                             reinterpret_cast<void**>(own.GetAddressOf()));
+    }
+    CoUninitialize();
+    return 0;
+}
+
+TEST(ObjectTest, CanBeUsedFromAnotherApartment)
 {
     const ComPtr<_Encoder> encoder = NewEncoder();
-    const auto idOf = [](ITypeInfo& info) {
-        TYPEATTR* attributes = nullptr;
-        EXPECT_EQ(info.GetTypeAttr(&attributes), S_OK);
-        const GUID id = attributes->guid;
-        info.ReleaseTypeAttr(attributes);
-        return id;
-    };
-    UINT count = 0;
-    EXPECT_EQ(encoder->GetTypeInfoCount(&count), S_OK);
-    EXPECT_EQ(count, 1U);
-    EXPECT_EQ(encoder->GetTypeInfoCount(nullptr), E_POINTER);
-    ComPtr<ITypeInfo> info;
-    EXPECT_EQ(encoder->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.GetAddressOf()), S_OK);
-    EXPECT_EQ(idOf(*info.Get()), __uuidof(_Encoder));
-    ComPtr<IProvideClassInfo> provider;
-    EXPECT_EQ(encoder.As(&provider), S_OK);
-    EXPECT_EQ(provider->GetClassInfo(info.ReleaseAndGetAddressOf()), S_OK);
-    EXPECT_EQ(idOf(*info.Get()), __uuidof(Encoder));
-    auto* none = reinterpret_cast<ITypeInfo*>(Poison);
-    EXPECT_EQ(encoder->GetTypeInfo(1, LOCALE_USER_DEFAULT, &none), DISP_E_BADINDEX);
-    EXPECT_EQ(none, nullptr);
-    EXPECT_EQ(encoder->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
-
-    DISPPARAMS nothing{};
-    LPOLESTR names[] = {const_cast<LPOLESTR>(L"WriteDataBloc"), const_cast<LPOLESTR>(L"KeyType")};
-    DISPID ids[] = {DISPID_UNKNOWN, DISPID_UNKNOWN};
-    EXPECT_EQ(encoder->GetIDsOfNames(IID{}, names, 2, LOCALE_USER_DEFAULT, ids), S_OK);
-    EXPECT_EQ(ids[1], 2);
-    EXPECT_EQ(encoder->GetIDsOfNames(__uuidof(_Encoder), names, 1, LOCALE_USER_DEFAULT, ids),
-              DISP_E_UNKNOWNINTERFACE);
-    EXPECT_EQ(encoder->Invoke(ids[0], __uuidof(_Encoder), LOCALE_USER_DEFAULT, Method, &nothing, nullptr,
-                              nullptr, nullptr),
-              DISP_E_UNKNOWNINTERFACE);
-    EXPECT_EQ(Invoke(*encoder.Get(), L"NoSuchMember", Method, nullptr, 0, nullptr).Result,
-              DISP_E_UNKNOWNNAME);
-    EXPECT_EQ(Invoke(*encoder.Get(), L"ReadSerialNumber", Method, nullptr, 0, nullptr).Result,
-              DISP_E_BADPARAMCOUNT);
+    Open(*encoder.Get(), 1);
+    for (const DWORD kind : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED}) {
+        Apartment apartment{kind};
+        ASSERT_EQ(
+            CoMarshalInterThreadInterfaceInStream(__uuidof(_Encoder), encoder.Get(), &apartment.Marshalled),
+            S_OK);
+        const HANDLE thread = CreateThread(nullptr, 0, &RunApartment, &apartment, 0, nullptr);
+        while (MsgWaitForMultipleObjects(1, &thread, FALSE, INFINITE, QS_ALLINPUT) != WAIT_OBJECT_0) {
+            MSG message;
+            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+                DispatchMessageW(&message);
+            }
+        }
+        CloseHandle(thread);
+        EXPECT_EQ(apartment.Got, S_OK);
+        EXPECT_EQ(LONG{apartment.Read.Value}, sceSuccess);
+        EXPECT_EQ(TextOf(apartment.Read.Arguments[3]), std::wstring(32, L'0'));
+        EXPECT_EQ(apartment.Raised.Result, -16);
+        EXPECT_EQ(apartment.Created, S_OK);
+    }
 }
 
 } // namespace

@@ -1,9 +1,8 @@
-// The DLL as a host's loader meets it: registration, factories, the type library and the version.
+// The component's file as a client's system meets it: the four entry points, registration and the type
+// library.
 #include "tests/boundary/Client.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <iterator>
+#include <array>
 #include <olectl.h>
 
 namespace client
@@ -11,13 +10,6 @@ namespace client
 
 namespace
 {
-
-std::filesystem::path ComponentPath()
-{
-    wchar_t path[MAX_PATH];
-    const std::filesystem::path own = std::wstring(path, GetModuleFileNameW(nullptr, path, MAX_PATH));
-    return own.parent_path() / L"ACG_MultiISO_TV.dll";
-}
 
 /// The component as it is loaded by hand.
 class LoadedComponent
@@ -28,22 +20,12 @@ public:
     LoadedComponent(const LoadedComponent&) = delete;
     LoadedComponent& operator=(const LoadedComponent&) = delete;
 
-    [[nodiscard]] HRESULT Register() const
-    {
-        return Find<HRESULT(STDMETHODCALLTYPE*)()>("DllRegisterServer")();
-    }
-    [[nodiscard]] HRESULT Unregister() const
-    {
-        return Find<HRESULT(STDMETHODCALLTYPE*)()>("DllUnregisterServer")();
-    }
-    [[nodiscard]] HRESULT CanUnload() const
-    {
-        return Find<HRESULT(STDMETHODCALLTYPE*)()>("DllCanUnloadNow")();
-    }
+    [[nodiscard]] HRESULT Register() const { return Call("DllRegisterServer"); }
+    [[nodiscard]] HRESULT Unregister() const { return Call("DllUnregisterServer"); }
+    [[nodiscard]] HRESULT CanUnload() const { return Call("DllCanUnloadNow"); }
     HRESULT GetClassObject(REFCLSID id, REFIID wanted, void** object) const
     {
-        using Exported = HRESULT(STDMETHODCALLTYPE*)(REFCLSID, REFIID, void**);
-        return Find<Exported>("DllGetClassObject")(id, wanted, object);
+        return Call("DllGetClassObject", &id, &wanted, object);
     }
     [[nodiscard]] ComPtr<IClassFactory> Factory(REFCLSID id) const
     {
@@ -64,63 +46,52 @@ public:
     }
 
 private:
-    template <class Function>
-    [[nodiscard]] Function Find(const char* name) const
+    template <class... Arguments>
+    HRESULT Call(const char* name, Arguments... arguments) const
     {
-        return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(m_module, name)));
+        auto* const found = reinterpret_cast<void*>(GetProcAddress(m_module, name));
+        return reinterpret_cast<HRESULT(STDMETHODCALLTYPE*)(Arguments...)>(found)(arguments...);
     }
 
     HMODULE m_module;
 };
 
-std::wstring Registered(const std::wstring& key, const wchar_t* name = nullptr)
+/// The key's own value, or "nothing" where there is no such key.
+std::wstring Registered(const std::wstring& key)
 {
     wchar_t text[MAX_PATH] = L"nothing";
     DWORD size = sizeof(text);
-    RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text, &size);
+    RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_ANY, nullptr, text, &size);
     return text;
 }
 
-std::wstring TextOf(const GUID& id)
+std::wstring IdText(const GUID& id)
 {
     wchar_t text[40];
     StringFromGUID2(id, text, static_cast<int>(std::size(text)));
     return text;
 }
 
-ComPtr<ITypeLib> TypeLibrary()
-{
-    ComPtr<ITypeLib> library;
-    EXPECT_EQ(LoadTypeLibEx(ComponentPath().c_str(), REGKIND_NONE, library.GetAddressOf()), S_OK);
-    return library;
-}
-
-TLIBATTR AttributesOf(ITypeLib& library)
+std::wstring TypeLibraryKey()
 {
     TLIBATTR* attributes = nullptr;
-    EXPECT_EQ(library.GetLibAttr(&attributes), S_OK);
-    const TLIBATTR copy = *attributes;
-    library.ReleaseTLibAttr(attributes);
-    return copy;
+    const ComPtr<ITypeLib> library = TypeLibrary();
+    EXPECT_EQ(library->GetLibAttr(&attributes), S_OK);
+    const std::wstring key = L"TypeLib\\" + IdText(attributes->guid);
+    library->ReleaseTLibAttr(attributes);
+    return key;
 }
 
-/// Nothing of the component is left. (What else a registration might leave, the test of the package looks
-/// for.)
-bool IsUnknown()
+/// (What else a registration leaves, the test of the package looks for.)
+void ExpectUnknown()
 {
-    const std::wstring keys[] = {EncoderName,
-                                 ErrorName,
-                                 L"CLSID\\" + TextOf(__uuidof(Encoder)),
-                                 L"CLSID\\" + TextOf(__uuidof(CError)),
-                                 L"Interface\\" + TextOf(__uuidof(_Encoder)),
-                                 L"Interface\\" + TextOf(__uuidof(_CError)),
-                                 L"TypeLib\\" + TextOf(AttributesOf(*TypeLibrary().Get()).guid)};
-    return std::ranges::all_of(keys, [](const std::wstring& key) {
-        HKEY found = nullptr;
-        const bool isThere = RegOpenKeyW(HKEY_CLASSES_ROOT, key.c_str(), &found) == ERROR_SUCCESS;
-        RegCloseKey(found);
-        return !isThere;
-    });
+    for (const std::wstring& key :
+         {std::wstring(L"ACG_MultiISO_TV.Encoder"), std::wstring(L"ACG_MultiISO_TV.CError"),
+          L"CLSID\\" + IdText(__uuidof(Encoder)), L"CLSID\\" + IdText(__uuidof(CError)),
+          L"Interface\\" + IdText(__uuidof(_Encoder)), L"Interface\\" + IdText(__uuidof(_CError)),
+          TypeLibraryKey() + L"\\2.1"}) {
+        EXPECT_EQ(Registered(key), L"nothing");
+    }
 }
 
 /// The tests of this suite register for themselves.
@@ -133,45 +104,36 @@ protected:
     const LoadedComponent component;
 };
 
-TEST_F(RegistrationTest, MakesEverythingKnownAndLeavesNothingBehind)
+TEST_F(RegistrationTest, RegistersOwnPathsAndLeavesOtherVersionsAlone)
 {
-    const std::wstring path = ComponentPath().wstring();
+    const std::wstring otherVersion = TypeLibraryKey() + L"\\2.0";
+    ASSERT_EQ(RegSetKeyValueW(HKEY_CLASSES_ROOT, otherVersion.c_str(), nullptr, REG_SZ, L"2.0", 8), 0);
     ASSERT_EQ(component.Register(), S_OK);
-    const GUID libraryId = AttributesOf(*TypeLibrary().Get()).guid;
-    for (const auto& [name, id] :
-         {std::pair{EncoderName, __uuidof(Encoder)}, {ErrorName, __uuidof(CError)}}) {
-        const std::wstring key = L"CLSID\\" + TextOf(id);
-        EXPECT_EQ(Registered(std::wstring(name) + L"\\CLSID"), TextOf(id));
-        EXPECT_EQ(Registered(key + L"\\InprocServer32"), path);
-        EXPECT_EQ(Registered(key + L"\\InprocServer32", L"ThreadingModel"), L"Apartment");
-        EXPECT_EQ(Registered(key + L"\\ProgID"), name);
-        EXPECT_EQ(Registered(key + L"\\TypeLib"), TextOf(libraryId));
+    for (const std::wstring& key :
+         {L"CLSID\\" + IdText(__uuidof(Encoder)) + L"\\InprocServer32",
+          TypeLibraryKey() + L"\\2.1\\409\\win32", TypeLibraryKey() + L"\\2.1\\0\\win32"}) {
+        EXPECT_EQ(Registered(key), ComponentPath());
     }
-    for (const IID& id : {__uuidof(_Encoder), __uuidof(_CError)}) {
-        EXPECT_EQ(Registered(L"Interface\\" + TextOf(id) + L"\\TypeLib"), TextOf(libraryId));
-    }
-    ComPtr<ITypeLib> library;
-    EXPECT_EQ(LoadRegTypeLib(libraryId, 2, 1, 0x409, library.GetAddressOf()), S_OK);
-
     ASSERT_EQ(component.Unregister(), S_OK);
-    EXPECT_TRUE(IsUnknown());
+    ExpectUnknown();
+    EXPECT_EQ(Registered(otherVersion), L"2.0");
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, TypeLibraryKey().c_str());
 }
 
 TEST_F(RegistrationTest, TakesBackWhatItHalfDid)
 {
     // Below a key that lasts until the system goes down, no key can be made that stays: the last class, or
     // the type library, fails.
-    const std::wstring library = TextOf(AttributesOf(*TypeLibrary().Get()).guid);
-    const std::pair<std::wstring, HRESULT> cases[] = {{ErrorName, SELFREG_E_CLASS},
-                                                      {L"TypeLib\\" + library + L"\\2.1", SELFREG_E_TYPELIB}};
-    for (const auto& [name, result] : cases) {
+    for (const auto& [name, result] : {std::pair{std::wstring(L"ACG_MultiISO_TV.CError"), SELFREG_E_CLASS},
+                                       {TypeLibraryKey() + L"\\2.1", SELFREG_E_TYPELIB}}) {
         HKEY key = nullptr;
         ASSERT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, name.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
                                   KEY_ALL_ACCESS, nullptr, &key, nullptr),
                   ERROR_SUCCESS);
         RegCloseKey(key);
         EXPECT_EQ(component.Register(), result);
-        EXPECT_TRUE(IsUnknown());
+        ExpectUnknown();
+        EXPECT_EQ(Registered(TypeLibraryKey()), L"nothing");
     }
 }
 
@@ -189,25 +151,56 @@ TEST(LibraryTest, StaysWhileAnObjectOrALockLives)
         EXPECT_EQ(component.CanUnload(), S_OK);
 
         ComPtr<_Encoder> encoder = component.NewEncoder();
-        Text parameters;
-        EXPECT_EQ(GetParameters(Way::ByName, *encoder.Get(), parameters.Variable()), Outcome());
+        Make(Way::ByName, *encoder.Get(), L"Parameters");
         ComPtr<_CError> error;
         EXPECT_EQ(encoder->get_LastError(error.GetAddressOf()), S_OK);
         EXPECT_EQ(encoder.Reset(), 0U);
         EXPECT_EQ(component.CanUnload(), S_FALSE);
         EXPECT_EQ(error.Reset(), 0U);
         EXPECT_EQ(component.CanUnload(), S_OK);
-        EXPECT_EQ(TypeLibrary().Reset(), 0U); // the component has let go of it
+        EXPECT_EQ(TypeLibrary().Reset(), 0U); // it went with the objects
     }
     CoFreeUnusedLibrariesEx(0, 0); // where another test had the system load it
     EXPECT_EQ(GetModuleHandleW(L"ACG_MultiISO_TV.dll"), nullptr);
+}
+
+size_t BytesInUse()
+{
+    PROCESS_HEAP_ENTRY entry{};
+    size_t bytes = 0;
+    while (HeapWalk(GetProcessHeap(), &entry) != FALSE) {
+        bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+    }
+    return bytes;
+}
+
+TEST(LibraryTest, RaisesWhereTheSharedRuntimeIsLoadedAndLeavesNothingOfItsOwn)
+{
+    const HMODULE runtime = LoadLibraryA(SHARED_RUNTIME);
+    ASSERT_NE(runtime, nullptr);
+    std::array<size_t, 3> bytes{};
+    for (size_t& after : bytes) {
+        {
+            const LoadedComponent component;
+            const ComPtr<_Encoder> encoder = component.NewEncoder();
+            for (const Way way : {Way::BySlot, Way::ByName}) {
+                EXPECT_EQ(Make(way, *encoder.Get(), L"ATRString").Result, -16);
+                EXPECT_EQ(LONG{Make(way, *encoder.Get(), L"OpenEncoder", {-1L}).Value}, sceError);
+            }
+        }
+        EXPECT_EQ(GetModuleHandleW(L"ACG_MultiISO_TV.dll"), nullptr);
+        after = BytesInUse();
+    }
+    std::printf("%ld bytes left by an unloading\n", static_cast<long>(bytes[2] - bytes[1]));
+    EXPECT_LT(bytes[2] - bytes[1], 1024U);
+    FreeLibrary(runtime);
 }
 
 TEST(LibraryTest, FactoriesMakeBothClassesAndRefuseTheRest)
 {
     const LoadedComponent component;
     const auto refuses = [](HRESULT expected, const auto& make) {
-        auto* object = reinterpret_cast<void*>(Poison);
+        void* object = &expected;
         EXPECT_EQ(make(&object), expected);
         EXPECT_EQ(object, nullptr);
         EXPECT_EQ(make(nullptr), E_POINTER);
@@ -230,57 +223,18 @@ TEST(LibraryTest, FactoriesMakeBothClassesAndRefuseTheRest)
     }
 }
 
-TEST(LibraryTest, VersionIsThatOfTheInformation)
-{
-    BYTE resource[4096];
-    ASSERT_NE(GetFileVersionInfoW(ComponentPath().c_str(), 0, sizeof(resource), resource), FALSE);
-    void* found = nullptr;
-    UINT size = 0;
-    ASSERT_NE(VerQueryValueW(resource, L"\\", &found, &size), FALSE);
-    const auto& version = *static_cast<VS_FIXEDFILEINFO*>(found);
-    const std::wstring text = std::to_wstring(HIWORD(version.dwFileVersionMS)) + L"." +
-                              std::to_wstring(LOWORD(version.dwFileVersionMS)) + L"." +
-                              std::to_wstring(HIWORD(version.dwFileVersionLS));
-    const LoadedComponent component;
-    Text information;
-    EXPECT_EQ(component.NewEncoder()->GetInformation(information.Variable()), S_OK);
-    EXPECT_NE(information.Characters().find(L"|" + text + L"|"), std::wstring::npos);
-}
-
-/// The names of an interface's members, in the order of their slots.
-std::wstring Slots(REFIID id)
-{
-    ComPtr<ITypeInfo> named;
-    ComPtr<ITypeInfo> slots;
-    HREFTYPE reference = 0;
-    EXPECT_EQ(TypeLibrary()->GetTypeInfoOfGuid(id, named.GetAddressOf()), S_OK);
-    EXPECT_EQ(named->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), S_OK);
-    EXPECT_EQ(named->GetRefTypeInfo(reference, slots.GetAddressOf()), S_OK);
-    std::wstring names;
-    FUNCDESC* function = nullptr;
-    for (SHORT at = 0; SUCCEEDED(slots->GetFuncDesc(static_cast<UINT>(at), &function)); ++at) {
-        constexpr SHORT ofDispatch = 7;
-        EXPECT_EQ(function->oVft, (ofDispatch + at) * static_cast<SHORT>(sizeof(void*)));
-        BSTR name = nullptr;
-        UINT count = 0;
-        EXPECT_EQ(slots->GetNames(function->memid, &name, 1, &count), S_OK);
-        names += (function->invkind == INVOKE_PROPERTYPUT ? L"=" : L" ") + TakeText(name);
-        slots->ReleaseFuncDesc(function);
-    }
-    return names;
-}
-
 TEST(TypeLibraryTest, KeepsTheOrderOfTheSlots)
 {
+    std::wstring slots;
+    for (const Member& member : Members<_Encoder>()) {
+        slots += (member.Kind == DISPATCH_PROPERTYPUT ? L"=" : L" ") + member.Name;
+    }
     EXPECT_EQ(
-        Slots(__uuidof(_Encoder)),
+        slots,
         L"=Parameters Parameters LastError EncoderState ReaderType ATRString CardType SerialNumberLength "
         L"GetInformation Configure OpenEncoder CloseEncoder ReadSerialNumber ReadDataBloc "
         L"ReadManufacturerCode ReadSectorTrailer WriteDataBloc WriteValueBloc WriteSectorTrailer "
         L"WriteBytesInBloc ReOpenEncoder");
-    EXPECT_EQ(Slots(__uuidof(_CError)),
-              L" Number=Number Description=Description LastDllError=LastDllError ComFunction=ComFunction "
-              L"RdrCommand=RdrCommand RdrRetCode=RdrRetCode");
 }
 
 } // namespace
