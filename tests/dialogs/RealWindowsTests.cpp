@@ -8,8 +8,8 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <stdexcept>
-#include <thread>
 #include <windows.h>
 
 namespace acg
@@ -49,7 +49,7 @@ void Await(const std::string& what, const std::function<bool()>& condition)
         if (std::chrono::steady_clock::now() > end) {
             throw std::runtime_error("waited in vain for " + what);
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        Sleep(10);
     }
 }
 
@@ -125,12 +125,23 @@ private:
 class RealWindowsTest : public testing::Test
 {
 protected:
+    static DWORD WINAPI Run(void* body)
+    {
+        (*static_cast<const std::function<void()>*>(body))();
+        return 0;
+    }
+    static void Join(HANDLE thread)
+    {
+        WaitForSingleObject(thread, INFINITE);
+        CloseHandle(thread);
+    }
+
     /// Shows something, and lets a person act on it until it is closed. Where that comes to no end, the
     /// windows are closed.
     static void While(const std::function<void()>& show, const std::function<void()>& act)
     {
         std::atomic<bool> closed = false;
-        const std::jthread person([&, shower = GetCurrentThreadId()] {
+        const std::function<void()> person = [&, shower = GetCurrentThreadId()] {
             try {
                 act();
                 Await("the windows to close", [&] { return closed.load(); });
@@ -138,7 +149,9 @@ protected:
                 ADD_FAILURE() << failed.what();
                 PostThreadMessageW(shower, WM_QUIT, 0, 0);
             }
-        });
+        };
+        const std::unique_ptr<void, void (*)(HANDLE)> thread(
+            CreateThread(nullptr, 0, &Run, const_cast<std::function<void()>*>(&person), 0, nullptr), &Join);
         show();
         closed = true;
     }
