@@ -33,8 +33,8 @@ public:
     }
     STDMETHODIMP GetTypeInfo(UINT Index, LCID /*language*/, ITypeInfo** Info) override
     {
-        return Index == 0 ? TypeInfoOf(__uuidof(Interface), Info)
-                          : NoObject(reinterpret_cast<void**>(Info), DISP_E_BADINDEX);
+        const HRESULT refused = NoObject(reinterpret_cast<void**>(Info), Index == 0 ? S_OK : DISP_E_BADINDEX);
+        return FAILED(refused) ? refused : Described(IID{}, [&] { return m_description.Info.CopyTo(Info); });
     }
     STDMETHODIMP GetIDsOfNames(REFIID Reserved, LPOLESTR* Names, UINT Count, LCID /*language*/,
                                DISPID* Ids) override

@@ -3,6 +3,7 @@
 #include "tests/boundary/Client.h"
 
 #include <array>
+#include <malloc.h>
 #include <olectl.h>
 
 namespace client
@@ -164,12 +165,13 @@ TEST(LibraryTest, StaysWhileAnObjectOrALockLives)
     EXPECT_EQ(GetModuleHandleW(L"ACG_MultiISO_TV.dll"), nullptr);
 }
 
+/// Of the heap that the component shares with this program.
 size_t BytesInUse()
 {
-    PROCESS_HEAP_ENTRY entry{};
+    _HEAPINFO entry{};
     size_t bytes = 0;
-    while (HeapWalk(GetProcessHeap(), &entry) != FALSE) {
-        bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+    while (_heapwalk(&entry) == _HEAPOK) {
+        bytes += entry._useflag == _USEDENTRY ? entry._size : 0;
     }
     return bytes;
 }
