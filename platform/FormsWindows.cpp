@@ -107,6 +107,20 @@ std::wstring TextOf(HWND window)
     return text;
 }
 
+/// A list that opens or closes may have changed what its box shows, without another notification. The text
+/// of a picked line comes into the box after its notification.
+void ReadList(Control& list, HWND window, int notification)
+{
+    const auto line = static_cast<int>(SendMessageW(window, CB_GETCURSEL, 0, 0));
+    const std::wstring text = TextOf(window);
+    const bool isShown = line != CB_ERR && list.Lines()[static_cast<size_t>(line)] == text;
+    if (notification == CBN_SELCHANGE || (notification == CBN_CLOSEUP && isShown)) {
+        list.Pick(line);
+    } else if (notification == CBN_EDITCHANGE || notification == CBN_CLOSEUP) {
+        list.Edit(text);
+    }
+}
+
 int ScreenDpi()
 {
     const HDC screen = GetDC(nullptr);
@@ -322,11 +336,7 @@ void FormWindow::System::HandleCommand(int id, int notification)
         break;
     case ControlKind::EditCombo:
     case ControlKind::DropDownList:
-        if (notification == CBN_SELCHANGE) {
-            control.Pick(static_cast<int>(SendMessageW(window, CB_GETCURSEL, 0, 0)));
-        } else if (notification == CBN_EDITCHANGE) {
-            control.Edit(TextOf(window));
-        }
+        ReadList(control, window, notification);
         break;
     default:
         break;

@@ -75,6 +75,18 @@ void TypeWithAlt(int key)
     Send(VK_MENU, KEYEVENTF_KEYUP);
 }
 
+/// Moves the mouse over a line of a list that is open, and waits until it is the selected one.
+void PointAt(HWND box, int line)
+{
+    COMBOBOXINFO parts{.cbSize = sizeof parts};
+    GetComboBoxInfo(box, &parts);
+    RECT area{};
+    SendMessageW(parts.hwndList, LB_GETITEMRECT, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&area));
+    MapWindowPoints(parts.hwndList, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    SetCursorPos(area.left + 5, area.top + 5);
+    Await("a line to be selected", [&] { return SendMessageW(box, CB_GETCURSEL, 0, 0) == line; });
+}
+
 /// A window that is open and has the focus.
 class Opened
 {
@@ -105,6 +117,11 @@ public:
             return focus == Child(position) ||
                    GetParent(focus) == Child(position); // the field in a combo box
         });
+    }
+    void Focus(int position) const
+    {
+        SendMessageW(Window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Child(position)), TRUE);
+        AwaitFocus(position);
     }
     [[nodiscard]] std::wstring Text(int position) const
     {
@@ -237,6 +254,39 @@ TEST_F(RealWindowsTest, AccessKeysTypingAndEnterBringTheValuesIntoTheEncoder)
     }
 }
 
+TEST_F(RealWindowsTest, ListThatClosesStoresWhatItsBoxShows)
+{
+    constexpr int nowhere = -1;
+    const struct {
+        const wchar_t* Detection;
+        int Position;
+        std::vector<int> Typed; // before the list is opened
+        int PointedLine;
+        int ClosingKey;
+        std::wstring Settings;
+    } cases[] = {{L"1", Device, {'C', 'O', 'M'}, nowhere, VK_ESCAPE, L"Device=COM1\r\nAutodetect=1"},
+                 {L"1", AutoDetect, {}, 0, VK_TAB, L"Autodetect=0"},
+                 {L"0", Baudrate, {}, 2, VK_TAB, L"Baud rate=38400"}};
+    for (const auto& row : cases) {
+        encoder.Parameters(std::wstring(L"Device=com2;Baud rate=9600;Autodetect=") + row.Detection);
+        const auto act = [&](const Opened& dialog) {
+            const HWND box = dialog.Child(row.Position);
+            dialog.Focus(row.Position);
+            Type(row.Typed);
+            TypeWithAlt(VK_DOWN);
+            Await("the list", [&] { return SendMessageW(box, CB_GETDROPPEDSTATE, 0, 0) != FALSE; });
+            if (row.PointedLine != nowhere) {
+                PointAt(box, row.PointedLine);
+            }
+            Type({row.ClosingKey});
+            Await("its end", [&] { return SendMessageW(box, CB_GETDROPPEDSTATE, 0, 0) == FALSE; });
+            Type({VK_RETURN});
+        };
+        EXPECT_EQ(Configure(act), sceSuccess);
+        EXPECT_NE(encoder.Parameters().find(row.Settings), std::wstring::npos) << row.Position;
+    }
+}
+
 TEST_F(RealWindowsTest, BaudRateAndProtocolChangeTheirColours)
 {
     constexpr int menu = COLOR_MENU;
@@ -279,8 +329,7 @@ TEST_F(RealWindowsTest, TestRunsToItsBannerOnTopAndLeadsBack)
         const auto end = test.Text(Log).size();
         EXPECT_EQ(SendMessageW(test.Child(Log), EM_GETSEL, 0, 0), MAKELRESULT(end, end));
         // Escape does nothing and Enter closes, from the log as well, which a click gives the focus.
-        SendMessageW(test.Window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(test.Child(Log)), TRUE);
-        test.AwaitFocus(Log);
+        test.Focus(Log);
         Type({VK_ESCAPE, VK_RETURN});
         Await("the test dialog to close", [&] { return IsWindow(test.Window) == FALSE; });
         dialog.AwaitFocus(TestSettings);
