@@ -462,15 +462,26 @@ void FormWindow::System::Paint(HDC context) const
     }
 }
 
+/// The system's pairs of colours: its text colours change with its backgrounds. The parts of a combo box keep
+/// the system's own.
 INT_PTR FormWindow::System::Background(HDC context, HWND window) const
 {
-    const auto found = std::ranges::find_if(
-        Controls, [this, window](const ControlWindow& own) { return WindowOf(own.Model) == window; });
-    if (found == Controls.end() || !HasOwnBackground(found->Model)) {
+    const int index = GetDlgCtrlID(window) - FirstId;
+    if (index < 0 || std::cmp_greater_equal(index, Controls.size())) {
         return 0;
     }
-    SetBkColor(context, ColourOf(found->Model.Background()));
-    return reinterpret_cast<INT_PTR>(BrushOf(context, found->Model.Background()));
+    const Control& control = Controls[static_cast<size_t>(index)].Model;
+    const bool isField = HasOwnBackground(control);
+    const Colour background = isField ? control.Background() : Colour{Colour::Source::Form};
+    if (!control.IsEnabled()) {
+        SetTextColor(context, GetSysColor(COLOR_GRAYTEXT));
+    } else if (background.From == Colour::Source::Own) {
+        SetTextColor(context, RGB(0, 0, 0)); // a light one
+    } else {
+        SetTextColor(context, GetSysColor(isField ? COLOR_WINDOWTEXT : COLOR_BTNTEXT));
+    }
+    SetBkColor(context, ColourOf(background));
+    return reinterpret_cast<INT_PTR>(BrushOf(context, background));
 }
 
 FormWindow::FormWindow(Form& Shown) : m_system(new System(*this, Shown)) {}
