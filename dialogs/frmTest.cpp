@@ -91,10 +91,10 @@ struct frmTest::Window {
 class frmTest::Running
 {
 public:
-    explicit Running(Window& Tested) : m_window(Tested) { m_window.Dialog.HasWorkingCloseBox = false; }
+    explicit Running(Window& Tested) : m_window(Tested) { m_window.Dialog.EnableCloseBox(false); }
     ~Running()
     {
-        m_window.Dialog.HasWorkingCloseBox = true;
+        m_window.Dialog.EnableCloseBox(true);
         m_window.cmdOK.Enable(true);
         m_window.Dialog.SetFocus(m_window.cmdOK);
     }

@@ -27,6 +27,7 @@ public:
     void ShowLines(const Control& Changed); ///< with the selected line
     void ShowSelectedLine(const Control& Changed);
     void ShowTimer(); ///< started or stopped
+    void ShowCloseBox();
 
     void SetFocus(const Control& Focused);
     /// Repaints the control and lets pending events run once. A request to quit that is met is put back.

@@ -141,8 +141,16 @@ void Form::Close()
 
 void Form::PressCloseBox()
 {
-    if (HasWorkingCloseBox) {
+    if (m_hasWorkingCloseBox) {
         Close();
+    }
+}
+
+void Form::EnableCloseBox(bool Enabled)
+{
+    m_hasWorkingCloseBox = Enabled;
+    if (m_window != nullptr) {
+        m_window->ShowCloseBox();
     }
 }
 

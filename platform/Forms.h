@@ -141,7 +141,6 @@ public:
     std::vector<Shape> Shapes;
     Control* DefaultButton = nullptr; ///< pressed by Enter
     Control* CancelButton = nullptr;  ///< pressed by Escape; none: Escape does nothing
-    bool HasWorkingCloseBox = true;   ///< may be switched while the form is open
 
     std::function<void()> OnTimer;
     void StartTimer(int Milliseconds);
@@ -154,6 +153,8 @@ public:
     void Close();
     /// What the close box does. No handler runs.
     void PressCloseBox();
+    void EnableCloseBox(bool Enabled);
+    [[nodiscard]] bool HasWorkingCloseBox() const { return m_hasWorkingCloseBox; }
     [[nodiscard]] bool IsOpen() const { return m_isOpen; }
 
     /// Gives a control the input focus.
@@ -170,6 +171,7 @@ private:
     std::deque<Control> m_controls; // a deque, as its elements stay where they are
     int m_timerInterval = 0;
     bool m_isOpen = false;
+    bool m_hasWorkingCloseBox = true;
     FormWindow* m_window = nullptr; ///< while it is open
 };
 

@@ -36,6 +36,7 @@ void FormWindow::ShowBackground(const Control& /*Changed*/) {}
 void FormWindow::ShowLines(const Control& /*Changed*/) {}
 void FormWindow::ShowSelectedLine(const Control& /*Changed*/) {}
 void FormWindow::ShowTimer() {}
+void FormWindow::ShowCloseBox() {}
 void FormWindow::SetFocus(const Control& /*Focused*/) {}
 void FormWindow::ShowNow(const Control& /*Shown*/) {}
 

@@ -389,6 +389,7 @@ bool FormWindow::System::MakeControls()
         SendMessageW(Dialog, DM_SETDEFID, static_cast<WPARAM>(IdOf(*Model.DefaultButton)), 0);
     }
     Layer.ShowTimer();
+    Layer.ShowCloseBox();
     const auto first = std::ranges::find_if(Model.Controls(), [](const Control& control) {
         return control.IsEnabled() && (KindOf(control.Look.Kind).Style & WS_TABSTOP) != 0;
     });
@@ -419,11 +420,15 @@ bool FormWindow::System::MakeControl(Control& control)
     own.Ordinary = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&ControlProcedure)));
     SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(own.Face.get()), FALSE);
-    if (isList) { // its field follows the font, and shall fill its area
-        RECT closed{};
-        GetWindowRect(window, &closed);
-        const LRESULT field = SendMessageW(window, CB_GETITEMHEIGHT, FieldOfList, 0);
-        SendMessageW(window, CB_SETITEMHEIGHT, FieldOfList, field + height - (closed.bottom - closed.top));
+    if (isList) {
+        // Its field follows the font, and shall fill its area. A system may make it higher than it is told.
+        LRESULT field = SendMessageW(window, CB_GETITEMHEIGHT, FieldOfList, 0);
+        for (int pass = 0; pass < 2; ++pass) {
+            RECT closed{};
+            GetWindowRect(window, &closed);
+            field += height - (closed.bottom - closed.top);
+            SendMessageW(window, CB_SETITEMHEIGHT, FieldOfList, field);
+        }
         Layer.ShowLines(control);
     }
     Layer.ShowText(control);
@@ -431,23 +436,25 @@ bool FormWindow::System::MakeControl(Control& control)
     return true;
 }
 
-/// Gives the dialog its size, in the middle of its owner or of the screen.
+/// Gives the dialog its size, in the middle of its owner or of the screen, and wholly on one screen.
 void FormWindow::System::Place() const
 {
-    RECT around{};
+    MONITORINFO screen{.cbSize = sizeof screen};
+    GetMonitorInfoW(MonitorFromWindow(GetWindow(Dialog, GW_OWNER), MONITOR_DEFAULTTONEAREST), &screen);
+    const RECT& work = screen.rcWork;
+    RECT around = work;
     if (Owner != nullptr) {
         GetWindowRect(Owner->Dialog, &around);
-    } else {
-        SystemParametersInfoW(SPI_GETWORKAREA, 0, &around, 0);
     }
     RECT area = Pixels({0, 0, Model.Look.Width, Model.Look.Height});
     AdjustWindowRectEx(&area, static_cast<DWORD>(GetWindowLongPtrW(Dialog, GWL_STYLE)), FALSE,
                        static_cast<DWORD>(GetWindowLongPtrW(Dialog, GWL_EXSTYLE)));
-    const int width = area.right - area.left;
-    const int height = area.bottom - area.top;
-    SetWindowPos(Dialog, nullptr, (around.left + around.right - width) / 2,
-                 (around.top + around.bottom - height) / 2, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
-    SendMessageW(Dialog, DM_REPOSITION, 0, 0); // back onto the screen, if the owner isn't wholly on it
+    const LONG width = area.right - area.left;
+    const LONG height = area.bottom - area.top;
+    const LONG left = std::min((around.left + around.right - width) / 2, work.right - width);
+    const LONG top = std::min((around.top + around.bottom - height) / 2, work.bottom - height);
+    SetWindowPos(Dialog, nullptr, std::max(left, work.left), std::max(top, work.top), width, height,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void FormWindow::System::Paint(HDC context) const
@@ -562,6 +569,12 @@ void FormWindow::ShowTimer()
     } else {
         KillTimer(m_system->Dialog, TimerId);
     }
+}
+
+void FormWindow::ShowCloseBox()
+{
+    EnableMenuItem(GetSystemMenu(m_system->Dialog, FALSE), SC_CLOSE,
+                   m_system->Model.HasWorkingCloseBox() ? MF_ENABLED : MF_GRAYED);
 }
 
 void FormWindow::SetFocus(const Control& Focused)

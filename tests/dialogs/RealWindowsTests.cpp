@@ -321,10 +321,20 @@ TEST_F(RealWindowsTest, CloseBoxIsNotCancel)
 TEST_F(RealWindowsTest, TestRunsToItsBannerOnTopAndLeadsBack)
 {
     duringCall = [](ReaderFunction) {
-        PostMessageW(FindWindowW(nullptr, English.TestCaption), WM_CLOSE, 0, 0);
+        const HWND window = FindWindowW(nullptr, English.TestCaption);
+        EXPECT_TRUE(GetMenuState(GetSystemMenu(window, FALSE), SC_CLOSE, MF_BYCOMMAND) & MF_GRAYED);
+        PostMessageW(window, WM_CLOSE, 0, 0);
     };
     Configure([](const Opened& dialog) {
+        SetWindowPos(dialog.Window, nullptr, 900, 700, 0, 0, SWP_NOSIZE); // in the corner of the screen
         const Opened test = RunTest(); // the close box was tried at each of its calls
+        RECT work{};
+        RECT area{};
+        RECT both{};
+        SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+        GetWindowRect(test.Window, &area);
+        UnionRect(&both, &work, &area);
+        EXPECT_TRUE(EqualRect(&both, &work)); // wholly on the screen
         EXPECT_FALSE(IsWindowEnabled(dialog.Window));
         const auto end = test.Text(Log).size();
         EXPECT_EQ(SendMessageW(test.Child(Log), EM_GETSEL, 0, 0), MAKELRESULT(end, end));

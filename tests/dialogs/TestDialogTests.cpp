@@ -43,7 +43,7 @@ protected:
             Press(form, "cmdOK"); // it is still disabled
             form.OnTimer();
             EXPECT_EQ(form.TimerInterval(), 0);
-            EXPECT_TRUE(form.HasWorkingCloseBox);
+            EXPECT_TRUE(form.HasWorkingCloseBox());
             log = TextOf(form, "txtLog");
             EXPECT_TRUE(form.IsOpen());
             Press(form, "cmdOK");
