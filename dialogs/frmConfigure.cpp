@@ -85,8 +85,8 @@ int FindLine(const std::vector<std::wstring>& lines, std::wstring_view text)
 } // namespace
 
 /// The form and its controls in tab order, made anew at each opening.
-struct frmConfigure::Window {
-    frmConfigure& Owner;
+struct frmConfigure::Screen {
+    frmConfigure& Shown;
     const ReaderDLL& Reader;
 
     Form Dialog{{.Width = 6735, .Height = 3825, .FontPoints = 9}};
@@ -112,15 +112,15 @@ struct frmConfigure::Window {
     Control& cmdCancel =
         Dialog.Add({"cmdCancel", ControlKind::Button, {4867, BottomButtonTop, 1770, ButtonHeight}});
 
-    Window(frmConfigure& Opened, const ReaderDLL& Used) : Owner(Opened), Reader(Used)
+    Screen(frmConfigure& Opened, const ReaderDLL& Used) : Shown(Opened), Reader(Used)
     {
         Dialog.DefaultButton = &cmdOK;
         Dialog.CancelButton = &cmdCancel;
-        Owner.m_window = this;
+        Shown.m_screen = this;
     }
-    ~Window() { Owner.m_window = nullptr; }
-    Window(const Window&) = delete;
-    Window& operator=(const Window&) = delete;
+    ~Screen() { Shown.m_screen = nullptr; }
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
 };
 
 frmConfigure& frmConfigure::OfThread()
@@ -133,62 +133,62 @@ void frmConfigure::Show(const ReaderDLL& Reader)
     if (IsOpen()) {
         return;
     }
-    Window window(*this, Reader);
-    window.cboAutoDetect.OnPick = [this] { cboAutoDetect_Click(); };
-    window.cboAutoDetect.OnEdit = [this] { cboAutoDetect_Change(); };
-    window.txtTimeout.AcceptsTyped = txtTimeout_KeyPress;
-    window.cmdDefault.OnPress = [this] { cmdDefault_Click(); };
-    window.cmdTest.OnPress = [this] { cmdTest_Click(); };
-    window.cmdCancel.OnPress = [this] { cmdCancel_Click(); };
-    window.cmdOK.OnPress = [this] { cmdOK_Click(); };
+    Screen screen(*this, Reader);
+    screen.cboAutoDetect.OnPick = [this] { cboAutoDetect_Click(); };
+    screen.cboAutoDetect.OnEdit = [this] { cboAutoDetect_Change(); };
+    screen.txtTimeout.AcceptsTyped = txtTimeout_KeyPress;
+    screen.cmdDefault.OnPress = [this] { cmdDefault_Click(); };
+    screen.cmdTest.OnPress = [this] { cmdTest_Click(); };
+    screen.cmdCancel.OnPress = [this] { cmdCancel_Click(); };
+    screen.cmdOK.OnPress = [this] { cmdOK_Click(); };
     Form_Load();
-    window.Dialog.ShowModal();
+    screen.Dialog.ShowModal();
 }
 
 void frmConfigure::Form_Load()
 {
-    Window& window = *m_window;
+    Screen& screen = *m_screen;
     const bool french = IsFrench(Language);
     const auto text = [french](const Translated& both) { return In(french, both); };
 
-    window.Dialog.Caption = text({L"ACG Encoder Configuration", L"Configuration de l'encodeur ACG"});
+    screen.Dialog.Caption = text({L"ACG Encoder Configuration", L"Configuration de l'encodeur ACG"});
     const struct {
         Control& Named;
         Translated Text;
     } captions[] = {
-        {window.fraComm, {L"Communication", L"Communication"}},
-        {window.lblDevice, {L"&Communication port:", L"&Port de communication :"}},
-        {window.lblAutoDetect, {L"&Automatic detection:", L"&Détection automatique :"}},
-        {window.lblBaudrate, {L"&Speed (bauds):", L"&Vitesse en bauds :"}},
-        {window.lblProtocol, {L"&Protocol:", L"P&rotocole :"}},
-        {window.lblTimeout, {L"Ti&meout (ms):", L"Ti&meout (ms) :"}},
-        {window.cmdDefault, {L"Default values", L"Valeurs d'usine"}},
-        {window.cmdTest, {L"&Test settings...", L"&Test encodeur..."}},
-        {window.cmdCancel, {L"Cancel", L"Annuler"}},
-        {window.cmdOK, {L"OK", L"OK"}},
+        {screen.fraComm, {L"Communication", L"Communication"}},
+        {screen.lblDevice, {L"&Communication port:", L"&Port de communication :"}},
+        {screen.lblAutoDetect, {L"&Automatic detection:", L"&Détection automatique :"}},
+        {screen.lblBaudrate, {L"&Speed (bauds):", L"&Vitesse en bauds :"}},
+        {screen.lblProtocol, {L"&Protocol:", L"P&rotocole :"}},
+        {screen.lblTimeout, {L"Ti&meout (ms):", L"Ti&meout (ms) :"}},
+        {screen.cmdDefault, {L"Default values", L"Valeurs d'usine"}},
+        {screen.cmdTest, {L"&Test settings...", L"&Test encodeur..."}},
+        {screen.cmdCancel, {L"Cancel", L"Annuler"}},
+        {screen.cmdOK, {L"OK", L"OK"}},
     };
     for (const auto& [control, caption] : captions) {
         control.SetText(text(caption));
     }
-    window.cboDevice.SetLines({L"COM1", L"COM2", L"COM3", L"COM4"});
-    window.cboAutoDetect.SetLines({text({L"Disabled", L"Désactivée"}),
+    screen.cboDevice.SetLines({L"COM1", L"COM2", L"COM3", L"COM4"});
+    screen.cboAutoDetect.SetLines({text({L"Disabled", L"Désactivée"}),
                                    text({L"Normal detection", L"Normale"}),
                                    text({L"Fast detection", L"Rapide"})});
-    window.cboBaudrate.SetLines({L"9600", L"19200", L"38400", L"57600", L"115200"});
-    window.cboProtocol.SetLines({L"ASCII", text({L"Binary", L"Binaire"})});
+    screen.cboBaudrate.SetLines({L"9600", L"19200", L"38400", L"57600", L"115200"});
+    screen.cboProtocol.SetLines({L"ASCII", text({L"Binary", L"Binaire"})});
 
-    std::vector<std::wstring> devices = window.cboDevice.Lines();
+    std::vector<std::wstring> devices = screen.cboDevice.Lines();
     std::ranges::transform(devices, devices.begin(), [](const std::wstring& line) { return ToLower(line); });
     int device = FindLine(devices, ToLower(Device));
     if (device == Control::NoLine) {
         device = static_cast<int>(devices.size());
-        window.cboDevice.AddLine(Device);
+        screen.cboDevice.AddLine(Device);
     }
-    window.cboDevice.Select(device);
-    window.cboAutoDetect.Select(AutoDetect);
-    window.cboBaudrate.Select(std::max(FindLine(window.cboBaudrate.Lines(), DecimalText(BaudRate)), 0));
-    window.cboProtocol.Select(Protocol);
-    window.txtTimeout.SetText(DecimalText(Timeout));
+    screen.cboDevice.Select(device);
+    screen.cboAutoDetect.Select(AutoDetect);
+    screen.cboBaudrate.Select(std::max(FindLine(screen.cboBaudrate.Lines(), DecimalText(BaudRate)), 0));
+    screen.cboProtocol.Select(Protocol);
+    screen.txtTimeout.SetText(DecimalText(Timeout));
 }
 
 void frmConfigure::cboAutoDetect_Change()
@@ -199,57 +199,57 @@ void frmConfigure::cboAutoDetect_Change()
 /// The detection rule: baud rate and protocol are the user's choice only where nothing is detected.
 void frmConfigure::cboAutoDetect_Click()
 {
-    const bool disabled = m_window->cboAutoDetect.SelectedLine() == DetectionDisabled;
+    const bool disabled = m_screen->cboAutoDetect.SelectedLine() == DetectionDisabled;
     for (Control* control :
-         {&m_window->lblBaudrate, &m_window->cboBaudrate, &m_window->lblProtocol, &m_window->cboProtocol}) {
+         {&m_screen->lblBaudrate, &m_screen->cboBaudrate, &m_screen->lblProtocol, &m_screen->cboProtocol}) {
         control->Enable(disabled);
     }
-    for (Control* list : {&m_window->cboBaudrate, &m_window->cboProtocol}) {
+    for (Control* list : {&m_screen->cboBaudrate, &m_screen->cboProtocol}) {
         list->SetBackground({disabled ? Colour::Source::Window : Colour::Source::Menu});
     }
 }
 
-bool frmConfigure::txtTimeout_KeyPress(wchar_t Character)
+bool frmConfigure::txtTimeout_KeyPress(wchar_t Character) noexcept
 {
     return Character == Backspace || (Character >= L'0' && Character <= L'9');
 }
 
 void frmConfigure::cmdDefault_Click()
 {
-    m_window->cboDevice.Select(0);
-    m_window->cboAutoDetect.Select(1);
-    m_window->cboBaudrate.Select(0);
-    m_window->cboProtocol.Select(0);
-    m_window->txtTimeout.SetText(L"2200");
+    m_screen->cboDevice.Select(0);
+    m_screen->cboAutoDetect.Select(1);
+    m_screen->cboBaudrate.Select(0);
+    m_screen->cboProtocol.Select(0);
+    m_screen->txtTimeout.SetText(L"2200");
 }
 
 void frmConfigure::cmdTest_Click()
 {
     frmTest& test = frmTest::OfThread();
     test.Language = Language;
-    test.Device = m_window->cboDevice.Text();
-    TakePosition(m_window->cboAutoDetect, test.AutoDetect);
-    TakeNumber(m_window->cboBaudrate.Text(), test.BaudRate);
-    TakePosition(m_window->cboProtocol, test.Protocol);
-    TakeNumber(m_window->txtTimeout.Text(), test.Timeout);
-    test.Show(m_window->Reader, &m_window->Dialog);
+    test.Device = m_screen->cboDevice.Text();
+    TakePosition(m_screen->cboAutoDetect, test.AutoDetect);
+    TakeNumber(m_screen->cboBaudrate.Text(), test.BaudRate);
+    TakePosition(m_screen->cboProtocol, test.Protocol);
+    TakeNumber(m_screen->txtTimeout.Text(), test.Timeout);
+    test.Show(m_screen->Reader, &m_screen->Dialog);
 }
 
 void frmConfigure::cmdCancel_Click()
 {
     OKPressed = false;
-    m_window->Dialog.Close();
+    m_screen->Dialog.Close();
 }
 
 void frmConfigure::cmdOK_Click()
 {
-    Device = m_window->cboDevice.Text();
-    TakePosition(m_window->cboAutoDetect, AutoDetect);
-    TakeNumber(m_window->cboBaudrate.Text(), BaudRate);
-    TakePosition(m_window->cboProtocol, Protocol);
-    TakeNumber(m_window->txtTimeout.Text(), Timeout);
+    Device = m_screen->cboDevice.Text();
+    TakePosition(m_screen->cboAutoDetect, AutoDetect);
+    TakeNumber(m_screen->cboBaudrate.Text(), BaudRate);
+    TakePosition(m_screen->cboProtocol, Protocol);
+    TakeNumber(m_screen->txtTimeout.Text(), Timeout);
     OKPressed = true;
-    m_window->Dialog.Close();
+    m_screen->Dialog.Close();
 }
 
 } // namespace acg

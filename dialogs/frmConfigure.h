@@ -27,24 +27,24 @@ public:
     bool OKPressed = false;
 
     /// One dialog at a time: another can't be shown on top of it.
-    [[nodiscard]] bool IsOpen() const { return m_window != nullptr; }
+    [[nodiscard]] bool IsOpen() const { return m_screen != nullptr; }
     /// Shows the dialog without an owner, and returns when it has been closed, or at once where it can't be
     /// shown.
     void Show(const ReaderDLL& Reader);
 
 private:
-    struct Window;
+    struct Screen;
 
     void Form_Load();
     void cboAutoDetect_Change();
     void cboAutoDetect_Click();
-    [[nodiscard]] static bool txtTimeout_KeyPress(wchar_t Character);
+    [[nodiscard]] static bool txtTimeout_KeyPress(wchar_t Character) noexcept;
     void cmdDefault_Click();
     void cmdTest_Click();
     void cmdCancel_Click();
     void cmdOK_Click();
 
-    Window* m_window = nullptr; ///< while the dialog is open
+    Screen* m_screen = nullptr; ///< while the dialog is open
 };
 
 } // namespace acg

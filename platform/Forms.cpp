@@ -1,50 +1,40 @@
 #include "platform/Forms.h"
 
-#include "platform/FormWindow.h"
-
-#include <algorithm>
-#include <cassert>
 #include <utility>
 
 namespace acg
 {
 
-void Control::Changed(void (FormWindow::*show)(const Control&))
+Control::Control(Form& Parent, size_t Position, const ControlLook& Fixed)
+    : Look(Fixed), Index(Position), m_form(Parent)
 {
-    if (m_form.m_window != nullptr) {
-        (m_form.m_window->*show)(*this);
+    if (Look.Kind != ControlKind::Frame && Look.Kind != ControlKind::Label) {
+        m_background = {Colour::Source::Window};
     }
 }
 
 void Control::SetText(std::wstring_view Text)
 {
     m_text = Text;
-    Changed(&FormWindow::ShowText);
+    Show();
 }
 
 void Control::Enable(bool Enabled)
 {
     m_enabled = Enabled;
-    Changed(&FormWindow::ShowEnabled);
+    Show();
 }
 
 void Control::SetBackground(const Colour& Background)
 {
     m_background = Background;
-    Changed(&FormWindow::ShowBackground);
+    Show();
 }
 
 void Control::SetLines(std::initializer_list<std::wstring_view> Lines)
 {
     m_lines.assign(Lines.begin(), Lines.end());
     m_selectedLine = NoLine;
-    Changed(&FormWindow::ShowLines);
-}
-
-void Control::AddLine(std::wstring_view Line)
-{
-    m_lines.emplace_back(Line);
-    Changed(&FormWindow::ShowLines);
 }
 
 void Control::Select(int Line)
@@ -52,9 +42,9 @@ void Control::Select(int Line)
     if (Line < 0 || std::cmp_greater_equal(Line, m_lines.size())) {
         return;
     }
-    m_selectedLine = Line;
     m_text = m_lines[static_cast<size_t>(Line)];
-    Changed(&FormWindow::ShowSelectedLine);
+    m_selectedLine = Line;
+    Show();
     if (OnPick) {
         OnPick();
     }
@@ -85,58 +75,10 @@ void Control::Edit(std::wstring_view NewText)
     }
 }
 
-Control& Form::Named(std::string_view Name)
-{
-    const auto found = std::ranges::find(
-        m_controls, Name, [](const Control& control) { return std::string_view(control.Look.Name); });
-    assert(found != m_controls.end());
-    return *found;
-}
-
 void Form::StartTimer(int Milliseconds)
 {
     m_timerInterval = Milliseconds;
-    if (m_window != nullptr) {
-        m_window->ShowTimer();
-    }
-}
-
-void Form::StopTimer()
-{
-    StartTimer(0);
-}
-
-/// What is true of a form while its window runs.
-struct Form::Opening {
-    Form& Opened;
-
-    Opening(Form& Shown, FormWindow& Window) : Opened(Shown)
-    {
-        Opened.m_window = &Window;
-        Opened.m_isOpen = true;
-    }
-    ~Opening()
-    {
-        Opened.m_window = nullptr;
-        Opened.m_isOpen = false;
-    }
-    Opening(const Opening&) = delete;
-    Opening& operator=(const Opening&) = delete;
-};
-
-bool Form::ShowModal(Form* Owner)
-{
-    FormWindow window(*this);
-    const Opening opening(*this, window);
-    return window.RunModal(Owner != nullptr ? Owner->m_window : nullptr);
-}
-
-void Form::Close()
-{
-    m_isOpen = false;
-    if (m_window != nullptr) {
-        m_window->Close();
-    }
+    ShowTimer();
 }
 
 void Form::PressCloseBox()
@@ -149,23 +91,7 @@ void Form::PressCloseBox()
 void Form::EnableCloseBox(bool Enabled)
 {
     m_hasWorkingCloseBox = Enabled;
-    if (m_window != nullptr) {
-        m_window->ShowCloseBox();
-    }
-}
-
-void Form::SetFocus(const Control& Focused)
-{
-    if (m_window != nullptr) {
-        m_window->SetFocus(Focused);
-    }
-}
-
-void Form::ShowNow(const Control& Shown)
-{
-    if (m_window != nullptr) {
-        m_window->ShowNow(Shown);
-    }
+    ShowCloseBox();
 }
 
 } // namespace acg

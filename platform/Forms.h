@@ -2,7 +2,8 @@
 //
 // A form is a model: the state of its controls, and the handlers. It runs on the window layer that the build
 // has. On Windows the layer makes real controls of the system; elsewhere it is headless, and a player acts in
-// place of a person (platform/HeadlessPlayer.h). Sizes are in twips, a twentieth of a point each.
+// place of a person (platform/HeadlessPlayer.h). What is declared as the layer's stands in its source. Sizes
+// are in twips, a twentieth of a point each.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +18,7 @@ namespace acg
 {
 
 class Form;
-class FormWindow;
+class FormWindow; ///< of a form that is open; the layer's
 
 struct Area {
     int Left = 0;
@@ -33,14 +34,12 @@ struct Colour {
         Window,
         Menu,
         Highlight3D,
-        Own,
+        Own, ///< a light one: text on it is black
     };
     Source From = Source::Form;
     uint8_t Red = 0;
     uint8_t Green = 0;
     uint8_t Blue = 0;
-
-    bool operator==(const Colour&) const = default;
 };
 
 enum class ControlKind {
@@ -65,9 +64,10 @@ struct ControlLook {
 class Control
 {
 public:
-    Control(Form& Owner, const ControlLook& Fixed) : Look(Fixed), m_form(Owner) {}
+    Control(Form& Parent, size_t Position, const ControlLook& Fixed);
 
     const ControlLook Look;
+    const size_t Index; ///< in the tab order
 
     [[nodiscard]] const std::wstring& Text() const { return m_text; }
     void SetText(std::wstring_view Text);
@@ -78,19 +78,20 @@ public:
     [[nodiscard]] const Colour& Background() const { return m_background; }
     void SetBackground(const Colour& Background);
 
-    // Of a list: its lines, counted from 0, and the selected one.
+    // Of a list: its lines, counted from 0, which stay as they are while the form is open, and the selected
+    // one.
     static constexpr int NoLine = -1;
     [[nodiscard]] const std::vector<std::wstring>& Lines() const { return m_lines; }
     void SetLines(std::initializer_list<std::wstring_view> Lines); ///< with none selected
-    void AddLine(std::wstring_view Line);
+    void AddLine(std::wstring_view Line) { m_lines.emplace_back(Line); }
     [[nodiscard]] int SelectedLine() const { return m_selectedLine; }
     /// Selects as a person would, OnPick included; nothing happens where there is no such line.
     void Select(int Line);
 
-    std::function<void()> OnPress;             ///< of a button
-    std::function<void()> OnPick;              ///< of a list, when a line is selected
-    std::function<void()> OnEdit;              ///< of a list or a text field, when its text was typed
-    std::function<bool(wchar_t)> AcceptsTyped; ///< of a text field: false swallows the character
+    std::function<void()> OnPress;                    ///< of a button
+    std::function<void()> OnPick;                     ///< of a list, when a line is selected
+    std::function<void()> OnEdit;                     ///< of a list or a text field, when its text was typed
+    bool (*AcceptsTyped)(wchar_t) noexcept = nullptr; ///< of a text field: false swallows the character
 
     // What a person does, as the window layer reports it. On a disabled control nothing happens.
     void Press() const;
@@ -98,14 +99,14 @@ public:
     void Edit(std::wstring_view NewText);
 
 private:
-    void Changed(void (FormWindow::*show)(const Control&));
+    void Show() const; ///< brings the state onto the screen, where there is one; the layer's
 
     Form& m_form;
     std::wstring m_text;
     std::vector<std::wstring> m_lines;
     int m_selectedLine = NoLine;
     bool m_enabled = true;
-    Colour m_background{Colour::Source::Window};
+    Colour m_background;
 };
 
 /// A filled rectangle behind the controls; a line is one without height.
@@ -122,7 +123,7 @@ struct FormLook {
 };
 
 /// A window of fixed size, without minimise and maximise button and without an entry in the task bar. It
-/// opens centred on its owner, or on the screen. Its font is Tahoma.
+/// opens centred on its owner, the form on top of which it is shown, or on the screen. Its font is Tahoma.
 class Form
 {
 public:
@@ -132,9 +133,11 @@ public:
     Form& operator=(const Form&) = delete;
 
     /// Controls come in tab order.
-    Control& Add(const ControlLook& Fixed) { return m_controls.emplace_back(*this, Fixed); }
-    /// The control with that name. There must be one.
-    [[nodiscard]] Control& Named(std::string_view Name);
+    Control& Add(const ControlLook& Fixed)
+    {
+        return m_controls.emplace_back(*this, m_controls.size(), Fixed);
+    }
+    [[nodiscard]] std::deque<Control>& Controls() { return m_controls; }
 
     const FormLook Look;
     std::wstring Caption;
@@ -144,35 +147,36 @@ public:
 
     std::function<void()> OnTimer;
     void StartTimer(int Milliseconds);
-    void StopTimer();
+    void StopTimer() { StartTimer(0); }
     [[nodiscard]] int TimerInterval() const { return m_timerInterval; } ///< 0: stopped
 
-    /// Shows the form and returns when it has been closed. False: it can't be shown.
-    bool ShowModal(Form* Owner = nullptr);
-    /// Closes the form. No handler runs.
-    void Close();
     /// What the close box does. No handler runs.
     void PressCloseBox();
     void EnableCloseBox(bool Enabled);
     [[nodiscard]] bool HasWorkingCloseBox() const { return m_hasWorkingCloseBox; }
-    [[nodiscard]] bool IsOpen() const { return m_isOpen; }
 
+    // The layer's.
+    /// Shows the form and returns when it has been closed. False: it can't be shown.
+    bool ShowModal(const Form* Owner = nullptr);
+    /// Closes the form. No handler runs.
+    void Close();
     /// Gives a control the input focus.
     void SetFocus(const Control& Focused);
-    /// Shows the state of a control at once, then lets pending events of all windows run once.
+    /// Shows the state of a control at once, then lets pending events of all windows run once. A request to
+    /// quit that is met is put back.
     void ShowNow(const Control& Shown);
-
-    [[nodiscard]] std::deque<Control>& Controls() { return m_controls; }
+    [[nodiscard]] bool IsOpen() const { return m_window != nullptr; }
 
 private:
     friend class Control;
-    struct Opening;
+    friend class FormWindow;
+    void ShowTimer() const;    ///< started or stopped; the layer's
+    void ShowCloseBox() const; ///< the layer's
 
     std::deque<Control> m_controls; // a deque, as its elements stay where they are
     int m_timerInterval = 0;
-    bool m_isOpen = false;
     bool m_hasWorkingCloseBox = true;
-    FormWindow* m_window = nullptr; ///< while it is open
+    FormWindow* m_window = nullptr; ///< while the form is open
 };
 
 } // namespace acg

@@ -1,9 +1,12 @@
-// The window layer of a build without windows.
-#include "platform/FormWindow.h"
+// The window layer of a build without windows: the model is all there is.
 #include "platform/HeadlessPlayer.h"
 
 namespace acg
 {
+
+class FormWindow
+{
+};
 
 std::function<void(Form&)>& HeadlessPlayer()
 {
@@ -11,33 +14,32 @@ std::function<void(Form&)>& HeadlessPlayer()
     return player;
 }
 
-struct FormWindow::System {
-    Form& Shown;
-};
-
-FormWindow::FormWindow(Form& Shown) : m_system(new System{Shown}) {}
-
-FormWindow::~FormWindow() = default;
-
-bool FormWindow::RunModal(FormWindow* /*Owner*/)
+bool Form::ShowModal(const Form* /*Owner*/)
 {
     if (!HeadlessPlayer()) {
         return false;
     }
-    HeadlessPlayer()(m_system->Shown);
+    FormWindow window;
+    m_window = &window;
+    try {
+        HeadlessPlayer()(*this);
+    } catch (...) {
+        m_window = nullptr;
+        throw;
+    }
+    m_window = nullptr;
     return true;
 }
 
-// The model is all there is.
-void FormWindow::Close() {}
-void FormWindow::ShowText(const Control& /*Changed*/) {}
-void FormWindow::ShowEnabled(const Control& /*Changed*/) {}
-void FormWindow::ShowBackground(const Control& /*Changed*/) {}
-void FormWindow::ShowLines(const Control& /*Changed*/) {}
-void FormWindow::ShowSelectedLine(const Control& /*Changed*/) {}
-void FormWindow::ShowTimer() {}
-void FormWindow::ShowCloseBox() {}
-void FormWindow::SetFocus(const Control& /*Focused*/) {}
-void FormWindow::ShowNow(const Control& /*Shown*/) {}
+void Form::Close()
+{
+    m_window = nullptr;
+}
+
+void Control::Show() const {}
+void Form::SetFocus(const Control& /*Focused*/) {}
+void Form::ShowNow(const Control& /*Shown*/) {}
+void Form::ShowTimer() const {}
+void Form::ShowCloseBox() const {}
 
 } // namespace acg

@@ -16,16 +16,16 @@ protected:
     /// made.
     static std::wstring Shown(Form& form)
     {
-        std::wstring shown = std::to_wstring(form.Named("cboDevice").Lines().size());
+        std::wstring shown = std::to_wstring(Named(form, "cboDevice").Lines().size());
         for (const char* field : {"cboDevice", "cboAutoDetect", "cboBaudrate", "cboProtocol", "txtTimeout"}) {
             shown += L'|' + TextOf(form, field);
         }
         for (const char* choice : {"lblBaudrate", "cboBaudrate", "lblProtocol", "cboProtocol"}) {
-            shown += form.Named(choice).IsEnabled() ? L" yes" : L" no";
+            shown += Named(form, choice).IsEnabled() ? L" yes" : L" no";
         }
         for (const char* list : {"cboBaudrate", "cboProtocol"}) {
-            EXPECT_EQ(form.Named(list).Background().From,
-                      form.Named(list).IsEnabled() ? Colour::Source::Window : Colour::Source::Menu);
+            EXPECT_EQ(Named(form, list).Background().From,
+                      Named(form, list).IsEnabled() ? Colour::Source::Window : Colour::Source::Menu);
         }
         return shown;
     }
@@ -62,7 +62,7 @@ TEST_F(ConfigureTest, LanguageOfBothDialogsIsFrenchForOneWordInAnyCase)
     for (const auto& [language, expected] : languages) {
         std::wstring texts;
         const auto play = [&texts](Form& form) {
-            texts = TextOf(form, "lblAutoDetect") + L'|' + form.Named("cboAutoDetect").Lines().front();
+            texts = TextOf(form, "lblAutoDetect") + L'|' + Named(form, "cboAutoDetect").Lines().front();
             Press(form, "cmdTest");
         };
         const auto playTest = [&texts](Form& form) {
@@ -90,11 +90,11 @@ TEST_F(ConfigureTest, OnlyOKStoresAndTheCloseBoxGivesWhatTheLastButtonGave)
         const auto play = [&, button = end](Form& form) {
             const bool isStored = Settings() == edited; // the protocol is the dialog's own, and stays too
             EXPECT_EQ(TextOf(form, "cboProtocol"), isStored ? L"Binary" : L"ASCII");
-            form.Named("cboDevice").Edit(isStored ? L"other" : L" my port ");
-            form.Named("cboAutoDetect").Pick(0);
-            form.Named("cboBaudrate").Pick(isStored ? 0 : 3);
-            form.Named("cboProtocol").Pick(1);
-            form.Named("txtTimeout").Edit(isStored ? L"1" : L"0500");
+            Named(form, "cboDevice").Edit(isStored ? L"other" : L" my port ");
+            Named(form, "cboAutoDetect").Pick(0);
+            Named(form, "cboBaudrate").Pick(isStored ? 0 : 3);
+            Named(form, "cboProtocol").Pick(1);
+            Named(form, "txtTimeout").Edit(isStored ? L"1" : L"0500");
             button == closeBox ? form.PressCloseBox() : Press(form, button);
             EXPECT_FALSE(form.IsOpen());
         };
@@ -107,11 +107,11 @@ TEST_F(ConfigureTest, DefaultsAreWhatTheFactoryGives)
 {
     encoder.Parameters(L"Device=com7;Autodetect=0;Baud rate=19200;Timeout=1");
     Configure([](Form& form) {
-        form.Named("cboProtocol").Pick(1);
-        form.Named("cboAutoDetect").Edit(L""); // no line, no choice
-        EXPECT_FALSE(form.Named("cboBaudrate").IsEnabled());
+        Named(form, "cboProtocol").Pick(1);
+        Named(form, "cboAutoDetect").Edit(L""); // no line, no choice
+        EXPECT_FALSE(Named(form, "cboBaudrate").IsEnabled());
         Press(form, "cmdDefault");
-        form.Named("cboBaudrate").Pick(3); // it is disabled now
+        Named(form, "cboBaudrate").Pick(3); // it is disabled now
         EXPECT_EQ(Shown(form), L"5|COM1|Normal detection|9600|ASCII|2200 no no no no");
         Press(form, "cmdOK");
     });
@@ -127,9 +127,9 @@ TEST_F(ConfigureTest, TimeoutTakesDigitsAndWhatIsNoNumberKeepsTheFormerValue)
         Configure([typed = text](Form& form) {
             for (wchar_t character = 0; character < 300; ++character) {
                 const bool accepted = character == 8 || (character >= L'0' && character <= L'9');
-                EXPECT_EQ(form.Named("txtTimeout").AcceptsTyped(character), accepted) << int{character};
+                EXPECT_EQ(Named(form, "txtTimeout").AcceptsTyped(character), accepted) << int{character};
             }
-            form.Named("txtTimeout").Edit(typed);
+            Named(form, "txtTimeout").Edit(typed);
             Press(form, "cmdOK");
         });
         EXPECT_EQ(Settings(), L"Device=COM1\r\nAutodetect=200\r\nBaud rate=9600\r\nTimeout=" + stored);
@@ -141,10 +141,10 @@ TEST_F(ConfigureTest, TestGetsWhatStandsInTheDialogAndKeepsWhatCannotBeRead)
     encoder.Parameters(L"Autodetect=9;Timeout=77");
     const auto given = [this](const std::wstring& device, int line, const std::wstring& timeout) {
         Configure([&](Form& form) {
-            form.Named("cboDevice").Edit(device);
-            form.Named("cboAutoDetect").Pick(line);
-            form.Named("cboProtocol").Select(line - 1);
-            form.Named("txtTimeout").Edit(timeout);
+            Named(form, "cboDevice").Edit(device);
+            Named(form, "cboAutoDetect").Pick(line);
+            Named(form, "cboProtocol").Select(line - 1);
+            Named(form, "txtTimeout").Edit(timeout);
             Press(form, "cmdTest");
         });
         const frmTest& test = frmTest::OfThread();

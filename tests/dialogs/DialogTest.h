@@ -6,8 +6,22 @@
 #include "platform/HeadlessPlayer.h"
 #include "tests/ScriptedReader.h"
 
+#include <algorithm>
+
 namespace acg
 {
+
+/// The control with that name. There must be one.
+inline Control& Named(Form& form, std::string_view name)
+{
+    const auto isNamed = [name](const Control& control) { return control.Look.Name == name; };
+    return *std::ranges::find_if(form.Controls(), isNamed);
+}
+
+inline void Press(Form& form, const char* button)
+{
+    Named(form, button).Press();
+}
 
 class DialogTest : public EncoderTest
 {
@@ -31,8 +45,7 @@ protected:
         return encoder.Configure(language);
     }
 
-    static void Press(Form& form, const char* button) { form.Named(button).Press(); }
-    static std::wstring TextOf(Form& form, const char* control) { return form.Named(control).Text(); }
+    static std::wstring TextOf(Form& form, const char* control) { return Named(form, control).Text(); }
 };
 
 } // namespace acg

@@ -438,7 +438,7 @@ TEST_F(RealWindowsTest, ExceptionOfAHandlerClosesItsFormsAndGoesOn)
     inner.Caption = L"Inner";
     outer.DefaultButton = &outer.Add({"cmdInner", ControlKind::Button, {0, 0, 1500, 420}});
     outer.DefaultButton->OnPress = [&] { inner.ShowModal(&outer); };
-    inner.Add({"txtKeys", ControlKind::TextField, {0, 0, 1500, 420}}).AcceptsTyped = [](wchar_t) -> bool {
+    inner.Add({"txtKeys", ControlKind::TextField, {0, 0, 1500, 420}}).OnEdit = [] {
         throw std::runtime_error("typed");
     };
     const auto act = [] {

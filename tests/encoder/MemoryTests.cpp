@@ -1,6 +1,6 @@
 // What memory does to the component, and the component to memory: each allocation fails in turn, and no key
 // is left in a block that is freed. A program of its own, as it replaces the allocation of the whole process.
-#include "platform/HeadlessPlayer.h"
+#include "tests/dialogs/DialogTest.h"
 #include "tests/encoder/Operations.h"
 
 #include <algorithm>
@@ -98,8 +98,8 @@ TEST(MemoryTest, EveryAllocationThatFailsReachesTheCaller)
     bool isTested = false;
     HeadlessPlayer() = [&isTested](Form& form) {
         isTested = static_cast<bool>(form.OnTimer); // that of the test dialog, in the other one
-        isTested ? form.OnTimer() : form.Named("cmdTest").Press();
-        form.Named("cmdOK").Press();
+        isTested ? form.OnTimer() : Press(form, "cmdTest");
+        Press(form, "cmdOK");
     };
     std::vector<Operation> operations = Operations;
     operations.insert(operations.end(), OtherOperations.begin(), OtherOperations.end());

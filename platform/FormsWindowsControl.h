@@ -1,0 +1,39 @@
+// The window of a control, in the window layer of Windows: one of the system's own controls.
+#pragma once
+
+#include "platform/FormsWindowsDrawing.h"
+
+namespace acg
+{
+
+/// Stays where it is while its window lives.
+class ControlWindow
+{
+public:
+    /// Handle is null where the window can't be made. FormPoints: the font of the form.
+    ControlWindow(HWND Dialog, int Id, Control& Shown, double FormPoints);
+    ControlWindow(const ControlWindow&) = delete;
+    ControlWindow& operator=(const ControlWindow&) = delete;
+
+    [[nodiscard]] HWND Handle() const { return m_handle; }
+    [[nodiscard]] bool TakesFocus() const;
+
+    /// Brings the model onto the screen. Notifications that come of it change nothing: the model has changed
+    /// before.
+    void Show() const;
+    /// Brings what a person has done into the model, whose handlers run.
+    void Report(int Notification) const;
+    /// What a WM_CTLCOLOR message is answered by.
+    [[nodiscard]] HBRUSH SetColours(HDC Context) const;
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    void FillList(int height) const;
+
+    Control& m_model;
+    FontPointer m_font;
+    HWND m_handle = nullptr;
+    WNDPROC m_ordinary = nullptr; ///< the window procedure of its class
+};
+
+} // namespace acg
