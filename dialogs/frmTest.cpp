@@ -24,85 +24,93 @@ constexpr size_t MostReaders = 255;
 
 } // namespace
 
-struct frmTest::Translation {
-    std::wstring Texts::*Field;
-    Translated Text;
+constexpr frmTest::Texts frmTest::EnglishTexts = {
+    .m_sStart = L"Starting the test.",
+    .m_sOpening = L"Opening communication port %1, %2...",
+    .m_sOpenFailed = L"Failed to open the communication port.",
+    .m_sNoAutodetect = L"no autodetect. Baud rate: %1, %2 protocol",
+    .m_sNormalDetect = L"normal autodetection",
+    .m_sFastDetect = L"fast autodetection",
+    .m_sAscii = L"ASCII",
+    .m_sBinary = L"binary",
+    .m_sPortOpen = L"Communication port open. Baud rate: %1, %2 protocol, timeout: %3 ms",
+    .m_sDetecting = L"Detecting encoders...",
+    .m_sNoEncoder = L"No encoder found.",
+    .m_sFound = L"%1 encoder(s) found. Encoder ID to test: %2",
+    .m_sOpeningEncoder = L"Opening the communication with encoder...",
+    .m_sNoAccess = L"Unable to access to the encoder.",
+    .m_sDeviceID = L"Encoder DeviceID: %1",
+    .m_sEncoderType = L"Encoder type: %1",
+    .m_sClosingEncoder = L"Closing communication with the encoder...",
+    .m_sClosingPort = L"Closing the communication port...",
+    .m_sSuccess = L"\r\n<< Successful test >>\r\n",
+    .m_sFailed = L"\r\n<< Test failed >>\r\n",
+    .m_sError = L"Error %1: %2",
 };
 
-const frmTest::Translation frmTest::Translations[] = {
-    {&Texts::m_sStart, {L"Starting the test.", L"Début du test."}},
-    {&Texts::m_sOpening,
-     {L"Opening communication port %1, %2...", L"Ouverture du port de communication %1, %2..."}},
-    {&Texts::m_sOpenFailed,
-     {L"Failed to open the communication port.", L"Impossible d'ouvrir le port de communications."}},
-    {&Texts::m_sNoAutodetect,
-     {L"no autodetect. Baud rate: %1, %2 protocol",
-      L"pas d'auto-détection. Vitesse : %1 bauds, protocole %2"}},
-    {&Texts::m_sNormalDetect, {L"normal autodetection", L"auto-détection normale"}},
-    {&Texts::m_sFastDetect, {L"fast autodetection", L"auto-détection rapide"}},
-    {&Texts::m_sAscii, {L"ASCII", L"ASCII"}},
-    {&Texts::m_sBinary, {L"binary", L"binaire"}},
-    {&Texts::m_sPortOpen,
-     {L"Communication port open. Baud rate: %1, %2 protocol, timeout: %3 ms",
-      L"Ouvert. Vitesse : %1 bauds, protocole %2, timeout : %3 ms"}},
-    {&Texts::m_sDetecting, {L"Detecting encoders...", L"Détection des encodeurs..."}},
-    {&Texts::m_sNoEncoder, {L"No encoder found.", L"Aucun encodeur trouvé."}},
-    {&Texts::m_sFound,
-     {L"%1 encoder(s) found. Encoder ID to test: %2",
-      L"%1 encodeur(s) trouvé(s). ID de l'encodeur testé : %2"}},
-    {&Texts::m_sOpeningEncoder,
-     {L"Opening the communication with encoder...", L"Ouverture de communication avec l'encodeur..."}},
-    {&Texts::m_sNoAccess, {L"Unable to access to the encoder.", L"Impossible d'accéder à l'encodeur."}},
-    {&Texts::m_sDeviceID, {L"Encoder DeviceID: %1", L"DeviceID de l'encodeur : %1"}},
-    {&Texts::m_sEncoderType, {L"Encoder type: %1", L"Type de l'encodeur : %1"}},
-    {&Texts::m_sClosingEncoder,
-     {L"Closing communication with the encoder...", L"Fermeture de la communication avec l'encodeur..."}},
-    {&Texts::m_sClosingPort,
-     {L"Closing the communication port...", L"Fermeture du port de communication..."}},
-    {&Texts::m_sSuccess, {L"\r\n<< Successful test >>\r\n", L"\r\n<< Test réussi >>\r\n"}},
-    {&Texts::m_sFailed, {L"\r\n<< Test failed >>\r\n", L"\r\n<< Echec du test >>\r\n"}},
-    {&Texts::m_sError, {L"Error %1: %2", L"Erreur %1 : %2"}},
+constexpr frmTest::Texts frmTest::FrenchTexts = {
+    .m_sStart = L"Début du test.",
+    .m_sOpening = L"Ouverture du port de communication %1, %2...",
+    .m_sOpenFailed = L"Impossible d'ouvrir le port de communications.",
+    .m_sNoAutodetect = L"pas d'auto-détection. Vitesse : %1 bauds, protocole %2",
+    .m_sNormalDetect = L"auto-détection normale",
+    .m_sFastDetect = L"auto-détection rapide",
+    .m_sAscii = L"ASCII",
+    .m_sBinary = L"binaire",
+    .m_sPortOpen = L"Ouvert. Vitesse : %1 bauds, protocole %2, timeout : %3 ms",
+    .m_sDetecting = L"Détection des encodeurs...",
+    .m_sNoEncoder = L"Aucun encodeur trouvé.",
+    .m_sFound = L"%1 encodeur(s) trouvé(s). ID de l'encodeur testé : %2",
+    .m_sOpeningEncoder = L"Ouverture de communication avec l'encodeur...",
+    .m_sNoAccess = L"Impossible d'accéder à l'encodeur.",
+    .m_sDeviceID = L"DeviceID de l'encodeur : %1",
+    .m_sEncoderType = L"Type de l'encodeur : %1",
+    .m_sClosingEncoder = L"Fermeture de la communication avec l'encodeur...",
+    .m_sClosingPort = L"Fermeture du port de communication...",
+    .m_sSuccess = L"\r\n<< Test réussi >>\r\n",
+    .m_sFailed = L"\r\n<< Echec du test >>\r\n",
+    .m_sError = L"Erreur %1 : %2",
 };
 
 /// The form and its controls, made anew at each opening.
-struct frmTest::Window {
-    frmTest& Owner;
+struct frmTest::Screen {
+    frmTest& Shown;
     const ReaderDLL& Reader;
 
     Form Dialog{{.Width = 6735, .Height = 3825, .FontPoints = 8.25}};
     Control& txtLog = Dialog.Add({"txtLog", ControlKind::Log, {45, 0, 6690, 3150}});
     Control& cmdOK = Dialog.Add({"cmdOK", ControlKind::Button, {2482, 3285, 1770, 420}});
 
-    Window(frmTest& Opened, const ReaderDLL& Used) : Owner(Opened), Reader(Used)
+    Screen(frmTest& Opened, const ReaderDLL& Used) : Shown(Opened), Reader(Used)
     {
         constexpr Area Margin = {0, 0, 150, 3150};
         constexpr Area Separator = {-630, 3150, 7245 + 630, 0};
         Dialog.Shapes = {{Margin, LogBackground}, {Separator, {Colour::Source::Highlight3D}}};
         Dialog.DefaultButton = &cmdOK;
         txtLog.SetBackground(LogBackground);
-        Owner.m_window = this; // nothing throws any more
+        Shown.m_screen = this; // nothing throws any more
     }
-    ~Window() { Owner.m_window = nullptr; }
-    Window(const Window&) = delete;
-    Window& operator=(const Window&) = delete;
+    ~Screen() { Shown.m_screen = nullptr; }
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
 };
 
 /// While it lives the window can't be closed; then the button can be pressed.
 class frmTest::Running
 {
 public:
-    explicit Running(Window& Tested) : m_window(Tested) { m_window.Dialog.EnableCloseBox(false); }
+    explicit Running(Screen& Tested) : m_screen(Tested) { m_screen.Dialog.EnableCloseBox(false); }
     ~Running()
     {
-        m_window.Dialog.EnableCloseBox(true);
-        m_window.cmdOK.Enable(true);
-        m_window.Dialog.SetFocus(m_window.cmdOK);
+        m_screen.Dialog.EnableCloseBox(true);
+        m_screen.cmdOK.Enable(true);
+        m_screen.Dialog.SetFocus(m_screen.cmdOK);
     }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
 
 private:
-    Window& m_window;
+    Screen& m_screen;
 };
 
 /// What the test has opened. Whatever of it is still open at its end is closed, the reader first.
@@ -144,58 +152,56 @@ frmTest& frmTest::OfThread()
     return OwnDialog.Get();
 }
 
-void frmTest::Show(const ReaderDLL& Reader, Form* Owner)
+void frmTest::Show(const ReaderDLL& Reader, const Form* Owner)
 {
-    if (m_window != nullptr) { // one dialog at a time: the thread's is open already
+    if (m_screen != nullptr) { // one dialog at a time: the thread's is open already
         return;
     }
-    Window window(*this, Reader);
-    window.cmdOK.OnPress = [this] { cmdOK_Click(); };
-    window.Dialog.OnTimer = [this] { tmrTest_Timer(); };
+    Screen screen(*this, Reader);
+    screen.cmdOK.OnPress = [this] { cmdOK_Click(); };
+    screen.Dialog.OnTimer = [this] { tmrTest_Timer(); };
     Form_Load();
-    window.Dialog.ShowModal(Owner);
+    screen.Dialog.ShowModal(Owner);
 }
 
 void frmTest::Form_Load()
 {
     const bool french = IsFrench(Language);
-    m_window->Dialog.Caption = In(french, {L"ACG Encoder Test", L"Test de l'encodeur ACG"});
-    m_window->txtLog.SetText(L"");
-    m_window->cmdOK.SetText(L"OK");
-    for (const Translation& row : Translations) {
-        m_texts.*row.Field = In(french, row.Text);
-    }
-    m_window->Dialog.StartTimer(StartDelay);
-    m_window->cmdOK.Enable(false);
+    m_screen->Dialog.Caption = In(french, {L"ACG Encoder Test", L"Test de l'encodeur ACG"});
+    m_screen->txtLog.SetText(L"");
+    m_screen->cmdOK.SetText(L"OK");
+    m_texts = french ? &FrenchTexts : &EnglishTexts;
+    m_screen->Dialog.StartTimer(StartDelay);
+    m_screen->cmdOK.Enable(false);
 }
 
 void frmTest::cmdOK_Click()
 {
-    m_window->Dialog.Close();
+    m_screen->Dialog.Close();
 }
 
 void frmTest::LogLine(std::wstring_view Text)
 {
-    Control& log = m_window->txtLog;
+    Control& log = m_screen->txtLog;
     std::wstring content = log.Text();
     if (!content.empty()) {
         content += NewLine;
     }
     content += Text;
     log.SetText(content);
-    m_window->Dialog.ShowNow(log);
+    m_screen->Dialog.ShowNow(log);
 }
 
 void frmTest::tmrTest_Timer()
 {
-    m_window->Dialog.StopTimer();
-    const Running running(*m_window);
-    m_window->txtLog.SetText(L"");
-    LogLine(m_texts.m_sStart);
+    m_screen->Dialog.StopTimer();
+    const Running running(*m_screen);
+    m_screen->txtLog.SetText(L"");
+    LogLine(m_texts->m_sStart);
 
-    Link link(m_window->Reader);
+    Link link(m_screen->Reader);
     if (const Failure failure = RunTest(link)) {
-        LogLine(Fill(m_texts.m_sError, {DecimalText(failure.Number), failure.Description}));
+        LogLine(Fill(m_texts->m_sError, {DecimalText(failure.Number), failure.Description}));
     }
 }
 
@@ -203,77 +209,78 @@ void frmTest::tmrTest_Timer()
 Failure frmTest::RunTest(Link& Opened)
 {
     ReaderHandle& comm = Opened.Comm;
-    LogLine(Fill(m_texts.m_sOpening, {Device, ModeText()}));
+    LogLine(Fill(m_texts->m_sOpening, {Device, ModeText()}));
     CommSettings settings{.BaudRate = BaudRate, .Protocol = Protocol};
-    if (const Failure failure = m_window->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
+    if (const Failure failure = m_screen->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
         return failure;
     }
     if (comm == 0) {
-        LogLine(m_texts.m_sOpenFailed);
-        LogLine(m_texts.m_sFailed);
+        LogLine(m_texts->m_sOpenFailed);
+        LogLine(m_texts->m_sFailed);
         return {};
     }
-    if (const Failure failure = m_window->Reader.SetCommTimeout(comm, Timeout)) {
+    if (const Failure failure = m_screen->Reader.SetCommTimeout(comm, Timeout)) {
         return failure;
     }
     uint8_t protocol = 0;
-    if (const Failure failure = m_window->Reader.GetCommProtocol(comm, protocol)) {
+    if (const Failure failure = m_screen->Reader.GetCommProtocol(comm, protocol)) {
         return failure;
     }
     int32_t baudRate = 0;
-    if (const Failure failure = m_window->Reader.GetCommBaudRate(comm, baudRate)) {
+    if (const Failure failure = m_screen->Reader.GetCommBaudRate(comm, baudRate)) {
         return failure;
     }
     int32_t timeout = 0;
-    if (const Failure failure = m_window->Reader.GetCommTimeout(comm, timeout)) {
+    if (const Failure failure = m_screen->Reader.GetCommTimeout(comm, timeout)) {
         return failure;
     }
-    LogLine(Fill(m_texts.m_sPortOpen, {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
+    LogLine(
+        Fill(m_texts->m_sPortOpen, {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
     return TestReader(Opened);
 }
 
 Failure frmTest::TestReader(Link& Opened)
 {
-    const auto giveUp = [this, &Opened](const std::wstring& reason) -> Failure {
+    const auto giveUp = [this, &Opened](const wchar_t* reason) -> Failure {
         Opened.CloseComm();
         LogLine(reason);
-        LogLine(m_texts.m_sFailed);
+        LogLine(m_texts->m_sFailed);
         return {};
     };
-    LogLine(m_texts.m_sDetecting);
+    LogLine(m_texts->m_sDetecting);
     std::string readers;
-    if (const Failure failure = m_window->Reader.DetectReader(Opened.Comm, readers)) {
+    if (const Failure failure = m_screen->Reader.DetectReader(Opened.Comm, readers)) {
         return failure;
     }
     if (readers.empty()) {
-        return giveUp(m_texts.m_sNoEncoder);
+        return giveUp(m_texts->m_sNoEncoder);
     }
     const auto readerId = static_cast<uint8_t>(readers.front());
     const auto count = static_cast<int32_t>(std::min(readers.size(), MostReaders));
-    LogLine(Fill(m_texts.m_sFound, {DecimalText(count), DecimalText(readerId)}));
+    LogLine(Fill(m_texts->m_sFound, {DecimalText(count), DecimalText(readerId)}));
 
-    LogLine(m_texts.m_sOpeningEncoder);
-    if (const Failure failure = m_window->Reader.OpenReader(Opened.Comm, readerId, Opened.Reader)) {
+    LogLine(m_texts->m_sOpeningEncoder);
+    if (const Failure failure = m_screen->Reader.OpenReader(Opened.Comm, readerId, Opened.Reader)) {
         return failure;
     }
     if (Opened.Reader == 0) {
-        return giveUp(m_texts.m_sNoAccess);
+        return giveUp(m_texts->m_sNoAccess);
     }
     std::wstring deviceId;
     // Without one the line ends behind its label.
-    static_cast<void>(m_window->Reader.GetDeviceID(Opened.Reader, deviceId));
-    LogLine(Fill(m_texts.m_sDeviceID, {deviceId}));
+    static_cast<void>(m_screen->Reader.GetDeviceID(Opened.Reader, deviceId));
+    LogLine(Fill(m_texts->m_sDeviceID, {deviceId}));
     std::wstring type;
-    if (const Failure failure = m_window->Reader.GetReaderType(Opened.Reader, type)) {
+    if (const Failure failure = m_screen->Reader.GetReaderType(Opened.Reader, type)) {
         return failure;
     }
-    LogLine(Fill(m_texts.m_sEncoderType, {type}));
+    LogLine(Fill(m_texts->m_sEncoderType, {type}));
 
-    LogLine(m_texts.m_sClosingEncoder);
+    LogLine(m_texts->m_sClosingEncoder);
     Opened.CloseReader();
-    LogLine(m_texts.m_sClosingPort);
+    LogLine(m_texts->m_sClosingPort);
     Opened.CloseComm();
-    LogLine(m_texts.m_sSuccess);
+    LogLine(m_texts->m_sSuccess);
     return {};
 }
 
@@ -281,17 +288,17 @@ std::wstring frmTest::ModeText() const
 {
     switch (AutoDetect) {
     case 0:
-        return Fill(m_texts.m_sNoAutodetect, {DecimalText(BaudRate), ProtocolName(Protocol)});
+        return Fill(m_texts->m_sNoAutodetect, {DecimalText(BaudRate), ProtocolName(Protocol)});
     case 1:
-        return m_texts.m_sNormalDetect;
+        return m_texts->m_sNormalDetect;
     default:
-        return m_texts.m_sFastDetect;
+        return m_texts->m_sFastDetect;
     }
 }
 
-const std::wstring& frmTest::ProtocolName(uint8_t Number) const
+const wchar_t* frmTest::ProtocolName(uint8_t Number) const
 {
-    return Number == 0 ? m_texts.m_sAscii : m_texts.m_sBinary;
+    return Number == 0 ? m_texts->m_sAscii : m_texts->m_sBinary;
 }
 
 } // namespace acg

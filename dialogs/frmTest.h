@@ -31,35 +31,35 @@ public:
 
     /// Shows the dialog, on top of its owner if it has one, and returns when it has been closed, or at once
     /// where it can't be shown. One dialog at a time.
-    void Show(const ReaderDLL& Reader, Form* Owner = nullptr);
+    void Show(const ReaderDLL& Reader, const Form* Owner = nullptr);
 
 private:
     struct Texts {
-        std::wstring m_sStart;
-        std::wstring m_sOpening;
-        std::wstring m_sOpenFailed;
-        std::wstring m_sNoAutodetect;
-        std::wstring m_sNormalDetect;
-        std::wstring m_sFastDetect;
-        std::wstring m_sAscii;
-        std::wstring m_sBinary;
-        std::wstring m_sPortOpen;
-        std::wstring m_sDetecting;
-        std::wstring m_sNoEncoder;
-        std::wstring m_sFound;
-        std::wstring m_sOpeningEncoder;
-        std::wstring m_sNoAccess;
-        std::wstring m_sDeviceID;
-        std::wstring m_sEncoderType;
-        std::wstring m_sClosingEncoder;
-        std::wstring m_sClosingPort;
-        std::wstring m_sSuccess; ///< with a CR LF pair before and after, like the next one
-        std::wstring m_sFailed;
-        std::wstring m_sError;
+        const wchar_t* m_sStart;
+        const wchar_t* m_sOpening;
+        const wchar_t* m_sOpenFailed;
+        const wchar_t* m_sNoAutodetect;
+        const wchar_t* m_sNormalDetect;
+        const wchar_t* m_sFastDetect;
+        const wchar_t* m_sAscii;
+        const wchar_t* m_sBinary;
+        const wchar_t* m_sPortOpen;
+        const wchar_t* m_sDetecting;
+        const wchar_t* m_sNoEncoder;
+        const wchar_t* m_sFound;
+        const wchar_t* m_sOpeningEncoder;
+        const wchar_t* m_sNoAccess;
+        const wchar_t* m_sDeviceID;
+        const wchar_t* m_sEncoderType;
+        const wchar_t* m_sClosingEncoder;
+        const wchar_t* m_sClosingPort;
+        const wchar_t* m_sSuccess; ///< with a CR LF pair before and after, like the next one
+        const wchar_t* m_sFailed;
+        const wchar_t* m_sError;
     };
-    struct Translation;
-    static const Translation Translations[];
-    struct Window;
+    static const Texts EnglishTexts;
+    static const Texts FrenchTexts;
+    struct Screen;
     class Running;
     class Link;
 
@@ -69,12 +69,12 @@ private:
     void tmrTest_Timer();
 
     [[nodiscard]] std::wstring ModeText() const;
-    [[nodiscard]] const std::wstring& ProtocolName(uint8_t Number) const;
+    [[nodiscard]] const wchar_t* ProtocolName(uint8_t Number) const;
     Failure RunTest(Link& Opened);
     Failure TestReader(Link& Opened);
 
-    Texts m_texts;
-    Window* m_window = nullptr; ///< while the dialog is open
+    const Texts* m_texts = &EnglishTexts;
+    Screen* m_screen = nullptr; ///< while the dialog is open
 };
 
 } // namespace acg
