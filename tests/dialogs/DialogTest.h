@@ -17,7 +17,6 @@ inline Control& Named(Form& form, std::string_view name)
     const auto isNamed = [name](const Control& control) { return control.Look.Name == name; };
     return *std::ranges::find_if(form.Controls(), isNamed);
 }
-
 inline void Press(Form& form, const char* button)
 {
     Named(form, button).Press();
@@ -26,26 +25,17 @@ inline void Press(Form& form, const char* button)
 class DialogTest : public EncoderTest
 {
 protected:
-    void SetUp() override
-    {
-        // Both objects outlive a test as they outlive a dialog.
-        frmConfigure::OfThread() = {};
-        frmTest::OfThread() = {};
-    }
-    void TearDown() override { HeadlessPlayer() = nullptr; }
+    /// Both objects outlive a test as they outlive a dialog.
+    DialogTest() { frmConfigure::OfThread() = {}, frmTest::OfThread() = {}; }
+    ~DialogTest() override { HeadlessPlayer() = nullptr; }
 
     using Player = std::function<void(Form&)>;
-
     /// Shows the configuration dialog to a player, and the test dialog to another.
-    sceReturnCode Configure(
-        const Player& play, const Player& playTest = [](Form&) {}, const std::wstring& language = L"english")
+    sceReturnCode Configure(const Player& play, const Player& playTest, const std::wstring& language)
     {
-        int forms = 0;
-        HeadlessPlayer() = [&](Form& form) { (forms++ == 0 ? play : playTest)(form); };
+        HeadlessPlayer() = [&](Form& form) { (form.OnTimer ? playTest : play)(form); };
         return encoder.Configure(language);
     }
-
-    static std::wstring TextOf(Form& form, const char* control) { return Named(form, control).Text(); }
 };
 
 } // namespace acg

@@ -8,34 +8,38 @@ namespace acg
 namespace
 {
 
+struct Lines {
+    std::wstring English;
+    std::wstring French;
+};
+
 // What the successful test calls and writes.
 const std::vector<std::string> AllCalls = {
     "OpenComm COM1 0 9600 0", "SetCommTimeout 17 2200", "GetCommProtocol 17",
     "GetCommBaudRate 17",     "GetCommTimeout 17",      "DetectReader 17",
     "OpenReader 17 65 0",     "GetDeviceID 34",         "GetReaderType 34"};
-constexpr const wchar_t* AllLines[] = {
-    L"Starting the test.",
-    L"Opening communication port COM1, no autodetect. Baud rate: 9600, ASCII protocol...",
-    L"Communication port open. Baud rate: 57600, binary protocol, timeout: 1234 ms",
-    L"Detecting encoders...",
-    L"3 encoder(s) found. Encoder ID to test: 65",
-    L"Opening the communication with encoder...",
-    L"Encoder DeviceID: ID 7",
-    L"Encoder type: MultiISO 2.5",
-    L"Closing communication with the encoder...",
-    L"Closing the communication port..."};
+const Lines AllLines[] = {
+    {L"Starting the test.", L"Début du test."},
+    {L"Opening communication port COM1, no autodetect. Baud rate: 9600, ASCII protocol...",
+     L"Ouverture du port de communication COM1, pas d'auto-détection. Vitesse : 9600 bauds, protocole "
+     L"ASCII..."},
+    {L"Communication port open. Baud rate: 57600, binary protocol, timeout: 1234 ms",
+     L"Ouvert. Vitesse : 57600 bauds, protocole binaire, timeout : 1234 ms"},
+    {L"Detecting encoders...", L"Détection des encodeurs..."},
+    {L"3 encoder(s) found. Encoder ID to test: 65", L"3 encodeur(s) trouvé(s). ID de l'encodeur testé : 65"},
+    {L"Opening the communication with encoder...", L"Ouverture de communication avec l'encodeur..."},
+    {L"Encoder DeviceID: ID 7", L"DeviceID de l'encodeur : ID 7"},
+    {L"Encoder type: MultiISO 2.5", L"Type de l'encodeur : MultiISO 2.5"},
+    {L"Closing communication with the encoder...", L"Fermeture de la communication avec l'encodeur..."},
+    {L"Closing the communication port...", L"Fermeture du port de communication..."}};
 
 class TestDialogTest : public DialogTest
 {
 protected:
-    TestDialogTest()
-    {
-        encoder.Parameters(L"Autodetect=0");
-        reader.Readers = std::string("ABC\0D", 5);
-    }
+    TestDialogTest() { reader.Readers = std::string("ABC\0D", 5); }
 
     /// Runs the test with the settings that the configuration dialog shows.
-    std::wstring Log()
+    std::wstring Log(const std::wstring& language)
     {
         std::wstring log;
         const auto playTest = [&](Form& form) {
@@ -43,87 +47,81 @@ protected:
             Press(form, "cmdOK"); // it is still disabled
             form.OnTimer();
             EXPECT_EQ(form.TimerInterval(), 0);
-            EXPECT_TRUE(form.HasWorkingCloseBox());
-            log = TextOf(form, "txtLog");
-            EXPECT_TRUE(form.IsOpen());
+            EXPECT_TRUE(form.IsOpen() && form.HasWorkingCloseBox());
+            log = Named(form, "txtLog").Text();
             Press(form, "cmdOK");
             EXPECT_FALSE(form.IsOpen());
         };
-        Configure([](Form& form) { Press(form, "cmdTest"); }, playTest);
+        reader.Forget();
+        Configure([](Form& form) { Press(form, "cmdTest"); }, playTest, language);
         return log;
     }
 
     /// The test ends after that many of all calls and lines, with the last ones of the closing calls.
-    void ExpectEnd(size_t calls, size_t closing, size_t lines, const std::wstring& end)
+    void ExpectEnd(ptrdiff_t calls, ptrdiff_t closing, size_t lines, const Lines& end)
     {
-        std::wstring expectedLog;
+        const std::vector<std::string> closings = {"CloseReader 34", "CloseComm 17"};
+        std::vector<std::string> expectedCalls(AllCalls.begin(), AllCalls.begin() + calls);
+        expectedCalls.insert(expectedCalls.end(), closings.end() - closing, closings.end());
+        Lines expected;
         for (size_t line = 0; line < lines; ++line) {
-            expectedLog += std::wstring(AllLines[line]) + L"\r\n";
+            expected.English += AllLines[line].English + L"\r\n";
+            expected.French += AllLines[line].French + L"\r\n";
         }
-        std::vector<std::string> expectedCalls = AllCalls;
-        expectedCalls.resize(calls);
-        for (; closing > 0; --closing) {
-            expectedCalls.emplace_back(closing == 2 ? "CloseReader 34" : "CloseComm 17");
-        }
-        reader.Forget();
-        EXPECT_EQ(Log(), expectedLog + end);
+        EXPECT_EQ(Log(L"francais"), expected.French + end.French);
+        EXPECT_EQ(Log(L"english"), expected.English + end.English);
         EXPECT_EQ(reader.Calls, expectedCalls);
     }
 };
 
 TEST_F(TestDialogTest, EachExitClosesWhatIsOpenAndEndsInTheLog)
 {
-    ExpectEnd(9, 2, 10, L"\r\n<< Successful test >>\r\n");
-    const std::tuple<ReaderFunction, size_t, size_t, size_t> missing[] = {
+    encoder.Parameters(L"Autodetect=0");
+    ExpectEnd(9, 2, 10, {L"\r\n<< Successful test >>\r\n", L"\r\n<< Test réussi >>\r\n"});
+    const std::tuple<ReaderFunction, int, int, size_t> missing[] = {
         {ReaderFunction::OpenComm, 0, 0, 2},        {ReaderFunction::SetCommTimeout, 1, 1, 2},
         {ReaderFunction::GetCommProtocol, 2, 1, 2}, {ReaderFunction::GetCommBaudRate, 3, 1, 2},
         {ReaderFunction::GetCommTimeout, 4, 1, 2},  {ReaderFunction::DetectReader, 5, 1, 4},
         {ReaderFunction::OpenReader, 6, 1, 6},      {ReaderFunction::GetReaderType, 8, 2, 7}};
     for (const auto& [function, calls, closing, lines] : missing) {
         reader.Missing = {function};
-        ExpectEnd(calls, closing, lines,
-                  L"Error 453: Can't find entry point " + FromAnsi(Name(function)) + L" in ACGReader330");
-        reader.Missing.clear();
+        const std::wstring why = L"Can't find entry point " + FromAnsi(Name(function)) + L" in ACGReader330";
+        ExpectEnd(calls, closing, lines, {L"Error 453: " + why, L"Erreur 453 : " + why});
     }
-    const std::wstring failed = L"\r\n\r\n<< Test failed >>\r\n";
+    reader.Missing.clear();
+    const auto expectRefusal = [this](int calls, int closing, size_t lines, const Lines& reason) {
+        ExpectEnd(calls, closing, lines,
+                  {reason.English + L"\r\n\r\n<< Test failed >>\r\n",
+                   reason.French + L"\r\n\r\n<< Echec du test >>\r\n"});
+    };
     reader.Reader = 0;
-    ExpectEnd(7, 1, 6, L"Unable to access to the encoder." + failed);
+    expectRefusal(7, 1, 6, {L"Unable to access to the encoder.", L"Impossible d'accéder à l'encodeur."});
     reader.Readers = std::string("\0A", 2);
-    ExpectEnd(6, 1, 4, L"No encoder found." + failed);
+    expectRefusal(6, 1, 4, {L"No encoder found.", L"Aucun encodeur trouvé."});
     reader.Comm = 0;
-    ExpectEnd(1, 0, 2, L"Failed to open the communication port." + failed);
+    expectRefusal(
+        1, 0, 2,
+        {L"Failed to open the communication port.", L"Impossible d'ouvrir le port de communications."});
 }
 
-TEST_F(TestDialogTest, MissingDeviceIdLeavesItsLineEmptyAndTheTestGoesOn)
-{
-    reader.Missing = {ReaderFunction::GetDeviceID, ReaderFunction::CloseReader};
-    const std::wstring log = Log();
-    EXPECT_NE(log.find(L"\r\nEncoder DeviceID: \r\nEncoder type: MultiISO 2.5\r\n"), log.npos);
-    EXPECT_TRUE(log.ends_with(L"...\r\n\r\n<< Successful test >>\r\n"));
-    EXPECT_EQ(reader.Calls.back(), "CloseComm 17");
-}
-
-TEST_F(TestDialogTest, LogNamesTheDetectionFillsInTurnAndCountsUpTo255Readers)
+TEST_F(TestDialogTest, LogNamesTheDetectionFillsInTurnCountsUpTo255ReadersAndNeedsNoDeviceId)
 {
     reader.Readers = std::string(300, '\xFE');
-    const std::pair<const wchar_t*, const wchar_t*> modes[] = {{L"1", L"normal autodetection"},
-                                                               {L"2", L"fast autodetection"}};
-    for (const auto& [number, mode] : modes) {
+    reader.Missing = {ReaderFunction::GetDeviceID, ReaderFunction::CloseReader};
+    const std::tuple<const wchar_t*, const wchar_t*, std::wstring> modes[] = {
+        {L"1", L"english", L"normal autodetection"},
+        {L"2", L"english", L"fast autodetection"},
+        {L"1", L"francais", L"auto-détection normale"},
+        {L"2", L"francais", L"auto-détection rapide"}};
+    for (const auto& [number, language, mode] : modes) {
         encoder.Parameters(std::wstring(L"Device=%2%2;Autodetect=") + number);
-        const std::wstring log = Log();
-        EXPECT_NE(log.find(std::wstring(L"port ") + mode + mode + L", " + mode + L"..."), log.npos);
-        EXPECT_NE(log.find(L"255 encoder(s) found. Encoder ID to test: 254"), log.npos);
+        const std::wstring log = Log(language);
+        const bool isFrench = log.starts_with(L"Début");
+        EXPECT_NE(log.find(L" " + mode + mode + L", " + mode + L"..."), log.npos);
+        EXPECT_NE(log.find(isFrench ? L"\r\n255 encodeur" : L"\r\n255 encoder"), log.npos);
+        EXPECT_NE(log.find(isFrench ? L"DeviceID de l'encodeur : \r\n" : L"DeviceID: \r\n"), log.npos);
+        EXPECT_EQ(reader.Calls.back(), "CloseComm 17");
     }
-}
-
-TEST_F(TestDialogTest, ClosedBeforeTheFirstTickNoTestRuns)
-{
-    const auto playTest = [this](Form& form) {
-        frmTest::OfThread().Show(reader.DLL(), nullptr); // nothing more is shown
-        form.PressCloseBox();
-    };
-    Configure([](Form& form) { Press(form, "cmdTest"); }, playTest);
-    EXPECT_TRUE(reader.Calls.empty());
 }
 
 } // namespace
