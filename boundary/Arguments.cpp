@@ -1,8 +1,5 @@
 #include "boundary/Arguments.h"
 
-#include "cards/BlockText.h"
-
-#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -18,17 +15,10 @@ BSTR NewText(std::wstring_view Text)
     return text;
 }
 
-Variable<BSTR>::Variable(BSTR* OfCaller) : m_ofCaller(*OfCaller)
-{
-    const std::wstring_view text = TextOf(m_ofCaller);
-    Copy.Reserve(std::max<size_t>(text.size(), BlockDigits));
-    Copy += text;
-}
-
 void Variable<BSTR>::GiveBack()
 {
     const BSTR text = NewText(Copy);
-    Wipe(m_ofCaller, SysStringLen(m_ofCaller));
+    Wipe(m_ofCaller, SysStringByteLen(m_ofCaller));
     SysFreeString(m_ofCaller);
     m_ofCaller = text;
 }
@@ -36,7 +26,7 @@ void Variable<BSTR>::GiveBack()
 OwnVariant::~OwnVariant()
 {
     if (V_VT(this) == VT_BSTR) {
-        Wipe(V_BSTR(this), SysStringLen(V_BSTR(this)));
+        Wipe(V_BSTR(this), SysStringByteLen(V_BSTR(this)));
     }
     VariantClear(this);
 }

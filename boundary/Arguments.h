@@ -8,6 +8,7 @@
 #include <ACG_MultiISO_TV.h>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -64,12 +65,15 @@ template <>
 class Variable<BSTR>
 {
 public:
-    explicit Variable(BSTR* OfCaller);
+    explicit Variable(BSTR* OfCaller) : Copy(TextOf(*OfCaller)), m_ofCaller(*OfCaller) {}
+    ~Variable() { Wipe(Copy); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
     /// Frees the caller's text and puts the new one in its place. If there is no memory for that, the
     /// variable stays as it is, and so must come first among those that are given back.
     void GiveBack();
 
-    SecretText Copy; ///< with room for a block
+    std::wstring Copy;
 
 private:
     BSTR& m_ofCaller;

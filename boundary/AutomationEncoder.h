@@ -96,19 +96,14 @@ public:
     }
     STDMETHODIMP ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result) override
     {
-        const auto read = [&](SecretText& serialNumber) {
-            std::wstring text; // of any length, and the copy must not outgrow its room
-            const sceReturnCode result = m_encoder.ReadSerialNumber(text);
-            serialNumber = std::move(text);
-            return result;
-        };
+        const auto read = [&](std::wstring& text) { return m_encoder.ReadSerialNumber(text); };
         return Answer(Result, read, SerialNumber);
     }
     STDMETHODIMP ReadDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, BSTR* BlocContents,
                               ::sceReturnCode* Result) override
     {
-        const auto read = [&](SecretText& contents) {
-            return m_encoder.ReadDataBloc(BlocNumber, TextOf(key), KeyType, contents.InPlace());
+        const auto read = [&](std::wstring& contents) {
+            return m_encoder.ReadDataBloc(BlocNumber, TextOf(key), KeyType, contents);
         };
         return Answer(Result, read, BlocContents);
     }
@@ -116,9 +111,8 @@ public:
                                       unsigned char* CheckSum, BSTR* ManufacturerInfo,
                                       ::sceReturnCode* Result) override
     {
-        const auto read = [&](SecretText& info, int32_t& serialNumber, uint8_t& checkSum) {
-            return m_encoder.ReadManufacturerCode(TextOf(key), KeyType, serialNumber, checkSum,
-                                                  info.InPlace());
+        const auto read = [&](std::wstring& info, int32_t& serialNumber, uint8_t& checkSum) {
+            return m_encoder.ReadManufacturerCode(TextOf(key), KeyType, serialNumber, checkSum, info);
         };
         return Answer(Result, read, ManufacturerInfo, SerialNumber, CheckSum);
     }
@@ -136,8 +130,8 @@ public:
     STDMETHODIMP WriteDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, BSTR* BlocContents,
                                ::sceReturnCode* Result) override
     {
-        const auto write = [&](SecretText& contents) {
-            return m_encoder.WriteDataBloc(BlocNumber, TextOf(key), KeyType, contents.InPlace());
+        const auto write = [&](std::wstring& contents) {
+            return m_encoder.WriteDataBloc(BlocNumber, TextOf(key), KeyType, contents);
         };
         return Answer(Result, write, BlocContents);
     }
@@ -166,9 +160,8 @@ public:
     STDMETHODIMP WriteBytesInBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, unsigned char FromByte,
                                   unsigned char ToByte, BSTR* BlocContents, ::sceReturnCode* Result) override
     {
-        const auto write = [&](SecretText& contents) {
-            return m_encoder.WriteBytesInBloc(BlocNumber, TextOf(key), KeyType, FromByte, ToByte,
-                                              contents.InPlace());
+        const auto write = [&](std::wstring& contents) {
+            return m_encoder.WriteBytesInBloc(BlocNumber, TextOf(key), KeyType, FromByte, ToByte, contents);
         };
         return Answer(Result, write, BlocContents);
     }

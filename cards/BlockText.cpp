@@ -7,7 +7,8 @@ namespace acg
 
 void StoreReply(std::wstring& HostText, std::string_view Reply)
 {
-    ReplaceByAnsi(HostText, Reply, /*Room=*/BlockDigits, /*Most=*/BlockDigits);
+    MakeRoom(HostText, BlockDigits);
+    ReplaceByAnsi(HostText, Reply, /*Most=*/BlockDigits);
     HostText.resize(BlockDigits, L'0');
 }
 

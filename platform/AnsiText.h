@@ -26,10 +26,9 @@ template <class Char>
     return bits < 0x80;
 }
 
-/// Puts a text of the library, up to its first NUL and cut to Most characters, in place of a text that may
-/// hold a key, as may the library's. Leaves room for Room characters at least.
-void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Room = 0,
-                   size_t Most = std::wstring_view::npos);
+/// Puts a text of the library, up to its first NUL and cut to Most characters, in place of another. Both may
+/// hold a key.
+void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Most = std::wstring_view::npos);
 
 /// Owner of a length-counted byte string: a pointer to its first byte, with the 32-bit length in bytes
 /// directly before it. Windows: a BSTR made with SysAllocStringByteLen. Elsewhere: one malloc of

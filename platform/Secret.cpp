@@ -1,6 +1,5 @@
 #include "platform/Secret.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace acg
@@ -25,9 +24,9 @@ void MakeRoom(std::wstring& Text, std::size_t Room)
     }
 }
 
-void Replace(std::wstring& Text, std::wstring_view By, std::size_t Room)
+void Replace(std::wstring& Text, std::wstring_view By)
 {
-    MakeRoom(Text, std::max(Room, By.size()));
+    MakeRoom(Text, By.size());
     Text = By;
 }
 

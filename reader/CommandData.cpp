@@ -61,10 +61,10 @@ CommandData& CommandData::AddKey(std::wstring_view Key)
                                [](wchar_t letter) { return static_cast<char>(AsciiToUpper(letter)); });
         return *this;
     }
-    SecretText upper(Key);
-    MakeUpper(upper.InPlace());
-    const SecretAnsi ansi(ToAnsi(upper));
-    std::ranges::copy(ansi.Characters(), Grow(ansi.Characters().size()));
+    Secret<wchar_t> upper{std::wstring(Key)};
+    MakeUpper(upper.Text);
+    const Secret<char> ansi{ToAnsi(upper.Text)};
+    std::ranges::copy(ansi.Text, Grow(ansi.Text.size()));
     return *this;
 }
 

@@ -22,8 +22,8 @@ wchar_t StatusLetter(std::string_view reply)
         return firstNul == 1 ? static_cast<wchar_t>(reply.front()) : L'\0';
     }
     // One character may be several bytes.
-    const SecretText text(FromAnsi(reply));
-    return text.Characters().find(L'\0') == 1 ? text.Characters().front() : L'\0';
+    const Secret<wchar_t> wide{FromAnsi(reply)};
+    return wide.Text.find(L'\0') == 1 ? wide.Text.front() : L'\0';
 }
 
 } // namespace
