@@ -1,6 +1,6 @@
 #include "cards/AccessBits.h"
 
-#include "encoder/Keys.h"
+#include "encoder/Enums.h"
 
 namespace acg
 {

@@ -3,9 +3,7 @@
 #include "cards/BlockText.h"
 #include "encoder/Encoder.h"
 #include "encoder/Failures.h"
-#include "encoder/Keys.h"
 #include "reader/HexText.h"
-#include "reader/StatusLetters.h"
 
 namespace acg
 {
@@ -20,7 +18,7 @@ sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, ui
     constexpr std::wstring_view ReaderWithSilentLogin = L"multiiso 1.0";
 
     CommandData data;
-    data.AddByte(LoginSector(BlocNumber)).AddByte(KeyType == KeyTypeB ? 0xBB : 0xAA).AddKey(key);
+    data.AddByte(LoginSector(BlocNumber)).AddByte(KeyType == KeyTypeB ? 0xBB : 0xAA).AddText(key);
     ByteString reply;
     Failure failure = Exchange("login", data, reply);
     if (m_sReaderType == ReaderWithSilentLogin || failure.Letter == StatusLoggedIn) {
@@ -78,7 +76,7 @@ sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, std::wstring_view key, 
         return sceError;
     }
     CommandData data;
-    data.AddByte(BlocNumber).AddAscii(BlocContents);
+    data.AddByte(BlocNumber).AddText(BlocContents);
     ByteString reply;
     if (EncoderCommand("write block", data, reply)) {
         return FailBelow(OperationName);

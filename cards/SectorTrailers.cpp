@@ -7,7 +7,6 @@
 #include "cards/BlockText.h"
 #include "encoder/Encoder.h"
 #include "encoder/Failures.h"
-#include "encoder/Keys.h"
 #include "reader/HexText.h"
 
 #include <algorithm>

@@ -2,7 +2,6 @@
 #include "encoder/Encoder.h"
 
 #include "encoder/Failures.h"
-#include "reader/StatusLetters.h"
 
 #include <utility>
 

@@ -4,7 +4,6 @@
 #include "cards/ConditionBytes.h"
 #include "encoder/CError.h"
 #include "encoder/Enums.h"
-#include "encoder/Keys.h"
 #include "platform/AnsiText.h"
 #include "reader/CommandData.h"
 #include "reader/ReaderDLL.h"

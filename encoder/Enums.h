@@ -1,4 +1,4 @@
-// The public enums, as the type library declares them.
+// The public enums, as the type library declares them, and the small numbers by which operations name keys.
 #pragma once
 
 #include <cstdint>
@@ -68,5 +68,14 @@ constexpr SCSS_SecurityLevelEnum operator+(SCSS_SecurityLevelEnum OfKeyA, SCSS_S
 /// In place of a level: the card's access bits stay as they are.
 inline constexpr SCBS_SecurityLevelEnum KeepBlockAccess{-1};
 inline constexpr SCSS_SecurityLevelEnum KeepTrailerAccess{-1};
+
+// KeyType: the key to log in with. Every value but KeyTypeB is key A.
+inline constexpr uint8_t KeyTypeA = 1;
+inline constexpr uint8_t KeyTypeB = 2;
+
+// KeysToUse and KeysUsed: the keys that a sector works with. Every other value means both keys.
+inline constexpr uint8_t KeysAsOnCard = 0; ///< only on writing
+inline constexpr uint8_t KeyAAlone = 1;
+inline constexpr uint8_t BothKeys = 2;
 
 } // namespace acg

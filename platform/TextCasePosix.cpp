@@ -9,6 +9,8 @@ namespace acg
 namespace
 {
 
+constexpr wchar_t FirstBeyondAscii = 0x80;
+
 /// The locale that belongs to no language and knows every letter; that of ASCII where the system lacks it.
 locale_t Neutral()
 {
@@ -19,11 +21,6 @@ locale_t Neutral()
     return locale;
 }
 
-bool IsAscii(wchar_t character)
-{
-    return character < 0x80;
-}
-
 } // namespace
 
 // ASCII goes without the system, which takes its time for each character.
@@ -31,7 +28,7 @@ bool IsAscii(wchar_t character)
 void MakeUpper(std::wstring& Text)
 {
     for (wchar_t& character : Text) {
-        character = IsAscii(character)
+        character = character < FirstBeyondAscii
                         ? AsciiToUpper(character)
                         : static_cast<wchar_t>(towupper_l(static_cast<wint_t>(character), Neutral()));
     }
@@ -40,7 +37,7 @@ void MakeUpper(std::wstring& Text)
 void MakeLower(std::wstring& Text)
 {
     for (wchar_t& character : Text) {
-        character = IsAscii(character)
+        character = character < FirstBeyondAscii
                         ? AsciiToLower(character)
                         : static_cast<wchar_t>(towlower_l(static_cast<wint_t>(character), Neutral()));
     }

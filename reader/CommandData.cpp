@@ -48,20 +48,14 @@ CommandData& CommandData::AddNumber(int32_t Value)
     return AddByte(Value >> 24).AddByte(Value >> 16).AddByte(Value >> 8).AddByte(Value);
 }
 
-CommandData& CommandData::AddAscii(std::wstring_view Text)
+CommandData& CommandData::AddText(std::wstring_view Text)
 {
-    std::ranges::transform(Text, Grow(Text.size()), [](wchar_t digit) { return static_cast<char>(digit); });
-    return *this;
-}
-
-CommandData& CommandData::AddKey(std::wstring_view Key)
-{
-    if (IsAscii(Key)) { // as each key that a card can have
-        std::ranges::transform(Key, Grow(Key.size()),
+    if (IsAscii(Text)) { // as each key that a card can have
+        std::ranges::transform(Text, Grow(Text.size()),
                                [](wchar_t letter) { return static_cast<char>(AsciiToUpper(letter)); });
         return *this;
     }
-    Secret<wchar_t> upper{std::wstring(Key)};
+    Secret<wchar_t> upper{std::wstring(Text)};
     MakeUpper(upper.Text);
     const Secret<char> ansi{ToAnsi(upper.Text)};
     std::ranges::copy(ansi.Text, Grow(ansi.Text.size()));

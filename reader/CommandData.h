@@ -23,10 +23,8 @@ public:
     CommandData& AddByte(int32_t Value);
     /// All 32 bits as eight upper-case digits, the most significant first: -1 adds "FFFFFFFF".
     CommandData& AddNumber(int32_t Value);
-    /// ASCII characters, as they are.
-    CommandData& AddAscii(std::wstring_view Text);
-    /// A key in upper case and ANSI, of any length.
-    CommandData& AddKey(std::wstring_view Key);
+    /// A key or digits, in upper case and ANSI, of any length.
+    CommandData& AddText(std::wstring_view Text);
 
     [[nodiscard]] const char* Text() const { return m_text; }
 

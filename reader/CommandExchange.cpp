@@ -3,7 +3,6 @@
 #include "encoder/Failures.h"
 #include "platform/Secret.h"
 #include "platform/TextCase.h"
-#include "reader/StatusLetters.h"
 
 namespace acg
 {

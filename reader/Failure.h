@@ -17,4 +17,9 @@ struct [[nodiscard]] Failure {
     explicit operator bool() const { return Number != 0; }
 };
 
+// The reader's status letters that have a meaning to the component; any other is a refusal.
+inline constexpr wchar_t StatusNoCard = L'N';
+inline constexpr wchar_t StatusAuthenticationFailed = L'X';
+inline constexpr wchar_t StatusLoggedIn = L'L';
+
 } // namespace acg
