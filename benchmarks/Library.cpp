@@ -1,65 +1,42 @@
 #include "benchmarks/Library.h"
 
-#include "simulator/ByteString.h"
+#include "exports/ReaderLibrary.h"
 
-using acg::ReaderHandle;
-
-ReaderHandle ACG_READER_CALL OpenComm(const char* /*Device*/, uint8_t /*Autodetect*/,
-                                      acg::CommSettings* /*Settings*/)
+namespace
 {
-    return 1;
-}
 
-int32_t ACG_READER_CALL SetCommTimeout(ReaderHandle /*Comm*/, int32_t /*Timeout*/)
+class AnsweringLibrary final : public exports::ReaderLibrary
 {
-    return 0;
-}
-
-int32_t ACG_READER_CALL SetCommProtocol(ReaderHandle /*Comm*/, uint8_t /*Protocol*/)
-{
-    return 0;
-}
-
-char* ACG_READER_CALL DetectReader(ReaderHandle /*Comm*/, char* /*Buffer*/)
-{
-    return simulator::NewByteString("A");
-}
-
-ReaderHandle ACG_READER_CALL OpenReader(ReaderHandle /*Comm*/, uint8_t /*ReaderId*/, int32_t /*Third*/)
-{
-    return 1;
-}
-
-char* ACG_READER_CALL GetReaderType(ReaderHandle /*Reader*/, char* /*Buffer*/)
-{
-    return simulator::NewByteString("MultiISO 2.5");
-}
-
-char* ACG_READER_CALL SendCommandGetData(ReaderHandle /*Reader*/, const char* Command, const char* Data,
-                                         char* /*Buffer*/)
-{
-    if (Noted != nullptr) {
-        Noted->push_back(std::string(Command) + '|' + Data);
+    Handle OpenComm(Text /*device*/, uint8_t /*autodetect*/, exports::CommSettings& /*settings*/) override
+    {
+        return 1;
     }
-    switch (Command[0]) {
-    case 's': // select
-        return simulator::NewByteString("04A1B2C3");
-    case 'l': // login: the letter and its NUL
-        return simulator::NewByteString({"L\0", 2});
-    case 'r': // read block
-    case 'w': // write block, write vblock
-        return simulator::NewByteString("000000000000FF078069FFFFFFFFFFFF");
-    default:
-        return simulator::NewByteString("");
+    std::string DetectReader(Handle /*comm*/, Buffer /*buffer*/) override { return "A"; }
+    Handle OpenReader(Handle /*comm*/, uint8_t /*id*/, int32_t /*third*/) override { return 1; }
+    std::string GetReaderType(Handle /*reader*/, Buffer /*buffer*/) override { return "MultiISO 2.5"; }
+    std::string SendCommandGetData(Handle /*reader*/, Text command, Text data, Buffer /*buffer*/) override
+    {
+        if (Noted != nullptr) {
+            Noted->push_back(std::string(command) + '|' + std::string(data));
+        }
+        switch (command.front()) {
+        case 's': // select
+            return "04A1B2C3";
+        case 'l': // login: the letter and its NUL
+            return {"L\0", 2};
+        case 'r': // read block
+        case 'w': // write block, write vblock
+            return "000000000000FF078069FFFFFFFFFFFF";
+        default:
+            return "";
+        }
     }
-}
+};
 
-int32_t ACG_READER_CALL CloseReader(ReaderHandle /*Reader*/)
-{
-    return 0;
-}
+} // namespace
 
-int32_t ACG_READER_CALL CloseComm(ReaderHandle /*Comm*/)
+exports::ReaderLibrary& exports::TheLibrary()
 {
-    return 0;
+    static constinit AnsweringLibrary library;
+    return library;
 }

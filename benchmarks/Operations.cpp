@@ -7,6 +7,7 @@
 // nothing.
 #include "benchmarks/Library.h"
 #include "encoder/Encoder.h"
+#include "exports/ReaderLibrary.h"
 #include "platform/AnsiText.h"
 
 #include <benchmark/benchmark.h>
@@ -27,33 +28,21 @@ using acg::EntryPoint;
 using acg::ReaderFunction;
 using acg::ReaderHandle;
 
+/// As in a loaded library, where each function is looked up by name once.
 EntryPoint Find(ReaderFunction function)
 {
-    const auto found = [](auto* address) {
-        return EntryPoint{.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
-    };
-    switch (function) {
-    case ReaderFunction::OpenComm:
-        return found(OpenComm);
-    case ReaderFunction::SetCommTimeout:
-        return found(SetCommTimeout);
-    case ReaderFunction::SetCommProtocol:
-        return found(SetCommProtocol);
-    case ReaderFunction::DetectReader:
-        return found(DetectReader);
-    case ReaderFunction::OpenReader:
-        return found(OpenReader);
-    case ReaderFunction::GetReaderType:
-        return found(GetReaderType);
-    case ReaderFunction::SendCommandGetData:
-        return found(SendCommandGetData);
-    case ReaderFunction::CloseReader:
-        return found(CloseReader);
-    case ReaderFunction::CloseComm:
-        return found(CloseComm);
-    default: // what the test dialog alone calls
-        return {.LibraryLoaded = true};
+    static EntryPoint::Function found[acg::ReaderFunctionCount] = {};
+    EntryPoint::Function& address = found[static_cast<size_t>(function)];
+    if (address == nullptr) {
+        address = exports::FindFunction(Name(function));
     }
+    return {.Address = address, .LibraryLoaded = true};
+}
+
+template <class Signature>
+Signature* FunctionOf(const char* name)
+{
+    return reinterpret_cast<Signature*>(exports::FindFunction(name));
 }
 
 // The bare calls.
@@ -74,9 +63,9 @@ std::wstring TakeReply(char* bytes)
 
 void CallBare(const std::vector<Exchange>& exchanges)
 {
-    // Not known to the compiler, as those of a loaded library aren't.
-    static auto* volatile send = SendCommandGetData;
-    static auto* volatile type = GetReaderType;
+    static auto* const send =
+        FunctionOf<char*(ReaderHandle, const char*, const char*, char*)>("SendCommandGetData");
+    static auto* const type = FunctionOf<char*(ReaderHandle, char*)>("GetReaderType");
     for (const Exchange& exchange : exchanges) {
         const std::string command = acg::ToAnsi(exchange.Command);
         const std::string data = acg::ToAnsi(exchange.Data);

@@ -2,50 +2,40 @@
 #pragma once
 
 #include "encoder/Encoder.h"
-#include "reader/ReaderDLL.h"
+#include "exports/ReaderLibrary.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
-#include <optional>
-#include <ostream>
 #include <set>
-#include <string>
-#include <utility>
-#include <vector>
+#include <sstream>
 
 namespace acg
 {
 
 /// Whose code is running: the component's, or that of its test and the scripted reader. The memory tests look
 /// at the component alone.
-class Turn
+class RunningCode
 {
 public:
-    explicit Turn(bool OfComponent) : m_former(std::exchange(IsComponents, OfComponent)) {}
-    ~Turn() { IsComponents = m_former; }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
+    explicit RunningCode(bool OfComponent) : m_former(std::exchange(IsComponents, OfComponent)) {}
+    ~RunningCode() { IsComponents = m_former; }
 
     inline static bool IsComponents = false;
 
 private:
     bool m_former;
 };
+using Turn = RunningCode;
 
 /// Stands in for the library: its thirteen functions are reached through the real ReaderDLL, text conversion,
-/// freeing and failure handling included. One at a time.
+/// freeing and failure handling included. The one that was asked for a function last is called.
 ///
 /// It answers as a reader with a card in its field does, and accepts every login. A command that has no reply
 /// in the script is a test failure.
-class ScriptedReader
+class ScriptedReader final : private exports::ReaderLibrary
 {
 public:
-    ScriptedReader();
-    ~ScriptedReader();
-    ScriptedReader(const ScriptedReader&) = delete;
-    ScriptedReader& operator=(const ScriptedReader&) = delete;
-
     static constexpr int Always = 1000000;
     static constexpr int32_t MissingError = 127; ///< the system's error code of a function that is missing
 
@@ -68,7 +58,7 @@ public:
     bool LibraryMissing = false;
 
     /// Calls, of any function, that can't be made. Where there is a Reply, a command is answered by it, and
-    /// any other function by empty text or a handle of 0. FromCall counts from 1 at the last Forget.
+    /// any other function by empty text or 0. FromCall counts from 1 at the last Forget.
     struct Fault {
         int FromCall = Always;
         int Times = 0;
@@ -87,12 +77,59 @@ public:
     [[nodiscard]] bool WasSent(const std::string& Command, const std::string& Data) const;
 
 private:
-    friend struct ScriptedFunctions;
-    EntryPoint Find(ReaderFunction function);
-    std::string Answer(const std::string& command, const std::string& data);
-    /// What the call that is being made is to answer by the fault, or null.
-    [[nodiscard]] const std::string* FaultReply() const;
+    friend exports::ReaderLibrary& exports::TheLibrary();
 
+    Handle OpenComm(Text device, uint8_t autodetect, exports::CommSettings& settings) override
+    {
+        const int32_t baudRate = std::exchange(settings.BaudRate, -1); // nobody reads it
+        return Answer(Comm, device, int{autodetect}, baudRate, int{settings.Protocol});
+    }
+    int32_t SetCommTimeout(Handle comm, int32_t timeout) override { return Answer(0, comm, timeout); }
+    int32_t SetCommProtocol(Handle comm, uint8_t protocol) override { return Answer(0, comm, int{protocol}); }
+    uint8_t GetCommProtocol(Handle comm) override { return Answer(uint8_t{1}, comm); }
+    int32_t GetCommBaudRate(Handle comm) override { return Answer(57600, comm); }
+    int32_t GetCommTimeout(Handle comm) override { return Answer(1234, comm); }
+    std::string DetectReader(Handle comm, Buffer buffer) override { return AnswerIn(buffer, Readers, comm); }
+    Handle OpenReader(Handle comm, uint8_t id, int32_t third) override
+    {
+        return Answer(Reader, comm, int{id}, third);
+    }
+    std::string GetReaderType(Handle reader, Buffer buffer) override
+    {
+        return AnswerIn(buffer, Type, reader);
+    }
+    std::string GetDeviceID(Handle reader, Buffer buffer) override
+    {
+        return AnswerIn(buffer, DeviceID, reader);
+    }
+    std::string SendCommandGetData(Handle reader, Text command, Text data, Buffer buffer) override;
+    int32_t CloseReader(Handle reader) override { return Answer(0, reader); }
+    int32_t CloseComm(Handle comm) override { return Answer(0, comm); }
+
+    EntryPoint Find(ReaderFunction function);
+    /// Lists the call. Its answer, or nothing by a fault.
+    template <class Result, class... Arguments>
+    Result Answer(const Result& result, const Arguments&... arguments)
+    {
+        const RunningCode ofTest(/*OfComponent=*/false);
+        std::ostringstream line;
+        line << m_function;
+        ((line << ' ' << arguments), ...);
+        Calls.push_back(line.str());
+        return Injected.Reply && Injected.Hits(m_calls) ? Result() : result;
+    }
+    /// The same, and uses the whole buffer, as a library may.
+    template <class... Arguments>
+    std::string AnswerIn(Buffer buffer, const std::string& text, const Arguments&... arguments)
+    {
+        const Text all(buffer.data(), buffer.size() + 1);
+        EXPECT_EQ(all.find_first_not_of('\0'), Text::npos);
+        std::ranges::fill(buffer, 'z');
+        return Answer(text, arguments...);
+    }
+
+    inline static ScriptedReader* current = nullptr;
+    const char* m_function = "";
     int m_calls = 0;
     std::vector<std::pair<std::string, std::string>> m_sent;
 };
@@ -103,10 +140,7 @@ struct EncoderInside {
     static ReaderHandle Comm(const Encoder& encoder) { return encoder.m_hComm; }
     static ReaderHandle Reader(const Encoder& encoder) { return encoder.m_hReader; }
     static const std::wstring& LowerReaderType(const Encoder& encoder) { return encoder.m_sReaderType; }
-    static const std::optional<std::vector<int32_t>>& ValueBlocks(const Encoder& encoder)
-    {
-        return encoder.m_colValueBlocks;
-    }
+    static const auto& ValueBlocks(const Encoder& encoder) { return encoder.m_colValueBlocks; }
     static void AddValueBlock(Encoder& encoder, int32_t number)
     {
         encoder.m_colValueBlocks.emplace().push_back(number);
@@ -114,7 +148,7 @@ struct EncoderInside {
     static void Trace(Encoder& encoder, std::wstring_view name) { encoder.TraceLastError(name); }
 };
 
-/// A record to compare with. Call failures: CallFailed.
+/// A record to compare with.
 struct Record {
     int32_t Number = 0;
     std::wstring Description;
@@ -125,11 +159,11 @@ struct Record {
 
     bool operator==(const Record&) const = default;
 };
+std::ostream& operator<<(std::ostream& out, const Record& record);
 [[nodiscard]] Record Clean(std::wstring_view ComFunction);
 /// The record of a function that is missing.
 [[nodiscard]] Record CallFailed(std::wstring_view Function, std::wstring_view ComFunction,
                                 std::wstring_view RdrCommand);
-std::ostream& operator<<(std::ostream& out, const Record& record);
 
 /// An encoder on a scripted reader. Each look at the clock lets a second go by.
 class EncoderTest : public testing::Test

@@ -1,0 +1,84 @@
+// The simulated reader library: what stands behind its handles.
+#pragma once
+
+#include "exports/ReaderLibrary.h"
+#include "simulator/CardBox.h"
+#include "simulator/DeviceText.h"
+#include "simulator/Reader.h"
+
+#include <map>
+#include <mutex>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace simulator
+{
+
+#ifdef _WIN32 // the variant of the compiler without a thread library has no std::mutex
+class Mutex
+{
+public:
+    void lock() { AcquireSRWLockExclusive(&m_lock); }
+    void unlock() { ReleaseSRWLockExclusive(&m_lock); }
+
+private:
+    SRWLOCK m_lock = SRWLOCK_INIT;
+};
+#else
+using Mutex = std::mutex;
+#endif
+
+/// Its functions can be called from several threads. The autodetect byte changes nothing: a detection would
+/// find the very settings that it is given. The texts' buffers are left alone, since a text comes back as the
+/// result.
+class Library final : public exports::ReaderLibrary
+{
+public:
+    Handle OpenComm(Text DeviceText, uint8_t Autodetect, exports::CommSettings& Settings) override;
+    int32_t SetCommTimeout(Handle Comm, int32_t Timeout) override;
+    int32_t SetCommProtocol(Handle Comm, uint8_t Protocol) override;
+    uint8_t GetCommProtocol(Handle Comm) override;
+    int32_t GetCommBaudRate(Handle Comm) override;
+    int32_t GetCommTimeout(Handle Comm) override;
+    std::string DetectReader(Handle Comm, Buffer) override;
+    Handle OpenReader(Handle Comm, uint8_t Id, int32_t Third) override;
+    std::string GetReaderType(Handle Reader, Buffer) override;
+    std::string GetDeviceID(Handle Reader, Buffer) override;
+    std::string SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer) override;
+    int32_t CloseReader(Handle Reader) override;
+    /// The readers on the line go with it.
+    int32_t CloseComm(Handle Comm) override;
+
+private:
+    struct Line {
+        Device Named;
+        Card* InField;
+        int32_t BaudRate;
+        uint8_t Protocol;
+        int32_t Timeout = 1000;
+    };
+    struct OpenedReader {
+        Handle Comm;
+        uint8_t Id;
+        Reader Opened;
+    };
+
+    /// What the body makes of the open line or reader with all other threads locked out; `otherwise` where
+    /// the handle isn't open.
+    template <class Opened, class Result, class Body>
+    Result With(std::map<Handle, Opened>& all, Handle handle, Result otherwise, const Body& body);
+    template <class Value>
+    Value Get(Handle comm, Value Line::*setting);
+    template <class Value>
+    int32_t Set(Handle comm, Value Line::*setting, Value value);
+
+    Mutex m_mutex;
+    CardBox m_cards;
+    std::map<Handle, Line> m_lines;
+    std::map<Handle, OpenedReader> m_readers;
+    Handle m_lastHandle = 0; ///< lines and readers share one count, so that neither is taken for the other
+};
+
+} // namespace simulator

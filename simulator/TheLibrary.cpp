@@ -1,0 +1,9 @@
+#include "simulator/Library.h"
+
+/// One for the process, never destroyed: a host may close its handles as late as when its own static objects
+/// go.
+exports::ReaderLibrary& exports::TheLibrary()
+{
+    static auto& library = *new simulator::Library;
+    return library;
+}
