@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
         const std::pair<std::wstring_view, std::function<sceReturnCode()>> operations[] = {
             {L"CloseEncoder", [&] { return encoder.CloseEncoder(); }},
             {L"OpenEncoder", [&] { return encoder.CloseEncoder(), encoder.OpenEncoder(handle); }},
-            {L"EncoderState", [&] { return encoder.EncoderState(), sceSuccess; }},
+            {L"EncoderState", [&] { return void(encoder.EncoderState()), sceSuccess; }},
             {L"ReadSerialNumber", [&] { return encoder.ReadSerialNumber(text); }},
             {L"ReadDataBloc", [&] { return encoder.ReadDataBloc(4, key, 1, text); }},
             {L"WriteDataBloc", [&] { return encoder.WriteDataBloc(4, key, 2, text.assign(32, L'a')); }},

@@ -1,0 +1,170 @@
+// The simulated reader library: the device text that plans a reader, its handles, its commands, and the card
+// in its field. What the card grants under each access condition is held against the component's access
+// levels.
+#include "reader/ReaderDLL.h"
+#include "simulator/Library.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace simulator
+{
+
+namespace
+{
+
+using namespace std::string_literals;
+
+class SimulatorTest : public testing::Test
+{
+protected:
+    Library library;
+
+    uint32_t OpenLine(const std::string& options)
+    {
+        exports::CommSettings settings = {.BaudRate = 19200, .Protocol = 1};
+        return library.OpenComm("com1" + options, /*Autodetect=*/1, settings);
+    }
+    uint32_t Open(const std::string& options) { return library.OpenReader(OpenLine(options), 0x41, 0); }
+
+    /// The replies to commands, each with a colon in front of its data: a status letter as <L>, nothing as -,
+    /// data of one digit as that digit.
+    std::string Send(uint32_t reader, const std::vector<std::string>& commands)
+    {
+        std::string replies;
+        for (const std::string& command : commands) {
+            const std::string name = command.substr(0, command.find(':'));
+            const std::string data = command.substr(std::min(name.size() + 1, command.size()));
+            std::string reply = library.SendCommandGetData(reader, name, data, {}) + "-";
+            if (reply.size() == 3 && reply[1] == '\0') {
+                reply = std::string("<") + reply[0] + ">-";
+            }
+            const bool isOneDigit = reply.find_first_not_of(reply[0]) >= reply.size() - 1;
+            replies += (replies.empty() ? "" : " ") + reply.substr(0, isOneDigit ? 1 : reply.size() - 1);
+        }
+        return replies;
+    }
+};
+
+TEST_F(SimulatorTest, UnknownOptionsAreRefused)
+{
+    for (const char* options : {"", ",reader=", ",readers=", ",fault=write vblock/12/?"}) {
+        EXPECT_NE(OpenLine(options), 0U) << options;
+    }
+    for (const std::string option :
+         {"card=2k", "card=", "CARD=1k", "uid=A1B2C3", "uid=A1B2C3DG", "image=", "reader", "readers=4100",
+          "remove=", "remove=1x", "remove=4294967296", "colour=red", "card=1k,,card=1k", "fault=login/1",
+          "fault=login/0/N", "fault=login/1/Z", "fault=login/1/NX", "fault=login/1/N/", "fault=dance/1/N"}) {
+        EXPECT_EQ(OpenLine("," + option), 0U) << option;
+    }
+}
+
+TEST_F(SimulatorTest, EachHandleOpensItsOwnAndAClosedOneNothing)
+{
+    const auto lineOf = [this](uint32_t comm) {
+        return std::tuple(library.GetCommBaudRate(comm), int{library.GetCommProtocol(comm)},
+                          library.GetCommTimeout(comm), library.DetectReader(comm, {}));
+    };
+    const auto readerOf = [this](uint32_t reader) {
+        return library.GetReaderType(reader, {}) + '|' + library.GetDeviceID(reader, {}) + '|' +
+               Send(reader, {"select"});
+    };
+    const uint32_t comm = OpenLine(",uid=11223344,readers=4142");
+    const uint32_t reader = library.OpenReader(comm, 0x42, 0);
+    const uint32_t other = library.OpenReader(comm, 0x41, 0);
+    library.CloseComm(reader); // closes nothing, nor does the next
+    library.CloseReader(comm);
+    EXPECT_EQ(library.OpenReader(comm, 0x43, 0), 0U);
+    EXPECT_EQ(lineOf(comm), std::tuple(19200, 1, 1000, "AB"));
+    library.SetCommTimeout(comm, 2200);
+    library.SetCommProtocol(comm, 0);
+    EXPECT_EQ(lineOf(comm), std::tuple(19200, 0, 2200, "AB"));
+    Send(reader, {"use iso14443a", "antenna on"});
+    EXPECT_EQ(readerOf(reader), "MultiISO 2.1|Simulated reader 42|11223344");
+    EXPECT_EQ(readerOf(other), "MultiISO 2.1|Simulated reader 41|<N>");
+    library.CloseReader(reader);
+    EXPECT_EQ(readerOf(reader), "||<?>");
+    library.CloseComm(comm); // takes the other reader with it
+    EXPECT_EQ(readerOf(other), "||<?>");
+    EXPECT_EQ(lineOf(comm), std::tuple(0, 0, 0, ""));
+
+    acg::ByteString reply; // of the shared library, to which a null text is empty
+    EXPECT_FALSE(acg::ReaderDLL().SendCommandGetData(comm, nullptr, nullptr, reply));
+    EXPECT_EQ(reply.Bytes(), StatusReply('?'));
+}
+
+TEST_F(SimulatorTest, AnswersSessionsStepByStep)
+{
+    const std::filesystem::path folder = testing::TempDir() + "simulated-cards";
+    std::filesystem::create_directories(folder);
+    for (const size_t size : {1023U, 1024U, 4096U}) {
+        std::ofstream file(folder / std::to_string(size), std::ios::binary);
+        file << "\xDE\xAD\xBE\xEF" << std::string(size - 4, '\0');
+    }
+    const std::string image = ",image=" + folder.string() + "/";
+    const auto in = [](const std::string& sector) { return "login:" + sector + "AAFFFFFFFFFFFF"; };
+    const auto get = [](const std::string& block) { return "read block:" + block; };
+    const std::string ones = "write block:0111111111111111111111111111111111";
+    const std::vector<std::string> select = {"use iso14443a", "antenna on", "select"};
+    std::vector<std::string> life = select;
+    for (const std::string& command :
+         {in("00"), get("01"), "select"s, in("00"), ones, "select"s, in("00"), get("01")}) {
+        life.push_back(command);
+    }
+    // The options of the reader that is opened, or none for the one that is; commands; replies.
+    const std::tuple<std::string, std::vector<std::string>, std::string> steps[] = {
+        {",uid=0a0b0c0e,fault=login/1/C", {"antenna on", "select"}, "- <N>"}, // it needs both
+        {"", {"antenna off", "use iso14443a", "select", "antenna on", "select"}, "- - <N> - 0A0B0C0E"},
+        {"", {in("01"), in("01"), "select", get("04")}, "<C> <O> 0A0B0C0E <O>"}, // a fault ends the selection
+        {"", {"login:01CCFFFFFFFFFFFF", "login:01AA", in("01"), "dance"}, "<?> <?> <L> <?>"},
+        {"", {"write vblock:06123456FE", get("06")}, "123456FE FE56341201A9CBEDFE56341206F906F9"},
+        {"", {get("08"), get("40")}, "<O> <R>"},
+        {"", {"write block:07A0A1A2A3A4A5FF078069B0B1B2B3B4B5"}, "000000000000FF078069000000000000"},
+        {"", {get("07")}, "000000000000FF078069B0B1B2B3B4B5"},
+        // What the card refuses, such as a value in a trailer or a wrong key, ends the selection too.
+        {"", {"write vblock:0700000001", in("01"), "select"}, "<F> <O> 0A0B0C0E"},
+        {"", {in("01"), "login:01AAA0A1A2A3A4A5", "select"}, "<X> <O> 0A0B0C0E"},
+        {"", {in("00"), get("00")}, "<L> 0A0B0C0E0308040053494D554C415445"},
+        {"", {"select", get("00"), in("00")}, "0A0B0C0E <O> <L>"}, // a selection ends the login
+        {"", {"write block:0000000000000000000000000000000000", "select", in("00")}, "<F> 0A0B0C0E <L>"},
+        // A bit that disagrees with its copy blocks the sector, and no other.
+        {"", {"write block:03FFFFFFFFFFFFFF078169FFFFFFFFFFFF"}, "000000000000FF078169000000000000"},
+        {"",
+         {get("01"), "select", in("00"), "select", "login:02BBFFFFFFFFFFFF"},
+         "<F> 0A0B0C0E <X> 0A0B0C0E <L>"},
+        {"", {"antenna off", "select"}, "- <N>"},
+        {",uid=11111111", life, "- - 1 <L> 0 1 <L> 1 1 <L> 1"},
+        {",uid=11111111,card=4k", life, "- - 1 <L> 1 1 <L> 1 1 <L> 1"}, // a card is its serial number
+        {",uid=22222222,fault=write block/1/C", life, "- - 2 <L> 0 2 <L> <C> 2 <L> 0"},
+        {",uid=22222222,fault=read block/1/,fault=login/2/X", life, "- - 2 <L> - 2 <X> <O> 2 <L> 0"},
+        {",uid=33333333,remove=8", life, "- - 3 <L> 0 3 <L> 1 <N> <N> <N>"},
+        {",uid=33333333", life, "- - 3 <L> 1 3 <L> 1 3 <L> 1"},
+        {",uid=44444444,reader=MultiISO 1.0", life, "- - 4 - 0 4 - 1 4 - 1"},
+        {",card=none", select, "- - <N>"},
+        {",card=4k", select, "- - 4D5C6B7A"},
+        {"", {in("1F"), get("7B"), get("7C"), get("7E"), get("80")}, "<L> <O> 0 0 <O>"},
+        {"", {in("20"), get("7E"), get("80"), get("8E"), get("90")}, "<L> <O> 0 0 <O>"},
+        {"", {in("3C"), get("EE"), get("F0"), get("FE")}, "<L> <O> 0 0"},
+        {"", {in("21"), in("3D"), in("40"), in("FF")}, "<R> <R> <R> <R>"},
+        {"", {get("FF")}, "000000000000FF078069FFFFFFFFFFFF"},
+        {",card=1k", select, "- - 1D2C3B4A"},
+        {"", {in("0F"), in("10"), get("3B"), get("3C"), get("40")}, "<L> <R> <O> 0 <R>"},
+        {image + "1024,uid=01020308", select, "- - 01020308"},
+        {image + "1024,card=4k", select, "<?> <?> <?>"},
+        {image + "1023", select, "<?> <?> <?>"},
+        {image + "1024,image=nowhere", select, "<?> <?> <?>"},
+        {image + "1024", select, "- - DEADBEEF"},
+        {image + "4096,card=4k", select, "- - DEADBEEF"},
+    };
+    uint32_t reader = 0;
+    for (const auto& [options, commands, replies] : steps) {
+        reader = options.empty() ? reader : Open(options);
+        EXPECT_EQ(Send(reader, commands), replies) << options;
+    }
+    std::filesystem::remove_all(folder);
+}
+
+} // namespace
+} // namespace simulator
