@@ -45,8 +45,9 @@ EntryPoint ScriptedReader::Find(ReaderFunction function)
 std::string ScriptedReader::SendCommandGetData(Handle reader, Text command, Text data, Buffer buffer)
 {
     const RunningCode ofTest(/*OfComponent=*/false);
-    const auto& [sent, sentData] = m_sent.emplace_back(command, data);
-    const std::string masked = MaskKeys(sent, sentData);
+    const std::string sent(command);
+    const std::string masked = MaskKeys(sent, std::string(data));
+    m_sent.push_back(sent + ' ' + std::string(data));
     AnswerIn(buffer, "", reader, sent, masked);
     if (Injected.Reply && Injected.Hits(m_calls)) {
         return *Injected.Reply;
@@ -65,15 +66,18 @@ void ScriptedReader::Forget()
 std::string ScriptedReader::Commands() const
 {
     std::string commands;
-    for (const auto& [command, data] : m_sent) {
-        commands += (commands.empty() ? "" : ", ") + command + " " + MaskKeys(command, data);
+    for (std::string call : Calls) {
+        if (call.starts_with("SendCommandGetData")) {
+            call.erase(0, call.find(' ', call.find(' ') + 1) + 1); // the function and the handle
+            commands += (commands.empty() ? "" : ", ") + call;
+        }
     }
     return commands;
 }
 
 bool ScriptedReader::WasSent(const std::string& Command, const std::string& Data) const
 {
-    return std::ranges::find(m_sent, std::pair(Command, Data)) != m_sent.end();
+    return std::ranges::count(m_sent, Command + ' ' + Data) != 0;
 }
 
 Record Clean(std::wstring_view ComFunction)
@@ -83,14 +87,12 @@ Record Clean(std::wstring_view ComFunction)
 
 Record CallFailed(std::wstring_view Function, std::wstring_view ComFunction, std::wstring_view RdrCommand)
 {
-    const std::wstring description =
-        L"Can't find entry point " + std::wstring(Function) + L" in ACGReader330";
-    return {453,
-            description,
-            std::wstring(ComFunction),
-            std::wstring(RdrCommand),
-            L"",
-            ScriptedReader::MissingError};
+    Record record = Clean(ComFunction);
+    record.Number = 453;
+    record.Description = L"Can't find entry point " + std::wstring(Function) + L" in ACGReader330";
+    record.RdrCommand = RdrCommand;
+    record.LastDllError = ScriptedReader::MissingError;
+    return record;
 }
 
 std::ostream& operator<<(std::ostream& out, const Record& record)

@@ -89,19 +89,13 @@ private:
     uint8_t GetCommProtocol(Handle comm) override { return Answer(uint8_t{1}, comm); }
     int32_t GetCommBaudRate(Handle comm) override { return Answer(57600, comm); }
     int32_t GetCommTimeout(Handle comm) override { return Answer(1234, comm); }
-    std::string DetectReader(Handle comm, Buffer buffer) override { return AnswerIn(buffer, Readers, comm); }
-    Handle OpenReader(Handle comm, uint8_t id, int32_t third) override
+    std::string DetectReader(Handle comm, Buffer in) override { return AnswerIn(in, Readers, comm); }
+    Handle OpenReader(Handle comm, uint8_t id, int32_t i) override
     {
-        return Answer(Reader, comm, int{id}, third);
+        return Answer(Reader, comm, int{id}, i);
     }
-    std::string GetReaderType(Handle reader, Buffer buffer) override
-    {
-        return AnswerIn(buffer, Type, reader);
-    }
-    std::string GetDeviceID(Handle reader, Buffer buffer) override
-    {
-        return AnswerIn(buffer, DeviceID, reader);
-    }
+    std::string GetReaderType(Handle reader, Buffer in) override { return AnswerIn(in, Type, reader); }
+    std::string GetDeviceID(Handle reader, Buffer in) override { return AnswerIn(in, DeviceID, reader); }
     std::string SendCommandGetData(Handle reader, Text command, Text data, Buffer buffer) override;
     int32_t CloseReader(Handle reader) override { return Answer(0, reader); }
     int32_t CloseComm(Handle comm) override { return Answer(0, comm); }
@@ -131,7 +125,7 @@ private:
     inline static ScriptedReader* current = nullptr;
     const char* m_function = "";
     int m_calls = 0;
-    std::vector<std::pair<std::string, std::string>> m_sent;
+    std::vector<std::string> m_sent; ///< commands, each with its data
 };
 
 /// Looks inside an Encoder.
@@ -143,7 +137,7 @@ struct EncoderInside {
     static const auto& ValueBlocks(const Encoder& encoder) { return encoder.m_colValueBlocks; }
     static void AddValueBlock(Encoder& encoder, int32_t number)
     {
-        encoder.m_colValueBlocks.emplace().push_back(number);
+        encoder.m_colValueBlocks.emplace(1, number);
     }
     static void Trace(Encoder& encoder, std::wstring_view name) { encoder.TraceLastError(name); }
 };
