@@ -35,7 +35,7 @@ std::wstring IdText(const GUID& id)
     return text;
 }
 
-std::vector<Entry> EntriesOf(const CLSID& id, const std::wstring& name)
+std::vector<Entry> EntriesOf(const CLSID& id, const std::wstring& name, const std::wstring& version)
 {
     const std::wstring key = L"CLSID\\" + IdText(id);
     return {
@@ -44,6 +44,7 @@ std::vector<Entry> EntriesOf(const CLSID& id, const std::wstring& name)
         {key + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
         {key + L"\\ProgID", nullptr, name},
         {key + L"\\TypeLib", nullptr, IdText(LIBID_ACG_MultiISO_TV)},
+        {key + L"\\Version", nullptr, version},
         {key + L"\\Programmable", nullptr, L""},
         {key + L"\\Implemented Categories\\" + ProgrammableCategory, nullptr, L""},
         {name, nullptr, name},
@@ -51,9 +52,10 @@ std::vector<Entry> EntriesOf(const CLSID& id, const std::wstring& name)
     };
 }
 
-/// The type library, its attributes, and the key of this version of it.
+/// The type library, its attributes, its version as text, and the key of this version.
 struct TypeLibrary : TLIBATTR {
     Microsoft::WRL::ComPtr<ITypeLib> Library;
+    std::wstring Version;
     std::wstring Key;
 };
 
@@ -67,9 +69,10 @@ HRESULT Load(TypeLibrary& library)
     if (SUCCEEDED(result)) {
         static_cast<TLIBATTR&>(library) = *attributes;
         library.Library->ReleaseTLibAttr(attributes);
-        wchar_t version[sizeof("\\ffff.ffff")];
-        wsprintfW(version, L"\\%x.%x", library.wMajorVerNum, library.wMinorVerNum);
-        library.Key = L"TypeLib\\" + IdText(library.guid) + version;
+        wchar_t version[sizeof("ffff.ffff")];
+        wsprintfW(version, L"%x.%x", library.wMajorVerNum, library.wMinorVerNum);
+        library.Version = version;
+        library.Key = L"TypeLib\\" + IdText(library.guid) + L"\\" + version;
     }
     return result;
 }
@@ -88,16 +91,19 @@ LSTATUS Write(const Entry& entry)
 
 HRESULT RegisterAll()
 {
+    TypeLibrary library;
+    if (FAILED(Load(library))) {
+        return SELFREG_E_TYPELIB;
+    }
     for (const auto& [id, name] : Classes) {
-        for (const Entry& entry : EntriesOf(id, name)) {
+        for (const Entry& entry : EntriesOf(id, name, library.Version)) {
             if (const LSTATUS status = Write(entry); status != ERROR_SUCCESS) {
                 return ResultOf(status, SELFREG_E_CLASS);
             }
         }
     }
-    TypeLibrary library;
     std::wstring path = OwnPath();
-    if (FAILED(Load(library)) || FAILED(RegisterTypeLib(library.Library.Get(), path.data(), nullptr))) {
+    if (FAILED(RegisterTypeLib(library.Library.Get(), path.data(), nullptr))) {
         return SELFREG_E_TYPELIB;
     }
     // The system has registered it under its language. What carries calls to another apartment looks for it

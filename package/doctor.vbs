@@ -7,7 +7,6 @@
 Option Explicit
 
 Const ClassName = "ACG_MultiISO_TV.Encoder"
-Const TypeLibraryVersion = "\2.1\409\win32\"
 Const ReaderLibrary = "ACGReader330.dll"
 Const RegisterIt = "register ACG_MultiISO_TV.dll by the 32-bit regsvr32, as administrator: see install-en.html"
 
@@ -28,7 +27,8 @@ good = Passes(good, component <> "", "The class is registered", component, Regis
 good = Passes(good, files.FileExists(component), "The component's file is there", "", _
     "unpack ACG_MultiISO_TV.dll to that place again, or register it where it lies now")
 
-typeLibrary = Registered("TypeLib\" & Registered(classKey & "\TypeLib\") & TypeLibraryVersion)
+typeLibrary = Registered("TypeLib\" & Registered(classKey & "\TypeLib\") & "\" & Registered(classKey & "\Version\") & _
+    "\409\win32\")
 ' The component's own file carries it; the system may put a prefix before the path.
 Passes good, Right(LCase(typeLibrary), Len(component)) = LCase(component), "The type library is registered", _
     typeLibrary, RegisterIt

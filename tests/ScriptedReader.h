@@ -26,7 +26,6 @@ public:
 private:
     bool m_former;
 };
-using Turn = RunningCode;
 
 /// Stands in for the library: its thirteen functions are reached through the real ReaderDLL, text conversion,
 /// freeing and failure handling included. The one that was asked for a function last is called.

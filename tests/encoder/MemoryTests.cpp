@@ -32,15 +32,15 @@ bool HoldsKey(std::string memory)
 // The linker puts it in place of free, by which the byte strings of a reader library are freed.
 extern "C" void __wrap_free(void* block) // NOLINT(bugprone-reserved-identifier)
 {
-    if (block != nullptr && acg::Turn::IsComponents) {
-        const acg::Turn notOurs(/*OfComponent=*/false);
+    if (block != nullptr && acg::RunningCode::IsComponents) {
+        const acg::RunningCode notOurs(/*OfComponent=*/false);
         keysFreed += HoldsKey({static_cast<char*>(block), malloc_usable_size(block)}) ? 1 : 0;
     }
     __real_free(block);
 }
 void* operator new(size_t size)
 {
-    if (acg::Turn::IsComponents && untilFailure > 0 && --untilFailure == 0) {
+    if (acg::RunningCode::IsComponents && untilFailure > 0 && --untilFailure == 0) {
         throw std::bad_alloc();
     }
     void* const block = std::malloc(size);
@@ -133,7 +133,7 @@ TEST_F(FaultTest, LeavesNoKeyInFreedMemoryAndPrintsNothing)
     EXPECT_TRUE((testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr()).empty());
     EXPECT_EQ(keysFreed, 0);
 
-    const Turn component(/*OfComponent=*/true);
+    const RunningCode component(/*OfComponent=*/true);
     delete new std::wstring(FaultKey); // so it would have been seen
     EXPECT_EQ(keysFreed, 1);
 }

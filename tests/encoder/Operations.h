@@ -76,7 +76,7 @@ inline const std::vector<Operation> Operations = {
     {"WriteBytesInBloc", // with a key in a text that has no room for a block
      [](auto& e, auto& h) {
          {
-             const Turn ofHost(/*OfComponent=*/false);
+             const RunningCode ofHost(/*OfComponent=*/false);
              h.Text = std::wstring(FaultKey);
          }
          return e.WriteBytesInBloc(7, FaultKey, KeyTypeB, 0, 15, h.Text);
@@ -110,7 +110,7 @@ protected:
 
     int32_t Run(const Operation& operation, HostArguments& host)
     {
-        const Turn component(/*OfComponent=*/true);
+        const RunningCode component(/*OfComponent=*/true);
         return operation.Run(encoder, host);
     }
 
