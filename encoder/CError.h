@@ -15,6 +15,8 @@ struct CError {
     std::wstring ComFunction; ///< the outermost operation that the failure has passed so far
     std::wstring RdrCommand;  ///< the path below it, joined by ":", down to the reader function or command
     std::wstring RdrRetCode;  ///< what the reader answered, as a rule one status letter, else empty
+
+    bool operator==(const CError&) const = default;
 };
 
 } // namespace acg

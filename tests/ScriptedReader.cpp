@@ -80,14 +80,14 @@ bool ScriptedReader::WasSent(const std::string& Command, const std::string& Data
     return std::ranges::count(m_sent, Command + ' ' + Data) != 0;
 }
 
-Record Clean(std::wstring_view ComFunction)
+CError Clean(std::wstring_view ComFunction)
 {
     return {.ComFunction = std::wstring(ComFunction)};
 }
 
-Record CallFailed(std::wstring_view Function, std::wstring_view ComFunction, std::wstring_view RdrCommand)
+CError CallFailed(std::wstring_view Function, std::wstring_view ComFunction, std::wstring_view RdrCommand)
 {
-    Record record = Clean(ComFunction);
+    CError record = Clean(ComFunction);
     record.Number = 453;
     record.Description = L"Can't find entry point " + std::wstring(Function) + L" in ACGReader330";
     record.RdrCommand = RdrCommand;
@@ -95,7 +95,7 @@ Record CallFailed(std::wstring_view Function, std::wstring_view ComFunction, std
     return record;
 }
 
-std::ostream& operator<<(std::ostream& out, const Record& record)
+std::ostream& operator<<(std::ostream& out, const CError& record)
 {
     return out << record.Number << " \"" << ToAnsi(record.Description) << "\" " << ToAnsi(record.ComFunction)
                << " <- " << ToAnsi(record.RdrCommand) << " [" << ToAnsi(record.RdrRetCode) << "] "
@@ -112,13 +112,6 @@ void EncoderTest::Open()
 {
     ASSERT_EQ(encoder.OpenEncoder(DrawHandle()), sceSuccess);
     reader.Forget();
-}
-
-Record EncoderTest::Last()
-{
-    const CError& last = *encoder.LastError();
-    return {last.Number,     last.Description, last.ComFunction,
-            last.RdrCommand, last.RdrRetCode,  last.LastDllError};
 }
 
 } // namespace acg

@@ -138,24 +138,11 @@ struct EncoderInside {
     {
         encoder.m_colValueBlocks.emplace(1, number);
     }
-    static void Trace(Encoder& encoder, std::wstring_view name) { encoder.TraceLastError(name); }
 };
 
-/// A record to compare with.
-struct Record {
-    int32_t Number = 0;
-    std::wstring Description;
-    std::wstring ComFunction;
-    std::wstring RdrCommand;
-    std::wstring RdrRetCode;
-    int32_t LastDllError = 0;
-
-    bool operator==(const Record&) const = default;
-};
-std::ostream& operator<<(std::ostream& out, const Record& record);
-[[nodiscard]] Record Clean(std::wstring_view ComFunction);
+[[nodiscard]] CError Clean(std::wstring_view ComFunction);
 /// The record of a function that is missing.
-[[nodiscard]] Record CallFailed(std::wstring_view Function, std::wstring_view ComFunction,
+[[nodiscard]] CError CallFailed(std::wstring_view Function, std::wstring_view ComFunction,
                                 std::wstring_view RdrCommand);
 
 /// An encoder on a scripted reader. Each look at the clock lets a second go by.
@@ -170,7 +157,7 @@ protected:
     int32_t DrawHandle();
     /// Opens, and forgets the calls of it.
     void Open();
-    [[nodiscard]] Record Last();
+    [[nodiscard]] CError Last() { return *encoder.LastError(); }
 };
 
 inline constexpr const char* SelectCommands = "use iso14443a , antenna on , select ";

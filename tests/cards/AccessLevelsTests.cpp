@@ -108,17 +108,6 @@ TEST_F(AccessLevelsTest, EachLevelGrantsWhatItSaysAndReadsBackAsThat)
     }
 }
 
-TEST_F(AccessLevelsTest, LevelsOfMinusOneAndKeyModeZeroKeepWhatTheCardHas)
-{
-    EXPECT_EQ(Rekey(/*keysToUse=*/0, 1, -1, FactoryKey, KeyTypeA),
-              (Numbers{sceSuccess, 1, 5, 5, 5, 3, 0x69}));
-    RekeyNewCard(BothKeys, 13, 12);
-    EXPECT_EQ(Rekey(BothKeys, -1, -1), (Numbers{sceSuccess, 2, 13, 13, 13, 12, 0x69}));
-    EXPECT_EQ(Read(7, KeyA), L"00000000000078778869000000000000");
-    // Both keys can't store level 1.
-    EXPECT_EQ(Rekey(/*keysToUse=*/0, 1, -1), Numbers{-13});
-}
-
 TEST_F(AccessLevelsTest, ValueBlocksCountUntilTheEncoderIsClosed)
 {
     RekeyNewCard(BothKeys, 15, 12);

@@ -47,7 +47,7 @@ protected:
         EXPECT_EQ(commands, expected.Commands);
     }
 
-    void ExpectRefused(const Record& expected, const std::function<sceReturnCode()>& run)
+    void ExpectRefused(const CError& expected, const std::function<sceReturnCode()>& run)
     {
         EXPECT_EQ(run(), sceError);
         EXPECT_EQ(Last(), expected);
@@ -110,26 +110,9 @@ TEST_F(CardOperationsTest, EachSelectsLogsInAndSendsItsCommand)
     EXPECT_TRUE(reader.WasSent("login", "00AA\xc9?"));
 }
 
-TEST_F(CardOperationsTest, RepliesAreFilledOrCutToABlock)
-{
-    for (const std::string& reply : {std::string(), std::string("4\xe9"), std::string(40, 'a')}) {
-        reader.Replies["read block"] = reader.Replies["write block"] = reply;
-        std::wstring expected(reply.begin(), reply.end());
-        if (expected.size() == 2) {
-            expected[1] = L'\u00e9';
-        }
-        expected.resize(32, L'0');
-        for (const auto& run : {std::function(Read(1, 1)), std::function(Write(1, 1))}) {
-            std::wstring text(32, L'1');
-            EXPECT_EQ(run(encoder, text), sceSuccess);
-            EXPECT_EQ(text, expected);
-        }
-    }
-}
-
 TEST_F(CardOperationsTest, BadBlocksAndRangesAreRefused)
 {
-    const Record badBlock = {-11, L"A data bloc must contain 32 hex digits", L"WriteDataBloc"};
+    const CError badBlock = {-11, L"A data bloc must contain 32 hex digits", 0, L"WriteDataBloc"};
     const std::wstring digits(31, L'0');
     for (const std::wstring& bad : {digits, digits + L"00", digits + L"G", std::wstring()}) {
         std::wstring text = L" " + bad;
@@ -138,7 +121,7 @@ TEST_F(CardOperationsTest, BadBlocksAndRangesAreRefused)
     }
     EXPECT_TRUE(reader.Calls.empty());
 
-    const Record badRange = {-14, L"Incorrect offsets in parameters", L"WriteBytesInBloc"};
+    const CError badRange = {-14, L"Incorrect offsets in parameters", 0, L"WriteBytesInBloc"};
     for (const auto& [from, to] :
          std::initializer_list<std::pair<uint8_t, uint8_t>>{{3, 2}, {16, 16}, {0, 16}}) {
         std::wstring text = L"ab";
@@ -146,7 +129,7 @@ TEST_F(CardOperationsTest, BadBlocksAndRangesAreRefused)
         EXPECT_EQ(text, Block);
     }
     std::wstring text = L"0G";
-    ExpectRefused({-11, badBlock.Description, L"WriteBytesInBloc", L"WriteDataBloc"},
+    ExpectRefused({-11, badBlock.Description, 0, L"WriteBytesInBloc", L"WriteDataBloc"},
                   [&] { return WriteBytes(0, 0)(encoder, text); });
     EXPECT_EQ(text, Block);
 }
@@ -172,7 +155,7 @@ TEST_F(CardOperationsTest, BadArgumentsOfATrailerAreRefusedInOrder)
 {
     const auto expectRefused = [this](int32_t number, const wchar_t* description,
                                       const TrailerArguments& given) {
-        ExpectRefused({number, description, L"WriteSectorTrailer"},
+        ExpectRefused({number, description, 0, L"WriteSectorTrailer"},
                       [&] { return WriteTrailer(encoder, Key, KeyTypeB, given); });
     };
     const wchar_t* const badKey = L"A key must contain 12 hex digits";

@@ -58,12 +58,12 @@ TEST_F(EncoderTest, RefusedOpeningDropsTheValueBlocksAndKeepsTheOldHandles)
     Open();
     EncoderInside::AddValueBlock(encoder, 5);
     EXPECT_EQ(encoder.OpenEncoder(DrawHandle() + 1), sceError);
-    EXPECT_EQ(Last(), (Record{-2, L"Cannot open encoder", L"OpenEncoder", L"OpenComm"}));
+    EXPECT_EQ(Last(), (CError{-2, L"Cannot open encoder", 0, L"OpenEncoder", L"OpenComm"}));
     EXPECT_EQ(EncoderInside::ValueBlocks(encoder), std::vector<int32_t>());
     reader.LibraryMissing = true;
     EXPECT_EQ(encoder.OpenEncoder(DrawHandle()), sceError);
-    EXPECT_EQ(Last(), (Record{53, L"File not found: ACGReader330", L"OpenEncoder", L"OpenComm", L"",
-                              ScriptedReader::MissingError}));
+    EXPECT_EQ(Last(), (CError{53, L"File not found: ACGReader330", ScriptedReader::MissingError,
+                              L"OpenEncoder", L"OpenComm"}));
     EXPECT_TRUE(reader.Calls.empty());
     reader.LibraryMissing = false;
 
@@ -96,7 +96,7 @@ TEST_F(EncoderTest, DestructionClosesReaderThenLinkAlsoWhereThatThrows)
 
 TEST_F(EncoderTest, PropertiesRaiseWhatTheyRecord)
 {
-    const auto raises = [this](const Record& expected, const std::optional<std::wstring>& source, auto read) {
+    const auto raises = [this](const CError& expected, const std::optional<std::wstring>& source, auto read) {
         try {
             static_cast<void>(read());
             ADD_FAILURE() << "nothing was raised";
@@ -107,11 +107,11 @@ TEST_F(EncoderTest, PropertiesRaiseWhatTheyRecord)
         EXPECT_EQ(Last(), expected);
     };
     const auto readType = [this] { return encoder.ReaderType(); };
-    raises({-1, L"Encoder is closed", L"ReaderType"}, {}, readType);
+    raises({-1, L"Encoder is closed", 0, L"ReaderType"}, {}, readType);
     const std::wstring text = L"Feature not supported";
-    raises({-16, text, L"ATRString"}, L"", [this] { return encoder.ATRString(); });
-    raises({-16, text, L"CardType"}, L"", [this] { return encoder.CardType(); });
-    raises({-16, text, L"SerialNumberLength"}, L"", [this] { return encoder.SerialNumberLength(); });
+    raises({-16, text, 0, L"ATRString"}, L"", [this] { return encoder.ATRString(); });
+    raises({-16, text, 0, L"CardType"}, L"", [this] { return encoder.CardType(); });
+    raises({-16, text, 0, L"SerialNumberLength"}, L"", [this] { return encoder.SerialNumberLength(); });
     EXPECT_TRUE(reader.Calls.empty());
     Open();
     reader.Type = std::string("MultiISO 2.5\0more", 17);

@@ -80,19 +80,19 @@ const Expected Rows[] = {
 
 std::wstring DescriptionOf(const Expected& row)
 {
-    static const std::map<int32_t, std::wstring> own = {
-        {0, L""},
-        {-2, L"Cannot open encoder"},
-        {-4, L"No encoder found"},
-        {-5, L"Encoder command failed"},
-        {-6, L"Encoder failure"},
-        {-7, L"Authentication failure"},
-        {-8, L"No card in encoder"},
-    };
+    const wchar_t* own[] = {L"",
+                            L"",
+                            L"Cannot open encoder",
+                            L"",
+                            L"No encoder found",
+                            L"Encoder command failed",
+                            L"Encoder failure",
+                            L"Authentication failure",
+                            L"No card in encoder"};
     const bool isCommand = std::islower(static_cast<unsigned char>(*row.Call)) != 0;
-    const std::string function = isCommand ? "SendCommandGetData" : row.Call;
-    return row.Number != NotFound ? own.at(row.Number)
-                                  : FromAnsi("Can't find entry point " + function + " in ACGReader330");
+    return row.Number != NotFound
+               ? own[-row.Number]
+               : CallFailed(FromAnsi(isCommand ? "SendCommandGetData" : row.Call), L"", L"").Description;
 }
 
 TEST_F(FaultTest, EachFaultHasItsNumberItsPathAndItsLetter)
@@ -118,9 +118,11 @@ TEST_F(FaultTest, EachFaultHasItsNumberItsPathAndItsLetter)
             EXPECT_EQ(Last(), Clean(name));
         } else {
             EXPECT_EQ(result, row.Number == 0 ? sceSuccess : sceError);
-            EXPECT_EQ(Last(), (Record{row.Number, DescriptionOf(row),
-                                      name == L"ReOpenEncoder" ? L"OpenEncoder" : name, row.Path, row.Letter,
-                                      row.Reply || row.Number == 0 ? 0 : ScriptedReader::MissingError}));
+            const bool isCallFailure = !row.Reply && row.Number != 0;
+            EXPECT_EQ(
+                Last(),
+                (CError{row.Number, DescriptionOf(row), isCallFailure ? ScriptedReader::MissingError : 0,
+                        name == L"ReOpenEncoder" ? L"OpenEncoder" : name, row.Path, row.Letter}));
         }
     }
 }
@@ -144,7 +146,7 @@ TEST_F(FaultTest, EveryFaultLeavesAResultARecordAndAnObjectThatWorks)
                 reader.Injected = fault;
                 HostArguments host;
                 const int32_t result = Run(operation, host);
-                const Record left = Last();
+                const CError left = Last();
                 const std::string name = operation.Name == "ReOpenEncoder" ? "OpenEncoder" : operation.Name;
                 EXPECT_EQ(left.ComFunction, FromAnsi(name));
                 EXPECT_EQ(left.Number == 0, name == "EncoderState" || result == sceSuccess);
@@ -158,6 +160,7 @@ TEST_F(FaultTest, EveryFaultLeavesAResultARecordAndAnObjectThatWorks)
                 EXPECT_EQ(EncoderInside::Comm(encoder) != 0, isOpen);
                 EXPECT_EQ(EncoderInside::Reader(encoder) != 0, isOpen);
                 ExpectCleanLife();
+                EXPECT_EQ(keysFreed, 0);
                 ASSERT_FALSE(HasFailure());
                 ++count;
             }

@@ -13,6 +13,9 @@ inline constexpr const wchar_t* FaultKey = L"D1ce0fCA57e5";
 inline constexpr const char* ReadReply = "D1CE0FCA57E5FF078069D1CE0FCA57E5";
 inline constexpr const char* WriteReply = "00112233445566778899aabbccddeeff";
 
+/// Blocks that the component has freed with a key in them, where the program looks for that.
+inline int keysFreed = 0;
+
 /// What an operation is given and may change.
 struct HostArguments {
     std::wstring Text = L"abab0000000000000000000000000000 ";
