@@ -1,13 +1,8 @@
 // The four functions that a host's component loader calls, and the factories behind them.
-//
-// The module Globals stands here with its start routine, as it would run when the component starts. All that
-// it has to do is to clear the pending failure; here that is a value, which goes with the call that raised
-// it. So there is nothing for it to do.
 #include <initguid.h> // gives the identifiers of the type library their place
 
 #include "boundary/AutomationEncoder.h"
 #include "boundary/AutomationError.h"
-#include "boundary/ComObject.h"
 #include "boundary/Registration.h"
 
 #include <olectl.h>

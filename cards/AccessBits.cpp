@@ -49,17 +49,12 @@ constexpr AccessTriple TrailerOfKeyA[] = {
     "001", // 3  keys and conditions
 };
 
-struct TrailerLevel {
-    int32_t Level;
-    AccessTriple Triple;
-};
-
-/// What key B may write. A level that isn't here is refused.
-constexpr TrailerLevel TrailerOfBoth[] = {
-    {0, "111"},  // nothing
-    {4, "100"},  // keys
-    {8, "101"},  // conditions
-    {12, "011"}, // keys and conditions
+/// Bits 2 and 3 of the level, what key B may write. A level with rights of key A is refused.
+constexpr AccessTriple TrailerOfBoth[] = {
+    "111", //  0  nothing
+    "100", //  4  keys
+    "101", //  8  conditions
+    "011", // 12  keys and conditions
 };
 
 constexpr DecodedAccess Decoded[] = {
@@ -101,12 +96,8 @@ AccessTriple TrailerTriple(int32_t Level, uint8_t KeysToUse)
     if (KeysToUse == KeyAAlone) {
         return TrailerOfKeyA[Level & RightsOfKeyA];
     }
-    for (const TrailerLevel& row : TrailerOfBoth) {
-        if (row.Level == Level) {
-            return row.Triple;
-        }
-    }
-    return RefusedLevel;
+    const bool isStorable = Level <= HighestLevel && (Level & RightsOfKeyA) == 0;
+    return isStorable ? TrailerOfBoth[Level / (RightsOfKeyA + 1)] : RefusedLevel;
 }
 
 void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes)

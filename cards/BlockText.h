@@ -6,8 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
-#include <string_view>
 
 namespace acg
 {
@@ -16,17 +14,9 @@ inline constexpr int32_t BlockBytes = 16;
 inline constexpr size_t DigitsOfByte = 2;
 inline constexpr size_t BlockDigits = BlockBytes * DigitsOfByte;
 
-/// The component's own text of a block. Operations change Digits in place; there is room for a block.
-struct BlockText {
-    std::wstring Digits;
-
-    BlockText() { Digits.reserve(BlockDigits); }
-    ~BlockText() { Wipe(Digits); }
-    BlockText(const BlockText&) = delete;
-    BlockText& operator=(const BlockText&) = delete;
+/// The component's own text of a block. Operations change it in place; there is room for a block.
+struct BlockText : Secret<wchar_t> {
+    BlockText() { Text.reserve(BlockDigits); }
 };
-
-/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut.
-void StoreReply(std::wstring& HostText, std::string_view Reply);
 
 } // namespace acg

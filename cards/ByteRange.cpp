@@ -13,11 +13,11 @@ sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, std::wstring_view ke
 
     ResetLastError();
     BlockText oldBlock;
-    if (ReadDataBloc(BlocNumber, key, KeyType, oldBlock.Digits) == sceError) {
+    if (ReadDataBloc(BlocNumber, key, KeyType, oldBlock.Text) == sceError) {
         BlocContents.clear();
         return FailBelow(OperationName);
     }
-    const std::wstring_view old = oldBlock.Digits;
+    const std::wstring_view old = oldBlock.Text;
     if (FromByte >= BlockBytes || ToByte >= BlockBytes || ToByte < FromByte) {
         Replace(BlocContents, old);
         return Fail(BadOffsets, OperationName);
@@ -26,15 +26,15 @@ sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, std::wstring_view ke
     const size_t from = FromByte * DigitsOfByte;
     const size_t behind = (ToByte + 1) * DigitsOfByte;
     BlockText newBlock;
-    newBlock.Digits = old.substr(0, from);
-    newBlock.Digits.append(BlocContents, 0, behind - from).resize(behind, L'0');
-    newBlock.Digits += old.substr(behind);
-    if (WriteDataBloc(BlocNumber, key, KeyType, newBlock.Digits) == sceError) {
+    newBlock.Text = old.substr(0, from);
+    newBlock.Text.append(BlocContents, 0, behind - from).resize(behind, L'0');
+    newBlock.Text += old.substr(behind);
+    if (WriteDataBloc(BlocNumber, key, KeyType, newBlock.Text) == sceError) {
         Replace(BlocContents, old);
         return FailBelow(OperationName);
     }
     ResetLastError(OperationName);
-    Replace(BlocContents, newBlock.Digits);
+    Replace(BlocContents, newBlock.Text);
     return sceSuccess;
 }
 

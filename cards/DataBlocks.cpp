@@ -8,6 +8,19 @@
 namespace acg
 {
 
+namespace
+{
+
+/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut.
+void StoreReply(std::wstring& hostText, std::string_view reply)
+{
+    MakeRoom(hostText, BlockDigits);
+    ReplaceByAnsi(hostText, reply, /*Most=*/BlockDigits);
+    hostText.resize(BlockDigits, L'0');
+}
+
+} // namespace
+
 /// Logs in on the sector of a block. A failure is recorded whole, under the name of the calling operation.
 ///
 /// The good reply to "login" is the status letter "L"; a reply of data is a failure of the reader. One type

@@ -21,12 +21,12 @@ sceReturnCode Encoder::ReadManufacturerCode(std::wstring_view key, uint8_t KeyTy
     SerialNumber = 0;
     CheckSum = 0;
     BlockText text;
-    const sceReturnCode result = ReadDataBloc(ManufacturerBlock, key, KeyType, text.Digits);
-    ManufacturerInfo.clear();
+    const sceReturnCode result = ReadDataBloc(ManufacturerBlock, key, KeyType, text.Text);
+    ManufacturerInfo.clear(); // not before: a host's key may be in it
     if (result == sceError) {
         return FailBelow(OperationName);
     }
-    const std::wstring_view block = text.Digits;
+    const std::wstring_view block = text.Text;
     SerialNumber = static_cast<int32_t>(ReadHexDigits(block.substr(0, CheckByte)));
     CheckSum = static_cast<uint8_t>(ReadHexDigits(block.substr(CheckByte, DigitsOfByte)));
     ManufacturerInfo = block.substr(Data);

@@ -10,6 +10,8 @@
 #include "reader/HexText.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace acg
 {
@@ -53,11 +55,6 @@ sceReturnCode Store(AccessTriple triple, uint8_t mask, ConditionBytes& bytes)
     return sceSuccess;
 }
 
-bool IsByte(int32_t number)
-{
-    return number >= 0 && number <= UINT8_MAX;
-}
-
 } // namespace
 
 sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType,
@@ -71,10 +68,10 @@ sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, std::wstring_view
     Security0 = Security1 = Security2 = SCBS_SecurityLevelEnum{};
     Conditions = SCSS_SecurityLevelEnum{};
     BlockText text;
-    if (ReadDataBloc(TrailerBlock(SectorNumber), key, KeyType, text.Digits) == sceError) {
+    if (ReadDataBloc(TrailerBlock(SectorNumber), key, KeyType, text.Text) == sceError) {
         return FailBelow(OperationName);
     }
-    const std::wstring_view trailer = text.Digits;
+    const std::wstring_view trailer = text.Text;
     BX = ByteOf(trailer, UserByte);
     const ConditionBytes bytes = ConditionBytesOf(trailer);
     const auto blockLevel = [&bytes](unsigned slot) {
@@ -107,16 +104,16 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
             return Fail(BadSecurity, OperationName);
         }
     }
-    if (BX && !IsByte(*BX)) {
+    if (BX && !std::in_range<uint8_t>(*BX)) {
         return Fail(BadBX, OperationName);
     }
 
     const int32_t trailerBlock = TrailerBlock(SectorNumber);
-    BlockText oldTrailer;
-    if (ReadDataBloc(trailerBlock, key, KeyType, oldTrailer.Digits) == sceError) {
+    BlockText trailer;
+    if (ReadDataBloc(trailerBlock, key, KeyType, trailer.Text) == sceError) {
         return FailBelow(OperationName);
     }
-    // The trailer is read once more for the key mode and byte 9; the levels are of no interest here.
+    // A second read, for the key mode and byte 9: what is sent to the reader is part of the interface.
     uint8_t keysUsed = 0;
     uint8_t userByte = 0;
     SCBS_SecurityLevelEnum blockLevel{};
@@ -127,7 +124,7 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
     }
 
     const uint8_t keyMode = KeysToUse == KeysAsOnCard ? keysUsed : KeysToUse;
-    ConditionBytes bytes = ConditionBytesOf(oldTrailer.Digits);
+    ConditionBytes bytes = ConditionBytesOf(trailer.Text);
     // In a sector of 16 blocks too, its last three data blocks are looked up as value blocks.
     const std::initializer_list<sceReturnCode> encoded = {
         SetBlockAccess(Security0, keyMode, /*Mask=*/1, BlockBefore(trailerBlock, 3), bytes),
@@ -139,14 +136,13 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
         return Fail(BadSecurity, OperationName);
     }
 
-    BlockText newTrailer;
-    newTrailer.Digits = TrimBlanks(KeyA);
+    trailer.Text = TrimBlanks(KeyA);
     for (const uint8_t byte : bytes) {
-        newTrailer.Digits += TwoHexDigits(byte);
+        trailer.Text += TwoHexDigits(byte);
     }
-    newTrailer.Digits += TwoHexDigits(BX.value_or(userByte));
-    newTrailer.Digits += TrimBlanks(KeyB);
-    if (WriteDataBloc(trailerBlock, key, KeyType, newTrailer.Digits) == sceError) {
+    trailer.Text += TwoHexDigits(BX.value_or(userByte));
+    trailer.Text += TrimBlanks(KeyB);
+    if (WriteDataBloc(trailerBlock, key, KeyType, trailer.Text) == sceError) {
         return FailBelow(OperationName);
     }
     ResetLastError(OperationName);

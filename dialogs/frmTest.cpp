@@ -22,55 +22,38 @@ constexpr wchar_t NewLine[] = L"\r\n";
 /// Detection gives at most this many readers.
 constexpr size_t MostReaders = 255;
 
+constexpr struct {
+    Translated m_sStart{L"Starting the test.", L"Début du test."};
+    Translated m_sOpening{L"Opening communication port %1, %2...",
+                          L"Ouverture du port de communication %1, %2..."};
+    Translated m_sOpenFailed{L"Failed to open the communication port.",
+                             L"Impossible d'ouvrir le port de communications."};
+    Translated m_sNoAutodetect{L"no autodetect. Baud rate: %1, %2 protocol",
+                               L"pas d'auto-détection. Vitesse : %1 bauds, protocole %2"};
+    Translated m_sNormalDetect{L"normal autodetection", L"auto-détection normale"};
+    Translated m_sFastDetect{L"fast autodetection", L"auto-détection rapide"};
+    Translated m_sAscii{L"ASCII", L"ASCII"};
+    Translated m_sBinary{L"binary", L"binaire"};
+    Translated m_sPortOpen{L"Communication port open. Baud rate: %1, %2 protocol, timeout: %3 ms",
+                           L"Ouvert. Vitesse : %1 bauds, protocole %2, timeout : %3 ms"};
+    Translated m_sDetecting{L"Detecting encoders...", L"Détection des encodeurs..."};
+    Translated m_sNoEncoder{L"No encoder found.", L"Aucun encodeur trouvé."};
+    Translated m_sFound{L"%1 encoder(s) found. Encoder ID to test: %2",
+                        L"%1 encodeur(s) trouvé(s). ID de l'encodeur testé : %2"};
+    Translated m_sOpeningEncoder{L"Opening the communication with encoder...",
+                                 L"Ouverture de communication avec l'encodeur..."};
+    Translated m_sNoAccess{L"Unable to access to the encoder.", L"Impossible d'accéder à l'encodeur."};
+    Translated m_sDeviceID{L"Encoder DeviceID: %1", L"DeviceID de l'encodeur : %1"};
+    Translated m_sEncoderType{L"Encoder type: %1", L"Type de l'encodeur : %1"};
+    Translated m_sClosingEncoder{L"Closing communication with the encoder...",
+                                 L"Fermeture de la communication avec l'encodeur..."};
+    Translated m_sClosingPort{L"Closing the communication port...", L"Fermeture du port de communication..."};
+    Translated m_sSuccess{L"\r\n<< Successful test >>\r\n", L"\r\n<< Test réussi >>\r\n"};
+    Translated m_sFailed{L"\r\n<< Test failed >>\r\n", L"\r\n<< Echec du test >>\r\n"};
+    Translated m_sError{L"Error %1: %2", L"Erreur %1 : %2"};
+} Texts;
+
 } // namespace
-
-constexpr frmTest::Texts frmTest::EnglishTexts = {
-    .m_sStart = L"Starting the test.",
-    .m_sOpening = L"Opening communication port %1, %2...",
-    .m_sOpenFailed = L"Failed to open the communication port.",
-    .m_sNoAutodetect = L"no autodetect. Baud rate: %1, %2 protocol",
-    .m_sNormalDetect = L"normal autodetection",
-    .m_sFastDetect = L"fast autodetection",
-    .m_sAscii = L"ASCII",
-    .m_sBinary = L"binary",
-    .m_sPortOpen = L"Communication port open. Baud rate: %1, %2 protocol, timeout: %3 ms",
-    .m_sDetecting = L"Detecting encoders...",
-    .m_sNoEncoder = L"No encoder found.",
-    .m_sFound = L"%1 encoder(s) found. Encoder ID to test: %2",
-    .m_sOpeningEncoder = L"Opening the communication with encoder...",
-    .m_sNoAccess = L"Unable to access to the encoder.",
-    .m_sDeviceID = L"Encoder DeviceID: %1",
-    .m_sEncoderType = L"Encoder type: %1",
-    .m_sClosingEncoder = L"Closing communication with the encoder...",
-    .m_sClosingPort = L"Closing the communication port...",
-    .m_sSuccess = L"\r\n<< Successful test >>\r\n",
-    .m_sFailed = L"\r\n<< Test failed >>\r\n",
-    .m_sError = L"Error %1: %2",
-};
-
-constexpr frmTest::Texts frmTest::FrenchTexts = {
-    .m_sStart = L"Début du test.",
-    .m_sOpening = L"Ouverture du port de communication %1, %2...",
-    .m_sOpenFailed = L"Impossible d'ouvrir le port de communications.",
-    .m_sNoAutodetect = L"pas d'auto-détection. Vitesse : %1 bauds, protocole %2",
-    .m_sNormalDetect = L"auto-détection normale",
-    .m_sFastDetect = L"auto-détection rapide",
-    .m_sAscii = L"ASCII",
-    .m_sBinary = L"binaire",
-    .m_sPortOpen = L"Ouvert. Vitesse : %1 bauds, protocole %2, timeout : %3 ms",
-    .m_sDetecting = L"Détection des encodeurs...",
-    .m_sNoEncoder = L"Aucun encodeur trouvé.",
-    .m_sFound = L"%1 encodeur(s) trouvé(s). ID de l'encodeur testé : %2",
-    .m_sOpeningEncoder = L"Ouverture de communication avec l'encodeur...",
-    .m_sNoAccess = L"Impossible d'accéder à l'encodeur.",
-    .m_sDeviceID = L"DeviceID de l'encodeur : %1",
-    .m_sEncoderType = L"Type de l'encodeur : %1",
-    .m_sClosingEncoder = L"Fermeture de la communication avec l'encodeur...",
-    .m_sClosingPort = L"Fermeture du port de communication...",
-    .m_sSuccess = L"\r\n<< Test réussi >>\r\n",
-    .m_sFailed = L"\r\n<< Echec du test >>\r\n",
-    .m_sError = L"Erreur %1 : %2",
-};
 
 /// The form and its controls, made anew at each opening.
 struct frmTest::Screen {
@@ -166,11 +149,10 @@ void frmTest::Show(const ReaderDLL& Reader, const Form* Owner)
 
 void frmTest::Form_Load()
 {
-    const bool french = IsFrench(Language);
-    m_screen->Dialog.Caption = In(french, {L"ACG Encoder Test", L"Test de l'encodeur ACG"});
+    m_french = IsFrench(Language);
+    m_screen->Dialog.Caption = In(m_french, {L"ACG Encoder Test", L"Test de l'encodeur ACG"});
     m_screen->txtLog.SetText(L"");
     m_screen->cmdOK.SetText(L"OK");
-    m_texts = french ? &FrenchTexts : &EnglishTexts;
     m_screen->Dialog.StartTimer(StartDelay);
     m_screen->cmdOK.Enable(false);
 }
@@ -197,11 +179,11 @@ void frmTest::tmrTest_Timer()
     m_screen->Dialog.StopTimer();
     const Running running(*m_screen);
     m_screen->txtLog.SetText(L"");
-    LogLine(m_texts->m_sStart);
+    LogLine(In(m_french, Texts.m_sStart));
 
     Link link(m_screen->Reader);
     if (const Failure failure = RunTest(link)) {
-        LogLine(Fill(m_texts->m_sError, {DecimalText(failure.Number), failure.Description}));
+        LogLine(Fill(In(m_french, Texts.m_sError), {DecimalText(failure.Number), failure.Description}));
     }
 }
 
@@ -209,14 +191,14 @@ void frmTest::tmrTest_Timer()
 Failure frmTest::RunTest(Link& Opened)
 {
     ReaderHandle& comm = Opened.Comm;
-    LogLine(Fill(m_texts->m_sOpening, {Device, ModeText()}));
+    LogLine(Fill(In(m_french, Texts.m_sOpening), {Device, ModeText()}));
     CommSettings settings{.BaudRate = BaudRate, .Protocol = Protocol};
     if (const Failure failure = m_screen->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
         return failure;
     }
     if (comm == 0) {
-        LogLine(m_texts->m_sOpenFailed);
-        LogLine(m_texts->m_sFailed);
+        LogLine(In(m_french, Texts.m_sOpenFailed));
+        LogLine(In(m_french, Texts.m_sFailed));
         return {};
     }
     if (const Failure failure = m_screen->Reader.SetCommTimeout(comm, Timeout)) {
@@ -234,8 +216,8 @@ Failure frmTest::RunTest(Link& Opened)
     if (const Failure failure = m_screen->Reader.GetCommTimeout(comm, timeout)) {
         return failure;
     }
-    LogLine(
-        Fill(m_texts->m_sPortOpen, {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
+    LogLine(Fill(In(m_french, Texts.m_sPortOpen),
+                 {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
     return TestReader(Opened);
 }
 
@@ -244,43 +226,43 @@ Failure frmTest::TestReader(Link& Opened)
     const auto giveUp = [this, &Opened](const wchar_t* reason) -> Failure {
         Opened.CloseComm();
         LogLine(reason);
-        LogLine(m_texts->m_sFailed);
+        LogLine(In(m_french, Texts.m_sFailed));
         return {};
     };
-    LogLine(m_texts->m_sDetecting);
+    LogLine(In(m_french, Texts.m_sDetecting));
     std::string readers;
     if (const Failure failure = m_screen->Reader.DetectReader(Opened.Comm, readers)) {
         return failure;
     }
     if (readers.empty()) {
-        return giveUp(m_texts->m_sNoEncoder);
+        return giveUp(In(m_french, Texts.m_sNoEncoder));
     }
     const auto readerId = static_cast<uint8_t>(readers.front());
     const auto count = static_cast<int32_t>(std::min(readers.size(), MostReaders));
-    LogLine(Fill(m_texts->m_sFound, {DecimalText(count), DecimalText(readerId)}));
+    LogLine(Fill(In(m_french, Texts.m_sFound), {DecimalText(count), DecimalText(readerId)}));
 
-    LogLine(m_texts->m_sOpeningEncoder);
+    LogLine(In(m_french, Texts.m_sOpeningEncoder));
     if (const Failure failure = m_screen->Reader.OpenReader(Opened.Comm, readerId, Opened.Reader)) {
         return failure;
     }
     if (Opened.Reader == 0) {
-        return giveUp(m_texts->m_sNoAccess);
+        return giveUp(In(m_french, Texts.m_sNoAccess));
     }
     std::wstring deviceId;
     // Without one the line ends behind its label.
     static_cast<void>(m_screen->Reader.GetDeviceID(Opened.Reader, deviceId));
-    LogLine(Fill(m_texts->m_sDeviceID, {deviceId}));
+    LogLine(Fill(In(m_french, Texts.m_sDeviceID), {deviceId}));
     std::wstring type;
     if (const Failure failure = m_screen->Reader.GetReaderType(Opened.Reader, type)) {
         return failure;
     }
-    LogLine(Fill(m_texts->m_sEncoderType, {type}));
+    LogLine(Fill(In(m_french, Texts.m_sEncoderType), {type}));
 
-    LogLine(m_texts->m_sClosingEncoder);
+    LogLine(In(m_french, Texts.m_sClosingEncoder));
     Opened.CloseReader();
-    LogLine(m_texts->m_sClosingPort);
+    LogLine(In(m_french, Texts.m_sClosingPort));
     Opened.CloseComm();
-    LogLine(m_texts->m_sSuccess);
+    LogLine(In(m_french, Texts.m_sSuccess));
     return {};
 }
 
@@ -288,17 +270,17 @@ std::wstring frmTest::ModeText() const
 {
     switch (AutoDetect) {
     case 0:
-        return Fill(m_texts->m_sNoAutodetect, {DecimalText(BaudRate), ProtocolName(Protocol)});
+        return Fill(In(m_french, Texts.m_sNoAutodetect), {DecimalText(BaudRate), ProtocolName(Protocol)});
     case 1:
-        return m_texts->m_sNormalDetect;
+        return In(m_french, Texts.m_sNormalDetect);
     default:
-        return m_texts->m_sFastDetect;
+        return In(m_french, Texts.m_sFastDetect);
     }
 }
 
 const wchar_t* frmTest::ProtocolName(uint8_t Number) const
 {
-    return Number == 0 ? m_texts->m_sAscii : m_texts->m_sBinary;
+    return Number == 0 ? In(m_french, Texts.m_sAscii) : In(m_french, Texts.m_sBinary);
 }
 
 } // namespace acg

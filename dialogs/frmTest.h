@@ -34,31 +34,6 @@ public:
     void Show(const ReaderDLL& Reader, const Form* Owner = nullptr);
 
 private:
-    struct Texts {
-        const wchar_t* m_sStart;
-        const wchar_t* m_sOpening;
-        const wchar_t* m_sOpenFailed;
-        const wchar_t* m_sNoAutodetect;
-        const wchar_t* m_sNormalDetect;
-        const wchar_t* m_sFastDetect;
-        const wchar_t* m_sAscii;
-        const wchar_t* m_sBinary;
-        const wchar_t* m_sPortOpen;
-        const wchar_t* m_sDetecting;
-        const wchar_t* m_sNoEncoder;
-        const wchar_t* m_sFound;
-        const wchar_t* m_sOpeningEncoder;
-        const wchar_t* m_sNoAccess;
-        const wchar_t* m_sDeviceID;
-        const wchar_t* m_sEncoderType;
-        const wchar_t* m_sClosingEncoder;
-        const wchar_t* m_sClosingPort;
-        const wchar_t* m_sSuccess; ///< with a CR LF pair before and after, like the next one
-        const wchar_t* m_sFailed;
-        const wchar_t* m_sError;
-    };
-    static const Texts EnglishTexts;
-    static const Texts FrenchTexts;
     struct Screen;
     class Running;
     class Link;
@@ -73,7 +48,7 @@ private:
     Failure RunTest(Link& Opened);
     Failure TestReader(Link& Opened);
 
-    const Texts* m_texts = &EnglishTexts;
+    bool m_french = false;
     Screen* m_screen = nullptr; ///< while the dialog is open
 };
 

@@ -102,7 +102,7 @@ void Encoder::SetLastError(const Failure& Failed, std::wstring_view ComFunction,
 
 void Encoder::ResetLastError(std::wstring_view ComFunction)
 {
-    CError& record = *m_oLastError;
+    CError& record = *m_oLastError; // as SetLastError does, but at each operation several times
     record.Number = 0;
     record.Description.clear();
     record.LastDllError = 0;
@@ -125,9 +125,10 @@ void Encoder::TraceLastError(std::wstring_view FunctionName)
     record.ComFunction = FunctionName;
 }
 
-sceReturnCode Encoder::Fail(const Failure& Found, std::wstring_view OperationName)
+sceReturnCode Encoder::Fail(const Failure& Found, std::wstring_view OperationName,
+                            std::wstring_view RdrCommand)
 {
-    SetLastError(Found, OperationName);
+    SetLastError(Found, OperationName, RdrCommand);
     return sceError;
 }
 

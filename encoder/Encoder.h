@@ -175,7 +175,8 @@ private:
     void ResetLastError(std::wstring_view ComFunction = {});
     void TraceLastError(std::wstring_view FunctionName);
     // How an operation ends that has found a failure itself, and one below which a failure is recorded.
-    [[nodiscard]] sceReturnCode Fail(const Failure& Found, std::wstring_view OperationName);
+    [[nodiscard]] sceReturnCode Fail(const Failure& Found, std::wstring_view OperationName,
+                                     std::wstring_view RdrCommand = {});
     [[nodiscard]] sceReturnCode FailBelow(std::wstring_view OperationName);
 
     Failure ReadReaderType(std::wstring& Type);

@@ -3,8 +3,6 @@
 #include "reader/HexText.h"
 
 #include <algorithm>
-#include <charconv>
-#include <limits>
 #include <string>
 #include <utility>
 
@@ -155,8 +153,8 @@ int64_t ReadWholeNumber(std::wstring_view Text)
 
 std::wstring DecimalText(int32_t Number)
 {
-    char digits[std::numeric_limits<int32_t>::digits10 + 2]; // one digit more than always fits, and a minus
-    return {digits, std::to_chars(digits, std::end(digits), Number).ptr};
+    const std::string digits = std::to_string(Number); // std::to_wstring would bring the printf family
+    return {digits.begin(), digits.end()};
 }
 
 } // namespace acg

@@ -37,8 +37,7 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
     ResetLastError();
     m_colValueBlocks.emplace();
     if (Handle != m_lHandleNumber) {
-        SetLastError(CannotOpenLink, L"OpenEncoder", L"OpenComm");
-        return sceError;
+        return Fail(CannotOpenLink, L"OpenEncoder", L"OpenComm");
     }
 
     CommSettings settings{.BaudRate = m_lBaudRate, .Protocol = AsciiProtocol};
@@ -47,8 +46,7 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
         failure = CannotOpenLink;
     }
     if (failure) {
-        SetLastError(failure, L"OpenEncoder", L"OpenComm");
-        return sceError;
+        return Fail(failure, L"OpenEncoder", L"OpenComm");
     }
     try {
         if (OpenFirstReader() == sceError) {
@@ -68,48 +66,41 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
 
 sceReturnCode Encoder::OpenFirstReader()
 {
-    const auto fail = [this](const Failure& failure, std::wstring_view function) {
-        SetLastError(failure, L"OpenEncoder", function);
-        return sceError;
-    };
+    constexpr std::wstring_view OperationName = L"OpenEncoder";
+
     if (const Failure failure = m_oReaderDLL.SetCommTimeout(m_hComm, m_lTimeout)) {
-        return fail(failure, L"SetCommTimeout");
+        return Fail(failure, OperationName, L"SetCommTimeout");
     }
     if (const Failure failure = m_oReaderDLL.SetCommProtocol(m_hComm, AsciiProtocol)) {
-        return fail(failure, L"SetCommProtocol");
+        return Fail(failure, OperationName, L"SetCommProtocol");
     }
     std::string readers;
     if (const Failure failure = m_oReaderDLL.DetectReader(m_hComm, readers)) {
-        return fail(failure, L"DetectReader");
+        return Fail(failure, OperationName, L"DetectReader");
     }
     if (readers.empty()) {
-        return fail(NoEncoderFound, L"DetectReader");
+        return Fail(NoEncoderFound, OperationName, L"DetectReader");
     }
     const auto first = static_cast<uint8_t>(readers.front());
     if (const Failure failure = m_oReaderDLL.OpenReader(m_hComm, first, m_hReader)) {
-        return fail(failure, L"OpenReader");
+        return Fail(failure, OperationName, L"OpenReader");
     }
-    return m_hReader != 0 ? sceSuccess : fail(CannotOpenReader, L"OpenReader");
+    return m_hReader != 0 ? sceSuccess : Fail(CannotOpenReader, OperationName, L"OpenReader");
 }
 
 sceReturnCode Encoder::CloseEncoder()
 {
-    ResetLastError();
     const auto fail = [this](const Failure& failure, std::wstring_view function) {
-        SetLastError(failure, L"CloseEncoder", function);
         ReleaseDevice();
-        return sceError;
+        return Fail(failure, L"CloseEncoder", function);
     };
-    if (m_hReader != 0) {
-        if (const Failure failure = m_oReaderDLL.CloseReader(m_hReader)) {
-            return fail(failure, L"CloseReader");
-        }
+    ResetLastError();
+    if (const Failure failure = m_hReader != 0 ? m_oReaderDLL.CloseReader(m_hReader) : Failure()) {
+        return fail(failure, L"CloseReader");
     }
     m_hReader = 0;
-    if (m_hComm != 0) {
-        if (const Failure failure = m_oReaderDLL.CloseComm(m_hComm)) {
-            return fail(failure, L"CloseComm");
-        }
+    if (const Failure failure = m_hComm != 0 ? m_oReaderDLL.CloseComm(m_hComm) : Failure()) {
+        return fail(failure, L"CloseComm");
     }
     m_hComm = 0;
     m_colValueBlocks.reset();

@@ -9,7 +9,8 @@ namespace acg
 {
 
 /// Called with each form that is shown, on the thread that shows it. It picks, edits, presses and lets the
-/// timer tick; a form that it leaves open is closed by its close box. With no player no form can be shown.
+/// timer tick; a form that it leaves open is closed when the player returns. With no player no form can be
+/// shown.
 [[nodiscard]] std::function<void(Form&)>& HeadlessPlayer();
 
 } // namespace acg

@@ -34,8 +34,4 @@ private:
     std::atomic<void*> m_handle = nullptr;
 };
 
-/// The system's error code of the call that has just been made on this thread: GetLastError on Windows,
-/// errno elsewhere.
-[[nodiscard]] int32_t LastSystemError();
-
 } // namespace acg

@@ -79,9 +79,4 @@ EntryPoint Library::Find(const char* Function)
     return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
 }
 
-int32_t LastSystemError()
-{
-    return errno;
-}
-
 } // namespace acg

@@ -54,20 +54,15 @@ EntryPoint Library::Find(const char* Function)
     if (handle == nullptr) {
         handle = Load(std::wstring(m_name, m_name + std::strlen(m_name)) + L".dll");
         if (handle == nullptr) {
-            return {.SystemError = LastSystemError()};
+            return {.SystemError = static_cast<int32_t>(GetLastError())};
         }
         m_handle = handle;
     }
     const FARPROC address = GetProcAddress(static_cast<HMODULE>(handle), Function);
     if (address == nullptr) {
-        return {.LibraryLoaded = true, .SystemError = LastSystemError()};
+        return {.LibraryLoaded = true, .SystemError = static_cast<int32_t>(GetLastError())};
     }
     return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
-}
-
-int32_t LastSystemError()
-{
-    return static_cast<int32_t>(GetLastError());
 }
 
 } // namespace acg

@@ -21,26 +21,30 @@ locale_t Neutral()
     return locale;
 }
 
-} // namespace
+template <auto OfAscii, auto OfAny>
+void Change(std::wstring& text)
+{
+    for (wchar_t& character : text) {
+        if (character < FirstBeyondAscii) { // without the system, which takes its time for each character
+            character = OfAscii(character);
+            continue;
+        }
+        // As on Windows no letter becomes one of ASCII: a capital I with a dot doesn't make a keyword.
+        const auto changed = static_cast<wchar_t>(OfAny(static_cast<wint_t>(character), Neutral()));
+        character = changed < FirstBeyondAscii ? character : changed;
+    }
+}
 
-// ASCII goes without the system, which takes its time for each character.
+} // namespace
 
 void MakeUpper(std::wstring& Text)
 {
-    for (wchar_t& character : Text) {
-        character = character < FirstBeyondAscii
-                        ? AsciiToUpper(character)
-                        : static_cast<wchar_t>(towupper_l(static_cast<wint_t>(character), Neutral()));
-    }
+    Change<AsciiToUpper, towupper_l>(Text);
 }
 
 void MakeLower(std::wstring& Text)
 {
-    for (wchar_t& character : Text) {
-        character = character < FirstBeyondAscii
-                        ? AsciiToLower(character)
-                        : static_cast<wchar_t>(towlower_l(static_cast<wint_t>(character), Neutral()));
-    }
+    Change<AsciiToLower, towlower_l>(Text);
 }
 
 } // namespace acg

@@ -1,12 +1,16 @@
 #include "reader/ReaderDLL.h"
 
 #include "platform/Secret.h"
-#include "reader/ReaderCall.h"
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <utility>
+
+#ifdef _WIN32
+#define ACG_READER_CALL __stdcall
+#else
+#define ACG_READER_CALL
+#endif
 
 namespace acg
 {
@@ -25,10 +29,9 @@ struct FunctionTexts {
     const wchar_t* NotFound;
 };
 
-#define ACG_FUNCTION(name)                                                                                   \
-    {                                                                                                        \
-#name, L"Can't find entry point " #name " in " ACG_LIBRARY                                           \
-    }
+// clang-format off
+#define ACG_FUNCTION(name) { #name, L"Can't find entry point " #name " in " ACG_LIBRARY }
+// clang-format on
 
 /// In the order of ReaderFunction.
 constexpr FunctionTexts Functions[] = {
@@ -40,17 +43,12 @@ constexpr FunctionTexts Functions[] = {
 };
 static_assert(std::size(Functions) == ReaderFunctionCount);
 
-const FunctionTexts& TextsOf(ReaderFunction function)
-{
-    return Functions[static_cast<size_t>(function)];
-}
-
 Failure CallFailure(ReaderFunction function, const EntryPoint& missing)
 {
     if (!missing.LibraryLoaded) {
         return {FileNotFound, L"File not found: " ACG_LIBRARY, missing.SystemError};
     }
-    return {EntryPointNotFound, TextsOf(function).NotFound, missing.SystemError};
+    return {EntryPointNotFound, Functions[static_cast<size_t>(function)].NotFound, missing.SystemError};
 }
 
 /// The library's own look-up. What it found it keeps: a library that is loaded stays.
@@ -76,7 +74,7 @@ using Buffer = std::array<char, Characters + 1>;
 
 const char* Name(ReaderFunction Function)
 {
-    return TextsOf(Function).Name;
+    return Functions[static_cast<size_t>(Function)].Name;
 }
 
 ReaderDLL::ReaderDLL() : ReaderDLL(FindInLibrary) {}

@@ -52,8 +52,8 @@ using EntryPointLookUp = std::function<EntryPoint(ReaderFunction)>;
 /// The thirteen functions, bound by name at run time.
 ///
 /// Each operation gives back the failure of the call as a call: 53 where the library can't be loaded, 453
-/// where it lacks the function. Then no result is assigned. What the reader itself answered stands in the
-/// result.
+/// where it lacks the function. Then no result is assigned, and a reply is empty. What the reader itself
+/// answered stands in the result.
 class ReaderDLL
 {
 public:

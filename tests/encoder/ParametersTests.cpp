@@ -22,7 +22,7 @@ TEST_F(EncoderTest, EachParameterTextSetsWhatItNamesAndNothingElse)
         {L"device = com2", Lines(L" com2", L"1", L"9600", L"2200")},
         {L"Device=COM2,card=4k,uid=1=2 ", Lines(L"COM2,card=4k,uid=1=2 ", L"1", L"9600", L"2200")},
         {L" BAUD RATE =19200", Lines(L"com1", L"1", L"19200", L"2200")},
-        {L"baudrate=19200;\tTimeout=1;x;=5", defaults},
+        {L"DEV\u0130CE=x;baudrate=19200;\tTimeout=1;x;=5", defaults},
         {L"Device=com2;x\r\nTimeout=100", Lines(L"com2;x", L"1", L"9600", L"100")},
         {L"Device=a\nTimeout=100", Lines(L"a\nTimeout=100", L"1", L"9600", L"2200")},
         {L"Timeout;Device", Lines(L"", L"1", L"9600", L"0")},
