@@ -49,26 +49,25 @@ void Measure(_Encoder& encoder, int commands, const wchar_t* name, const BySlot&
         std::puts("an operation failed");
         std::exit(EXIT_FAILURE);
     }
-    const Member& member = Find<_Encoder>(name, arguments.size());
-    Call named(Way::ByName, encoder, member, arguments);
-    const double byName = TimeOf([&] { return named.Run(); });
-    Call script(Way::AsScript, encoder, member, arguments);
+    Call named(Way::ByName, encoder, name, arguments);
+    const double byName = TimeOf([&] { return named.Repeat(); });
+    Call script(Way::AsScript, encoder, name, arguments);
     for (size_t at = 0; at < arguments.size(); ++at) { // a variable has its type after the first call
         script.Arguments[at] = named.Arguments[at];
     }
-    const double asScript = TimeOf([&] { return script.Run(); });
+    const double asScript = TimeOf([&] { return script.Repeat(); });
     std::printf("%-20ls %8d %11.0f %11.0f %11.0f %11.2f\n", name, commands, bySlot, byName, asScript,
                 byName / bySlot);
 }
 
 void MeasureAll()
 {
-    const ComPtr<_Encoder> made = NewEncoder();
-    if (made.Get() == nullptr) {
+    Ptr<_Encoder> made;
+    if (FAILED(made.CreateInstance(__uuidof(Encoder)))) {
         std::puts("the component isn't registered");
         std::exit(EXIT_FAILURE);
     }
-    _Encoder& encoder = *made.Get();
+    _Encoder& encoder = *made;
     encoder.ReOpenEncoder();
     const _bstr_t key(FactoryKey);
     const _bstr_t contents(L"00112233445566778899AABBCCDDEEFF");
