@@ -15,6 +15,7 @@ namespace client
 namespace
 {
 
+constexpr const wchar_t* FactoryKey = L"FFFFFFFFFFFF";
 constexpr int Calls = 20000;
 constexpr int Rounds = 9;
 

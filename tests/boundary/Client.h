@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <comdef.h>
-#include <ocidl.h>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,9 +16,6 @@ namespace client
 template <class Interface>
 using Ptr = _com_ptr_t<_com_IIID_getter<Interface, __mingw_uuidof<Interface>>>;
 
-constexpr const wchar_t* FactoryKey = L"FFFFFFFFFFFF";
-
-/// Of the value that a reference refers to.
 inline VARTYPE Plain(VARTYPE type)
 {
     return static_cast<VARTYPE>(type & ~VT_BYREF);
@@ -96,17 +92,15 @@ struct Call {
     {
         for (size_t at = 0; at < Called.Types.size(); ++at) {
             const VARTYPE type = Called.Types[at];
-            if (at >= Called.Inputs) {
-                Passed.push_back(ReferenceTo(type, &V_BYREF(&Value)));
-            } else if (at >= Arguments.size()) {
-                Passed.push_back(ReferenceTo(VT_VARIANT, nullptr));
-            } else if (way == Way::AsScript || Plain(type) == VT_VARIANT) {
-                Passed.push_back(ReferenceTo(VT_VARIANT, &Arguments[at]));
-            } else {
+            const bool isGiven = at < Arguments.size();
+            const bool asVariant = way == Way::AsScript || Plain(type) == VT_VARIANT;
+            if (isGiven && !asVariant) {
                 Arguments[at].ChangeType(Plain(type));
-                Passed.push_back((type & VT_BYREF) != 0 ? ReferenceTo(type, &V_BYREF(&Arguments[at]))
-                                                        : VARIANTARG(Arguments[at]));
             }
+            Passed.push_back(at >= Called.Inputs ? ReferenceTo(type, &V_BYREF(&Value))
+                             : asVariant         ? ReferenceTo(VT_VARIANT, isGiven ? &Arguments[at] : nullptr)
+                             : (type & VT_BYREF) != 0 ? ReferenceTo(type, &V_BYREF(&Arguments[at]))
+                                                      : VARIANTARG(Arguments[at]));
         }
         if (way != Way::BySlot) {
             Passed.resize(Arguments.size());
@@ -163,13 +157,6 @@ inline std::wstring TextOf(_variant_t value)
 {
     value.ChangeType(VT_BSTR);
     return {V_BSTR(&value), SysStringLen(V_BSTR(&value))};
-}
-
-inline Ptr<_CError> RecordOf(_Encoder& encoder)
-{
-    Ptr<_CError> record;
-    encoder.get_LastError(&record);
-    return record;
 }
 
 } // namespace client

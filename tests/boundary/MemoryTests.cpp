@@ -1,23 +1,17 @@
-// The component's objects without memory, linked into this program: each allocation of each member fails in
-// turn.
+// The component's objects, linked into this program: what they do without memory, and leave in it.
 #include "boundary/AutomationEncoder.h"
 #include "tests/boundary/Client.h"
 
 #include <new>
 #include <stdexcept>
 
-namespace client
-{
-
 constexpr wchar_t OwnKey[] = L"5EC12E7AB1E5"; // nothing else in this program reads like it
 int FailAt = 0;                               ///< which allocation from here on fails, once; 0 for none
 int FreedWithKey = 0;
 
-} // namespace client
-
 void* operator new(size_t size)
 {
-    if (client::FailAt > 0 && --client::FailAt == 0) {
+    if (FailAt > 0 && --FailAt == 0) {
         throw std::bad_alloc();
     }
     return std::calloc(1, size);
@@ -28,7 +22,7 @@ void operator delete(void* block) noexcept
 {
     const size_t bytes = block == nullptr ? 0 : _msize(block);
     const std::wstring_view contents(static_cast<wchar_t*>(block), bytes / sizeof(wchar_t));
-    client::FreedWithKey += contents.find(client::OwnKey + 1, 0, 6) == std::wstring_view::npos ? 0 : 1;
+    FreedWithKey += contents.find(OwnKey + 1, 0, 6) == std::wstring_view::npos ? 0 : 1;
     std::free(block);
 }
 
@@ -56,10 +50,19 @@ TEST(MemoryTest, EachFailedAllocationIsAResultAndNoKeyIsLeft)
                 << testing::PrintToString(member.Name);
         }
     }
-    encoder->ReOpenEncoder();
-    EXPECT_EQ(LONG{Call(Way::BySlot, *encoder, L"ReadSerialNumber", {L""}).Value}, sceSuccess);
     EXPECT_EQ(FreedWithKey, 0);
+}
+
+TEST(ResultsTest, OnlyARaisedFailureLeavesErrorInformation)
+{
+    const auto raise = []() -> HRESULT { throw acg::RaisedFailure{453, L"no entry point", L""}; };
+    Ptr<IErrorInfo> info;
+    EXPECT_EQ(acg::Guarded(raise), HRESULT(0x800A01C5));
+    EXPECT_EQ(acg::Guarded([] { return E_POINTER; }), E_POINTER);
+    EXPECT_EQ(GetErrorInfo(0, &info), S_FALSE);
+    acg::Guarded(raise);
     EXPECT_EQ(acg::Guarded([]() -> HRESULT { throw std::length_error("too long"); }), E_UNEXPECTED);
+    EXPECT_EQ(GetErrorInfo(0, &info), S_FALSE);
 }
 
 } // namespace client
