@@ -1,4 +1,4 @@
-// What the tests of the dialogs have in common: an encoder on a scripted reader, and somebody who plays.
+// What a person does in a dialog that is played without a window.
 #pragma once
 
 #include "dialogs/frmConfigure.h"
@@ -14,28 +14,12 @@ namespace acg
 /// The control with that name. There must be one.
 inline Control& Named(Form& form, std::string_view name)
 {
-    const auto isNamed = [name](const Control& control) { return control.Look.Name == name; };
-    return *std::ranges::find_if(form.Controls(), isNamed);
+    return *std::ranges::find(form.Controls(), name,
+                              [](const Control& control) { return control.Look.Name; });
 }
 inline void Press(Form& form, const char* button)
 {
     Named(form, button).Press();
 }
-
-class DialogTest : public EncoderTest
-{
-protected:
-    /// Both objects outlive a test as they outlive a dialog.
-    DialogTest() { frmConfigure::OfThread() = {}, frmTest::OfThread() = {}; }
-    ~DialogTest() override { HeadlessPlayer() = nullptr; }
-
-    using Player = std::function<void(Form&)>;
-    /// Shows the configuration dialog to a player, and the test dialog to another.
-    sceReturnCode Configure(const Player& play, const Player& playTest, const std::wstring& language)
-    {
-        HeadlessPlayer() = [&](Form& form) { (form.OnTimer ? playTest : play)(form); };
-        return encoder.Configure(language);
-    }
-};
 
 } // namespace acg

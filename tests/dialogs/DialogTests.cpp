@@ -1,0 +1,180 @@
+// The dialogs, played without a window.
+#include "platform/AnsiText.h"
+#include "tests/dialogs/DialogTest.h"
+
+#include <regex>
+
+namespace acg
+{
+
+namespace
+{
+
+/// What a form and its controls show. "-" is what is disabled, "*" what has the colour of menus.
+std::wstring Texts(Form& form)
+{
+    std::wstring texts = form.Caption + L'|';
+    for (const Control& control : form.Controls()) {
+        texts += control.IsEnabled() ? L"" : L"-";
+        texts += control.Background().From == Colour::Source::Menu ? L"*" : L"";
+        for (const std::wstring& line : control.Lines()) {
+            texts += line + L',';
+        }
+        texts += (control.Lines().empty() ? control.Text() : L"") + L'|';
+    }
+    return std::regex_replace(texts, std::wregex(L"\r\n"), L"|");
+}
+
+class DialogTest : public EncoderTest
+{
+protected:
+    /// Both objects outlive a test as they outlive a dialog.
+    DialogTest() { frmConfigure::OfThread() = {}, frmTest::OfThread() = {}; }
+    ~DialogTest() override { HeadlessPlayer() = nullptr; }
+
+    /// Puts texts into fields, picks lines by number and presses buttons, in the end the close box.
+    sceReturnCode Configure(const wchar_t* language, const std::wstring& actions)
+    {
+        reader.Forget();
+        HeadlessPlayer() = [&](Form& form) {
+            encoder.Configure(L"another"); // nothing happens while a dialog is open
+            form.OnTimer ? Test(form) : Act(form, actions);
+            form.PressCloseBox();
+        };
+        return encoder.Configure(language);
+    }
+    void Act(Form& form, const std::wstring& actions)
+    {
+        shown = Texts(form);
+        const auto accepts = Named(form, "txtTimeout").AcceptsTyped;
+        EXPECT_TRUE(accepts(8) && accepts(L'0') && accepts(L'9') && !accepts(L'/') && !accepts(L':'));
+        std::wistringstream stream(actions);
+        for (std::wstring name, text; std::getline(std::getline(stream, name, L'='), text, L';');) {
+            Control& control = Named(form, ToAnsi(name));
+            control.Press();
+            control.Look.Kind == ControlKind::DropDownList ? control.Pick(text[0] - L'0')
+                                                           : control.Edit(text);
+        }
+    }
+    void Test(Form& form)
+    {
+        EXPECT_EQ(form.TimerInterval(), 1000);
+        Press(form, "cmdOK"); // it is still disabled
+        form.OnTimer();
+        EXPECT_TRUE(form.IsOpen() && form.HasWorkingCloseBox() && form.TimerInterval() == 0);
+        frmTest::OfThread().Show(reader.DLL()); // nothing happens
+        shown += Texts(form);
+        for (const std::string& call : reader.Calls) {
+            shown += FromAnsi(call) + L'|';
+        }
+        Press(form, "cmdOK");
+        EXPECT_FALSE(form.IsOpen());
+    }
+
+    std::wstring shown; ///< by both dialogs, with the calls of the test
+};
+
+constexpr wchar_t English[] =
+    L"ACG Encoder Configuration|Communication|&Communication port:|COM1,COM2,COM3,COM4,|&Automatic "
+    L"detection:|Disabled,Normal detection,Fast detection,|&Speed (bauds):|9600,19200,38400,57600,115200,|"
+    L"&Protocol:|ASCII,Binary,|Ti&meout (ms):|2200|OK|Default values|&Test settings...|Cancel|ACG Encoder "
+    L"Test|Starting the test.|Opening communication port COM1, no autodetect. Baud rate: 9600, ASCII "
+    L"protocol...|Communication port open. Baud rate: 57600, binary protocol, timeout: 1234 ms|Detecting "
+    L"encoders...|3 encoder(s) found. Encoder ID to test: 65|Opening the communication with encoder...|"
+    L"Encoder DeviceID: ID 7|Encoder type: MultiISO 2.5|Closing communication with the encoder...|Closing "
+    L"the communication port...||<< Successful test >>||OK|";
+constexpr wchar_t French[] =
+    L"Configuration de l'encodeur ACG|Communication|&Port de communication :|COM1,COM2,COM3,COM4,|&Détection "
+    L"automatique :|Désactivée,Normale,Rapide,|&Vitesse en bauds :|9600,19200,38400,57600,115200,|P&rotocole "
+    L":|ASCII,Binaire,|Ti&meout (ms) :|2200|OK|Valeurs d'usine|&Test encodeur...|Annuler|Test de l'encodeur "
+    L"ACG|Début du test.|Ouverture du port de communication COM1, pas d'auto-détection. Vitesse : 9600 bauds,"
+    L" protocole ASCII...|Ouvert. Vitesse : 57600 bauds, protocole binaire, timeout : 1234 ms|Détection des "
+    L"encodeurs...|3 encodeur(s) trouvé(s). ID de l'encodeur testé : 65|Ouverture de communication avec "
+    L"l'encodeur...|DeviceID de l'encodeur : ID 7|Type de l'encodeur : MultiISO 2.5|Fermeture de la "
+    L"communication avec l'encodeur...|Fermeture du port de communication...||<< Test réussi >>||OK|";
+constexpr wchar_t Calls[] =
+    L"OpenComm COM1 0 9600 0|SetCommTimeout 17 2200|GetCommProtocol 17|GetCommBaudRate 17|GetCommTimeout 17|"
+    L"DetectReader 17|OpenReader 17 65 0|GetDeviceID 34|GetReaderType 34|CloseReader 34|CloseComm 17|";
+
+TEST_F(DialogTest, ShowsTextsInBothLanguagesAndOnlyOKStoresWhatCanBeRead)
+{
+    // Language, parameters, and what is done; what is shown and called then, and the result with the
+    // settings.
+    const wchar_t* const rows[][6] = {
+        {L"", L"", L"", L"|-&Speed (bauds):|-*9600,19200,38400,57600,115200,|-&Protocol:|-*ASCII,Binary,|",
+         L"", L"1|com1|1|9600|2200"},
+        {L"français", L"Autodetect=0", L"cmdTest=;", English, Calls, L"1|com1|0|9600|2200"},
+        {L" francais", L"", L"cmdTest=;cmdOK=;", English, Calls, L"0|COM1|0|9600|2200"},
+        {L"FrAnCaIs", L"", L"cmdTest=;cmdCancel=;", French, Calls, L"1|COM1|0|9600|2200"},
+        {L"", L"Device=%2%2;Autodetect=1;Baud rate=4800", L"txtTimeout=2147483648;cmdTest=;cmdOK=;",
+         L" normal autodetectionnormal autodetection, normal autodetection...|",
+         L"|OpenComm %2%2 1 9600 0|SetCommTimeout 17 2200|", L"0|%2%2|1|9600|2200"},
+        {L"francais", L"Device=CoM4;Autodetect=2;Baud rate=115200",
+         L"cboBaudrate=3;txtTimeout=;cmdTest=;cmdOK=;", L" COM4, auto-détection rapide...|",
+         L"|OpenComm COM4 2 115200 0|", L"0|COM4|2|115200|2200"},
+        {L"", L"",
+         L"cboDevice= port ;cboAutoDetect=0;cboBaudrate=3;cboProtocol=1;txtTimeout=0500;cmdTest=;cmdCancel=;",
+         L"  port , no autodetect. Baud rate: 57600, binary protocol...|",
+         L"|OpenComm  port  0 57600 1|SetCommTimeout 17 500|", L"1|COM4|2|115200|2200"},
+        {L"", L"Autodetect=0", L"cboProtocol=1;txtTimeout=12a;cmdOK=;", L"", L"", L"0|COM4|0|115200|2200"},
+        {L"", L"Device=;Autodetect=2", L"txtTimeout=-12;cmdTest=;", L" , fast autodetection...|",
+         L"|OpenComm  2 115200 1|SetCommTimeout 17 -12|", L"0||2|115200|2200"},
+        {L"", L"Autodetect=3", L"cmdTest=;txtTimeout=-12;cmdOK=;", L"",
+         L"|OpenComm  2 115200 1|SetCommTimeout 17 2200|", L"0||3|115200|-12"},
+        {L"francais", L"", L"cmdDefault=;cmdTest=;cmdOK=;", L" COM1, auto-détection normale...|",
+         L"|OpenComm COM1 1 9600 0|SetCommTimeout 17 2200|", L"0|COM1|1|9600|2200"}};
+    reader.Readers = std::string("ABC\0D", 5);
+    for (const auto& [language, parameters, actions, text, calls, stored] : rows) {
+        encoder.Parameters(parameters);
+        const sceReturnCode result = Configure(language, actions);
+        EXPECT_EQ(Last(), Clean(L"Configure"));
+        EXPECT_NE(shown.find(text), std::wstring::npos) << testing::PrintToString(shown);
+        EXPECT_NE(shown.find(calls), std::wstring::npos) << testing::PrintToString(shown);
+        const std::wstring settings = encoder.Parameters();
+        EXPECT_EQ(std::to_wstring(result) + std::regex_replace(settings.substr(settings.find(L"\r\nDevice")),
+                                                               std::wregex(L"\r\n[A-Z][a-z ]+="), L"|"),
+                  stored);
+    }
+    HeadlessPlayer() = nullptr; // it can't be shown then, and the last button decides
+    EXPECT_EQ(encoder.Configure(L""), sceSuccess);
+}
+
+TEST_F(DialogTest, EachExitOfTheTestClosesWhatIsOpenAndEndsInTheLog)
+{
+    const auto expect = [this](const wchar_t* language, const std::wstring& end, size_t calls) {
+        Configure(language, L"cmdTest=;");
+        EXPECT_NE(shown.find(end + L"|OK|"), std::wstring::npos) << testing::PrintToString(shown);
+        EXPECT_EQ(reader.Calls.size(), calls) << testing::PrintToString(end);
+    };
+    using enum ReaderFunction;
+    for (const auto& [function, calls] : {std::pair(OpenComm, 0U),
+                                          {SetCommTimeout, 2},
+                                          {GetCommProtocol, 3},
+                                          {GetCommBaudRate, 4},
+                                          {GetCommTimeout, 5},
+                                          {DetectReader, 6},
+                                          {OpenReader, 7},
+                                          {GetReaderType, 10}}) {
+        reader.Missing = {function};
+        const std::wstring why = L"Can't find entry point " + FromAnsi(Name(function)) + L" in ACGReader330";
+        expect(L"english", L"|Error 453: " + why, calls);
+        expect(L"francais", L"|Erreur 453 : " + why, calls);
+    }
+    reader.Readers = std::string(300, '\xFE');
+    reader.Missing = {GetDeviceID, CloseReader};
+    expect(L"english", L"<< Successful test >>|", 9);
+    EXPECT_NE(shown.find(L"|255 encoder(s) found. Encoder ID to test: 254|"), std::wstring::npos);
+    EXPECT_NE(shown.find(L"|Encoder DeviceID: |"), std::wstring::npos);
+    reader.Reader = 0;
+    expect(L"english", L"|Unable to access to the encoder.||<< Test failed >>|", 8);
+    expect(L"francais", L"|Impossible d'accéder à l'encodeur.||<< Echec du test >>|", 8);
+    reader.Readers = std::string("\0A", 2);
+    expect(L"english", L"|No encoder found.||<< Test failed >>|", 7);
+    expect(L"francais", L"|Aucun encodeur trouvé.||<< Echec du test >>|", 7);
+    reader.Comm = 0;
+    expect(L"english", L"|Failed to open the communication port.||<< Test failed >>|", 1);
+    expect(L"francais", L"|Impossible d'ouvrir le port de communications.||<< Echec du test >>|", 1);
+}
+
+} // namespace
+} // namespace acg
