@@ -28,8 +28,6 @@ std::wstring Texts(Form& form)
 class DialogTest : public EncoderTest
 {
 protected:
-    /// Both objects outlive a test as they outlive a dialog.
-    DialogTest() { frmConfigure::OfThread() = {}, frmTest::OfThread() = {}; }
     ~DialogTest() override { HeadlessPlayer() = nullptr; }
 
     /// Puts texts into fields, picks lines by number and presses buttons, in the end the close box.
@@ -38,37 +36,28 @@ protected:
         reader.Forget();
         HeadlessPlayer() = [&](Form& form) {
             encoder.Configure(L"another"); // nothing happens while a dialog is open
-            form.OnTimer ? Test(form) : Act(form, actions);
+            if (form.OnTimer) {
+                EXPECT_EQ(form.TimerInterval(), 1000);
+                Press(form, "cmdOK"); // it is still disabled
+                form.OnTimer();
+                EXPECT_TRUE(form.IsOpen() && form.HasWorkingCloseBox() && form.TimerInterval() == 0);
+                shown += Texts(form);
+                for (const std::string& call : reader.Calls) {
+                    shown += FromAnsi(call) + L'|';
+                }
+                return Press(form, "cmdOK");
+            }
+            shown = Texts(form);
+            std::wistringstream stream(actions);
+            for (std::wstring name, text; std::getline(std::getline(stream, name, L'='), text, L';');) {
+                Control& control = Named(form, ToAnsi(name));
+                control.Press();
+                const bool isList = control.Look.Kind == ControlKind::DropDownList;
+                isList ? control.Pick(text[0] - L'0') : control.Edit(text);
+            }
             form.PressCloseBox();
         };
         return encoder.Configure(language);
-    }
-    void Act(Form& form, const std::wstring& actions)
-    {
-        shown = Texts(form);
-        const auto accepts = Named(form, "txtTimeout").AcceptsTyped;
-        EXPECT_TRUE(accepts(8) && accepts(L'0') && accepts(L'9') && !accepts(L'/') && !accepts(L':'));
-        std::wistringstream stream(actions);
-        for (std::wstring name, text; std::getline(std::getline(stream, name, L'='), text, L';');) {
-            Control& control = Named(form, ToAnsi(name));
-            control.Press();
-            control.Look.Kind == ControlKind::DropDownList ? control.Pick(text[0] - L'0')
-                                                           : control.Edit(text);
-        }
-    }
-    void Test(Form& form)
-    {
-        EXPECT_EQ(form.TimerInterval(), 1000);
-        Press(form, "cmdOK"); // it is still disabled
-        form.OnTimer();
-        EXPECT_TRUE(form.IsOpen() && form.HasWorkingCloseBox() && form.TimerInterval() == 0);
-        frmTest::OfThread().Show(reader.DLL()); // nothing happens
-        shown += Texts(form);
-        for (const std::string& call : reader.Calls) {
-            shown += FromAnsi(call) + L'|';
-        }
-        Press(form, "cmdOK");
-        EXPECT_FALSE(form.IsOpen());
     }
 
     std::wstring shown; ///< by both dialogs, with the calls of the test
@@ -98,42 +87,38 @@ constexpr wchar_t Calls[] =
 
 TEST_F(DialogTest, ShowsTextsInBothLanguagesAndOnlyOKStoresWhatCanBeRead)
 {
-    // Language, parameters, and what is done; what is shown and called then, and the result with the
-    // settings.
+    // Language, parameters, and what is done; texts and calls that come of it, the result and the settings.
     const wchar_t* const rows[][6] = {
         {L"", L"", L"", L"|-&Speed (bauds):|-*9600,19200,38400,57600,115200,|-&Protocol:|-*ASCII,Binary,|",
          L"", L"1|com1|1|9600|2200"},
-        {L"français", L"Autodetect=0", L"cmdTest=;", English, Calls, L"1|com1|0|9600|2200"},
-        {L" francais", L"", L"cmdTest=;cmdOK=;", English, Calls, L"0|COM1|0|9600|2200"},
-        {L"FrAnCaIs", L"", L"cmdTest=;cmdCancel=;", French, Calls, L"1|COM1|0|9600|2200"},
+        {L"FrAnCaIs", L"Autodetect=0", L"cmdTest=;", French, Calls, L"1|com1|0|9600|2200"},
+        {L"français", L"", L"cmdTest=;cboProtocol=1;txtTimeout=12a;cmdOK=;", English, Calls,
+         L"0|COM1|0|9600|2200"},
         {L"", L"Device=%2%2;Autodetect=1;Baud rate=4800", L"txtTimeout=2147483648;cmdTest=;cmdOK=;",
          L" normal autodetectionnormal autodetection, normal autodetection...|",
-         L"|OpenComm %2%2 1 9600 0|SetCommTimeout 17 2200|", L"0|%2%2|1|9600|2200"},
+         L"|OpenComm %2%2 1 9600 1|SetCommTimeout 17 2200|", L"0|%2%2|1|9600|2200"},
         {L"francais", L"Device=CoM4;Autodetect=2;Baud rate=115200",
          L"cboBaudrate=3;txtTimeout=;cmdTest=;cmdOK=;", L" COM4, auto-détection rapide...|",
-         L"|OpenComm COM4 2 115200 0|", L"0|COM4|2|115200|2200"},
-        {L"", L"",
-         L"cboDevice= port ;cboAutoDetect=0;cboBaudrate=3;cboProtocol=1;txtTimeout=0500;cmdTest=;cmdCancel=;",
+         L"|OpenComm COM4 2 115200 1|", L"0|COM4|2|115200|2200"},
+        {L"", L"", L"cboDevice= port ;cboAutoDetect=0;cboBaudrate=3;txtTimeout=0500;cmdTest=;cmdOK=;",
          L"  port , no autodetect. Baud rate: 57600, binary protocol...|",
-         L"|OpenComm  port  0 57600 1|SetCommTimeout 17 500|", L"1|COM4|2|115200|2200"},
-        {L"", L"Autodetect=0", L"cboProtocol=1;txtTimeout=12a;cmdOK=;", L"", L"", L"0|COM4|0|115200|2200"},
+         L"|OpenComm  port  0 57600 1|SetCommTimeout 17 500|", L"0| port |0|57600|500"},
         {L"", L"Device=;Autodetect=2", L"txtTimeout=-12;cmdTest=;", L" , fast autodetection...|",
-         L"|OpenComm  2 115200 1|SetCommTimeout 17 -12|", L"0||2|115200|2200"},
+         L"|OpenComm  2 57600 1|SetCommTimeout 17 -12|", L"0||2|57600|500"},
         {L"", L"Autodetect=3", L"cmdTest=;txtTimeout=-12;cmdOK=;", L"",
-         L"|OpenComm  2 115200 1|SetCommTimeout 17 2200|", L"0||3|115200|-12"},
+         L"|OpenComm  2 57600 1|SetCommTimeout 17 500|", L"0||3|57600|-12"},
         {L"francais", L"", L"cmdDefault=;cmdTest=;cmdOK=;", L" COM1, auto-détection normale...|",
          L"|OpenComm COM1 1 9600 0|SetCommTimeout 17 2200|", L"0|COM1|1|9600|2200"}};
+    frmConfigure::OfThread() = {}; // it outlives a test
     reader.Readers = std::string("ABC\0D", 5);
     for (const auto& [language, parameters, actions, text, calls, stored] : rows) {
         encoder.Parameters(parameters);
-        const sceReturnCode result = Configure(language, actions);
+        const std::wstring result = std::to_wstring(Configure(language, actions));
         EXPECT_EQ(Last(), Clean(L"Configure"));
         EXPECT_NE(shown.find(text), std::wstring::npos) << testing::PrintToString(shown);
         EXPECT_NE(shown.find(calls), std::wstring::npos) << testing::PrintToString(shown);
-        const std::wstring settings = encoder.Parameters();
-        EXPECT_EQ(std::to_wstring(result) + std::regex_replace(settings.substr(settings.find(L"\r\nDevice")),
-                                                               std::wregex(L"\r\n[A-Z][a-z ]+="), L"|"),
-                  stored);
+        const std::wregex names(L"(.*\r\n)*Device=|\r\n[A-Z][a-z ]+=");
+        EXPECT_EQ(result + std::regex_replace(encoder.Parameters(), names, L"|"), stored);
     }
     HeadlessPlayer() = nullptr; // it can't be shown then, and the last button decides
     EXPECT_EQ(encoder.Configure(L""), sceSuccess);
@@ -146,22 +131,18 @@ TEST_F(DialogTest, EachExitOfTheTestClosesWhatIsOpenAndEndsInTheLog)
         EXPECT_NE(shown.find(end + L"|OK|"), std::wstring::npos) << testing::PrintToString(shown);
         EXPECT_EQ(reader.Calls.size(), calls) << testing::PrintToString(end);
     };
-    using enum ReaderFunction;
-    for (const auto& [function, calls] : {std::pair(OpenComm, 0U),
-                                          {SetCommTimeout, 2},
-                                          {GetCommProtocol, 3},
-                                          {GetCommBaudRate, 4},
-                                          {GetCommTimeout, 5},
-                                          {DetectReader, 6},
-                                          {OpenReader, 7},
-                                          {GetReaderType, 10}}) {
-        reader.Missing = {function};
-        const std::wstring why = L"Can't find entry point " + FromAnsi(Name(function)) + L" in ACGReader330";
-        expect(L"english", L"|Error 453: " + why, calls);
-        expect(L"francais", L"|Erreur 453 : " + why, calls);
+    const std::pair<int, size_t> failing[] = {{1, 0}, {2, 2}, {3, 3}, {4, 4},
+                                              {5, 5}, {6, 6}, {7, 7}, {9, 10}};
+    for (const auto& [call, calls] : failing) { // the failing one isn't made, the closing ones are
+        reader.Injected = {.FromCall = call, .Times = 1};
+        expect(L"francais", L" in ACGReader330", calls);
+        EXPECT_NE(shown.find(L"|Erreur 453 : Can't find entry point "), std::wstring::npos);
+        expect(L"english", L" in ACGReader330", calls);
+        EXPECT_NE(shown.find(L"|Error 453: Can't find entry point "), std::wstring::npos);
     }
+    reader.Injected = {};
+    reader.Missing = {ReaderFunction::GetDeviceID, ReaderFunction::CloseReader};
     reader.Readers = std::string(300, '\xFE');
-    reader.Missing = {GetDeviceID, CloseReader};
     expect(L"english", L"<< Successful test >>|", 9);
     EXPECT_NE(shown.find(L"|255 encoder(s) found. Encoder ID to test: 254|"), std::wstring::npos);
     EXPECT_NE(shown.find(L"|Encoder DeviceID: |"), std::wstring::npos);

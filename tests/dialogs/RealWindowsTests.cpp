@@ -61,14 +61,21 @@ void AwaitColour(HWND control, int x, COLORREF colour)
     ReleaseDC(control, context);
 }
 
+DWORD WINAPI Act(void* act)
+{
+    const HWND dialog = AwaitFocus(Device);
+    (*static_cast<std::function<void(HWND)>*>(act))(dialog);
+    Await("the dialog to close", [dialog] { return IsWindow(dialog) == FALSE; });
+    return 0;
+}
+
 class RealWindowsTest : public testing::Test
 {
 protected:
     /// Lets a person act on the configuration dialog. sceError stands for an exception.
-    sceReturnCode Configure(const std::function<void(HWND)>& act, const wchar_t* language = L"english")
+    sceReturnCode Configure(std::function<void(HWND)> act, const wchar_t* language = L"english")
     {
-        m_act = act;
-        const HANDLE person = CreateThread(nullptr, 0, &Act, this, 0, nullptr);
+        const HANDLE person = CreateThread(nullptr, 0, &Act, &act, 0, nullptr);
         sceReturnCode result = sceError;
         try {
             result = encoder.Configure(language);
@@ -87,17 +94,6 @@ protected:
                         return simulator.Find(Name(function));
                     }),
                     std::chrono::steady_clock::now};
-
-private:
-    static DWORD WINAPI Act(void* self)
-    {
-        const HWND dialog = AwaitFocus(Device);
-        static_cast<RealWindowsTest*>(self)->m_act(dialog);
-        Await("the dialog to close", [dialog] { return IsWindow(dialog) == FALSE; });
-        return 0;
-    }
-
-    std::function<void(HWND)> m_act;
 };
 
 TEST_F(RealWindowsTest, KeysLeadThroughBothDialogsAndBringTheValuesIntoTheEncoder)
@@ -108,12 +104,6 @@ TEST_F(RealWindowsTest, KeysLeadThroughBothDialogsAndBringTheValuesIntoTheEncode
         {Protocol, 'P', 'R', {'B'}},
         {Timeout, 'M', 'M', {'1', 'A', '2', 'Z', '3', VK_SPACE, VK_OEM_MINUS, VK_BACK}},
         {Device, 'C', 'P', {'L', 'P', 'T', '1'}}};
-    const auto tabThrough = [](std::initializer_list<int> ids) {
-        for (const int id : ids) {
-            AwaitFocus(id);
-            Type({VK_TAB});
-        }
-    };
     for (const bool french : {false, true}) {
         duringCall = [french](ReaderFunction) {
             const HWND test = FindWindowW(nullptr, french ? L"Test de l'encodeur ACG" : L"ACG Encoder Test");
@@ -122,14 +112,16 @@ TEST_F(RealWindowsTest, KeysLeadThroughBothDialogsAndBringTheValuesIntoTheEncode
         };
         const auto act = [&](HWND dialog) {
             AwaitColour(GetDlgItem(dialog, Protocol), 100, GetSysColor(COLOR_MENU));
-            tabThrough({Device, AutoDetect, Timeout, OK, Defaults, TestSettings, Cancel, Device});
+            for (const int id : {Device, AutoDetect, Timeout, OK, Defaults, TestSettings, Cancel}) {
+                AwaitFocus(id);
+                Type({VK_TAB});
+            }
             for (const auto& [id, english, francais, typed] : fields) {
                 Type({VK_MENU, french ? francais : english});
                 AwaitFocus(id);
                 Type(typed);
             }
             AwaitColour(GetDlgItem(dialog, Protocol), 100, GetSysColor(COLOR_WINDOW));
-            tabThrough({Device, AutoDetect, Baudrate, Protocol, Timeout});
             SetWindowPos(dialog, nullptr, 900, 700, 0, 0, SWP_NOSIZE); // in the corner of the screen
             Type({VK_MENU, 'T'});
             const HWND test = AwaitFocus(TestOK); // its end
@@ -190,8 +182,6 @@ TEST_F(RealWindowsTest, FormsAreModalAndARequestToQuitAndAnExceptionCloseThemAnd
         EXPECT_FALSE(IsWindowEnabled(host));
         EXPECT_FALSE(IsWindowVisible(GetWindow(dialog, GW_OWNER))); // keeps it out of the task bar
         RECT area{};
-        GetWindowRect(dialog, &area);
-        EXPECT_NEAR(area.left + area.right, GetSystemMetrics(SM_CXSCREEN), 1);
         GetClientRect(dialog, &area);
         EXPECT_EQ(area.right, 449); // 6735 twips at 96 dpi
         LOGFONTW font{};
