@@ -140,6 +140,9 @@ struct EncoderInside {
     }
 };
 
+std::ostream& operator<<(std::ostream& out, const CError& record);
+
+/// The record of a success.
 [[nodiscard]] CError Clean(std::wstring_view ComFunction);
 /// The record of a function that is missing.
 [[nodiscard]] CError CallFailed(std::wstring_view Function, std::wstring_view ComFunction,

@@ -2,8 +2,7 @@
 // the level reads back as.
 #include "tests/cards/CardTest.h"
 
-namespace acg
-{
+using namespace acg;
 
 namespace
 {
@@ -135,4 +134,3 @@ TEST_F(AccessLevelsTest, SectorOfSixteenBlocksHasFiveBlocksInASlot)
 }
 
 } // namespace
-} // namespace acg

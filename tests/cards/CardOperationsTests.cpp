@@ -4,8 +4,7 @@
 
 #include <climits>
 
-namespace acg
-{
+using namespace acg;
 
 namespace
 {
@@ -206,4 +205,3 @@ TEST_F(CardOperationsTest, TrailerIsWrittenWholeWithWhatTheReaderAnswered)
 }
 
 } // namespace
-} // namespace acg

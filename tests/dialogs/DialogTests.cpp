@@ -4,8 +4,7 @@
 
 #include <regex>
 
-namespace acg
-{
+using namespace acg;
 
 namespace
 {
@@ -146,4 +145,3 @@ TEST_F(DialogTest, EachExitOfTheTestClosesWhatIsOpenAndEndsInTheLog)
 }
 
 } // namespace
-} // namespace acg

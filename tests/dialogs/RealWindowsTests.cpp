@@ -9,8 +9,7 @@
 #include <stdexcept>
 #include <windows.h>
 
-namespace acg
-{
+using namespace acg;
 
 namespace
 {
@@ -185,4 +184,3 @@ TEST_F(RealWindowsTest, FormsAreModalAndAnExceptionOfAHandlerClosesThemAndGoesOn
 }
 
 } // namespace
-} // namespace acg

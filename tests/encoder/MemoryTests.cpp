@@ -55,8 +55,7 @@ void operator delete(void* block, size_t /*size*/) noexcept
     __wrap_free(block);
 }
 
-namespace acg
-{
+using namespace acg;
 
 namespace
 {
@@ -121,4 +120,3 @@ TEST(MemoryTest, EveryAllocationThatFailsReachesTheCaller)
 }
 
 } // namespace
-} // namespace acg

@@ -37,14 +37,7 @@ inline const std::vector<Operation> Operations = {
      [](auto& e, auto&) { return e.ReOpenEncoder(), e.LastError()->Number == 0 ? sceSuccess : sceError; }},
     {"CloseEncoder", [](auto& e, auto&) { return e.CloseEncoder(); }},
     {"EncoderState", [](auto& e, auto&) { return e.EncoderState(); }},
-    {"ReaderType",
-     [](auto& e, auto&) {
-         try {
-             return static_cast<void>(e.ReaderType()), sceSuccess;
-         } catch (const RaisedFailure&) {
-             return sceError;
-         }
-     }},
+    {"ReaderType", [](auto& e, auto&) { return static_cast<void>(e.ReaderType()), sceSuccess; }},
     {"ReadSerialNumber", [](auto& e, auto& h) { return e.ReadSerialNumber(h.Text); },
      [](const auto& h, bool succeeded, auto&&) { return succeeded || h.Text.empty(); }},
     {"ReadDataBloc", [](auto& e, auto& h) { return e.ReadDataBloc(7, FaultKey, KeyTypeB, h.Text); },
@@ -114,7 +107,11 @@ protected:
     int32_t Run(const Operation& operation, HostArguments& host)
     {
         const RunningCode component(/*OfComponent=*/true);
-        return operation.Run(encoder, host);
+        try {
+            return operation.Run(encoder, host);
+        } catch (const RaisedFailure&) {
+            return sceError;
+        }
     }
 
     void ExpectCleanLife()
@@ -131,28 +128,20 @@ protected:
         EXPECT_FALSE(EncoderInside::ValueBlocks(encoder));
     }
 
-    /// All faults of the calls that an operation makes: each once, twice in a row and for ever after. A call
-    /// that returns neither handle nor text can only fail to be made.
+    /// All faults of the calls that an operation makes: each once, twice in a row and for ever after.
     std::vector<ScriptedReader::Fault> FaultsOf(const Operation& operation)
     {
         Prepare(operation);
         HostArguments host;
         Run(operation, host);
         std::vector<ScriptedReader::Fault> faults;
+        const auto status = ScriptedReader::Status;
+        const std::string tooLong = ReadReply + std::string(512, '0'); // longer than the buffer
         for (int call = 1; call <= static_cast<int>(reader.Calls.size()); ++call) {
-            const std::string& called = reader.Calls[static_cast<size_t>(call - 1)];
-            std::vector<std::optional<std::string>> replies = {std::nullopt};
-            if (!called.starts_with("SetComm") && !called.starts_with("Close")) {
-                replies.emplace_back("");
-            }
-            if (called.starts_with("SendCommandGetData")) {
-                replies.emplace_back(ReadReply + std::string(512, '0')); // longer than the buffer
-                for (const char letter : std::string_view("NXFLl")) {
-                    replies.emplace_back(ScriptedReader::Status(letter));
-                }
-            }
-            for (const auto& reply : replies) {
-                for (const int times : {1, 2, ScriptedReader::Always}) {
+            for (const int times : {1, 2, ScriptedReader::Always}) {
+                faults.push_back({call, times, std::nullopt});
+                for (const std::string& reply :
+                     {std::string(), tooLong, status('N'), status('X'), status('F'), status('L')}) {
                     faults.push_back({call, times, reply});
                 }
             }

@@ -6,8 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-namespace acg
-{
+using namespace acg;
 
 namespace
 {
@@ -58,4 +57,3 @@ TEST(LibraryTest, MissingFunctionIsToldFromAMissingLibrary)
 }
 
 } // namespace
-} // namespace acg

@@ -2,8 +2,7 @@
 #include "platform/AnsiText.h"
 #include "tests/ScriptedReader.h"
 
-namespace acg
-{
+using namespace acg;
 
 namespace
 {
@@ -39,4 +38,3 @@ TEST(AnsiTextTest, IsWindows1252WhereNoSystemDecides)
 }
 
 } // namespace
-} // namespace acg

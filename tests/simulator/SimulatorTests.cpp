@@ -9,8 +9,7 @@
 #include <filesystem>
 #include <fstream>
 
-namespace simulator
-{
+using namespace simulator;
 
 namespace
 {
@@ -167,4 +166,3 @@ TEST_F(SimulatorTest, AnswersSessionsStepByStep)
 }
 
 } // namespace
-} // namespace simulator
