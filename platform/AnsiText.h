@@ -43,6 +43,8 @@ public:
         std::swap(m_bytes, Other.m_bytes);
         return *this;
     }
+    ByteString(const ByteString&) = delete;
+    ByteString& operator=(const ByteString&) = delete;
     /// Wipes the bytes, which may hold a key of the card, and frees them.
     ~ByteString();
 

@@ -14,7 +14,7 @@ namespace acg
 class CommandData
 {
 public:
-    CommandData() { m_own[0] = '\0'; }
+    CommandData() = default;
     ~CommandData();
     CommandData(const CommandData&) = delete;
     CommandData& operator=(const CommandData&) = delete;
@@ -33,7 +33,7 @@ private:
     char* Grow(size_t Count);
 
     static constexpr size_t OwnRoom = 64; ///< a block with its number, or a login, and a NUL
-    char m_own[OwnRoom];
+    char m_own[OwnRoom] = {};
     std::unique_ptr<char[]> m_larger;
     char* m_text = m_own;
     size_t m_size = 0;
