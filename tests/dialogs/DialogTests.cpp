@@ -27,7 +27,7 @@ std::wstring Texts(Form& form)
 class DialogTest : public EncoderTest
 {
 protected:
-    ~DialogTest() override { HeadlessPlayer() = nullptr; }
+    void TearDown() override { HeadlessPlayer() = nullptr; }
 
     /// Puts texts into fields, picks lines by number and presses buttons, in the end the close box.
     void Configure(const wchar_t* language, const std::wstring& actions)
@@ -44,7 +44,8 @@ protected:
                 for (const std::string& call : reader.Calls) {
                     shown += FromAnsi(call) + L'/';
                 }
-                return Press(form, "cmdOK");
+                EXPECT_FALSE((Press(form, "cmdOK"), form.IsOpen()));
+                return;
             }
             shown = Texts(form);
             std::wistringstream stream(actions);
