@@ -124,7 +124,8 @@ TEST_F(CardOperationsTest, BadBlocksAndRangesAreRefused)
     for (const auto& [from, to] :
          std::initializer_list<std::pair<uint8_t, uint8_t>>{{3, 2}, {16, 16}, {0, 16}}) {
         std::wstring text = L"ab";
-        ExpectRefused(badRange, [&] { return WriteBytes(from, to)(encoder, text); });
+        const auto write = WriteBytes(from, to);
+        ExpectRefused(badRange, [&] { return write(encoder, text); });
         EXPECT_EQ(text, Block);
     }
     std::wstring text = L"0G";
