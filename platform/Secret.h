@@ -31,7 +31,15 @@ template <class Char>
 struct Secret {
     std::basic_string<Char> Text;
 
+    Secret() = default;
+    explicit Secret(std::basic_string<Char>&& Own)
+    {
+        Text.swap(Own);
+        Wipe(Own);
+    }
     ~Secret() { Wipe(Text); }
+    Secret(const Secret&) = delete;
+    Secret& operator=(const Secret&) = delete;
 };
 
 } // namespace acg
