@@ -53,7 +53,8 @@ using Clock = std::function<std::chrono::steady_clock::time_point()>;
 /// Block and sector numbers aren't tested: what is sent is the low byte, so a number beyond the card may
 /// reach another block. WriteSectorTrailer on sector 96 writes the keys of sector 32.
 ///
-/// There is no cache of a card's contents, no retry and no log. A key is passed to the reader and forgotten.
+/// There is no cache of a card's contents, no retry and no log. A key is passed to the reader and forgotten;
+/// it must not be a view into a text that the same call changes.
 class Encoder
 {
 public:
