@@ -2,7 +2,7 @@
 // library answers at once.
 //
 // A bare call is what whoever holds wide text has to do: the command and its data become 8-bit, a buffer of
-// NULs is laid ready, the function is called, the reply becomes wide, and the byte string is freed. The wide
+// NULs is prepared, the function is called, the reply becomes wide, and the byte string is freed. The wide
 // texts are ready beforehand. A bare call looks at no reply, keeps no record, looks no function up, and wipes
 // nothing. The library's own side costs both the same, which brings the ratio nearer to 1 and leaves the
 // difference alone.
@@ -73,7 +73,7 @@ void CallBare(const std::vector<Exchange>& exchanges)
         char buffer[512 + 1] = {};
         benchmark::DoNotOptimize(buffer);
         benchmark::DoNotOptimize(TakeReply(send(1, command.c_str(), data.c_str(), buffer)));
-        if (exchange.Command == L"select") { // the Encoder then asks for the reader's type
+        if (exchange.Command == L"select") { // the Encoder then queries the reader's type
             char typeBuffer[100 + 1] = {};
             benchmark::DoNotOptimize(typeBuffer);
             benchmark::DoNotOptimize(TakeReply(type(1, typeBuffer)));

@@ -15,7 +15,7 @@
 namespace acg
 {
 
-/// The caller's own text, with what stands behind a NUL in it; null is empty text.
+/// The caller's own text, including what follows a NUL in it; null is empty text.
 inline std::wstring_view TextOf(BSTR Text)
 {
     return {Text, SysStringLen(Text)};
@@ -24,7 +24,7 @@ inline std::wstring_view TextOf(BSTR Text)
 /// A text that the caller will own.
 BSTR NewText(std::wstring_view Text);
 
-/// A result as the caller gets it.
+/// A result in the caller's type.
 template <class Callers, class Own>
 Callers ForCaller(const Own& Result)
 {
@@ -42,8 +42,8 @@ using OwnType = std::conditional_t<
     std::conditional_t<std::is_same_v<Callers, ::SCSS_SecurityLevelEnum>, SCSS_SecurityLevelEnum,
                        std::conditional_t<std::is_same_v<Callers, LONG>, int32_t, Callers>>>;
 
-/// A copy of a caller's variable, for the class to work on. The variable changes by GiveBack alone, so not in
-/// a call that breaks off.
+/// A copy of a caller's variable for the class to work on. Only GiveBack changes the variable, so an aborted
+/// call leaves it unchanged.
 template <class Callers>
 class Variable
 {
@@ -60,7 +60,7 @@ private:
     Callers& m_ofCaller;
 };
 
-/// The same of a text, which may hold the keys of a sector.
+/// The same for a text, which may hold the keys of a sector.
 template <>
 class Variable<BSTR>
 {
@@ -70,7 +70,7 @@ public:
     Variable(const Variable&) = delete;
     Variable& operator=(const Variable&) = delete;
     /// Frees the caller's text and puts the new one in its place. If there is no memory for that, the
-    /// variable stays as it is, and so must come first among those that are given back.
+    /// variable is unchanged; texts are therefore returned before other variables.
     void GiveBack();
 
     std::wstring Copy;
@@ -86,28 +86,28 @@ struct OwnVariant : VARIANT {
     OwnVariant(const OwnVariant&) = delete;
     OwnVariant& operator=(const OwnVariant&) = delete;
 
-    /// Becomes what the system makes of a value as another type, or stays as it is.
+    /// Becomes the value as the system converts it to that type, or is unchanged.
     HRESULT Convert(const VARIANT& From, VARTYPE Type, LCID Language);
 };
 
-/// An argument in whose place the caller says that there is none.
+/// An argument that the caller has marked as left out.
 inline bool IsLeftOut(const VARIANT& Value)
 {
     return V_VT(&Value) == VT_ERROR && V_ERROR(&Value) == DISP_E_PARAMNOTFOUND;
 }
 
-/// How a script gives a variable.
+/// How a script passes a variable.
 inline constexpr VARTYPE VariantReference = VT_BYREF | VT_VARIANT;
 
 /// Follows a script's reference to its variable, and a second one where that is a parameter of its procedure.
-/// What is left may be a reference with a type. E_POINTER: one leads nowhere.
+/// The result may be a typed reference. E_POINTER: a reference is null.
 HRESULT Follow(VARIANT*& Value);
 
 /// No byte has this value.
 inline constexpr int32_t NoByte = -1;
 
-/// What a caller means by BX, as the system converts it: nothing where it is left out, NoByte where the
-/// system refuses. The caller's variable stays as it is.
+/// The caller's BX, as the system converts it: nothing where it is left out, NoByte where the system can't
+/// convert it. The caller's variable is unchanged.
 std::optional<int32_t> ConvertToByte(VARIANT* Value);
 
 } // namespace acg

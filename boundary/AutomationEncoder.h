@@ -12,7 +12,7 @@
 namespace acg
 {
 
-// The type library spells the enums out for hosts; the class has its own.
+// The type library declares the enums for hosts; the class has its own.
 constexpr bool Same(std::initializer_list<int32_t> forHosts, std::initializer_list<int32_t> ofTheClass)
 {
     return std::ranges::equal(forHosts, ofTheClass);
@@ -35,14 +35,13 @@ static_assert(Same({::scss_B_Nothing, ::scss_B_WriteKeys, ::scss_B_WriteConditio
                     ::scss_B_WriteKeysConditions},
                    {scss_B_Nothing, scss_B_WriteKeys, scss_B_WriteConditions, scss_B_WriteKeysConditions}));
 
-/// An Encoder as hosts see it. Members convert their arguments and call it; it does the rest.
+/// An Encoder as hosts see it. Members convert their arguments and call the class.
 class AutomationEncoder final : public AutomationObject<::Encoder, _Encoder>
 {
 public:
     AutomationEncoder()
     {
-        // Its first reference is taken over, which Attach doesn't do in every version of the system's
-        // headers.
+        // Takes over the first reference. Attach doesn't in every version of the system's headers.
         *m_lastError.GetAddressOf() = new AutomationError(m_encoder.LastError());
     }
 

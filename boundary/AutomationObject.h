@@ -1,5 +1,5 @@
 // What both classes of the component have in common: they can be called by name, describe themselves, and
-// give error information.
+// support error information.
 #pragma once
 
 #include "boundary/Arguments.h"
@@ -15,7 +15,7 @@ namespace acg
 {
 
 /// An object of a class of the type library, with its default interface. Members of the interface run their
-/// work through Run or Answer; calls by name come to them through the type library.
+/// work through Run or Answer; calls by name reach them through the type library.
 template <class Class, class Interface>
 class AutomationObject : public ComObject<Interface, IProvideClassInfo, ISupportErrorInfo>
 {
@@ -58,7 +58,7 @@ public:
     }
 
 protected:
-    /// Runs a member that gives no result. The object outlives it, whatever its host releases meanwhile: a
+    /// Runs a member without a result. The object outlives the call, whatever its host releases meanwhile: a
     /// dialog, and the default value of an object, let the host's code run.
     template <class Body>
     HRESULT Run(const Body& Work) noexcept
@@ -70,8 +70,8 @@ protected:
         });
     }
 
-    /// Runs a member that gives a result, which is 0, or no text, where it fails. The work gets copies of the
-    /// variables; texts stand first among these, so that none has changed where there is no memory for one.
+    /// Runs a member with a result, which is 0, or no text, where it fails. The work receives copies of the
+    /// variables; texts come first among these, so that none has changed where there is no memory for one.
     template <class Callers, class Body, class... Variables>
     HRESULT Answer(Callers* Result, const Body& Work, Variables*... InOut) noexcept
     {

@@ -11,11 +11,11 @@ namespace acg
 namespace
 {
 
-/// An argument in the form in which it reaches the member.
+/// An argument as it is passed to the member.
 struct Passed {
     VARIANTARG Argument{};
     OwnVariant Converted;        ///< a value of the declared type, where the caller's isn't one
-    VARIANT* Variable = nullptr; ///< of the script, if any: it gets the value back
+    VARIANT* Variable = nullptr; ///< of the script, if any: receives the value after the call
 };
 
 void PassReference(Passed& passed, VARTYPE type, void* variable)
@@ -47,7 +47,7 @@ HRESULT Pass(const Member::Parameter& parameter, VARIANTARG& given, LCID languag
     }
     const HRESULT converted = passed.Converted.Convert(*value, parameter.Type, language);
     if (parameter.IsReference) {
-        passed.Variable = value == &given ? nullptr : value;                // a mere value gets nothing back
+        passed.Variable = value == &given ? nullptr : value; // nothing is returned to a mere value
         PassReference(passed, parameter.Type, &V_BYREF(&passed.Converted)); // where a variant has its value
     } else {
         passed.Argument = passed.Converted;
@@ -68,7 +68,7 @@ HRESULT PassNothing(const Member::Parameter& parameter, Passed& passed)
     return parameter.IsOptional ? S_OK : DISP_E_BADPARAMCOUNT;
 }
 
-/// Arguments with a name stand first; those without stand behind them, in reverse order.
+/// Named arguments come first; the others follow in reverse order.
 size_t ParameterOf(UINT argument, const DISPPARAMS& given, const Member& member)
 {
     if (argument >= given.cNamedArgs) {
@@ -104,7 +104,7 @@ HRESULT PassAll(const Member& member, const DISPPARAMS& given, LCID language, st
     return result;
 }
 
-/// What a failed member has left as the thread's error information.
+/// The error information that a failed member has set for the thread.
 void FillIn(EXCEPINFO& exception, HRESULT result)
 {
     exception = {.scode = result};
@@ -115,7 +115,7 @@ void FillIn(EXCEPINFO& exception, HRESULT result)
     }
 }
 
-/// To the script's variables and to the caller of the call.
+/// Returns values to the script's variables and the result to the caller.
 void GiveBack(const Member& member, std::vector<Passed>& all, VARIANT* result)
 {
     for (size_t at = 0; at < all.size(); ++at) {
@@ -127,7 +127,7 @@ void GiveBack(const Member& member, std::vector<Passed>& all, VARIANT* result)
                 V_VT(&value) = VT_EMPTY;
             }
         } else if (all[at].Variable != nullptr) {
-            std::swap<VARIANT>(*all[at].Variable, value); // what it held before goes with ours
+            std::swap<VARIANT>(*all[at].Variable, value); // its former value is freed with ours
         }
     }
 }

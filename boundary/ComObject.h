@@ -1,4 +1,4 @@
-// What every object at the boundary has in common: its life, and the interfaces that it answers to.
+// What every object at the boundary has in common: reference counting and QueryInterface.
 #pragma once
 
 #include "boundary/Results.h"
@@ -10,10 +10,10 @@
 namespace acg
 {
 
-/// The objects that live and the locks on factories: the library can't be unloaded before all are gone.
+/// The number of living objects and of locks on factories: the library can't be unloaded while it isn't 0.
 inline std::atomic<long> Uses = 0;
 
-/// Gives no object, and the reason.
+/// Sets a null object; returns the reason.
 inline HRESULT NoObject(void** Object, HRESULT Reason)
 {
     if (Object == nullptr) {
@@ -27,8 +27,8 @@ inline HRESULT NoObject(void** Object, HRESULT Reason)
 #pragma GCC diagnostic ignored                                                                               \
     "-Wnon-virtual-dtor" // interfaces have no destructor; nobody deletes through one
 
-/// An object with these interfaces; the first stands for the object itself. It is made with one reference,
-/// and deletes itself with the last.
+/// An object with these interfaces; the first is its identity. It starts with one reference, and deletes
+/// itself at the release of the last.
 template <class... Interfaces>
 class ComObject : public Interfaces...
 {
@@ -74,12 +74,13 @@ private:
 
 #pragma GCC diagnostic pop
 
-/// Makes an object and gives the wanted interface of it; none, and null, if it has no such interface.
+/// Creates an object and returns the wanted interface of it: no object, and null, if it has no such
+/// interface.
 template <class Object>
 HRESULT Create(REFIID Wanted, void** Created) noexcept
 {
-    // The runtime keeps something for each thread that throws, and ends the process if there is no memory for
-    // it then. An object stays on the thread that makes it; so asking for it here has it made early.
+    // The runtime allocates a few bytes for each thread that throws, and ends the process if there is no
+    // memory for them then. An object stays on the thread that creates it, so they are allocated here.
     static_cast<void>(std::uncaught_exceptions());
     return Guarded([&] {
         static_cast<void>(NoObject(Created, S_OK)); // so it is null where there is no memory

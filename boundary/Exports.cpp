@@ -1,5 +1,5 @@
 // The four functions that a host's component loader calls, and the factories behind them.
-#include <initguid.h> // gives the identifiers of the type library their place
+#include <initguid.h> // defines the identifiers of the type library
 
 #include "boundary/AutomationEncoder.h"
 #include "boundary/AutomationError.h"

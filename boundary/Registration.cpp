@@ -77,7 +77,7 @@ HRESULT Load(TypeLibrary& library)
     return result;
 }
 
-/// What the system refuses is told as such; any other failure by the part that it befell.
+/// E_ACCESSDENIED where the system denies access; for any other failure the code of the part that failed.
 HRESULT ResultOf(LSTATUS status, HRESULT failed)
 {
     return status == ERROR_SUCCESS ? S_OK : status == ERROR_ACCESS_DENIED ? E_ACCESSDENIED : failed;
@@ -106,8 +106,8 @@ HRESULT RegisterAll()
     if (FAILED(RegisterTypeLib(library.Library.Get(), path.data(), nullptr))) {
         return SELFREG_E_TYPELIB;
     }
-    // The system has registered it under its language. What carries calls to another apartment looks for it
-    // under none.
+    // The system has registered it under its language. The marshaller, which carries calls to another
+    // apartment, looks for it under the neutral one.
     return ResultOf(Write({library.Key + L"\\0\\win32", nullptr, path}), SELFREG_E_TYPELIB);
 }
 
@@ -117,8 +117,8 @@ HRESULT UnregisterAll()
     if (FAILED(Load(library))) {
         return SELFREG_E_TYPELIB;
     }
-    // The system does its own part where it can: not for a registration that is half done, or whose library
-    // has moved. So the keys are deleted all the same, and that decides.
+    // The system can't undo a registration that is incomplete or whose library has moved. So the keys are
+    // deleted in any case, and the result of that counts.
     static_cast<void>(UnRegisterTypeLib(library.guid, library.wMajorVerNum, library.wMinorVerNum,
                                         library.lcid, library.syskind));
     std::vector<std::wstring> keys = {library.Key, L"Interface\\" + IdText(__uuidof(_Encoder)),
@@ -128,13 +128,13 @@ HRESULT UnregisterAll()
         keys.emplace_back(name);
     }
     HRESULT result = S_OK;
-    for (const std::wstring& key : keys) { // one that fails doesn't keep the others
+    for (const std::wstring& key : keys) { // a failure doesn't stop the others
         const LSTATUS status = RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
         if (status != ERROR_FILE_NOT_FOUND && SUCCEEDED(result)) {
             result = ResultOf(status, SELFREG_E_CLASS);
         }
     }
-    // The key of all versions stays where another version stands in it.
+    // The key of all versions stays where it has another version.
     RegDeleteKeyW(HKEY_CLASSES_ROOT, (L"TypeLib\\" + IdText(library.guid)).c_str());
     return result;
 }

@@ -1,4 +1,4 @@
-// Making the component known to the system.
+// Registration of the component with the system.
 #pragma once
 
 #include <windows.h>
@@ -10,11 +10,11 @@ namespace acg
 inline constexpr wchar_t EncoderName[] = L"ACG_MultiISO_TV.Encoder";
 inline constexpr wchar_t ErrorName[] = L"ACG_MultiISO_TV.CError";
 
-/// Makes the classes known, and the type library with its interfaces. Where it fails, nothing
-/// stays registered.
+/// Registers the classes, and the type library with its interfaces. Where it fails, nothing stays
+/// registered.
 HRESULT Register() noexcept;
 
-/// Takes all of that back. What isn't there is no failure.
+/// Removes all of that. What isn't there is no failure.
 HRESULT Unregister() noexcept;
 
 } // namespace acg

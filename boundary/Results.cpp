@@ -15,7 +15,7 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 
-/// Without memory there is none, and the result code alone goes out.
+/// Without memory there is none, only the result code.
 ComPtr<IErrorInfo> ErrorInfoOf(const RaisedFailure& raised)
 {
     ComPtr<ICreateErrorInfo> created;
@@ -50,7 +50,7 @@ HRESULT ResultOfException() noexcept
         result = E_OUTOFMEMORY;
     } catch (...) {
     }
-    SetErrorInfo(0, info.Get()); // where it is none, what an earlier call has left goes
+    SetErrorInfo(0, info.Get()); // null clears that of an earlier call
     return result;
 }
 

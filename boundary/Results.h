@@ -8,13 +8,12 @@
 namespace acg
 {
 
-/// The result code of the exception that is being handled. A raised failure leaves its description and source
-/// as the thread's error information: a negative number is its own result code, a positive one goes out in
-/// the range that Automation hosts turn back into the number. Any other failure leaves none.
+/// The result code of the exception that is being handled. A raised failure sets its description and source
+/// as the thread's error information: a negative number is its own result code, a positive one is mapped to
+/// the range from which Automation hosts recover the number. Any other failure sets none.
 HRESULT ResultOfException() noexcept;
 
-/// Runs a member; no C++ exception gets past it, and what an earlier call has left as error information isn't
-/// taken for its own.
+/// Runs a member. No C++ exception leaves it, and error information of an earlier call is cleared.
 template <class Body>
 HRESULT Guarded(const Body& Run) noexcept
 {

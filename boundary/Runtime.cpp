@@ -1,18 +1,18 @@
-// Parts of the compiler's runtime in the component's own words. The runtime's would bring text for people,
-// and with it strings and the printf family, a third of the DLL, which no host ever sees.
+// Replacements for parts of the compiler's runtime. The originals format messages, which no host ever sees,
+// and would bring strings and the printf family: a third of the DLL.
 #include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <new>
 #include <windows.h>
 
-// What ends the process if an exception ever had nowhere to go.
+// Ends the process if an exception is never caught.
 void __gnu_cxx::__verbose_terminate_handler()
 {
     std::abort();
 }
 
-// What the standard library throws: to a host it is E_UNEXPECTED, whatever it says, or E_OUTOFMEMORY.
+// What the standard library throws: a host receives E_UNEXPECTED or E_OUTOFMEMORY, never the message.
 namespace std
 {
 
@@ -27,7 +27,7 @@ void __throw_bad_array_new_length() { throw bad_alloc(); }
 
 } // namespace std
 
-// The runtime's would follow the time of day, which may be set.
+// The runtime's clock would follow the time of day, which can be set.
 std::chrono::steady_clock::time_point std::chrono::steady_clock::now() noexcept
 {
     LARGE_INTEGER ticks;

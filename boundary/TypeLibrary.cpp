@@ -6,7 +6,7 @@
 #include <oleauto.h>
 #include <utility>
 
-extern "C" IMAGE_DOS_HEADER __ImageBase; // where the linker has put this DLL
+extern "C" IMAGE_DOS_HEADER __ImageBase; // the start of this DLL in memory
 
 namespace acg
 {
@@ -70,7 +70,7 @@ HRESULT Describe(REFIID Interface, InterfaceDescription& Description)
 {
     InterfaceDescription described;
     HRESULT result = TypeInfoOf(Interface, described.Info.GetAddressOf());
-    // That is the interface as a script sees it. The one with the slots stands behind it.
+    // That is the dispinterface, as a script sees it. The vtable interface is behind it.
     constexpr UINT behindDispatch = static_cast<UINT>(-1);
     HREFTYPE reference = 0;
     Microsoft::WRL::ComPtr<ITypeInfo> slots;

@@ -1,4 +1,4 @@
-// The type library in the resources of this DLL, and what it says of an interface.
+// The type library in the resources of this DLL, and its descriptions of interfaces.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ HRESULT LoadOwnTypeLibrary(ITypeLib** Library);
 /// The description of an interface or a class.
 HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info) noexcept;
 
-/// A member of an interface, as a call by name goes by it.
+/// A member of an interface, as far as a call by name needs it.
 struct Member {
     struct Parameter {
         VARTYPE Type; ///< without the reference
@@ -33,7 +33,7 @@ struct Member {
     std::vector<Parameter> Parameters;
 };
 
-/// What is looked up once for an object that is called by name.
+/// Looked up once for an object that is called by name.
 struct InterfaceDescription {
     Microsoft::WRL::ComPtr<ITypeInfo> Info;
     std::vector<Member> Members;

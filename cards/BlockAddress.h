@@ -1,4 +1,4 @@
-// Where blocks and sectors lie on a card.
+// The addresses of blocks and sectors.
 //
 // Memory organisation of the Mifare Classic 1K and 4K card (data sheets MF1S50yyX and MF1S70yyX, chapter 8):
 //
@@ -6,8 +6,8 @@
 //     blocks 128 to 255   sectors 32 to 39, of 16 blocks (4K only)
 //
 // No number is tested for range, and the arithmetic wraps at 32 bits. What is sent of a block number and of a
-// login sector is their low byte. So the reader doesn't refuse everything that lies beyond the card: block
-// 1024 goes out as block 0, and the trailer of sector 96 as that of sector 32.
+// login sector is their low byte. So the reader doesn't refuse every number beyond the card: block
+// 1024 is sent as block 0, and the trailer of sector 96 as that of sector 32.
 #pragma once
 
 #include <cstdint>
@@ -15,14 +15,14 @@
 namespace acg
 {
 
-/// The number by which the reader's "login" takes the sector of a block: the sector's first block divided by
+/// The number of a block's sector in the reader's "login": the sector's first block divided by
 /// 4. Below sector 33 that is the sector itself.
 [[nodiscard]] int32_t LoginSector(int32_t BlocNumber);
 
 /// The last block of a sector.
 [[nodiscard]] int32_t TrailerBlock(int32_t SectorNumber);
 
-/// The block that lies that many blocks before another.
+/// The block that many blocks before another.
 [[nodiscard]] int32_t BlockBefore(int32_t BlocNumber, uint32_t Blocks);
 
 } // namespace acg

@@ -1,4 +1,4 @@
-// Changing a range of bytes in a block: the block is read, the bytes are put in, and it is written back.
+// Changing a range of bytes in a block: the block is read, the bytes are replaced, and it is written back.
 #include "cards/BlockText.h"
 #include "encoder/Encoder.h"
 #include "encoder/Failures.h"

@@ -1,4 +1,4 @@
-// The access bits of a sector as they stand in its trailer.
+// The access bits of a sector as its trailer stores them.
 #pragma once
 
 #include <array>

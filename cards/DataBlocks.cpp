@@ -24,7 +24,7 @@ void StoreReply(std::wstring& hostText, std::string_view reply)
 /// Logs in on the sector of a block. A failure is recorded whole, under the name of the calling operation.
 ///
 /// The good reply to "login" is the status letter "L"; a reply of data is a failure of the reader. One type
-/// of reader answers otherwise: there the block command shows whether the login held.
+/// of reader answers otherwise: there the block command shows whether the login succeeded.
 sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                    std::wstring_view OperationName)
 {
@@ -41,7 +41,7 @@ sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, ui
         failure.Number = AuthenticationFailure.Number;
         failure.Description = AuthenticationFailure.Description;
         RecordExchange(failure, "login");
-    } else { // the other fields stay as the selection has left them
+    } else { // the other fields keep what the selection has set
         m_oLastError->Number = EncoderFailure.Number;
         m_oLastError->Description = EncoderFailure.Description;
     }

@@ -113,7 +113,7 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
     if (ReadDataBloc(trailerBlock, key, KeyType, trailer.Text) == sceError) {
         return FailBelow(OperationName);
     }
-    // A second read, for the key mode and byte 9: what is sent to the reader is part of the interface.
+    // A second read, for the key mode and byte 9: the commands sent to the reader are part of the interface.
     uint8_t keysUsed = 0;
     uint8_t userByte = 0;
     SCBS_SecurityLevelEnum blockLevel{};

@@ -4,7 +4,7 @@
 namespace acg
 {
 
-/// The reader lays the value block out itself: it takes the block and the value.
+/// The reader formats the value block itself: it is sent the block number and the value.
 sceReturnCode Encoder::WriteValueBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                       int32_t value)
 {

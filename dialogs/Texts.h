@@ -23,8 +23,8 @@ struct Translated {
 /// English.
 [[nodiscard]] bool IsFrench(std::wstring_view Language);
 
-/// Puts the values in place of %1, %2 and so on: each at all its occurrences, in that order, on the result of
-/// the one before.
+/// Replaces %1, %2 and so on by the values: each at all its occurrences, in that order, in the result of the
+/// replacement before.
 [[nodiscard]] std::wstring Fill(std::wstring Text, std::initializer_list<std::wstring_view> Values);
 
 } // namespace acg

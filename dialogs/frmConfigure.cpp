@@ -47,7 +47,7 @@ constexpr int RowTop(int row)
     return FirstRow + row * RowDistance;
 }
 
-/// Labels stand a little lower than their fields, on the line of the text in them.
+/// Labels are a little lower than their fields, on the baseline of the text in them.
 constexpr Area LabelArea(int row, int left = LabelLeft)
 {
     return InFrame({left, RowTop(row) + 60, FieldLeft - left - 75, LabelHeight});
@@ -58,7 +58,7 @@ constexpr Area FieldArea(int row, int width = FieldWidth)
     return InFrame({FieldLeft, RowTop(row), width, RowHeight});
 }
 
-/// The position of the selected line; the field stays where none is selected.
+/// The position of the selected line; the field is unchanged where none is selected.
 void TakePosition(const Control& list, uint8_t& field)
 {
     if (list.SelectedLine() != Control::NoLine) {
@@ -66,7 +66,7 @@ void TakePosition(const Control& list, uint8_t& field)
     }
 }
 
-/// The whole number that the text is; the field stays where it is none, or too large.
+/// The whole number in the text; the field is unchanged where there is none, or it is too large.
 void TakeNumber(std::wstring_view text, int32_t& field)
 {
     const std::wstring_view digits = text.substr(text.starts_with(L'-') ? 1 : 0);
@@ -84,7 +84,7 @@ int FindLine(const std::vector<std::wstring>& lines, std::wstring_view text)
 
 } // namespace
 
-/// The form and its controls in tab order, made anew at each opening.
+/// The form and its controls in tab order, created at each opening.
 struct frmConfigure::Screen {
     frmConfigure& Shown;
     const ReaderDLL& Reader;

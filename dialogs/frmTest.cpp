@@ -19,7 +19,7 @@ constexpr int StartDelay = 1000; // milliseconds
 constexpr Colour LogBackground = {Colour::Source::Own, 0xF8, 0xF8, 0xF0};
 constexpr wchar_t NewLine[] = L"\r\n";
 
-/// Detection gives at most this many readers.
+/// Detection returns at most this many readers.
 constexpr size_t MostReaders = 255;
 
 constexpr struct {
@@ -55,7 +55,7 @@ constexpr struct {
 
 } // namespace
 
-/// The form and its controls, made anew at each opening.
+/// The form and its controls, created at each opening.
 struct frmTest::Screen {
     frmTest& Shown;
     const ReaderDLL& Reader;
@@ -187,7 +187,7 @@ void frmTest::tmrTest_Timer()
     }
 }
 
-/// Gives a call failure. A link or a reader that is refused ends in the log.
+/// Returns a call failure. A link or a reader that is refused ends in the log.
 Failure frmTest::RunTest(Link& Opened)
 {
     ReaderHandle& comm = Opened.Comm;

@@ -30,16 +30,17 @@ struct RaisedFailure {
 };
 
 /// What the component says that it can encode. No operation looks at the kind of card: of an Ultralight card
-/// only the serial number can be read, since every access to a block logs in, which such a card doesn't know.
+/// only the serial number can be read, since every access to a block logs in, which such a card doesn't
+/// support.
 inline constexpr std::wstring_view Capabilities = L"Mifare Classic, Mifare Ultralight";
 
-/// Tells the time. It need not be the time of day, but must not go backwards.
+/// The current time. It need not be the time of day, but must not go backwards.
 using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
 /// Reads and writes contactless cards through an ACG Multi-ISO reader.
 ///
 /// The order of calls: Parameters, GetInformation, OpenEncoder with the number from that text, the card
-/// operations, CloseEncoder. Destruction closes what is still open. Public members stand in the order of the
+/// operations, CloseEncoder. Destruction closes what is still open. Public members are in the order of the
 /// component's interface.
 ///
 /// Every call blocks until the reader library has answered. An Encoder is used by one thread at a time.
@@ -71,7 +72,7 @@ public:
     /// fast; up to 255 is stored), Baud rate, Timeout (signed 32 bits, ms). A call changes only what it
     /// names. An open link keeps the settings that it was opened with.
     ///
-    /// Nothing is reported. An unknown or misspelt key is ignored. Device takes all that stands behind "=",
+    /// Nothing is reported. An unknown or misspelt key is ignored. Device is everything after "=",
     /// blanks and a bare LF included. A number is read as far as it goes: "Timeout=500 ms" stores 500,
     /// "Autodetect=x" 0. One that doesn't fit its field leaves it unchanged.
     void Parameters(std::wstring Text);
@@ -84,7 +85,7 @@ public:
     /// Tries to select a card, and leaves a clean record.
     [[nodiscard]] sceEncoderState EncoderState();
 
-    /// The reader's type, asked for at each call. Throws RaisedFailure: -1, or a call failure.
+    /// The reader's type, queried at each call. Throws RaisedFailure: -1, or a call failure.
     [[nodiscard]] std::wstring ReaderType();
 
     // Not supported: each throws RaisedFailure -16.

@@ -19,7 +19,7 @@ enum sceEncoderState : int32_t {
     sceReady = 3,  ///< a card could be selected
 };
 
-/// Declared for the host; no operation gives one of these values.
+/// Declared for the host; no operation returns one of these values.
 enum sceCardTypes : int32_t {
     sceUnhandled = 0,
     sceUnknownType = 1,
@@ -65,7 +65,7 @@ constexpr SCSS_SecurityLevelEnum operator+(SCSS_SecurityLevelEnum OfKeyA, SCSS_S
     return static_cast<SCSS_SecurityLevelEnum>(int32_t{OfKeyA} + int32_t{OfKeyB});
 }
 
-/// In place of a level: the card's access bits stay as they are.
+/// In place of a level: the card's access bits are kept.
 inline constexpr SCBS_SecurityLevelEnum KeepBlockAccess{-1};
 inline constexpr SCSS_SecurityLevelEnum KeepTrailerAccess{-1};
 

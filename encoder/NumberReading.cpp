@@ -13,10 +13,10 @@ namespace
 {
 
 constexpr int Decimal = 10;
-/// Beyond every field; what has grown beyond it may stop growing.
+/// Beyond every field: a number above this need not grow further.
 constexpr int64_t Beyond = 1'000'000'000'000;
 
-/// Goes through a text, blind to the characters that don't count.
+/// Reads a text, skipping the characters that don't count.
 class Reading
 {
 public:
@@ -78,8 +78,8 @@ bool TakeSign(Reading& reading)
     return !reading.Take(L"+") && reading.Take(L"-");
 }
 
-/// The digits as they are written, without zeros at either end, and how many of them stand before the point.
-/// It may also lie to the left of them all, or to the right.
+/// The digits as written, without zeros at either end, and the position of the point: the number of digits
+/// before it. It may also lie left of all digits, or right of them.
 struct Written {
     std::string Digits;
     int64_t BeforePoint = 0;
@@ -153,7 +153,7 @@ int64_t ReadWholeNumber(std::wstring_view Text)
 
 std::wstring DecimalText(int32_t Number)
 {
-    const std::string digits = std::to_string(Number); // std::to_wstring would bring the printf family
+    const std::string digits = std::to_string(Number); // std::to_wstring would link the printf family
     return {digits.begin(), digits.end()};
 }
 

@@ -12,13 +12,13 @@ namespace acg
 {
 
 /// Reads a number from the start of the text, and stops at the first character that can't continue it; 0 if
-/// nothing was read. Spaces, tabs and line feeds are skipped wherever they stand.
+/// nothing was read. Spaces, tabs and line feeds are skipped anywhere.
 ///
 ///     [sign] digits [. digits] [E|D [sign] digits]     -12.5  1 200  .5  1e3
 ///     &H hexadecimal digits      &O octal digits       &HFF   &o17      (never with a sign)
 ///
-/// The letters count in either case. Gives the nearest whole number, a fraction of exactly one half to the
-/// even neighbour: 2.5 gives 2, 3.5 gives 4. A number beyond 32 bits gives some number beyond them.
+/// Letters count in either case. Returns the nearest whole number, with exact halves rounded to even: 2.5
+/// becomes 2, 3.5 becomes 4. For a number beyond 32 bits the result is some number beyond them.
 [[nodiscard]] int64_t ReadWholeNumber(std::wstring_view Text);
 
 /// The same, and nothing where the number doesn't fit the field's type of at most 32 bits.

@@ -1,4 +1,4 @@
-// The information text, and bringing the reader up and down.
+// The information text, and opening and closing the reader.
 #include "encoder/Encoder.h"
 #include "encoder/Failures.h"
 #include "encoder/NumberReading.h"
@@ -54,10 +54,10 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
             return sceError;
         }
         const auto deadline = m_oClock() + WaitForCard;
-        Failure ofReaderType; // without a reader's type, too, the wait goes on
+        Failure ofReaderType; // the wait continues even without the reader's type
         while ((SelectCardInRange(&ofReaderType) || ofReaderType) && m_oClock() < deadline) {}
         ResetLastError(L"OpenEncoder");
-    } catch (...) { // out of memory: a host that gets no result has nothing to close
+    } catch (...) { // out of memory: a host that receives no result has nothing to close
         ReleaseDevice();
         throw;
     }
@@ -110,7 +110,7 @@ sceReturnCode Encoder::CloseEncoder()
 
 void Encoder::ReOpenEncoder()
 {
-    // The record tells how it went.
+    // The outcome is in the record.
     static_cast<void>(CloseEncoder());
     static_cast<void>(OpenEncoder(m_lHandleNumber));
 }
@@ -120,7 +120,7 @@ void Encoder::ReleaseDevice() noexcept
     const auto ignore = [](const auto& call) {
         try {
             static_cast<void>(call());
-        } catch (...) { // out of memory: what is left to release is released all the same
+        } catch (...) { // out of memory: the rest is released all the same
         }
     };
     ignore([this] { return m_oReaderDLL.CloseReader(m_hReader); });

@@ -14,7 +14,7 @@ namespace
 
 constexpr std::wstring_view LineEnd = L"\r\n";
 
-/// A value that doesn't fit leaves the field as it is.
+/// A value that doesn't fit leaves the field unchanged.
 template <class Field>
 void Store(std::wstring_view value, Field& field)
 {
@@ -23,7 +23,7 @@ void Store(std::wstring_view value, Field& field)
 
 } // namespace
 
-// By value: a host may give a text out of the record, which is reset before the text is read.
+// By value: a host may pass a text of the record, which is reset before the text is read.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 void Encoder::Parameters(std::wstring Text)
 {

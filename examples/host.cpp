@@ -1,5 +1,5 @@
-// A host: opens the reader, reads the card, writes a block, and shows what a failure leaves; then gives a
-// sector keys of its own, and shows what each key may do.
+// A host: opens the reader, reads the card, writes a block, and shows the record of a failure; then writes a
+// sector's keys and levels, and shows what each key may do.
 //
 //     example-host [PARAMETERS]        as in: example-host 'Device=com1,card=4k'
 //

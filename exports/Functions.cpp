@@ -22,7 +22,7 @@ using exports::TheLibrary;
 using Handle = ReaderLibrary::Handle;
 
 #ifdef _WIN32
-/// The library stays loaded whatever its hosts let go of. Elsewhere the linker has marked it so.
+/// The library stays loaded however often its hosts free it. Elsewhere the linker has marked it so.
 const BOOL isPinned = [] {
     HMODULE self = nullptr;
     return GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,

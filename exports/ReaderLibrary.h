@@ -20,8 +20,8 @@ static_assert(sizeof(CommSettings) == 8);
 /// The thirteen functions. Each answers here as it does for a handle that isn't open, which is also what the
 /// host gets where an override throws.
 ///
-/// A null text arrives as an empty one; behind every text stands a NUL. A buffer is NULs, with one more
-/// behind it, and empty where the host has given none; nothing has to be put into it.
+/// A null text arrives as an empty one; every text is followed by a NUL. A buffer is NULs, followed by one
+/// more, and empty where the host has passed none; nothing has to be written into it.
 class ReaderLibrary
 {
 public:

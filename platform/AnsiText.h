@@ -1,4 +1,4 @@
-// 8-bit text: the system's ANSI code page, and the byte strings in which a reader library gives its texts.
+// 8-bit text: the system's ANSI code page, and the byte strings in which a reader library returns its texts.
 #pragma once
 
 #include <cstddef>
@@ -26,8 +26,8 @@ template <class Char>
     return bits < 0x80;
 }
 
-/// Puts a text of the library, up to its first NUL and cut to Most characters, in place of another. Both may
-/// hold a key.
+/// Replaces Text by a text of the library, which ends at its first NUL and is cut to Most characters. Both
+/// may hold a key.
 void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Most = std::wstring_view::npos);
 
 /// Owner of a length-counted byte string: a pointer to its first byte, with the 32-bit length in bytes

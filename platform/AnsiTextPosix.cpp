@@ -13,8 +13,8 @@ namespace acg
 namespace
 {
 
-/// Windows-1252, codes 80 to 9F: the only ones that differ from Latin-1. A code that it leaves open stands
-/// for itself.
+/// Windows-1252, codes 80 to 9F: the only ones that differ from Latin-1. An unassigned code maps to
+/// itself.
 constexpr wchar_t UpperControls[] = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, // 80
     0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F, // 88

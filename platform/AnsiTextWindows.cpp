@@ -16,10 +16,10 @@ BSTR Bstr(char* bytes)
     return reinterpret_cast<BSTR>(bytes);
 }
 
-/// A call of one of the system's two conversions: it fills the buffer, or counts where there is none.
+/// One of the system's two conversions: fills the buffer, or only counts where there is none.
 int Convert(std::wstring_view text, char* buffer, int size)
 {
-    // A code page that has every character takes neither the flag nor the "?".
+    // A code page that has every character accepts neither the flag nor the "?".
     const bool hasAll = GetACP() == CP_UTF8;
     return WideCharToMultiByte(CP_ACP, hasAll ? 0 : WC_NO_BEST_FIT_CHARS, text.data(),
                                static_cast<int>(text.size()), buffer, size, hasAll ? nullptr : "?", nullptr);

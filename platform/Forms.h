@@ -2,8 +2,8 @@
 //
 // A form is a model: the state of its controls, and the handlers. It runs on the window layer that the build
 // has. On Windows the layer makes real controls of the system; elsewhere it is headless, and a player acts in
-// place of a person (platform/HeadlessPlayer.h). What is declared as the layer's stands in its source. Sizes
-// are in twips, a twentieth of a point each.
+// place of a person (platform/HeadlessPlayer.h). What is declared as the layer's is defined in its source.
+// Sizes are in twips, a twentieth of a point each.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +43,7 @@ struct Colour {
 };
 
 enum class ControlKind {
-    Frame,        ///< a group frame; it lies behind the controls in it, and is no parent of theirs
+    Frame,        ///< a group frame; drawn behind the controls in it, but not their parent
     Label,        ///< names the control that follows it
     EditCombo,    ///< a line is picked, or any text typed
     DropDownList, ///< a line is picked
@@ -52,7 +52,7 @@ enum class ControlKind {
     Button,
 };
 
-/// What never changes of a control.
+/// The properties of a control that never change.
 struct ControlLook {
     const char* Name;
     ControlKind Kind;
@@ -78,7 +78,7 @@ public:
     [[nodiscard]] const Colour& Background() const { return m_background; }
     void SetBackground(const Colour& Background);
 
-    // Of a list: its lines, counted from 0, which stay as they are while the form is open, and the selected
+    // Of a list: its lines, counted from 0, which don't change while the form is open, and the selected
     // one.
     static constexpr int NoLine = -1;
     [[nodiscard]] const std::vector<std::wstring>& Lines() const { return m_lines; }
@@ -99,7 +99,7 @@ public:
     void Edit(std::wstring_view NewText);
 
 private:
-    void Show() const; ///< brings the state onto the screen, where there is one; the layer's
+    void Show() const; ///< updates the screen, where there is one; the layer's
 
     Form& m_form;
     std::wstring m_text;
@@ -115,7 +115,7 @@ struct Shape {
     Colour Fill;
 };
 
-/// What never changes of a form. The size is that of the client area.
+/// The properties of a form that never change. The size is that of the client area.
 struct FormLook {
     int Width;
     int Height;
@@ -132,7 +132,7 @@ public:
     Form(const Form&) = delete;
     Form& operator=(const Form&) = delete;
 
-    /// Controls come in tab order.
+    /// Controls are added in tab order.
     Control& Add(const ControlLook& Fixed)
     {
         return m_controls.emplace_back(*this, m_controls.size(), Fixed);
@@ -160,10 +160,10 @@ public:
     bool ShowModal(const Form* Owner = nullptr);
     /// Closes the form. No handler runs.
     void Close();
-    /// Gives a control the input focus.
+    /// Moves the input focus to a control.
     void SetFocus(const Control& Focused);
     /// Shows the state of a control at once, then lets pending events of all windows run once. A request to
-    /// quit that is met is put back.
+    /// quit that is found is posted again.
     void ShowNow(const Control& Shown);
     [[nodiscard]] bool IsOpen() const { return m_window != nullptr; }
 

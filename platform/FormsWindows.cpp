@@ -1,7 +1,7 @@
 // The window layer of Windows: a form is a dialog of the system, its controls are the system's own.
 //
 // The dialog manager does the keyboard: Tab, Enter, Escape and the access keys. Handlers run inside window
-// procedures, which no exception may leave: it closes the form, and goes on from ShowModal.
+// procedures, which no exception may leave: it closes the form, and ShowModal rethrows it.
 #include "platform/FormsWindowsControl.h"
 #include "platform/FormsWindowsDrawing.h"
 #include "platform/FormsWindowsOwnerless.h"
@@ -17,7 +17,7 @@ namespace acg
 namespace
 {
 
-/// The id of a control is its index, clear of IDOK and IDCANCEL, which the dialog manager makes of Enter and
+/// The id of a control is its index, clear of IDOK and IDCANCEL, to which the dialog manager maps Enter and
 /// Escape.
 constexpr int FirstId = 100;
 constexpr UINT_PTR TimerId = 1;
@@ -25,7 +25,7 @@ constexpr UINT_PTR TimerId = 1;
 /// More events than any form has pending. A window that never paints itself would keep one pending for ever.
 constexpr int MostEvents = 1000;
 
-/// A dialog of the system without anything in it.
+/// An empty dialog template.
 struct alignas(DWORD) EmptyTemplate {
     DLGTEMPLATE Header = {.style = DS_MODALFRAME | WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_VISIBLE};
     WORD Menu = 0;
@@ -95,7 +95,7 @@ INT_PTR CALLBACK FormWindow::Procedure(HWND dialog, UINT message, WPARAM wParam,
     try {
         return window->Answer(message, wParam, lParam);
     } catch (...) {
-        if (!window->m_thrown) { // the first goes on; the others come of it
+        if (!window->m_thrown) { // the first is rethrown; the others follow from it
             window->m_thrown = std::current_exception();
         }
         window->Close();
@@ -117,12 +117,12 @@ INT_PTR FormWindow::Answer(UINT message, WPARAM wParam, LPARAM lParam)
         Command(LOWORD(wParam), HIWORD(wParam));
         return TRUE;
     case WM_TIMER:
-        // One that had come due before the timer was stopped may still arrive.
+        // A message posted before the timer was stopped may still arrive.
         if (m_model.TimerInterval() != 0 && m_model.OnTimer) {
             m_model.OnTimer();
         }
         return TRUE;
-    case WM_CLOSE: // left to the dialog manager it would become Escape
+    case WM_CLOSE: // the dialog manager would treat it as Escape
         m_model.PressCloseBox();
         return TRUE;
     case WM_ERASEBKGND:
@@ -172,7 +172,7 @@ bool FormWindow::MakeControls()
     return true;
 }
 
-/// Gives the dialog its size, in the middle of its owner or of the screen, and wholly on one screen.
+/// Sizes the dialog and centres it on its owner or the screen, always within one screen.
 void FormWindow::Place() const
 {
     const HWND owner = GetWindow(m_dialog, GW_OWNER);

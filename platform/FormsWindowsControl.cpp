@@ -6,7 +6,7 @@ namespace acg
 namespace
 {
 
-/// Stands for the field of a combo box where its lines have numbers.
+/// Selects the field of a combo box in messages that take the number of a line.
 constexpr auto FieldOfList = static_cast<WPARAM>(-1);
 
 /// A drop-down list shows this many lines before it scrolls.
@@ -37,7 +37,7 @@ void ReportText(Control& model, HWND window, int notification)
 }
 
 /// A list that opens or closes may have changed what its box shows, without another notification. The text
-/// of a picked line comes into the box after its notification.
+/// of a picked line appears in the box only after its notification.
 void ReportList(Control& model, HWND window, int notification)
 {
     const auto line = static_cast<int>(SendMessageW(window, CB_GETCURSEL, 0, 0));
@@ -102,7 +102,7 @@ ControlWindow::ControlWindow(HWND Dialog, int Id, Control& Shown, double FormPoi
 
 void ControlWindow::FillList(int height) const
 {
-    // Its field follows the font, and shall fill its area. A system may make it higher than it is told.
+    // Its field follows the font, but has to fill its area. A system may make it higher than requested.
     LRESULT field = SendMessageW(m_handle, CB_GETITEMHEIGHT, FieldOfList, 0);
     for (int pass = 0; pass < 2; ++pass) {
         RECT closed{};
@@ -122,7 +122,7 @@ LRESULT CALLBACK ControlWindow::Procedure(HWND window, UINT message, WPARAM wPar
     if (message == WM_CHAR && accepts != nullptr && !accepts(static_cast<wchar_t>(wParam))) {
         return 0;
     }
-    // The log would take Tab and Enter for itself, and close the form at Escape.
+    // The log would handle Tab and Enter itself, and close the form at Escape.
     if (message == WM_GETDLGCODE && own.m_model.Look.Kind == ControlKind::Log) {
         return DLGC_WANTARROWS | DLGC_WANTCHARS;
     }

@@ -18,12 +18,12 @@ public:
     [[nodiscard]] HWND Handle() const { return m_handle; }
     [[nodiscard]] bool TakesFocus() const;
 
-    /// Brings the model onto the screen. Notifications that come of it change nothing: the model has changed
+    /// Shows the state of the model. Notifications that this causes change nothing: the model has changed
     /// before.
     void Show() const;
-    /// Brings what a person has done into the model, whose handlers run.
+    /// Updates the model by what a person has done; its handlers run.
     void Report(int Notification) const;
-    /// What a WM_CTLCOLOR message is answered by.
+    /// The result of a WM_CTLCOLOR message.
     [[nodiscard]] HBRUSH SetColours(HDC Context) const;
 
 private:

@@ -26,7 +26,7 @@ BOOL CALLBACK Ownerless::Disable(HWND window, LPARAM self) noexcept
             reinterpret_cast<Ownerless*>(self)->m_disabled.push_back(window);
             EnableWindow(window, FALSE);
         }
-    } catch (const std::bad_alloc&) { // a window that can't be noted stays as it is
+    } catch (const std::bad_alloc&) { // a window that can't be recorded stays enabled
     }
     return TRUE;
 }

@@ -1,4 +1,4 @@
-// Who acts in place of a person where forms are headless.
+// The stand-in for a person where forms are headless.
 #pragma once
 
 #include "platform/Forms.h"

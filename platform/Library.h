@@ -7,20 +7,20 @@
 namespace acg
 {
 
-/// What the look-up of a function in a library gave.
+/// The result of looking a function up in a library.
 struct EntryPoint {
     using Function = void (*)();
 
     Function Address = nullptr; ///< null where nothing was found
-    bool LibraryLoaded = false; ///< tells a missing function from a missing library
+    bool LibraryLoaded = false; ///< true where only the function is missing
     int32_t SystemError = 0;    ///< the loader's error code where nothing was found, else 0
 };
 
 /// One library, loaded at the first look-up and kept until the process ends.
 ///
 /// It is searched in the folder of the component itself, then where the system searches by default, never
-/// in the current directory. A look-up that failed can be tried again: a library that is put in place
-/// later is then found. Look-ups from several threads are safe.
+/// in the current directory. A failed look-up can be repeated: it finds a library that was installed
+/// meanwhile. Look-ups from several threads are safe.
 class Library
 {
 public:

@@ -18,9 +18,9 @@ namespace acg
 namespace
 {
 
-/// The folder of the program or shared object that this code is linked into, with a slash behind it, or
-/// empty text where it isn't known. The system lists what it has mapped by its full name, however it was
-/// loaded; the loader keeps the name as it was given, which may be relative to a former current directory.
+/// The folder of the program or shared object that this code is linked into, with a trailing slash, or
+/// empty text where it is unknown. The system lists mapped files by their full names; the loader
+/// keeps the name it was called with, which may be relative to a former current directory.
 std::string OwnFolder()
 {
     const auto ownAddress = reinterpret_cast<uintptr_t>(&OwnFolder);
@@ -47,8 +47,8 @@ void* Load(const std::string& file)
 }
 
 /// Why Load has just failed: ENOENT where there is no such file, ELIBBAD where one was refused. The loader
-/// has no code for it, only a text in the user's language. For a missing file that is the file's name first
-/// and the system's words for ENOENT last; for a missing library that the file needs, the name is another.
+/// reports no code, only a message in the user's language. For a missing file it begins with the file's name
+/// and ends with the system's text for ENOENT; for a missing dependency of the file the name differs.
 int32_t CauseOf(const std::string& file)
 {
     const char* const words = dlerror();

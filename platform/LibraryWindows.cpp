@@ -10,8 +10,8 @@ namespace acg
 namespace
 {
 
-/// The folder of the program or DLL that this code is linked into, with a backslash behind it, or empty text
-/// where it isn't known.
+/// The folder of the program or DLL that this code is linked into, with a trailing backslash, or empty text
+/// where it is unknown.
 std::wstring OwnFolder()
 {
     HMODULE self = nullptr;
@@ -28,7 +28,7 @@ std::wstring OwnFolder()
 
 HMODULE Load(const std::wstring& file)
 {
-    // Neither way leads through the current directory, for what the library itself loads as well.
+    // Neither search includes the current directory, nor does the search for the library's dependencies.
     DWORD causeHere = ERROR_MOD_NOT_FOUND;
     if (const std::wstring folder = OwnFolder(); !folder.empty()) {
         HMODULE const module =
@@ -41,7 +41,7 @@ HMODULE Load(const std::wstring& file)
     }
     HMODULE const module = LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     if (module == nullptr && causeHere != ERROR_MOD_NOT_FOUND) {
-        SetLastError(causeHere); // it is there, and what is wrong with it says more
+        SetLastError(causeHere); // the file exists: what is wrong with it says more
     }
     return module;
 }

@@ -8,8 +8,8 @@ namespace acg
 void Wipe(void* Memory, std::size_t Bytes)
 {
     std::memset(Memory, 0, Bytes);
-    // A statement that may read the memory, for all that the compiler knows: so it can't leave the line
-    // before it out.
+    // As far as the compiler knows, this statement may read the memory, so the line before it can't be
+    // optimized away.
     __asm__ volatile("" : : "r"(Memory) : "memory");
 }
 

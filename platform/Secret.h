@@ -1,4 +1,4 @@
-// Text that may hold a key of a card: its memory is wiped before it is given up.
+// Text that may hold a key of a card: its memory is wiped before it is released.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ namespace acg
 /// Fills memory with zeros, also where nothing reads it afterwards.
 void Wipe(void* Memory, std::size_t Bytes);
 
-/// Wipes the whole of a text's memory, characters that were cut off included, and empties it.
+/// Wipes the whole capacity of a text, characters that were cut off included, and empties it.
 template <class Char>
 void Wipe(std::basic_string<Char>& Text)
 {
@@ -20,13 +20,14 @@ void Wipe(std::basic_string<Char>& Text)
     Text.clear();
 }
 
-/// Gives a text room for that many characters. Memory that is too small is wiped.
+/// Reserves room for that many characters. The former memory is wiped.
 void MakeRoom(std::wstring& Text, std::size_t Room);
 
-/// Puts a text in place of another. Memory that is too small is wiped.
+/// Assigns a text. Where that needs new memory, the former is wiped.
 void Replace(std::wstring& Text, std::wstring_view By);
 
-/// The component's own text. Whoever lets it grow makes room first.
+/// A text of the component's own, wiped at its end. MakeRoom before it grows: std::basic_string wouldn't wipe
+/// what it leaves.
 template <class Char>
 struct Secret {
     std::basic_string<Char> Text;

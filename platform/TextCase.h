@@ -1,5 +1,5 @@
-// Case changes that no user's locale decides: each letter that has the other case becomes it, one character
-// for one.
+// Case conversion independent of the user's locale: every letter that has the other case, one character for
+// one.
 #pragma once
 
 #include <string>
@@ -18,7 +18,7 @@ void MakeLower(std::wstring& Text);
     return lower;
 }
 
-// Of ASCII alone; any other character stays as it is.
+// Of ASCII alone; any other character is unchanged.
 [[nodiscard]] constexpr wchar_t AsciiToUpper(wchar_t Character)
 {
     const bool isLower = Character >= L'a' && Character <= L'z';

@@ -11,7 +11,7 @@ namespace
 
 constexpr wchar_t FirstBeyondAscii = 0x80;
 
-/// The locale that belongs to no language and knows every letter; that of ASCII where the system lacks it.
+/// The language-neutral locale, which knows every letter; that of ASCII where the system lacks it.
 locale_t Neutral()
 {
     static const locale_t locale = [] { // kept until the process ends
@@ -25,7 +25,7 @@ template <auto OfAscii, auto OfAny>
 void Change(std::wstring& text)
 {
     for (wchar_t& character : text) {
-        if (character < FirstBeyondAscii) { // without the system, which takes its time for each character
+        if (character < FirstBeyondAscii) { // the system's function is slow for each character
             character = OfAscii(character);
             continue;
         }

@@ -1,4 +1,4 @@
-// An object of which each thread has its own.
+// Thread-local objects.
 #pragma once
 
 #include <memory>
@@ -6,8 +6,8 @@
 namespace acg
 {
 
-/// A pointer of which each thread has its own, null at first. It is the system's own storage: what compilers
-/// make of thread_local ends the process where its memory can't be had.
+/// A thread-local pointer, null at first, in the system's own thread storage: a compiler's thread_local ends
+/// the process where its memory can't be allocated.
 class ThreadPointer
 {
 public:
@@ -17,14 +17,14 @@ public:
     ThreadPointer& operator=(const ThreadPointer&) = delete;
 
     [[nodiscard]] void* Get() const;
-    void Set(void* Pointer) const; ///< throws std::bad_alloc, always where the system gave no storage
+    void Set(void* Pointer) const; ///< throws std::bad_alloc, always where the system had no storage left
 
 private:
-    unsigned long m_key = ~0UL; ///< the system gives none like it
+    unsigned long m_key = ~0UL; ///< no valid key has this value
 };
 
-/// Made when a thread first asks for it, and never destroyed: the component may have been unloaded when the
-/// thread ends.
+/// One object for each thread, created at its first Get and never destroyed: the component may have been
+/// unloaded when the thread ends.
 template <class Object>
 class ThreadObject
 {

@@ -86,7 +86,7 @@ Failure Encoder::SelectCardInRange(Failure* OfReaderType)
 {
     const CommandData noData;
     ByteString reply;
-    // What comes of these two doesn't matter: "select" decides.
+    // The results of these two don't matter: "select" decides.
     static_cast<void>(Exchange("use iso14443a", noData, reply));
     static_cast<void>(Exchange("antenna on", noData, reply));
     if (const Failure failure = SelectCard(reply)) {

@@ -22,7 +22,7 @@ namespace acg
 
 inline constexpr char HexDigits[] = "0123456789ABCDEF";
 
-/// The low byte as two upper-case digits: 9 gives "09", 256 gives "00", -1 gives "FF".
+/// The low byte as two upper-case digits: 9 is "09", 256 is "00", -1 is "FF".
 [[nodiscard]] std::wstring TwoHexDigits(int32_t Value);
 
 /// The value of a hexadecimal digit in either case; nothing for any other character.

@@ -152,7 +152,7 @@ Failure ReaderDLL::DetectReader(CommHandle Comm, std::string& Readers) const
 
 Failure ReaderDLL::OpenReader(CommHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const
 {
-    const int32_t thirdArgument = 0; // the library asks for it; it is always 0
+    const int32_t thirdArgument = 0; // required by the library; always 0
     return Call(ReaderFunction::OpenReader, Reader, Comm, ReaderId, thirdArgument);
 }
 

@@ -1,4 +1,4 @@
-// The reader vendor's library ACGReader330. Its binary interface is told in docs/reader-library.md.
+// The reader vendor's library ACGReader330. docs/reader-library.md describes its binary interface.
 #pragma once
 
 #include "platform/AnsiText.h"
@@ -46,7 +46,7 @@ static_assert(sizeof(CommSettings) == 8);
 using CommHandle = uint32_t;   ///< of a communication link
 using ReaderHandle = uint32_t; ///< of an opened reader
 
-/// Finds a function of the library. It is asked at each call.
+/// Finds a function of the library; called at each use of one.
 using EntryPointLookUp = std::function<EntryPoint(ReaderFunction)>;
 
 /// The thirteen functions, bound by name at run time.
@@ -71,7 +71,7 @@ public:
     Failure GetCommProtocol(CommHandle Comm, uint8_t& Protocol) const;
     Failure GetCommBaudRate(CommHandle Comm, int32_t& BaudRate) const;
     Failure GetCommTimeout(CommHandle Comm, int32_t& Timeout) const;
-    /// Readers: one byte for each reader found, its id, as the library gave it.
+    /// Readers: one byte for each reader found, its id, as the library returned it.
     Failure DetectReader(CommHandle Comm, std::string& Readers) const;
     /// Reader: 0 where the reader couldn't be opened.
     Failure OpenReader(CommHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const;
