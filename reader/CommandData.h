@@ -9,8 +9,8 @@
 namespace acg
 {
 
-/// Built in 8-bit, piece by piece, where its parts are known. It may hold keys: it wipes itself, and what it
-/// has outgrown.
+/// Built in 8-bit, piece by piece, where its parts are known. It may hold keys: it wipes itself, and
+/// memory that it has outgrown.
 class CommandData
 {
 public:
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] const char* Text() const { return m_text; }
 
 private:
-    /// Makes room behind the text and counts it as text. The caller fills it.
+    /// Extends the text by uninitialized room, which the caller fills.
     char* Grow(size_t Count);
 
     static constexpr size_t OwnRoom = 64; ///< a block with its number, or a login, and a NUL

@@ -27,7 +27,7 @@ wchar_t StatusLetter(std::string_view reply)
 
 } // namespace
 
-/// Sends a command with its data text. A status letter in place of data is raised as -5.
+/// Sends a command with its data text. A status letter in place of data is failure -5.
 Failure Encoder::Exchange(const char* Command, const CommandData& Data, ByteString& Reply)
 {
     if (m_hReader == 0) {
@@ -65,7 +65,7 @@ Failure Encoder::EncoderCommand(const char* Command, const CommandData& Data, By
     return failure;
 }
 
-/// Sends "select". That no card is in the field is a failure with a number of its own, and no path.
+/// Sends "select". An empty field is a failure with a number of its own, and no path.
 Failure Encoder::SelectCard(ByteString& SerialText)
 {
     const Failure failure = Exchange("select", CommandData(), SerialText);
@@ -80,8 +80,8 @@ Failure Encoder::SelectCard(ByteString& SerialText)
 }
 
 /// Sets the reader to ISO 14443 A, switches the antenna on, and selects the card in the field. After a
-/// success the record is what asking for the reader's type has left: clean, or its call failure, which is
-/// OfReaderType as well; then m_sReaderType keeps its value.
+/// success the record is that of querying the reader's type: clean, or its call failure, which is also
+/// returned in OfReaderType; then m_sReaderType keeps its value.
 Failure Encoder::SelectCardInRange(Failure* OfReaderType)
 {
     const CommandData noData;

@@ -1,4 +1,4 @@
-// How a failure travels inside the component: as a value that the caller tests on the next line.
+// A failure inside the component: a value that the caller tests on the next line.
 #pragma once
 
 #include <cstdint>

@@ -16,8 +16,8 @@ namespace acg
 /// True for Length hexadecimal digits in either case, with blanks around them or none.
 [[nodiscard]] bool AreHexDigits(std::wstring_view Text, size_t Length);
 
-/// Makes the text upper case and removes the blanks at both ends, whatever the result; true if it then is
-/// Length digits.
+/// Converts the text to upper case and removes the blanks at both ends, whatever the result; true if it is
+/// then Length digits.
 [[nodiscard]] bool IsHexString(std::wstring& Text, size_t Length);
 
 inline constexpr char HexDigits[] = "0123456789ABCDEF";

@@ -20,7 +20,7 @@ namespace
 
 #define ACG_LIBRARY "ACGReader330"
 
-// The numbers that Automation hosts know for the two failures of a call as a call.
+// The numbers of Automation hosts for the two failures of a call as such.
 constexpr int32_t FileNotFound = 53;
 constexpr int32_t EntryPointNotFound = 453;
 
@@ -51,7 +51,7 @@ Failure CallFailure(ReaderFunction function, const EntryPoint& missing)
     return {EntryPointNotFound, Functions[static_cast<size_t>(function)].NotFound, missing.SystemError};
 }
 
-/// The library's own look-up. What it found it keeps: a library that is loaded stays.
+/// The look-up in the library itself. It caches what it has found: a loaded library stays loaded.
 EntryPoint FindInLibrary(ReaderFunction function)
 {
     static constinit Library library(ACG_LIBRARY);

@@ -34,7 +34,7 @@ inline constexpr int ReaderFunctionCount = static_cast<int>(ReaderFunction::Clos
 /// The name under which the library exports the function.
 [[nodiscard]] const char* Name(ReaderFunction Function);
 
-/// What OpenComm takes by reference. What the library writes into it isn't read.
+/// Passed to OpenComm by reference. What the library writes into it isn't read.
 struct CommSettings {
     int32_t BaudRate = 0;
     uint8_t Protocol = 0; ///< 0 ASCII, 1 binary
@@ -51,9 +51,9 @@ using EntryPointLookUp = std::function<EntryPoint(ReaderFunction)>;
 
 /// The thirteen functions, bound by name at run time.
 ///
-/// Each operation gives back the failure of the call as a call: 53 where the library can't be loaded, 453
-/// where it lacks the function. Then no result is assigned, and a reply is empty. What the reader itself
-/// answered stands in the result.
+/// Each operation returns the failure of the call as such: 53 where the library can't be loaded, 453 where it
+/// lacks the function. Then no result is assigned, and a reply is empty. The reader's own answer is in the
+/// result.
 class ReaderDLL
 {
 public:
@@ -79,8 +79,8 @@ public:
     Failure GetReaderType(ReaderHandle Reader, std::wstring& Type) const;
     /// Id: up to its first NUL.
     Failure GetDeviceID(ReaderHandle Reader, std::wstring& Id) const;
-    /// Command and Data are ASCII or ANSI; Data may hold a key. Reply: the whole of it, with what stands
-    /// behind a NUL.
+    /// Command and Data are ASCII or ANSI; Data may hold a key. Reply: all of it, including what follows
+    /// a NUL.
     Failure SendCommandGetData(ReaderHandle Reader, const char* Command, const char* Data, ByteString& Reply);
     Failure CloseReader(ReaderHandle Reader) const;
     Failure CloseComm(CommHandle Comm) const;
