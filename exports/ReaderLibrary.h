@@ -2,7 +2,9 @@
 // derives from ReaderLibrary, and the thirteen exported functions call it.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <span>
 #include <string>
 #include <string_view>
@@ -51,6 +53,15 @@ public:
     virtual int32_t CloseReader(Handle /*Reader*/) { return 0; }
     virtual int32_t CloseComm(Handle /*Comm*/) { return 0; }
 };
+
+/// Writes one line on the standard error, its control characters as question marks. For what the interface
+/// has no result for; no key may be in it.
+inline void Report(std::string Line)
+{
+    std::ranges::replace_if(
+        Line, [](unsigned char character) { return character < ' '; }, '?');
+    static_cast<void>(std::fprintf(stderr, "ACGReader330: %s\n", Line.c_str()));
+}
 
 /// The object that the exported functions call. Whoever plays the library defines it.
 [[nodiscard]] ReaderLibrary& TheLibrary();

@@ -11,8 +11,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
 {
     FuzzedDataProvider input(Data, Size);
     simulator::Library library;
-    exports::CommSettings settings;
-    const uint32_t comm = library.OpenComm(input.ConsumeRandomLengthString(), /*Autodetect=*/1, settings);
+    const exports::CommSettings settings;
+    uint32_t comm = 0;
+    try {
+        comm = library.Open(simulator::ParseDeviceText(input.ConsumeRandomLengthString()), settings);
+    } catch (const std::runtime_error&) { // what OpenComm reports on the standard error
+    }
     const std::string ids = library.DetectReader(comm, {});
     const uint32_t reader = library.OpenReader(comm, static_cast<uint8_t>(ids.c_str()[0]), /*Third=*/0);
     assert((comm != 0 || ids.empty()) && ids.empty() == (reader == 0));

@@ -1,7 +1,9 @@
 #include "simulator/CardBox.h"
 
+#include <cerrno>
 #include <fstream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace simulator
@@ -14,25 +16,22 @@ namespace
 constexpr SerialNumber DefaultSerialNumber1K = {0x1D, 0x2C, 0x3B, 0x4A};
 constexpr SerialNumber DefaultSerialNumber4K = {0x4D, 0x5C, 0x6B, 0x7A};
 
-/// Gives at most one byte more than the largest card has, which is enough to see that the file is no card.
-std::vector<uint8_t> ReadFile(const std::string& path)
+Card CardFromImage(const CardOptions& options)
 {
-    std::vector<uint8_t> bytes(BlocksOf4K * sizeof(Block) + 1);
-    std::ifstream file(path, std::ios::binary);
-    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<std::size_t>(file.gcount()));
-    return bytes;
-}
-
-std::optional<Card> CardFromImage(const CardOptions& options)
-{
-    const std::vector<uint8_t> image = ReadFile(options.ImagePath);
+    const std::string option = "image=" + options.ImagePath;
+    std::ifstream file(options.ImagePath, std::ios::binary);
+    if (!file) {
+        throw Refusal(option, std::generic_category().message(errno));
+    }
+    std::vector<uint8_t> image(BlocksOf4K * sizeof(Block) + 1); // one more shows a file that is no card
+    file.read(reinterpret_cast<char*>(image.data()), static_cast<std::streamsize>(image.size()));
+    image.resize(static_cast<std::size_t>(file.gcount()));
     for (const std::size_t blocks : {BlocksOf1K, BlocksOf4K}) {
         if (image.size() == blocks * sizeof(Block) && options.BlockCount.value_or(blocks) == blocks) {
             return Card(image);
         }
     }
-    return std::nullopt;
+    throw Refusal(option, "expected a file of 1024 bytes, or 4096 for a 4K card, and card= to agree");
 }
 
 Card FactoryCard(const CardOptions& options)
@@ -43,7 +42,7 @@ Card FactoryCard(const CardOptions& options)
 
 } // namespace
 
-std::optional<Card*> CardBox::Lay(const CardOptions& Options)
+Card* CardBox::Lay(const CardOptions& Options)
 {
     const bool hasImage = !Options.ImagePath.empty();
     if (Options.BlockCount == 0U && !hasImage) {
@@ -54,14 +53,11 @@ std::optional<Card*> CardBox::Lay(const CardOptions& Options)
             return &known->second;
         }
     }
-    std::optional<Card> card = hasImage ? CardFromImage(Options) : FactoryCard(Options);
-    if (!card) {
-        return std::nullopt;
-    }
+    Card card = hasImage ? CardFromImage(Options) : FactoryCard(Options);
     if (Options.Number) {
-        card->SetSerialNumber(*Options.Number);
+        card.SetSerialNumber(*Options.Number);
     }
-    return &m_cards.try_emplace(card->GetSerialNumber(), *card).first->second;
+    return &m_cards.try_emplace(card.GetSerialNumber(), card).first->second;
 }
 
 } // namespace simulator

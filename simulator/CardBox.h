@@ -5,7 +5,6 @@
 #include "simulator/DeviceText.h"
 
 #include <map>
-#include <optional>
 
 namespace simulator
 {
@@ -15,10 +14,10 @@ namespace simulator
 class CardBox
 {
 public:
-    /// Gives the card that the options ask for, null for an empty field, and nothing where the image can't
-    /// be read or is no whole card of the size asked for. Where no serial number is asked for the
+    /// Gives the card that the options ask for, null for an empty field. Throws a Refusal where the image
+    /// can't be read or is no whole card of the size asked for. Where no serial number is asked for the
     /// image is read, as it tells.
-    [[nodiscard]] std::optional<Card*> Lay(const CardOptions& Options);
+    [[nodiscard]] Card* Lay(const CardOptions& Options);
 
 private:
     std::map<SerialNumber, Card> m_cards;

@@ -80,48 +80,64 @@ bool TakeFault(std::string_view value, Device& device)
     return true;
 }
 
-/// False for an option or a value that is unknown.
-bool TakeOption(std::string_view name, std::string_view value, Device& device)
+struct Option {
+    std::string_view Name;
+    std::string_view Expected;                            ///< the values that it takes
+    bool (*Take)(std::string_view value, Device& device); ///< false where the value isn't one of them
+};
+
+constexpr Option Options[] = {
+    {"card", "1k, 4k or none", TakeCard},
+    {"uid", "8 hexadecimal digits", TakeSerialNumber},
+    {"image", "the path of a file",
+     [](std::string_view value, Device& device) {
+         device.Card.ImagePath = value;
+         return !value.empty();
+     }},
+    {"reader", "a text",
+     [](std::string_view value, Device& device) {
+         device.ReaderType = value;
+         return true;
+     }},
+    {"readers", "two hexadecimal digits for each reader, not 00", TakeReaderIds},
+    {"fault", "COMMAND/N/LETTER, with N from 1 and one of the letters LNXFOR?IC or none", TakeFault},
+    {"remove", "a number of commands",
+     [](std::string_view value, Device& device) {
+         device.RemoveAfter = ParseNumber(value);
+         return device.RemoveAfter.has_value();
+     }},
+};
+
+std::string NamesOfOptions()
 {
-    if (name == "card") {
-        return TakeCard(value, device);
+    std::string names;
+    for (const Option& option : Options) {
+        names += (names.empty() ? "" : ", ") + std::string(option.Name) + '=';
     }
-    if (name == "uid") {
-        return TakeSerialNumber(value, device);
-    }
-    if (name == "image") {
-        device.Card.ImagePath = value;
-        return !value.empty();
-    }
-    if (name == "reader") {
-        device.ReaderType = value;
-        return true;
-    }
-    if (name == "readers") {
-        return TakeReaderIds(value, device);
-    }
-    if (name == "fault") {
-        return TakeFault(value, device);
-    }
-    if (name == "remove") {
-        device.RemoveAfter = ParseNumber(value);
-        return device.RemoveAfter.has_value();
-    }
-    return false;
+    return names;
 }
 
 } // namespace
 
-std::optional<Device> ParseDeviceText(std::string_view Text)
+std::runtime_error Refusal(std::string_view Option, std::string_view Reason)
+{
+    return std::runtime_error("option \"" + std::string(Option) + "\": " + std::string(Reason));
+}
+
+Device ParseDeviceText(std::string_view Text)
 {
     Device device;
     CutOff(Text, ','); // the name is the host's affair: every name is a device that is there
     while (!Text.empty()) {
-        std::string_view value = CutOff(Text, ',');
-        const bool hasValue = value.find('=') != std::string_view::npos;
+        const std::string_view text = CutOff(Text, ',');
+        std::string_view value = text;
         const std::string_view name = CutOff(value, '=');
-        if (!hasValue || !TakeOption(name, value, device)) {
-            return std::nullopt;
+        const auto* const option = std::ranges::find(Options, name, &Option::Name);
+        if (option == std::end(Options) || name == text) {
+            throw Refusal(text, "expected one of " + NamesOfOptions());
+        }
+        if (!option->Take(value, device)) {
+            throw Refusal(text, "expected " + std::string(option->Expected));
         }
     }
     return device;

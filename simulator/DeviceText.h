@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,8 +36,11 @@ struct Device {
     CardOptions Card;
 };
 
+/// Why a device can't be opened: what is wrong with the option, given as in the device text.
+[[nodiscard]] std::runtime_error Refusal(std::string_view Option, std::string_view Reason);
+
 /// Reads a name and the options behind it, separated by commas; of an option that is given twice the last
-/// counts, but every fault does. Gives nothing where an option or a value is unknown.
-[[nodiscard]] std::optional<Device> ParseDeviceText(std::string_view Text);
+/// counts, but every fault does. Throws a Refusal where an option or a value is unknown.
+[[nodiscard]] Device ParseDeviceText(std::string_view Text);
 
 } // namespace simulator

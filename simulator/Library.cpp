@@ -3,6 +3,7 @@
 #include "simulator/Hex.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace simulator
 {
@@ -32,13 +33,18 @@ int32_t Library::Set(Handle comm, Value Line::*setting, Value value)
 
 Library::Handle Library::OpenComm(Text DeviceText, uint8_t /*Autodetect*/, exports::CommSettings& Settings)
 {
-    const std::lock_guard lock(m_mutex);
-    const std::optional<Device> device = ParseDeviceText(DeviceText);
-    const std::optional<Card*> card = device ? m_cards.Lay(device->Card) : std::nullopt;
-    if (!card) {
+    try {
+        return Open(ParseDeviceText(DeviceText), Settings);
+    } catch (const std::exception& reason) {
+        exports::Report(std::string("OpenComm: ") + reason.what());
         return 0;
     }
-    m_lines.insert({++m_lastHandle, {*device, *card, Settings.BaudRate, Settings.Protocol}});
+}
+
+Library::Handle Library::Open(const Device& Named, const exports::CommSettings& Settings)
+{
+    const std::lock_guard lock(m_mutex);
+    m_lines.insert({++m_lastHandle, {Named, m_cards.Lay(Named.Card), Settings.BaudRate, Settings.Protocol}});
     return m_lastHandle;
 }
 

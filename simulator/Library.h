@@ -36,7 +36,10 @@ using Mutex = std::mutex;
 class Library final : public exports::ReaderLibrary
 {
 public:
+    /// Where the answer is 0, a line on the standard error says why.
     Handle OpenComm(Text DeviceText, uint8_t Autodetect, exports::CommSettings& Settings) override;
+    /// Opens a device that has been read already. Throws a Refusal where it can't be.
+    Handle Open(const Device& Named, const exports::CommSettings& Settings);
     int32_t SetCommTimeout(Handle Comm, int32_t Timeout) override;
     int32_t SetCommProtocol(Handle Comm, uint8_t Protocol) override;
     uint8_t GetCommProtocol(Handle Comm) override;

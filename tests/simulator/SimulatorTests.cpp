@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 using namespace simulator;
 
@@ -47,16 +48,22 @@ protected:
     }
 };
 
-TEST_F(SimulatorTest, UnknownOptionsAreRefused)
+TEST_F(SimulatorTest, UnknownOptionsAreRefusedWithALineThatSaysWhy)
 {
     for (const char* options : {"", ",reader=", ",readers=", ",fault=write vblock/12/?"}) {
         EXPECT_NE(OpenLine(options), 0U) << options;
     }
-    for (const std::string option :
-         {"card=2k", "card=", "CARD=1k", "uid=A1B2C3", "uid=A1B2C3DG", "image=", "reader", "readers=4100",
-          "remove=", "remove=1x", "remove=4294967296", "colour=red", "card=1k,,card=1k", "fault=login/1",
-          "fault=login/0/N", "fault=login/1/Z", "fault=login/1/NX", "fault=login/1/N/", "fault=dance/1/N"}) {
-        EXPECT_EQ(OpenLine("," + option), 0U) << option;
+    std::istringstream refused("card=2k card= CARD=1k uid=A1B2C3 uid=A1B2C3DG reader readers=4100 colour=red "
+                               "remove= remove=1x remove=4294967296 fault=login/1 fault=login/0/N "
+                               "fault=login/1/Z fault=login/1/NX fault=login/1/N/ fault=dance/1/N ,card=1k "
+                               "image= image=. image=no\x01where");
+    for (std::string option; refused >> option;) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(OpenLine("," + option), 0U);
+        const std::string line = testing::internal::GetCapturedStderr();
+        EXPECT_NE(line.find('"' + option.substr(0, option.find_first_of(",\x01"))), std::string::npos)
+            << line;
+        EXPECT_EQ(line.find_first_of("\x01\n"), line.size() - 1) << line;
     }
 }
 
