@@ -15,11 +15,17 @@ constexpr int32_t FirstLargeBlock = FirstLargeSector * SmallSectorBlocks;
 
 int32_t LoginSector(int32_t BlocNumber)
 {
-    if (BlocNumber < FirstLargeBlock) {
-        return BlocNumber / SmallSectorBlocks;
-    }
-    const int32_t largeSector = (BlocNumber - FirstLargeBlock) / LargeSectorBlocks;
-    return largeSector * (LargeSectorBlocks / SmallSectorBlocks) + FirstLargeSector;
+    const int32_t sector = SectorOf(BlocNumber);
+    return sector < FirstLargeSector
+               ? sector
+               : (sector - FirstLargeSector) * (LargeSectorBlocks / SmallSectorBlocks) + FirstLargeSector;
+}
+
+int32_t SectorOf(int32_t BlocNumber)
+{
+    return BlocNumber < FirstLargeBlock
+               ? BlocNumber / SmallSectorBlocks
+               : (BlocNumber - FirstLargeBlock) / LargeSectorBlocks + FirstLargeSector;
 }
 
 int32_t TrailerBlock(int32_t SectorNumber)

@@ -19,6 +19,9 @@ namespace acg
 /// 4. Below sector 33 that is the sector itself.
 [[nodiscard]] int32_t LoginSector(int32_t BlocNumber);
 
+/// The sector that a block lies in.
+[[nodiscard]] int32_t SectorOf(int32_t BlocNumber);
+
 /// The last block of a sector.
 [[nodiscard]] int32_t TrailerBlock(int32_t SectorNumber);
 

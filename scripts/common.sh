@@ -16,6 +16,8 @@ build_tools=(
     'have cmake|cmake'
     'have ninja|ninja-build'
     'test -e /usr/include/gtest/gtest.h|libgtest-dev'
+    'test -e /usr/include/CLI/CLI.hpp|libcli11-dev'
+    'test -e /usr/include/nlohmann/json.hpp|nlohmann-json3-dev'
 )
 test_tools=(
     'have clang++|clang'

@@ -1,0 +1,32 @@
+// Where a command's keys come from. A key is never part of a message.
+#pragma once
+
+#include "acg/Card.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace acg::tool
+{
+
+/// How the user gives a key.
+struct KeyOptions {
+    std::string Text; ///< --key; empty: not given
+    std::string File; ///< --key-file
+    bool AsB = false; ///< --as-b
+};
+
+/// 12 hexadecimal digits in either case, blanks around them allowed, in upper case. Throws UsageError, whose
+/// text calls the key What.
+[[nodiscard]] std::wstring ParseKey(std::string_view Text, std::string_view What);
+
+/// From --key, else the first line of --key-file, else the variable ACG_KEY. Throws UsageError where there is
+/// none, or it isn't a key.
+[[nodiscard]] Key TheKey(const KeyOptions& Options);
+[[nodiscard]] bool IsKeyGiven(const KeyOptions& Options);
+
+/// The keys of a file, one a line; empty lines and lines that begin with "#" don't count.
+[[nodiscard]] std::vector<std::wstring> ReadKeys(const std::string& File);
+
+} // namespace acg::tool

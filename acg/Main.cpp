@@ -1,0 +1,162 @@
+// The command line: what each command takes, and how the program ends.
+#include "acg/Commands.h"
+#include "acg/Failures.h"
+#include "acg/Json.h"
+#include "acg/Output.h"
+#include "acg/System.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace acg::tool;
+
+class CommandLine
+{
+public:
+    CommandLine();
+
+    /// Throws CLI::ParseError for wrong use, and where help is asked for.
+    void Parse(std::vector<std::string> arguments)
+    {
+        std::ranges::reverse(arguments); // as the library takes them
+        m_program.parse(std::move(arguments));
+    }
+
+    int Run() { return m_chosen(m_options); }
+
+    [[nodiscard]] bool WantsJson() const { return m_options.Json; }
+
+    /// Prints the help that was asked for, or what is wrong; the exit status.
+    [[nodiscard]] int Explain(const CLI::ParseError& error) const;
+
+private:
+    using Command = int (*)(const Options&);
+
+    CLI::App* Add(Command command, const char* name, const char* description, const char* example);
+    void TakesKey(CLI::App* command);
+
+    CLI::App m_program{"Reads and writes contactless cards through an ACG Multi-ISO reader."};
+    Options m_options;
+    Command m_chosen = nullptr;
+};
+
+CommandLine::CommandLine()
+{
+    m_program.name("acg");
+    m_program.require_subcommand(1);
+    m_program.set_version_flag("--version", ACG_VERSION);
+    m_program
+        .add_option("--reader", m_options.Parameters,
+                    "The reader's settings, as in \"Device=com1;Baud rate=9600\"; where it isn't given, "
+                    "those of the variable ACG_PARAMETERS")
+        ->type_name("TEXT");
+    m_program.footer("Exit status: 0 done, 1 the card or the reader failed, 2 wrong use, 130 Ctrl-C.\n"
+                     "acg COMMAND --help shows what a command takes, with an example.");
+
+    CLI::App* const info =
+        Add(Info, "info", "Shows the reader, its type and state, and the card's serial number",
+            "acg info --reader \"Device=com3;Baud rate=19200\"");
+    info->add_flag("--json", m_options.Json, "Print JSON");
+
+    CLI::App* const read =
+        Add(Read, "read", "Shows blocks in hexadecimal and as characters", "acg read 4-6 --key FFFFFFFFFFFF");
+    read->add_option("BLOCK", m_options.Blocks, "A block, or the first and the last one: BLOCK-BLOCK")
+        ->required();
+    TakesKey(read);
+    read->add_flag("--json", m_options.Json, "Print JSON");
+}
+
+CLI::App* CommandLine::Add(Command command, const char* name, const char* description, const char* example)
+{
+    CLI::App* const added = m_program.add_subcommand(name, description);
+    added->fallthrough(); // so that --reader may follow
+    added->footer(std::string("Example:\n  ") + example);
+    added->callback([this, command] { m_chosen = command; });
+    return added;
+}
+
+void CommandLine::TakesKey(CLI::App* command)
+{
+    KeyOptions& key = m_options.Key;
+    CLI::Option* const text =
+        command->add_option("--key", key.Text, "The key to log in with, 12 hexadecimal digits")
+            ->type_name("KEY");
+    command
+        ->add_option("--key-file", key.File,
+                     "A file whose first line is the key. Without both: the variable ACG_KEY")
+        ->type_name("FILE")
+        ->excludes(text);
+    command->add_flag("--as-b", key.AsB, "It is key B, not key A");
+}
+
+int CommandLine::Explain(const CLI::ParseError& error) const
+{
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        return m_program.exit(error);
+    }
+    const auto chosen = m_program.get_subcommands();
+    const std::string name = chosen.empty() ? "acg" : "acg " + chosen.front()->get_name();
+    std::string text = error.what();
+    // What isn't an option's name may be a key.
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError)) {
+        const auto extras = m_program.remaining(/*recurse=*/true);
+        const auto option =
+            std::ranges::find_if(extras, [](const std::string& extra) { return extra.starts_with("--"); });
+        text = option != extras.end() ? "no such option: " + option->substr(0, option->find('='))
+                                      : "an argument too many, or an option that doesn't exist";
+    }
+    PrintProblem(text + "; " + name + " --help shows what there is");
+    return WrongUse;
+}
+
+int Run(CommandLine& commandLine, const std::vector<std::string>& arguments)
+{
+    try {
+        commandLine.Parse(arguments);
+        return commandLine.Run();
+    } catch (const CLI::ParseError& error) {
+        return commandLine.Explain(error);
+    } catch (const CardFailure& failure) {
+        if (commandLine.WantsJson()) {
+            std::fputs(Json(failure.Record).c_str(), stdout);
+        }
+        PrintProblem(InWords(failure.Record));
+        return Failed;
+    } catch (const OtherFailure& failure) {
+        PrintProblem(failure.Text);
+        return Failed;
+    } catch (const UsageError& error) {
+        PrintProblem(error.Text);
+        return WrongUse;
+    } catch (const Interruption&) {
+        PrintProblem("interrupted; the reader is closed");
+        return Interrupted;
+    }
+}
+
+} // namespace
+
+int main(int count, char* values[])
+{
+    try {
+        PrepareConsole();
+        CommandLine commandLine;
+        const int status = Run(commandLine, Arguments(count, values));
+        if (std::fflush(stdout) != 0) {
+            PrintProblem("standard output can't be written");
+            return status == Done ? Failed : status;
+        }
+        return status;
+    } catch (const std::exception& error) { // text that isn't UTF-8, no memory
+        PrintProblem(error.what());
+        return Failed;
+    }
+}

@@ -1,0 +1,61 @@
+#include "acg/System.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <string_view>
+#include <unistd.h>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+volatile std::sig_atomic_t interrupted = 0;
+
+extern "C" void NoteInterrupt(int /*signal*/)
+{
+    interrupted = 1;
+}
+
+} // namespace
+
+std::vector<std::string> Arguments(int Count, char** Values)
+{
+    return Count > 0 ? std::vector<std::string>(Values + 1, Values + Count) : std::vector<std::string>();
+}
+
+std::optional<std::string> EnvironmentVariable(const char* Name)
+{
+    const char* const value = std::getenv(Name); // NOLINT(concurrency-mt-unsafe): there is one thread
+    return value != nullptr && *value != '\0' ? std::optional<std::string>(value) : std::nullopt;
+}
+
+bool IsTerminal(std::FILE* Stream)
+{
+    return isatty(fileno(Stream)) == 1;
+}
+
+bool IsColourTerminal(std::FILE* Stream)
+{
+    return IsTerminal(Stream) && !EnvironmentVariable("NO_COLOR") &&
+           EnvironmentVariable("TERM").value_or("dumb") != "dumb";
+}
+
+void PrepareConsole()
+{
+    struct sigaction action = {};
+    action.sa_handler = NoteInterrupt;
+    // Without SA_RESTART, so that a question on the terminal ends as well.
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        sigaction(signal, &action, nullptr);
+    }
+}
+
+bool WasInterrupted()
+{
+    return interrupted != 0;
+}
+
+} // namespace acg::tool
