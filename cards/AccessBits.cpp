@@ -1,6 +1,11 @@
 #include "cards/AccessBits.h"
 
+#include "cards/BlockText.h"
 #include "encoder/Enums.h"
+#include "reader/HexText.h"
+
+#include <algorithm>
+#include <optional>
 
 namespace acg
 {
@@ -57,17 +62,44 @@ constexpr AccessTriple TrailerOfBoth[] = {
     "011", // 12  keys and conditions
 };
 
-constexpr DecodedAccess Decoded[] = {
-    // keys A and B of a data block; what is written of the trailer
-    {15, KeyAAlone, 1}, // 000  rw rw; by A, keys
-    {5, KeyAAlone, 3},  // 001  r  r;  by A, keys and conditions
-    {5, KeyAAlone, 0},  // 010  r  r;  nothing
-    {12, BothKeys, 12}, // 011  -  rw; by B, keys and conditions
-    {13, BothKeys, 4},  // 100  r  rw; by B, keys
-    {4, BothKeys, 8},   // 101  -  r;  by B, conditions
-    {13, BothKeys, 0},  // 110  r  rw; nothing
-    {0, BothKeys, 0},   // 111  -  -;  nothing
+constexpr AccessTriple Triples[] = {"000", "001", "010", "011", "100", "101", "110", "111"};
+
+/// What the card grants, in the order of Triples.
+constexpr BlockRights OnBlock[] = {
+    // read       write       increment   decrement
+    {Keys::AOrB, Keys::AOrB, Keys::AOrB, Keys::AOrB}, // 000
+    {Keys::AOrB, Keys::None, Keys::None, Keys::AOrB}, // 001
+    {Keys::AOrB, Keys::None, Keys::None, Keys::None}, // 010
+    {Keys::B, Keys::B, Keys::None, Keys::None},       // 011
+    {Keys::AOrB, Keys::B, Keys::None, Keys::None},    // 100
+    {Keys::B, Keys::None, Keys::None, Keys::None},    // 101
+    {Keys::AOrB, Keys::B, Keys::B, Keys::AOrB},       // 110
+    {Keys::None, Keys::None, Keys::None, Keys::None}, // 111
 };
+
+constexpr TrailerRights OnTrailer[] = {
+    // write keys, conditions; read conditions, key B
+    {Keys::A, Keys::None, Keys::A, Keys::A},          // 000
+    {Keys::A, Keys::A, Keys::A, Keys::A},             // 001
+    {Keys::None, Keys::None, Keys::A, Keys::A},       // 010
+    {Keys::B, Keys::B, Keys::AOrB, Keys::None},       // 011
+    {Keys::B, Keys::None, Keys::AOrB, Keys::None},    // 100
+    {Keys::None, Keys::B, Keys::AOrB, Keys::None},    // 101
+    {Keys::None, Keys::None, Keys::AOrB, Keys::None}, // 110
+    {Keys::None, Keys::None, Keys::AOrB, Keys::None}, // 111
+};
+
+size_t IndexOf(AccessTriple triple)
+{
+    return static_cast<size_t>(std::ranges::find(Triples, triple) - std::begin(Triples));
+}
+
+/// Rights as a level: 1 and 2 for key A, 4 and 8 for key B.
+int32_t Level(Keys lower, Keys upper)
+{
+    const auto ofKey = [&](Keys key) { return (Has(lower, key) ? 1 : 0) + (Has(upper, key) ? 2 : 0); };
+    return ofKey(Keys::A) + (ofKey(Keys::B) << 2);
+}
 
 constexpr int32_t RightsOfKeyA = 3;
 constexpr unsigned NibbleBits = 4;
@@ -75,6 +107,22 @@ constexpr unsigned NibbleBits = 4;
 constexpr uint8_t HighNibble(uint8_t mask)
 {
     return static_cast<uint8_t>(mask << NibbleBits);
+}
+
+/// A byte of a block that the reader sent. A pair that isn't hexadecimal counts as far as it can be read,
+/// with blanks skipped: " 5" is 5, like "5 " and "5G", and "G5" is 0.
+uint8_t ByteOf(std::wstring_view block, size_t byte)
+{
+    unsigned value = 0;
+    for (const wchar_t character : block.substr(byte * DigitsOfByte, DigitsOfByte)) {
+        const std::optional<int> digit = HexDigit(character);
+        if (digit) {
+            value = value << 4 | static_cast<unsigned>(*digit);
+        } else if (character != L' ' && character != L'\t' && character != L'\n') {
+            break;
+        }
+    }
+    return static_cast<uint8_t>(value);
 }
 
 } // namespace
@@ -114,13 +162,59 @@ void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes)
     store(Bytes[2], /*highBit=*/c3, /*lowBit=*/c2);
 }
 
-const DecodedAccess& DecodeSlot(const ConditionBytes& Bytes, unsigned Slot)
+ConditionBytes ConditionBytesOf(std::wstring_view Trailer)
+{
+    constexpr size_t First = 6;
+    return {ByteOf(Trailer, First), ByteOf(Trailer, First + 1), ByteOf(Trailer, First + 2)};
+}
+
+uint8_t UserByteOf(std::wstring_view Trailer)
+{
+    constexpr size_t UserByte = 9;
+    return ByteOf(Trailer, UserByte);
+}
+
+AccessTriple TripleIn(const ConditionBytes& Bytes, unsigned Slot)
 {
     const auto bit = [Slot](unsigned byte, unsigned nibble) { return byte >> (nibble + Slot) & 1U; };
     const unsigned c1 = bit(Bytes[1], NibbleBits);
     const unsigned c2 = bit(Bytes[2], 0);
     const unsigned c3 = bit(Bytes[2], NibbleBits);
-    return Decoded[c1 << 2 | c2 << 1 | c3];
+    return Triples[c1 << 2 | c2 << 1 | c3];
+}
+
+bool InvertedCopiesAgree(const ConditionBytes& Bytes)
+{
+    ConditionBytes stored = Bytes;
+    for (unsigned slot = 0; slot < SectorSlots; ++slot) {
+        StoreAccessBits(TripleIn(Bytes, slot), MaskOf(slot), stored);
+    }
+    return stored == Bytes;
+}
+
+const BlockRights& BlockRightsOf(AccessTriple Triple)
+{
+    return OnBlock[IndexOf(Triple)];
+}
+
+const TrailerRights& TrailerRightsOf(AccessTriple Triple)
+{
+    return OnTrailer[IndexOf(Triple)];
+}
+
+int32_t LevelOf(const BlockRights& Rights)
+{
+    return Level(Rights.Read, Rights.Write);
+}
+
+int32_t LevelOf(const TrailerRights& Rights)
+{
+    return Level(Rights.WriteKeys, Rights.WriteConditions);
+}
+
+uint8_t KeysUsedBy(const TrailerRights& Rights)
+{
+    return Rights.ReadKeyB == Keys::None ? BothKeys : KeyAAlone;
 }
 
 } // namespace acg

@@ -10,7 +10,6 @@
 #include "reader/HexText.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace acg
@@ -20,31 +19,6 @@ namespace
 {
 
 constexpr size_t KeyDigits = 12;
-constexpr size_t FirstConditionByte = 6;
-constexpr size_t UserByte = 9;
-constexpr unsigned TrailerSlot = 3;
-
-/// A byte of a block that the reader sent. A pair that isn't hexadecimal counts as far as it can be read,
-/// with blanks skipped: " 5" is 5, like "5 " and "5G", and "G5" is 0.
-uint8_t ByteOf(std::wstring_view block, size_t byte)
-{
-    unsigned value = 0;
-    for (const wchar_t character : block.substr(byte * DigitsOfByte, DigitsOfByte)) {
-        const std::optional<int> digit = HexDigit(character);
-        if (digit) {
-            value = value << 4 | static_cast<unsigned>(*digit);
-        } else if (character != L' ' && character != L'\t' && character != L'\n') {
-            break;
-        }
-    }
-    return static_cast<uint8_t>(value);
-}
-
-ConditionBytes ConditionBytesOf(std::wstring_view trailer)
-{
-    return {ByteOf(trailer, FirstConditionByte), ByteOf(trailer, FirstConditionByte + 1),
-            ByteOf(trailer, FirstConditionByte + 2)};
-}
 
 sceReturnCode Store(AccessTriple triple, uint8_t mask, ConditionBytes& bytes)
 {
@@ -72,17 +46,17 @@ sceReturnCode Encoder::ReadSectorTrailer(int32_t SectorNumber, std::wstring_view
         return FailBelow(OperationName);
     }
     const std::wstring_view trailer = text.Text;
-    BX = ByteOf(trailer, UserByte);
+    BX = UserByteOf(trailer);
     const ConditionBytes bytes = ConditionBytesOf(trailer);
     const auto blockLevel = [&bytes](unsigned slot) {
-        return static_cast<SCBS_SecurityLevelEnum>(DecodeSlot(bytes, slot).BlockLevel);
+        return static_cast<SCBS_SecurityLevelEnum>(LevelOf(BlockRightsOf(TripleIn(bytes, slot))));
     };
     Security0 = blockLevel(0);
     Security1 = blockLevel(1);
     Security2 = blockLevel(2);
-    const DecodedAccess& ofTrailer = DecodeSlot(bytes, TrailerSlot);
-    KeysUsed = ofTrailer.KeysUsed;
-    Conditions = static_cast<SCSS_SecurityLevelEnum>(ofTrailer.TrailerLevel);
+    const TrailerRights& ofTrailer = TrailerRightsOf(TripleIn(bytes, TrailerSlot));
+    KeysUsed = KeysUsedBy(ofTrailer);
+    Conditions = static_cast<SCSS_SecurityLevelEnum>(LevelOf(ofTrailer));
     ResetLastError(OperationName);
     return sceSuccess;
 }
@@ -127,10 +101,10 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
     ConditionBytes bytes = ConditionBytesOf(trailer.Text);
     // In a sector of 16 blocks too, its last three data blocks are looked up as value blocks.
     const std::initializer_list<sceReturnCode> encoded = {
-        SetBlockAccess(Security0, keyMode, /*Mask=*/1, BlockBefore(trailerBlock, 3), bytes),
-        SetBlockAccess(Security1, keyMode, /*Mask=*/2, BlockBefore(trailerBlock, 2), bytes),
-        SetBlockAccess(Security2, keyMode, /*Mask=*/4, BlockBefore(trailerBlock, 1), bytes),
-        SetTrailerAccess(Conditions, keyMode, /*Mask=*/8, bytes),
+        SetBlockAccess(Security0, keyMode, MaskOf(0), BlockBefore(trailerBlock, 3), bytes),
+        SetBlockAccess(Security1, keyMode, MaskOf(1), BlockBefore(trailerBlock, 2), bytes),
+        SetBlockAccess(Security2, keyMode, MaskOf(2), BlockBefore(trailerBlock, 1), bytes),
+        SetTrailerAccess(Conditions, keyMode, MaskOf(TrailerSlot), bytes),
     };
     if (std::ranges::find(encoded, sceError) != encoded.end()) {
         return Fail(BadSecurity, OperationName);

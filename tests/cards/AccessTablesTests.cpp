@@ -1,0 +1,79 @@
+// The tables of docs/access-levels.md against the rules: each row, made anew, stands in the document.
+#include "cards/SectorAccess.h"
+#include "encoder/Enums.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+using namespace acg;
+
+namespace
+{
+
+const char* const Block[] = {"-", "r", "w", "rw"};
+const char* const Trailer[] = {"nothing", "keys", "conditions", "keys and conditions"};
+const char* const Holders[] = {"nobody", "A", "B", "A or B"};
+
+/// Cells joined by " | "; an empty one is "|".
+void ExpectRow(const std::string& cells)
+{
+    static const std::string document =
+        (std::ostringstream() << std::ifstream(ACG_DOCS "/access-levels.md").rdbuf()).str();
+    EXPECT_NE(document.find("\n| " + cells + " |\n"), std::string::npos) << cells;
+}
+
+TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
+{
+    for (int32_t level = 0; level <= HighestLevel + 4; ++level) {
+        const bool alone = level > HighestLevel; // then the part of key A, 0 to 3
+        const int32_t asked = level & HighestLevel;
+        const uint8_t keys = alone ? KeyAAlone : BothKeys;
+        const auto encode = [&](int32_t block, int32_t trailer, bool listed) {
+            return Encode({{block, block, block, trailer}, keys, {listed, listed, listed}});
+        };
+        const auto cells = [&](const char* const(&words)[4], int32_t ofLevel) {
+            const std::string ofA = words[ofLevel & 3];
+            return alone ? ofA : ofA + " | " + words[ofLevel >> 2];
+        };
+        const std::string number = std::to_string(asked) + " | ";
+
+        const auto bytes = encode(asked, alone ? 3 : 12, /*listed=*/false);
+        if (bytes) {
+            const std::string stored(TripleIn(*bytes, 2));
+            const std::string listed(TripleIn(*encode(asked, alone ? 3 : 12, true), 2));
+            ExpectRow(number + cells(Block, asked) + " | " + stored +
+                      (stored == listed ? "" : ", or " + listed) + " | " +
+                      cells(Block, LevelOf(RightsGranted(*bytes).Blocks[2])) + " | " +
+                      std::to_string(LevelOf(BlockRightsOf(stored))));
+        } else {
+            ExpectRow(number + cells(Block, asked) + " | refused | | |");
+        }
+        if (const auto written = encode(alone ? 3 : 15, asked, false)) {
+            const TrailerRights rights = RightsGranted(*written).Trailer;
+            const int shift = alone ? 0 : 2;
+            const int32_t back = LevelOf(rights);
+            ExpectRow(number + Trailer[asked >> shift] + " | " +
+                      std::string(TripleIn(*written, TrailerSlot)) + " | " + Trailer[back >> shift] +
+                      (AreKeysFixed(rights) ? ", for good" : "") + " | " + std::to_string(back) + " | " +
+                      std::to_string(KeysUsedBy(rights)));
+        } else {
+            EXPECT_TRUE((asked & 3) != 0 && !alone) << asked;
+        }
+    }
+    const std::pair<const char*, const char*> storedBy[] = {{"000", "10, 11, 14, 15; key A alone: 2, 3"},
+                                                            {"001", "5; key A alone: 1"},
+                                                            {"010", "none"},
+                                                            {"011", "8, 12"},
+                                                            {"100", "9, 13, not listed"},
+                                                            {"101", "4"},
+                                                            {"110", "9, 13, listed"},
+                                                            {"111", "0; key A alone: 0"}};
+    for (const auto& [triple, levels] : storedBy) {
+        const BlockRights& rights = BlockRightsOf(triple);
+        ExpectRow(std::string(triple) + " | " + levels + " | " + Holders[static_cast<int>(rights.Increment)] +
+                  " | " + Holders[static_cast<int>(rights.Decrement)]);
+    }
+}
+
+} // namespace
