@@ -3,6 +3,8 @@
 #include "cards/BlockText.h"
 #include "encoder/Encoder.h"
 #include "encoder/Failures.h"
+#include "platform/AnsiText.h"
+#include "reader/CommandData.h"
 #include "reader/HexText.h"
 
 namespace acg

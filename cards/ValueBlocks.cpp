@@ -1,5 +1,7 @@
 // Writing a value block.
 #include "encoder/Encoder.h"
+#include "platform/AnsiText.h"
+#include "reader/CommandData.h"
 
 namespace acg
 {

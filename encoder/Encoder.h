@@ -4,8 +4,6 @@
 #include "cards/ConditionBytes.h"
 #include "encoder/CError.h"
 #include "encoder/Enums.h"
-#include "platform/AnsiText.h"
-#include "reader/CommandData.h"
 #include "reader/ReaderDLL.h"
 
 #include <chrono>
@@ -20,6 +18,9 @@
 
 namespace acg
 {
+
+class ByteString;
+class CommandData;
 
 /// What the four properties that raise throw. Nothing else is thrown to the host, except when memory runs
 /// out.

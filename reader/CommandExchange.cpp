@@ -1,8 +1,10 @@
 // The exchange of one reader command, and the selection of the card.
 #include "encoder/Encoder.h"
 #include "encoder/Failures.h"
+#include "platform/AnsiText.h"
 #include "platform/Secret.h"
 #include "platform/TextCase.h"
+#include "reader/CommandData.h"
 
 namespace acg
 {

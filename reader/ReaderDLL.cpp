@@ -1,5 +1,6 @@
 #include "reader/ReaderDLL.h"
 
+#include "platform/AnsiText.h"
 #include "platform/Secret.h"
 
 #include <array>

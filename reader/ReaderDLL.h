@@ -1,7 +1,6 @@
 // The reader vendor's library ACGReader330. docs/reader-library.md describes its binary interface.
 #pragma once
 
-#include "platform/AnsiText.h"
 #include "platform/Library.h"
 #include "reader/Failure.h"
 
@@ -12,6 +11,8 @@
 
 namespace acg
 {
+
+class ByteString;
 
 /// The functions of the library that are called.
 enum class ReaderFunction {

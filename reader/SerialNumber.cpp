@@ -1,5 +1,7 @@
 // The serial text of the card in the field.
 #include "encoder/Encoder.h"
+#include "platform/AnsiText.h"
+#include "reader/CommandData.h"
 
 namespace acg
 {

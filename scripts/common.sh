@@ -21,6 +21,7 @@ build_tools=(
 )
 test_tools=(
     'have clang++|clang'
+    'have pkg-config|pkg-config'
     'compgen -G "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.asan-*.a"|libclang-rt-14-dev'
 )
 style_tools=(

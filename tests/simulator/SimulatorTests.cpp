@@ -1,6 +1,7 @@
 // The simulated reader library: the device text that plans a reader, its handles, its commands, and the card
 // in its field. What the card grants under each access condition is held against the component's access
 // levels.
+#include "platform/AnsiText.h"
 #include "reader/ReaderDLL.h"
 #include "simulator/Library.h"
 
