@@ -1,6 +1,7 @@
 #include "acg/Card.h"
 
 #include "acg/Failures.h"
+#include "acg/ReplyWatch.h"
 #include "acg/System.h"
 #include "acg/Text.h"
 #include "platform/TextCase.h"
@@ -58,7 +59,7 @@ std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters)
         return WasInterrupted() ? std::chrono::steady_clock::time_point::max()
                                 : std::chrono::steady_clock::now();
     };
-    auto encoder = std::make_unique<Encoder>(ReaderDLL(), clock);
+    auto encoder = std::make_unique<Encoder>(WatchedLibrary(), clock);
     const std::wstring text =
         ToWide(!Parameters.empty() ? Parameters : EnvironmentVariable("ACG_PARAMETERS").value_or(""));
     CheckParameters(text);
@@ -92,6 +93,9 @@ Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With)
 {
     std::wstring contents;
     Must(Opened, Opened.ReadDataBloc(Number, With.Digits, With.Type, contents));
+    if (!WasWholeBlock()) {
+        throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", Number)};
+    }
     const std::optional<Block> block = ParseBlock(ToUtf8(contents));
     if (!block) {
         throw OtherFailure{Format("the reader's reply to reading block %d isn't hexadecimal", Number)};

@@ -36,7 +36,7 @@ void Open(Encoder& Closed);
 /// Ctrl-C.
 void Must(Encoder& Opened, sceReturnCode Result);
 
-/// Throws OtherFailure where the reader's reply isn't hexadecimal.
+/// Throws OtherFailure where the reader's reply isn't a whole block in hexadecimal.
 [[nodiscard]] Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With);
 
 /// The bytes of 32 hexadecimal digits, blanks anywhere allowed; nothing for any other text.

@@ -10,11 +10,27 @@
 namespace acg::tool
 {
 
+/// What "trailer", "preview" and "protect" take.
+struct AccessOptions {
+    std::string Sector;      ///< SECTOR
+    std::string Levels;      ///< --levels
+    std::string KeysToUse;   ///< --keys of "preview" and "protect"
+    std::string ValueBlocks; ///< --value
+    std::string NewA;        ///< --new-a
+    std::string NewB;        ///< --new-b
+    std::string NewKeysFile; ///< --new-keys
+    std::string BX;          ///< --bx
+    bool IsForGood = false;  ///< --for-good
+    bool IsDryRun = false;   ///< --dry-run
+    bool IsAgreedTo = false; ///< --yes
+};
+
 /// What the command line says; a command reads what it declares in Main.cpp.
 struct Options {
-    std::string Parameters;         ///< --reader
-    KeyOptions Key;                 ///< --key, --key-file, --as-b
-    bool Json = false;              ///< --json
+    std::string Parameters; ///< --reader
+    KeyOptions Key;         ///< --key, --key-file, --as-b
+    bool Json = false;      ///< --json
+    AccessOptions Access;
     std::string Blocks;             ///< BLOCK, or BLOCK-BLOCK
     std::string Contents;           ///< HEX
     std::string Number;             ///< NUMBER
@@ -24,5 +40,8 @@ struct Options {
 
 int Info(const Options& Options);
 int Read(const Options& Options);
+int Trailer(const Options& Options);
+int Preview(const Options& Options);
+int Protect(const Options& Options);
 
 } // namespace acg::tool

@@ -60,6 +60,31 @@ std::string Json(std::span<const ShownBlock> Result)
     return Line({{"blocks", blocks}});
 }
 
+std::string Json(const ShownAccess& Result)
+{
+    const SectorRights rights = RightsGranted(Result.Bytes);
+    Object levels = Object::array();
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        levels.push_back(LevelOf(BlockRightsOf(TripleIn(Result.Bytes, slot))));
+    }
+    levels.push_back(LevelOf(rights.Trailer));
+    Object rows = Object::array();
+    for (const AccessRow& row : AccessRows(Result.Bytes, Result.Sector)) {
+        rows.push_back({{"what", row.What}, {"keyA", row.KeyA}, {"keyB", row.KeyB}});
+    }
+    return Line({
+        {"sector", Result.Sector ? Object(*Result.Sector) : Object()},
+        {"accessBits", AccessBitsText(Result.Bytes)},
+        {"byte9", Result.UserByte ? Object(*Result.UserByte) : Object()},
+        {"levels", levels},
+        {"keys", KeysUsedBy(rights.Trailer)},
+        {"may", rows},
+        {"accessFixedForGood", AreConditionsFixed(rights.Trailer)},
+        {"keysFixedForGood", AreKeysFixed(rights.Trailer)},
+        {"deviations", Result.Deviations},
+    });
+}
+
 std::string Json(const CError& Failure)
 {
     return Line({{"failure", FailureObject(Failure)}});

@@ -1,6 +1,7 @@
 // Results as JSON, for --json: one object, with the end of its line.
 #pragma once
 
+#include "acg/AccessWords.h"
 #include "encoder/CError.h"
 
 #include <cstdint>
@@ -27,7 +28,16 @@ struct ShownBlock {
     std::string Characters; ///< 16, with "." for what can't be printed
 };
 
+/// What "trailer" and "preview" show.
+struct ShownAccess {
+    SectorNumber Sector; ///< none for "preview"
+    ConditionBytes Bytes;
+    std::optional<uint8_t> UserByte;
+    std::vector<std::string> Deviations;
+};
+
 [[nodiscard]] std::string Json(const ReaderInfo& Result);
+[[nodiscard]] std::string Json(const ShownAccess& Result);
 [[nodiscard]] std::string Json(std::span<const ShownBlock> Result);
 /// Of a command that failed.
 [[nodiscard]] std::string Json(const CError& Failure);

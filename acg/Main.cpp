@@ -42,6 +42,7 @@ private:
 
     CLI::App* Add(Command command, const char* name, const char* description, const char* example);
     void TakesKey(CLI::App* command);
+    void AddAccessCommands();
 
     CLI::App m_program{"Reads and writes contactless cards through an ACG Multi-ISO reader."};
     Options m_options;
@@ -72,6 +73,57 @@ CommandLine::CommandLine()
         ->required();
     TakesKey(read);
     read->add_flag("--json", m_options.Json, "Print JSON");
+
+    AddAccessCommands();
+}
+
+void CommandLine::AddAccessCommands()
+{
+    AccessOptions& access = m_options.Access;
+    const auto takesSector = [&](CLI::App* command) {
+        command->add_option("SECTOR", access.Sector, "The sector, 0 to 15, on a 4K card to 39")->required();
+        TakesKey(command);
+    };
+    const auto takesLevels = [&](CLI::App* command) {
+        command
+            ->add_option("--levels", access.Levels,
+                         "The levels of the three data blocks and of the trailer, as in 13,13,13,12")
+            ->type_name("L0,L1,L2,LT")
+            ->required();
+        return command->add_option("--keys", access.KeysToUse, "1 for key A alone, 2 for both keys")
+            ->type_name("1|2");
+    };
+
+    CLI::App* const trailer =
+        Add(Trailer, "trailer", "Shows what each key of a sector may do", "acg trailer 1 --key FFFFFFFFFFFF");
+    takesSector(trailer);
+    trailer->add_flag("--json", m_options.Json, "Print JSON");
+
+    CLI::App* const preview = Add(Preview, "preview", "Shows what levels let each key do, without a card",
+                                  "acg preview --levels 13,13,13,12 --keys 2 --value 0");
+    takesLevels(preview)->required();
+    preview->add_option("--value", access.ValueBlocks, "Which of the blocks 0, 1, 2 are value blocks")
+        ->type_name("0,1,2");
+    preview->add_flag("--json", m_options.Json, "Print JSON");
+
+    CLI::App* const protect =
+        Add(Protect, "protect", "Writes new keys and levels for a sector, and says first what that means",
+            "acg protect 1 --key-file old.txt --new-keys new.txt --levels 13,13,13,12 --keys 2 --dry-run");
+    takesSector(protect);
+    takesLevels(protect)->description("1 for key A alone, 2 for both keys; else as on the card");
+    protect->add_option("--new-a", access.NewA, "The new key A; else the variable ACG_NEW_A")
+        ->type_name("KEY");
+    protect->add_option("--new-b", access.NewB, "The new key B; else the variable ACG_NEW_B")
+        ->type_name("KEY");
+    protect->add_option("--new-keys", access.NewKeysFile, "A file with the new key A, then the new key B")
+        ->type_name("FILE")
+        ->excludes("--new-a")
+        ->excludes("--new-b");
+    protect->add_option("--bx", access.BX, "Byte 9 of the trailer, 0 to 255; else as on the card")
+        ->type_name("N");
+    protect->add_flag("--dry-run", access.IsDryRun, "Only show what would happen");
+    protect->add_flag("--yes", access.IsAgreedTo, "Don't ask");
+    protect->add_flag("--for-good", access.IsForGood, "Allow what can never be changed again");
 }
 
 CLI::App* CommandLine::Add(Command command, const char* name, const char* description, const char* example)

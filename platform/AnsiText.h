@@ -50,6 +50,9 @@ public:
 
     [[nodiscard]] std::string_view Bytes() const;
 
+    /// Passes the ownership on.
+    [[nodiscard]] char* Release() { return std::exchange(m_bytes, nullptr); }
+
 private:
     char* m_bytes;
 };

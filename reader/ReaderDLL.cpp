@@ -7,12 +7,6 @@
 #include <atomic>
 #include <utility>
 
-#ifdef _WIN32
-#define ACG_READER_CALL __stdcall
-#else
-#define ACG_READER_CALL
-#endif
-
 namespace acg
 {
 
@@ -52,21 +46,6 @@ Failure CallFailure(ReaderFunction function, const EntryPoint& missing)
     return {EntryPointNotFound, Functions[static_cast<size_t>(function)].NotFound, missing.SystemError};
 }
 
-/// The look-up in the library itself. It caches what it has found: a loaded library stays loaded.
-EntryPoint FindInLibrary(ReaderFunction function)
-{
-    static constinit Library library(ACG_LIBRARY);
-    static constinit std::array<std::atomic<EntryPoint::Function>, ReaderFunctionCount> found{};
-
-    std::atomic<EntryPoint::Function>& known = found[static_cast<size_t>(function)];
-    if (const EntryPoint::Function address = known) {
-        return {.Address = address, .LibraryLoaded = true};
-    }
-    const EntryPoint entry = library.Find(Name(function));
-    known = entry.Address;
-    return entry;
-}
-
 /// A text of NUL characters for the library to work in. It isn't read afterwards.
 template <size_t Characters>
 using Buffer = std::array<char, Characters + 1>;
@@ -76,6 +55,20 @@ using Buffer = std::array<char, Characters + 1>;
 const char* Name(ReaderFunction Function)
 {
     return Functions[static_cast<size_t>(Function)].Name;
+}
+
+EntryPoint FindInLibrary(ReaderFunction Function)
+{
+    static constinit Library library(ACG_LIBRARY);
+    static constinit std::array<std::atomic<EntryPoint::Function>, ReaderFunctionCount> found{};
+
+    std::atomic<EntryPoint::Function>& known = found[static_cast<size_t>(Function)];
+    if (const EntryPoint::Function address = known) {
+        return {.Address = address, .LibraryLoaded = true};
+    }
+    const EntryPoint entry = library.Find(Name(Function));
+    known = entry.Address;
+    return entry;
 }
 
 ReaderDLL::ReaderDLL() : ReaderDLL(FindInLibrary) {}

@@ -9,6 +9,12 @@
 #include <string>
 #include <string_view>
 
+#ifdef _WIN32
+#define ACG_READER_CALL __stdcall
+#else
+#define ACG_READER_CALL
+#endif
+
 namespace acg
 {
 
@@ -49,6 +55,10 @@ using ReaderHandle = uint32_t; ///< of an opened reader
 
 /// Finds a function of the library; called at each use of one.
 using EntryPointLookUp = std::function<EntryPoint(ReaderFunction)>;
+
+/// The look-up in the library ACGReader330 of this process. It caches what it has found: a loaded library
+/// stays loaded.
+[[nodiscard]] EntryPoint FindInLibrary(ReaderFunction Function);
 
 /// The thirteen functions, bound by name at run time.
 ///
