@@ -11,7 +11,7 @@
 #include <malloc.h>
 #include <new>
 
-extern "C" void __real_free(void* block); // NOLINT(bugprone-reserved-identifier)
+extern "C" void __real_free(void* block);
 
 namespace
 {
@@ -30,7 +30,7 @@ bool HoldsKey(std::string memory)
 } // namespace
 
 // The linker puts it in place of free, by which the byte strings of a reader library are freed.
-extern "C" void __wrap_free(void* block) // NOLINT(bugprone-reserved-identifier)
+extern "C" void __wrap_free(void* block)
 {
     if (block != nullptr && acg::RunningCode::IsComponents) {
         const acg::RunningCode notOurs(/*OfComponent=*/false);
