@@ -39,6 +39,7 @@ windows_tools=(
     'have i686-w64-mingw32-widl|mingw-w64-tools'
     'test -e /usr/include/wine/wine/windows/oaidl.idl|libwine-dev'
     'have faketime|faketime'
+    'have pandoc|pandoc'
     'have zip|zip'
     'have unzip|unzip'
 )
