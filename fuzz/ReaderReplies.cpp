@@ -3,10 +3,8 @@
 // end a letter for each operation. A record always agrees with its result, and what was opened is closed at
 // the end.
 #undef NDEBUG
-#include "encoder/Encoder.h"
-#include "exports/ReaderLibrary.h"
+#include "tests/encoder/Operations.h"
 
-#include <algorithm>
 #include <cassert>
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -54,38 +52,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
         std::chrono::steady_clock::time_point now;
         Encoder encoder(ReaderDLL(find),
                         [&] { return now += std::chrono::seconds(6); }); // OpenEncoder waits 5
-        const std::wstring information = encoder.GetInformation();
-        const int32_t handle = std::stoi(information.substr(information.find(L"|1|") + 3));
-        const std::wstring key = L"A0A1A2A3A4A5";
-        std::wstring text;
-        int32_t serial = 0;
-        uint8_t byte = 0;
-        SCBS_SecurityLevelEnum level{};
-        SCSS_SecurityLevelEnum last{};
-        const std::pair<std::wstring_view, std::function<sceReturnCode()>> operations[] = {
-            {L"CloseEncoder", [&] { return encoder.CloseEncoder(); }},
-            {L"OpenEncoder", [&] { return encoder.CloseEncoder(), encoder.OpenEncoder(handle); }},
-            {L"EncoderState", [&] { return void(encoder.EncoderState()), sceSuccess; }},
-            {L"ReadSerialNumber", [&] { return encoder.ReadSerialNumber(text); }},
-            {L"ReadDataBloc", [&] { return encoder.ReadDataBloc(4, key, 1, text); }},
-            {L"WriteDataBloc", [&] { return encoder.WriteDataBloc(4, key, 2, text.assign(32, L'a')); }},
-            {L"WriteValueBloc", [&] { return encoder.WriteValueBloc(4, key, 1, -1); }},
-            {L"ReadManufacturerCode",
-             [&] { return encoder.ReadManufacturerCode(key, 1, serial, byte, text); }},
-            {L"ReadSectorTrailer",
-             [&] { return encoder.ReadSectorTrailer(1, key, 1, byte, level, level, level, last, byte); }},
-            {L"WriteSectorTrailer",
-             [&] { return encoder.WriteSectorTrailer(1, key, 1, key, key, 0, level, level, level, last); }},
-            {L"WriteBytesInBloc",
-             [&] { return encoder.WriteBytesInBloc(4, key, 1, 3, 15, text.assign(L"01")); }},
-        };
         while (input.remaining_bytes() > 0) {
             const auto letter = input.ConsumeIntegralInRange<size_t>(0, 31); // "a" and "A" are 1
-            const auto& [name, operation] = operations[(letter + 31) % 32 % std::size(operations)];
-            const bool failed = operation() == sceError;
+            const Operation& operation = Operations[(letter + 31) % 32 % Operations.size()];
+            if (operation.Name == "OpenEncoder") {
+                encoder.CloseEncoder();
+            }
+            HostArguments host;
+            bool failed = true;
+            try {
+                const int32_t result = operation.Run(encoder, host);
+                failed = result != sceSuccess && operation.Name != "EncoderState"; // which returns a state
+            } catch (const RaisedFailure&) {
+            }
             const CError& record = *encoder.LastError();
-            assert(record.ComFunction == name && failed == (record.Number != 0));
+            assert(failed == (record.Number != 0));
             assert(failed != record.Description.empty());
+            assert(operation.LeavesArguments(host, !failed, record.RdrCommand));
             assert(failed || (record.RdrCommand + record.RdrRetCode).empty());
         }
     }

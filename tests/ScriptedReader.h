@@ -38,7 +38,10 @@ public:
     static constexpr int Always = 1000000;
     static constexpr int32_t MissingError = 127; ///< the system's error code of a function that is missing
 
-    [[nodiscard]] ReaderDLL DLL();
+    [[nodiscard]] ReaderDLL DLL()
+    {
+        return ReaderDLL([this](ReaderFunction function) { return Find(function); });
+    }
 
     // What the functions of the link answer.
     ReaderHandle Comm = 0x11;
@@ -67,13 +70,11 @@ public:
     };
     Fault Injected;
 
-    /// What was called since the last Forget, with arguments; the digits of keys are masked.
-    std::vector<std::string> Calls;
+    // Since the last Forget:
+    std::vector<std::string> Calls; ///< each with its arguments, but no key
+    std::string Commands;           ///< those among the calls, with their data text, joined by ", "
+    std::set<std::string> Sent;     ///< the same with the keys, so not to be printed
     void Forget();
-    /// The commands among the calls, joined by ", ", with their data text.
-    [[nodiscard]] std::string Commands() const;
-    /// True if a command was called with exactly this data text. Tells of keys without printing them.
-    [[nodiscard]] bool WasSent(const std::string& Command, const std::string& Data) const;
 
 private:
     friend exports::ReaderLibrary& exports::TheLibrary();
@@ -100,7 +101,7 @@ private:
     int32_t CloseComm(Handle comm) override { return Answer(0, comm); }
 
     EntryPoint Find(ReaderFunction function);
-    /// Lists the call. Its answer, or nothing by a fault.
+    /// Lists the call. Returns what it is answered with.
     template <class Result, class... Arguments>
     Result Answer(const Result& result, const Arguments&... arguments)
     {
@@ -109,8 +110,9 @@ private:
         line << m_function;
         ((line << ' ' << arguments), ...);
         Calls.push_back(line.str());
-        return Injected.Reply && Injected.Hits(m_calls) ? Result() : result;
+        return IsReplyInjected() ? Result() : result;
     }
+    [[nodiscard]] bool IsReplyInjected() const { return Injected.Reply && Injected.Hits(m_calls); }
     /// The same, and uses the whole buffer, as a library may.
     template <class... Arguments>
     std::string AnswerIn(Buffer buffer, const std::string& text, const Arguments&... arguments)
@@ -123,31 +125,30 @@ private:
 
     inline static ScriptedReader* current = nullptr;
     const char* m_function = "";
-    int m_calls = 0;
-    std::vector<std::string> m_sent; ///< commands, each with its data
+    int m_calls = 0; ///< since the last Forget, those that can't be made among them
 };
 
 /// Looks inside an Encoder.
 struct EncoderInside {
-    static int32_t HandleNumber(const Encoder& encoder) { return encoder.m_lHandleNumber; }
     static ReaderHandle Comm(const Encoder& encoder) { return encoder.m_hComm; }
     static ReaderHandle Reader(const Encoder& encoder) { return encoder.m_hReader; }
-    static const std::wstring& LowerReaderType(const Encoder& encoder) { return encoder.m_sReaderType; }
     static const auto& ValueBlocks(const Encoder& encoder) { return encoder.m_colValueBlocks; }
-    static void AddValueBlock(Encoder& encoder, int32_t number)
-    {
-        encoder.m_colValueBlocks.emplace(1, number);
-    }
 };
 
 std::ostream& operator<<(std::ostream& out, const CError& record);
 
 /// The record of a success.
-[[nodiscard]] CError Clean(std::wstring_view ComFunction);
-/// The record of a function that is missing.
-[[nodiscard]] CError CallFailed(std::wstring_view Function, std::wstring_view ComFunction,
-                                std::wstring_view RdrCommand);
+inline CError Clean(std::wstring_view ComFunction)
+{
+    return {.ComFunction = std::wstring(ComFunction)};
+}
 
+/// The number that OpenEncoder asks for, drawn anew.
+inline int32_t DrawHandle(Encoder& encoder)
+{
+    const std::wstring information = encoder.GetInformation();
+    return std::stoi(information.substr(information.find(L"|1|") + 3));
+}
 /// An encoder on a scripted reader. Each look at the clock lets a second go by.
 class EncoderTest : public testing::Test
 {
@@ -156,10 +157,12 @@ protected:
     std::chrono::steady_clock::time_point now;
     Encoder encoder{reader.DLL(), [this] { return now += std::chrono::seconds(1); }};
 
-    /// The number that OpenEncoder asks for, drawn anew.
-    int32_t DrawHandle();
     /// Opens, and forgets the calls of it.
-    void Open();
+    void Open()
+    {
+        ASSERT_EQ(encoder.OpenEncoder(DrawHandle(encoder)), sceSuccess);
+        reader.Forget();
+    }
     [[nodiscard]] CError Last() { return *encoder.LastError(); }
 };
 

@@ -72,7 +72,7 @@ const std::vector<Operation> OtherOperations = {
 struct Life : FaultTest {
     void TestBody() override {}
 
-    /// True if it came to that allocation.
+    /// Lets that allocation of an operation fail. False if there are fewer.
     bool FailsAt(const Operation& operation, int allocation)
     {
         Prepare(operation);
@@ -85,10 +85,10 @@ struct Life : FaultTest {
             isThrown = true;
             EXPECT_TRUE(operation.Name != "OpenEncoder" || EncoderInside::Comm(encoder) == 0);
         }
-        const bool came = std::exchange(untilFailure, 0) == 0 && allocation > 0;
-        EXPECT_EQ(isThrown, came);
+        const bool hasFailed = std::exchange(untilFailure, 0) == 0 && allocation > 0;
+        EXPECT_EQ(isThrown, hasFailed);
         ExpectCleanLife();
-        return came;
+        return hasFailed;
     }
 };
 

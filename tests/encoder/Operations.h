@@ -1,4 +1,4 @@
-// The public operations on a scripted reader, and every fault that a call of theirs can meet.
+// The public operations, and an encoder that lives through what happens to them.
 #pragma once
 
 #include "tests/cards/CardTest.h"
@@ -19,6 +19,7 @@ inline int keysFreed = 0;
 /// What an operation is given and may change.
 struct HostArguments {
     std::wstring Text = L"abab0000000000000000000000000000 ";
+    std::wstring Key = FaultKey; ///< in a text that has no room for a block
     Numbers Given = {9, 9};
 };
 
@@ -32,7 +33,7 @@ struct Operation {
 };
 
 inline const std::vector<Operation> Operations = {
-    {"OpenEncoder", [](auto& e, auto&) { return e.OpenEncoder(EncoderInside::HandleNumber(e)); }},
+    {"OpenEncoder", [](auto& e, auto&) { return e.OpenEncoder(DrawHandle(e)); }},
     {"ReOpenEncoder",
      [](auto& e, auto&) { return e.ReOpenEncoder(), e.LastError()->Number == 0 ? sceSuccess : sceError; }},
     {"CloseEncoder", [](auto& e, auto&) { return e.CloseEncoder(); }},
@@ -69,16 +70,10 @@ inline const std::vector<Operation> Operations = {
          return e.WriteSectorTrailer(1, FaultKey, KeyTypeB, FaultKey, FaultKey, BothKeys, scbs_B_Read,
                                      scbs_B_Read, scbs_B_Read, scss_B_WriteKeysConditions, 0);
      }},
-    {"WriteBytesInBloc", // with a key in a text that has no room for a block
-     [](auto& e, auto& h) {
-         {
-             const RunningCode ofHost(/*OfComponent=*/false);
-             h.Text = std::wstring(FaultKey);
-         }
-         return e.WriteBytesInBloc(7, FaultKey, KeyTypeB, 0, 15, h.Text);
-     },
+    {"WriteBytesInBloc",
+     [](auto& e, auto& h) { return e.WriteBytesInBloc(7, FaultKey, KeyTypeB, 0, 15, h.Key); },
      [](const auto& h, bool, const std::wstring& path) {
-         return h.Text.size() == (path.starts_with(L"ReadDataBloc") ? 0 : 32);
+         return h.Key.size() == (path.starts_with(L"ReadDataBloc") ? 0 : 32);
      }},
 };
 
@@ -126,27 +121,6 @@ protected:
         EXPECT_EQ(encoder.CloseEncoder(), sceSuccess);
         EXPECT_EQ(Last(), Clean(L"CloseEncoder"));
         EXPECT_FALSE(EncoderInside::ValueBlocks(encoder));
-    }
-
-    /// All faults of the calls that an operation makes: each once, twice in a row and for ever after.
-    std::vector<ScriptedReader::Fault> FaultsOf(const Operation& operation)
-    {
-        Prepare(operation);
-        HostArguments host;
-        Run(operation, host);
-        std::vector<ScriptedReader::Fault> faults;
-        const auto status = ScriptedReader::Status;
-        const std::string tooLong = ReadReply + std::string(512, '0'); // longer than the buffer
-        for (int call = 1; call <= static_cast<int>(reader.Calls.size()); ++call) {
-            for (const int times : {1, 2, ScriptedReader::Always}) {
-                faults.push_back({call, times, std::nullopt});
-                for (const std::string& reply :
-                     {std::string(), tooLong, status('N'), status('X'), status('F'), status('L')}) {
-                    faults.push_back({call, times, reply});
-                }
-            }
-        }
-        return faults;
     }
 };
 
