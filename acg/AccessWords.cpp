@@ -156,7 +156,7 @@ std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
         }
         if (block.Write == Keys::None) {
             text += Format("FOR GOOD: nobody can ever write %s again%s.\n", name.c_str(),
-                           block.Decrement != Keys::None ? ", though a value in it can be decremented" : "");
+                           block.Decrement != Keys::None ? ", though a value there can be decremented" : "");
         }
     }
     return text;

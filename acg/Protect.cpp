@@ -7,7 +7,6 @@
 #include "acg/System.h"
 #include "acg/Text.h"
 
-#include <algorithm>
 #include <cstdio>
 
 namespace acg::tool
@@ -95,16 +94,10 @@ void Write(Encoder& encoder, int32_t sector, const Key& key, const NewTrailer& t
     const auto level = [&](size_t slot) {
         return static_cast<SCBS_SecurityLevelEnum>(trailer.Levels.Levels[slot]);
     };
-    try {
-        Must(encoder,
-             encoder.WriteSectorTrailer(
-                 sector, key.Digits, key.Type, trailer.KeyA, trailer.KeyB, trailer.Levels.KeysToUse, level(0),
-                 level(1), level(2), static_cast<SCSS_SecurityLevelEnum>(trailer.Levels.Levels[TrailerSlot]),
-                 trailer.BX));
-    } catch (const CardFailure&) {
-        PrintProblem("the writing failed. The sector may have the new keys or the old ones: try both");
-        throw;
-    }
+    Must(encoder, encoder.WriteSectorTrailer(
+                      sector, key.Digits, key.Type, trailer.KeyA, trailer.KeyB, trailer.Levels.KeysToUse,
+                      level(0), level(1), level(2),
+                      static_cast<SCSS_SecurityLevelEnum>(trailer.Levels.Levels[TrailerSlot]), trailer.BX));
 }
 
 /// Logs in with the new keys and compares what reads back.
@@ -186,7 +179,14 @@ int Protect(const Options& Options)
         throw OtherFailure{"another card lies in the field now; nothing was written"};
     }
     Write(*encoder, sector, key, wanted);
-    Verify(*encoder, sector, wanted);
+    try {
+        Verify(*encoder, sector, wanted);
+    } catch (const CardFailure&) {
+        PrintProblem(
+            "the reader reported no failure of the writing, but reading back with the new keys fails: "
+            "try the old ones too");
+        throw;
+    }
     std::puts("Written, and read back with the new keys.");
     return Done;
 }
