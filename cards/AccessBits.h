@@ -75,9 +75,10 @@ enum class Keys : uint8_t {
     return static_cast<Keys>(static_cast<unsigned>(Set) & ~static_cast<unsigned>(Other));
 }
 
+/// Key: one of them.
 [[nodiscard]] constexpr bool Has(Keys Set, Keys Key)
 {
-    return Without(Key, Set) == Keys::None;
+    return (static_cast<unsigned>(Set) & static_cast<unsigned>(Key)) != 0;
 }
 
 /// What may be done with a data block. Decrement includes transfer and restore.

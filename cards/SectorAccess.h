@@ -16,8 +16,8 @@ namespace acg
 
 /// What WriteSectorTrailer is given, and which blocks the encoder has written as value blocks.
 struct SectorLevels {
-    std::array<int32_t, SectorSlots> Levels; ///< of the data slots, then the trailer: 0 to 15
-    uint8_t KeysToUse;                       ///< KeyAAlone, else both keys
+    std::array<int32_t, SectorSlots> Levels{}; ///< of the data slots, then the trailer: 0 to 15
+    uint8_t KeysToUse = 0;                     ///< KeyAAlone, else both keys
     std::array<bool, DataSlots> IsValueBlock{};
 };
 

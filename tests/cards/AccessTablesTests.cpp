@@ -40,10 +40,13 @@ TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
 
         const auto bytes = encode(asked, alone ? 3 : 12, /*listed=*/false);
         if (bytes) {
-            const std::string stored(TripleIn(*bytes, 2));
-            const std::string listed(TripleIn(*encode(asked, alone ? 3 : 12, true), 2));
-            ExpectRow(number + cells(Block, asked) + " | " + stored +
-                      (stored == listed ? "" : ", or " + listed) + " | " +
+            const AccessTriple stored = TripleIn(*bytes, 2);
+            const AccessTriple listed = TripleIn(*encode(asked, alone ? 3 : 12, /*listed=*/true), 2);
+            std::string bits(stored);
+            if (listed != stored) {
+                bits.append(", or ").append(listed);
+            }
+            ExpectRow(number + cells(Block, asked) + " | " + bits + " | " +
                       cells(Block, LevelOf(RightsGranted(*bytes).Blocks[2])) + " | " +
                       std::to_string(LevelOf(BlockRightsOf(stored))));
         } else {
