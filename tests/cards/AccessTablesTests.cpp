@@ -15,12 +15,15 @@ const char* const Block[] = {"-", "r", "w", "rw"};
 const char* const Trailer[] = {"nothing", "keys", "conditions", "keys and conditions"};
 const char* const Holders[] = {"nobody", "A", "B", "A or B"};
 
-/// Cells joined by " | "; an empty one is "|".
-void ExpectRow(const std::string& cells)
+void ExpectRow(std::initializer_list<std::string> cells)
 {
     static const std::string document =
         (std::ostringstream() << std::ifstream(ACG_DOCS "/access-levels.md").rdbuf()).str();
-    EXPECT_NE(document.find("\n| " + cells + " |\n"), std::string::npos) << cells;
+    std::string row = "\n|";
+    for (const std::string& cell : cells) {
+        row.append(" ").append(cell).append(" |");
+    }
+    EXPECT_NE(document.find(row + "\n"), std::string::npos) << row;
 }
 
 TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
@@ -36,7 +39,7 @@ TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
             const std::string ofA = words[ofLevel & 3];
             return alone ? ofA : ofA + " | " + words[ofLevel >> 2];
         };
-        const std::string number = std::to_string(asked) + " | ";
+        const std::string number = std::to_string(asked);
 
         const auto bytes = encode(asked, alone ? 3 : 12, /*listed=*/false);
         if (bytes) {
@@ -46,20 +49,20 @@ TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
             if (listed != stored) {
                 bits.append(", or ").append(listed);
             }
-            ExpectRow(number + cells(Block, asked) + " | " + bits + " | " +
-                      cells(Block, LevelOf(RightsGranted(*bytes).Blocks[2])) + " | " +
-                      std::to_string(LevelOf(BlockRightsOf(stored))));
+            ExpectRow({number, cells(Block, asked), bits,
+                       cells(Block, LevelOf(RightsGranted(*bytes).Blocks[2])),
+                       std::to_string(LevelOf(BlockRightsOf(stored)))});
         } else {
-            ExpectRow(number + cells(Block, asked) + " | refused | | |");
+            ExpectRow({number, cells(Block, asked), "refused | | |"});
         }
         if (const auto written = encode(alone ? 3 : 15, asked, false)) {
             const TrailerRights rights = RightsGranted(*written).Trailer;
             const int shift = alone ? 0 : 2;
             const int32_t back = LevelOf(rights);
-            ExpectRow(number + Trailer[asked >> shift] + " | " +
-                      std::string(TripleIn(*written, TrailerSlot)) + " | " + Trailer[back >> shift] +
-                      (AreKeysFixed(rights) ? ", for good" : "") + " | " + std::to_string(back) + " | " +
-                      std::to_string(KeysUsedBy(rights)));
+            const std::string fixed = AreKeysFixed(rights) ? ", for good" : "";
+            ExpectRow({number, Trailer[asked >> shift], std::string(TripleIn(*written, TrailerSlot)),
+                       Trailer[back >> shift] + fixed, std::to_string(back),
+                       std::to_string(KeysUsedBy(rights))});
         } else {
             EXPECT_TRUE((asked & 3) != 0 && !alone) << asked;
         }
@@ -74,8 +77,8 @@ TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
                                                             {"111", "0; key A alone: 0"}};
     for (const auto& [triple, levels] : storedBy) {
         const BlockRights& rights = BlockRightsOf(triple);
-        ExpectRow(std::string(triple) + " | " + levels + " | " + Holders[static_cast<int>(rights.Increment)] +
-                  " | " + Holders[static_cast<int>(rights.Decrement)]);
+        ExpectRow({triple, levels, Holders[static_cast<int>(rights.Increment)],
+                   Holders[static_cast<int>(rights.Decrement)]});
     }
 }
 
