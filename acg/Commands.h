@@ -40,6 +40,10 @@ struct Options {
 
 int Info(const Options& Options);
 int Read(const Options& Options);
+int Write(const Options& Options);
+int Value(const Options& Options);
+int DumpCard(const Options& Options);
+int Compare(const Options& Options);
 int Trailer(const Options& Options);
 int Preview(const Options& Options);
 int Protect(const Options& Options);

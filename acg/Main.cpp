@@ -43,6 +43,7 @@ private:
     CLI::App* Add(Command command, const char* name, const char* description, const char* example);
     void TakesKey(CLI::App* command);
     void AddAccessCommands();
+    void AddFileCommands();
 
     CLI::App m_program{"Reads and writes contactless cards through an ACG Multi-ISO reader."};
     Options m_options;
@@ -74,7 +75,20 @@ CommandLine::CommandLine()
     TakesKey(read);
     read->add_flag("--json", m_options.Json, "Print JSON");
 
+    CLI::App* const write = Add(Write, "write", "Writes a data block, reads it back, and compares",
+                                "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF");
+    write->add_option("BLOCK", m_options.Blocks, "The block")->required();
+    write->add_option("HEX", m_options.Contents, "Its 16 bytes, in 32 hexadecimal digits")->required();
+    TakesKey(write);
+
+    CLI::App* const value = Add(Value, "value", "Checks a value block, or writes one and checks it",
+                                "acg value 5 1000 --key FFFFFFFFFFFF");
+    value->add_option("BLOCK", m_options.Blocks, "The block")->required();
+    value->add_option("NUMBER", m_options.Number, "The value to write, from -2147483648 to 2147483647");
+    TakesKey(value);
+
     AddAccessCommands();
+    AddFileCommands();
 }
 
 void CommandLine::AddAccessCommands()
@@ -124,6 +138,29 @@ void CommandLine::AddAccessCommands()
     protect->add_flag("--dry-run", access.IsDryRun, "Only show what would happen");
     protect->add_flag("--yes", access.IsAgreedTo, "Don't ask");
     protect->add_flag("--for-good", access.IsForGood, "Allow what can never be changed again");
+}
+
+void CommandLine::AddFileCommands()
+{
+    CLI::App* const dump =
+        Add(DumpCard, "dump", "Reads the whole card into a file", "acg dump card.txt --keys keys.txt");
+    dump->add_option(
+            "FILE", m_options.Files,
+            "Raw bytes, or, where the name ends in .txt, 32 digits a line. Keys that the card doesn't "
+            "show are written from those that open it")
+        ->required()
+        ->expected(1);
+    dump->add_option(
+            "--keys", m_options.KeysFile,
+            "A file of keys, one a line, tried in order for each sector; without it the one key that is "
+            "given, else FFFFFFFFFFFF")
+        ->type_name("FILE");
+    TakesKey(dump);
+
+    CLI::App* const compare =
+        Add(Compare, "compare", "Shows where two dumps differ; exit status 1 if they do",
+            "acg compare before.bin after.txt");
+    compare->add_option("FILE", m_options.Files, "Two dumps, raw bytes or text")->required()->expected(2);
 }
 
 CLI::App* CommandLine::Add(Command command, const char* name, const char* description, const char* example)
@@ -202,7 +239,7 @@ int main(int count, char* values[])
         PrepareConsole();
         CommandLine commandLine;
         const int status = Run(commandLine, Arguments(count, values));
-        if (std::fflush(stdout) != 0) {
+        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
             PrintProblem("standard output can't be written");
             return status == Done ? Failed : status;
         }

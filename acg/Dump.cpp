@@ -1,0 +1,254 @@
+// acg dump: the whole card into a file.
+#include "acg/Blocks.h"
+#include "acg/Commands.h"
+#include "acg/DumpFile.h"
+#include "acg/Failures.h"
+#include "acg/Output.h"
+#include "acg/ProgressBar.h"
+#include "acg/Text.h"
+#include "cards/AccessBits.h"
+#include "cards/BlockAddress.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+// The last sectors of a 1K and a 4K card.
+constexpr int32_t LastSector1K = 15;
+
+constexpr uint16_t KeyABytes = 0x003F;
+constexpr uint16_t KeyBBytes = 0xFC00;
+
+/// Why a block couldn't be read.
+enum class Refusal {
+    None,
+    WrongKey,
+    NoSuchBlock,
+    NotGranted
+};
+
+/// Any other failure means that nothing more can be read at all: it is thrown.
+Refusal RefusalOf(const CError& record)
+{
+    const bool isLogin = record.RdrCommand.ends_with(L"login");
+    const wchar_t letter = record.RdrRetCode.empty() ? L'\0' : record.RdrRetCode.front();
+    if ((!isLogin && !record.RdrCommand.ends_with(L"read block")) || letter == L'\0' || letter == L'N') {
+        throw CardFailure{record};
+    }
+    if (letter == L'R') {
+        return Refusal::NoSuchBlock;
+    }
+    // A reader that doesn't judge the login answers O to the block command.
+    return isLogin || letter == L'O' ? Refusal::WrongKey : Refusal::NotGranted;
+}
+
+/// Which key of the list opens a sector, as the index; nothing where none does.
+struct Opening {
+    std::optional<size_t> A;
+    std::optional<size_t> B;
+    bool ShowsB = false; ///< the trailer shows key B
+
+    bool operator==(const Opening&) const = default;
+};
+
+class CardReading
+{
+public:
+    CardReading(Encoder& opened, std::vector<std::wstring> keys) : m_encoder(opened), m_keys(std::move(keys))
+    {
+    }
+
+    /// The last sector of the card. A card whose sector 16 has other keys has that sector.
+    int32_t FindLastSector()
+    {
+        DumpedBlock block;
+        const Refusal refusal = Read(TrailerBlock(LastSector1K + 1), {m_keys.front(), KeyTypeA}, block);
+        return refusal == Refusal::NoSuchBlock ? LastSector1K : LastSector;
+    }
+
+    /// Reads a sector behind those that are in the dump already.
+    void ReadSector(int32_t sector, const ProgressBar& bar);
+
+    [[nodiscard]] const Dump& Result() const { return m_dump; }
+    [[nodiscard]] const std::vector<Opening>& Openings() const { return m_openings; }
+    [[nodiscard]] bool IsComplete() const { return m_isComplete; }
+
+private:
+    Refusal Read(int32_t number, const Key& key, DumpedBlock& block);
+    std::optional<size_t> FindKey(int32_t trailer, uint8_t type, DumpedBlock& block);
+    void ReadDataBlock(const Opening& opening, DumpedBlock& block, const ProgressBar& bar);
+    void PutKey(const std::optional<size_t>& key, size_t at, uint16_t bytes, DumpedBlock& trailer);
+    void Miss(const ProgressBar& bar, const std::string& what)
+    {
+        m_isComplete = false;
+        bar.Erase();
+        PrintProblem(what);
+    }
+
+    Encoder& m_encoder;
+    std::vector<std::wstring> m_keys;
+    Dump m_dump;
+    std::vector<Opening> m_openings;
+    bool m_isComplete = true;
+};
+
+Refusal CardReading::Read(int32_t number, const Key& key, DumpedBlock& block)
+{
+    try {
+        block = {ReadBlock(m_encoder, number, key), AllKnown};
+        return Refusal::None;
+    } catch (const CardFailure& failure) {
+        return RefusalOf(failure.Record);
+    }
+}
+
+/// The first key that opens the sector. What it reads of the trailer goes to the block.
+std::optional<size_t> CardReading::FindKey(int32_t trailer, uint8_t type, DumpedBlock& block)
+{
+    for (size_t at = 0; at < m_keys.size(); ++at) {
+        const Refusal refusal = Read(trailer, {m_keys[at], type}, block);
+        if (refusal == Refusal::None || refusal == Refusal::NotGranted) {
+            return at;
+        }
+    }
+    return std::nullopt;
+}
+
+void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
+{
+    const int32_t last = TrailerBlock(sector);
+    DumpedBlock trailer;
+    Opening opening;
+    opening.A = FindKey(last, KeyTypeA, trailer);
+    const ConditionBytes conditions = {trailer.Bytes[6], trailer.Bytes[7], trailer.Bytes[8]};
+    opening.ShowsB =
+        trailer.Known != 0 && KeysUsedBy(TrailerRightsOf(TripleIn(conditions, TrailerSlot))) == KeyAAlone;
+    if (!opening.ShowsB) {
+        DumpedBlock asB;
+        opening.B = FindKey(last, KeyTypeB, asB);
+        trailer = trailer.Known != 0 ? trailer : asB;
+    }
+    m_openings.push_back(opening);
+
+    const auto first = static_cast<int32_t>(m_dump.size());
+    const bool isOpen = opening.A || opening.B;
+    if (!isOpen) {
+        Miss(bar, Format("blocks %d to %d, sector %d: not read, as no key opens it", first, last, sector));
+    }
+    while (std::ssize(m_dump) < last) {
+        DumpedBlock block;
+        if (isOpen) {
+            ReadDataBlock(opening, block, bar);
+        }
+        m_dump.push_back(block);
+        bar.Show(static_cast<int>(m_dump.size()));
+    }
+    if (isOpen && trailer.Known == 0) {
+        Miss(bar, Format("block %d, the trailer of sector %d: not read", last, sector));
+    }
+    PutKey(opening.A, 0, KeyABytes, trailer);
+    if (!opening.ShowsB) {
+        PutKey(opening.B, 10, KeyBBytes, trailer);
+    }
+    for (const auto& [name, bytes] : {std::pair{'A', KeyABytes}, std::pair{'B', KeyBBytes}}) {
+        if (isOpen && (trailer.Known & bytes) == 0) {
+            Miss(bar, Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
+        }
+    }
+    m_dump.push_back(trailer);
+    bar.Show(static_cast<int>(m_dump.size()));
+}
+
+/// Reads the block behind those that are in the dump.
+void CardReading::ReadDataBlock(const Opening& opening, DumpedBlock& block, const ProgressBar& bar)
+{
+    const auto number = static_cast<int32_t>(m_dump.size());
+    Refusal refusal = Refusal::NotGranted;
+    if (opening.A) {
+        refusal = Read(number, {m_keys[*opening.A], KeyTypeA}, block);
+    }
+    if (opening.B && refusal != Refusal::None) {
+        refusal = Read(number, {m_keys[*opening.B], KeyTypeB}, block);
+    }
+    if (refusal != Refusal::None) {
+        const auto record = m_encoder.LastError();
+        const Remedy* const remedy = FindRemedy(*record);
+        Miss(bar, Format("block %d: not read: ", number) +
+                      (remedy != nullptr ? std::string(remedy->Meaning) : ToUtf8(record->Description)));
+    }
+}
+
+/// Puts the key that was used in place of what the trailer shows of it.
+void CardReading::PutKey(const std::optional<size_t>& key, size_t at, uint16_t bytes, DumpedBlock& trailer)
+{
+    trailer.Known = static_cast<uint16_t>(trailer.Known & ~bytes);
+    if (key) {
+        const std::string digits = ToUtf8(m_keys[*key]) + std::string(20, '0');
+        std::copy_n(ParseBlock(digits)->begin(), 6, trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
+        trailer.Known = static_cast<uint16_t>(trailer.Known | bytes);
+    }
+}
+
+/// Where the keys come from, and what a key of that list is called.
+struct KeyList {
+    std::vector<std::wstring> Keys;
+    bool AreNumbered;
+
+    [[nodiscard]] std::string Name(const std::optional<size_t>& key) const
+    {
+        if (!key) {
+            return "unknown";
+        }
+        return AreNumbered ? Format("key %zu of the file", *key + 1) : "the key";
+    }
+};
+
+KeyList KeysOf(const Options& options)
+{
+    if (!options.KeysFile.empty()) {
+        return {ReadKeys(options.KeysFile), /*AreNumbered=*/true};
+    }
+    return {{IsKeyGiven(options.Key) ? TheKey(options.Key).Digits : L"FFFFFFFFFFFF"}, /*AreNumbered=*/false};
+}
+
+/// A line for each run of sectors with the same keys.
+void PrintOpenings(const std::vector<Opening>& openings, const KeyList& keys)
+{
+    for (auto from = openings.begin(); from != openings.end();) {
+        const auto end =
+            std::find_if(from, openings.end(), [&](const Opening& other) { return other != *from; });
+        std::printf("sectors %2td to %2td  key A %s, key B %s\n", from - openings.begin(),
+                    end - openings.begin() - 1, keys.Name(from->A).c_str(),
+                    from->ShowsB ? "shown by the card" : keys.Name(from->B).c_str());
+        from = end;
+    }
+}
+
+} // namespace
+
+int DumpCard(const Options& Options)
+{
+    const std::string& name = Options.Files.front();
+    const KeyList keys = KeysOf(Options);
+    NewFile file(name);
+    const auto encoder = OpenReader(Options.Parameters);
+    CardReading reading(*encoder, keys.Keys);
+    const int32_t lastSector = reading.FindLastSector();
+    {
+        const ProgressBar bar(TrailerBlock(lastSector) + 1);
+        for (int32_t sector = 0; sector <= lastSector; ++sector) {
+            reading.ReadSector(sector, bar);
+        }
+    }
+    file.Write(reading.Result());
+    PrintOpenings(reading.Openings(), keys);
+    std::printf("%zu blocks written to %s\n", reading.Result().size(), name.c_str());
+    return reading.IsComplete() ? Done : Failed;
+}
+
+} // namespace acg::tool

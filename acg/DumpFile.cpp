@@ -1,0 +1,118 @@
+#include "acg/DumpFile.h"
+
+#include "acg/Blocks.h"
+#include "acg/Failures.h"
+#include "acg/Text.h"
+#include "platform/TextCase.h"
+
+#include <fstream>
+#include <iterator>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+bool IsText(const std::filesystem::path& file)
+{
+    return ToLower(file.extension().wstring()) == L".txt";
+}
+
+/// A line of text: 32 digits, of which "--" stands for a byte that isn't known.
+DumpedBlock ParseLine(std::string line, const std::string& place)
+{
+    DumpedBlock block{.Known = AllKnown};
+    for (size_t at = 0; at < block.Bytes.size() && 2 * at + 1 < line.size(); ++at) {
+        if (line.compare(2 * at, 2, "--") == 0) {
+            line.replace(2 * at, 2, "00");
+            block.Known = static_cast<uint16_t>(block.Known & ~(1U << at));
+        }
+    }
+    const std::optional<Block> bytes = ParseBlock(line);
+    if (!bytes) {
+        throw UsageError{place + " isn't 32 hexadecimal digits"};
+    }
+    block.Bytes = *bytes;
+    return block;
+}
+
+} // namespace
+
+Dump ReadDump(const std::string& File)
+{
+    const std::filesystem::path path = ToPath(File);
+    std::ifstream file(path, std::ios::binary);
+    // One byte more than the largest card, in text with all its line ends, shows what isn't a dump.
+    constexpr size_t most = (LastBlock + 1) * 40;
+    std::string bytes(most, '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<size_t>(file.gcount()));
+    if (!file.is_open() || file.bad() || bytes.empty()) {
+        throw UsageError{"can't read " + File + ", or it is empty"};
+    }
+
+    Dump dump;
+    if (IsText(path)) {
+        for (size_t at = 0; at < bytes.size();) {
+            const size_t end = std::min(bytes.find('\n', at), bytes.size());
+            std::string line = bytes.substr(at, end - at);
+            at = end + 1;
+            if (line.ends_with('\r')) {
+                line.pop_back();
+            }
+            dump.push_back(ParseLine(line, Format("%s, line %zu,", File.c_str(), dump.size() + 1)));
+        }
+    } else {
+        for (size_t at = 0; at + std::size(Block()) <= bytes.size(); at += std::size(Block())) {
+            DumpedBlock& block = dump.emplace_back(DumpedBlock{.Known = AllKnown});
+            std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), block.Bytes.size(),
+                        block.Bytes.begin());
+        }
+    }
+    const bool isWhole = IsText(path) || bytes.size() % std::size(Block()) == 0;
+    if (!isWhole || dump.size() > LastBlock + 1) {
+        throw UsageError{File + " isn't the dump of a card: " +
+                         (isWhole ? "it is longer than that of a 4K card" : "its last block isn't whole")};
+    }
+    return dump;
+}
+
+NewFile::NewFile(const std::string& File) : m_file(ToPath(File)), m_unfinished(ToPath(File + ".part"))
+{
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(m_file, ignored);
+    const bool isFile = std::filesystem::is_regular_file(status);
+    if (!m_file.has_filename() || (std::filesystem::exists(status) && !isFile) ||
+        !std::ofstream(m_unfinished)) {
+        throw UsageError{"can't write " + File};
+    }
+}
+
+NewFile::~NewFile()
+{
+    std::error_code ignored;
+    std::filesystem::remove(m_unfinished, ignored);
+}
+
+void NewFile::Write(const Dump& Card)
+{
+    std::ofstream file(m_unfinished, std::ios::binary);
+    for (const DumpedBlock& block : Card) {
+        if (IsText(m_file)) {
+            file << Digits(block.Bytes, block.Known, "") << '\n';
+        } else {
+            file.write(reinterpret_cast<const char*>(block.Bytes.data()), std::ssize(block.Bytes));
+        }
+    }
+    file.close();
+    std::error_code error;
+    if (file) {
+        std::filesystem::rename(m_unfinished, m_file, error);
+    }
+    if (!file || error) {
+        throw OtherFailure{"the file couldn't be written; what had its name before is unchanged"};
+    }
+}
+
+} // namespace acg::tool
