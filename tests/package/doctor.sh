@@ -5,11 +5,12 @@ set -euo pipefail
 
 register() { on_wine regsvr32 /s ACG_MultiISO_TV.dll; }
 
-# finds LINES WHAT REMEDY [PARAMETERS]: LINES has the first character of each line, of ok, FAILED or -.
+# finds LINES WHAT REMEDY [PARAMETERS]: LINES has the first character of each line, of ok, FAILED or -. The
+# simulated reader has lines of its own among them.
 finds() {
     local status=0 output
     output=$(on_wine cscript //nologo "${script:-doctor.vbs}" "${@:4}") || status=$?
-    if [ "$status" -ne 1 ] || [ "$(grep -v '^ ' <<<"$output" | cut -c 1 | tr -d '\n')" != "$1" ] ||
+    if [ "$status" -ne 1 ] || [ "$(grep -v '^ \|^ACGR' <<<"$output" | cut -c 1 | tr -d '\n')" != "$1" ] ||
         ! grep -A 1 "^FAILED  $2" <<<"$output" | grep -q "^        remedy: $3"; then
         printf 'status %s, not found: %s, %s, %s, but:\n%s\n' "$status" "$1" "$2" "$3" "$output"
         exit 1
