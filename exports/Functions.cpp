@@ -1,5 +1,5 @@
 // The exported functions.
-#include "exports/ReaderLibrary.h"
+#include "exports/Functions.h"
 
 #include <type_traits>
 
@@ -7,11 +7,9 @@
 #include <windows.h>
 
 #include <oleauto.h>
-#define READER_CALL __stdcall
 #else
 #include <cstdlib>
 #include <cstring>
-#define READER_CALL
 #endif
 
 namespace

@@ -18,27 +18,6 @@ namespace acg
 namespace
 {
 
-/// The folder of the program or shared object that this code is linked into, with a trailing slash, or
-/// empty text where it is unknown. The system lists mapped files by their full names; the loader
-/// keeps the name it was called with, which may be relative to a former current directory.
-std::string OwnFolder()
-{
-    const auto ownAddress = reinterpret_cast<uintptr_t>(&OwnFolder);
-    const std::unique_ptr<FILE, int (*)(FILE*)> maps(std::fopen("/proc/self/maps", "r"), &std::fclose);
-    char mapping[PATH_MAX + 100]; // as in: 7f0012340000-7f0012350000 r-xp 00001000 08:01 1234   /opt/host
-    while (maps && std::fgets(mapping, sizeof mapping, maps.get()) != nullptr) {
-        uintptr_t from = 0;
-        uintptr_t to = 0;
-        const bool isMapping = std::sscanf(mapping, "%" SCNxPTR "-%" SCNxPTR, &from, &to) == 2;
-        if (isMapping && ownAddress >= from && ownAddress < to) {
-            const std::string_view line = mapping;
-            const size_t start = std::min(line.find('/'), line.size());
-            return std::string(line.substr(start, line.rfind('/') + 1 - start));
-        }
-    }
-    return {};
-}
-
 void* Load(const std::string& file)
 {
     const std::string folder = OwnFolder();
@@ -59,7 +38,45 @@ int32_t CauseOf(const std::string& file)
     return isMissing && !isHere ? ENOENT : ELIBBAD;
 }
 
+EntryPoint FindIn(void* library, const char* function)
+{
+    void* const address = dlsym(library, function);
+    if (address == nullptr) {
+        return {.LibraryLoaded = true, .SystemError = ENOSYS};
+    }
+    return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
+}
+
 } // namespace
+
+// The system lists what it has mapped by its full name, however it was loaded; the loader keeps the name as
+// it was given, which may be relative to a former current directory.
+SystemPath OwnFolder()
+{
+    const auto ownAddress = reinterpret_cast<uintptr_t>(&OwnFolder);
+    const std::unique_ptr<FILE, int (*)(FILE*)> maps(std::fopen("/proc/self/maps", "r"), &std::fclose);
+    char mapping[PATH_MAX + 100]; // as in: 7f0012340000-7f0012350000 r-xp 00001000 08:01 1234   /opt/host
+    while (maps && std::fgets(mapping, sizeof mapping, maps.get()) != nullptr) {
+        uintptr_t from = 0;
+        uintptr_t to = 0;
+        const bool isMapping = std::sscanf(mapping, "%" SCNxPTR "-%" SCNxPTR, &from, &to) == 2;
+        if (isMapping && ownAddress >= from && ownAddress < to) {
+            const std::string_view line = mapping;
+            const size_t start = std::min(line.find('/'), line.size());
+            return std::string(line.substr(start, line.rfind('/') + 1 - start));
+        }
+    }
+    return {};
+}
+
+EntryPoint FindInFile(const SystemPath& File, const char* Function)
+{
+    void* const handle = dlopen(File.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr) {
+        return {.SystemError = access(File.c_str(), F_OK) == 0 ? ELIBBAD : ENOENT};
+    }
+    return FindIn(handle, Function);
+}
 
 EntryPoint Library::Find(const char* Function)
 {
@@ -72,11 +89,7 @@ EntryPoint Library::Find(const char* Function)
         }
         m_handle = handle;
     }
-    void* const address = dlsym(handle, Function);
-    if (address == nullptr) {
-        return {.LibraryLoaded = true, .SystemError = ENOSYS};
-    }
-    return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
+    return FindIn(handle, Function);
 }
 
 } // namespace acg

@@ -10,22 +10,6 @@ namespace acg
 namespace
 {
 
-/// The folder of the program or DLL that this code is linked into, with a trailing backslash, or empty text
-/// where it is unknown.
-std::wstring OwnFolder()
-{
-    HMODULE self = nullptr;
-    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == FALSE) {
-        return {};
-    }
-    constexpr DWORD LongestPath = 32767;
-    std::wstring path(LongestPath, L'\0');
-    path.resize(GetModuleFileNameW(self, path.data(), LongestPath));
-    return path.substr(0, path.rfind(L'\\') + 1);
-}
-
 HMODULE Load(const std::wstring& file)
 {
     // Neither search includes the current directory, nor does the search for the library's dependencies.
@@ -46,7 +30,40 @@ HMODULE Load(const std::wstring& file)
     return module;
 }
 
+EntryPoint FindIn(HMODULE library, const char* function)
+{
+    const FARPROC address = GetProcAddress(library, function);
+    if (address == nullptr) {
+        return {.LibraryLoaded = true, .SystemError = static_cast<int32_t>(GetLastError())};
+    }
+    return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
+}
+
 } // namespace
+
+SystemPath OwnFolder()
+{
+    HMODULE self = nullptr;
+    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == FALSE) {
+        return {};
+    }
+    constexpr DWORD LongestPath = 32767;
+    std::wstring path(LongestPath, L'\0');
+    path.resize(GetModuleFileNameW(self, path.data(), LongestPath));
+    return path.substr(0, path.rfind(L'\\') + 1);
+}
+
+EntryPoint FindInFile(const SystemPath& File, const char* Function)
+{
+    HMODULE const module = LoadLibraryExW(
+        File.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    if (module == nullptr) {
+        return {.SystemError = static_cast<int32_t>(GetLastError())};
+    }
+    return FindIn(module, Function);
+}
 
 EntryPoint Library::Find(const char* Function)
 {
@@ -58,11 +75,7 @@ EntryPoint Library::Find(const char* Function)
         }
         m_handle = handle;
     }
-    const FARPROC address = GetProcAddress(static_cast<HMODULE>(handle), Function);
-    if (address == nullptr) {
-        return {.LibraryLoaded = true, .SystemError = static_cast<int32_t>(GetLastError())};
-    }
-    return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
+    return FindIn(static_cast<HMODULE>(handle), Function);
 }
 
 } // namespace acg
