@@ -106,6 +106,11 @@ constexpr Option Options[] = {
          device.RemoveAfter = ParseNumber(value);
          return device.RemoveAfter.has_value();
      }},
+    {"replay", "the path of a file",
+     [](std::string_view value, Device& device) {
+         device.ReplayPath = value;
+         return !value.empty();
+     }},
 };
 
 std::string NamesOfOptions()
@@ -128,6 +133,7 @@ Device ParseDeviceText(std::string_view Text)
 {
     Device device;
     CutOff(Text, ','); // the name is the host's affair: every name is a device that is there
+    const bool isOne = Text.find(',') == std::string_view::npos;
     while (!Text.empty()) {
         const std::string_view text = CutOff(Text, ',');
         std::string_view value = text;
@@ -138,6 +144,9 @@ Device ParseDeviceText(std::string_view Text)
         }
         if (!option->Take(value, device)) {
             throw Refusal(text, "expected " + std::string(option->Expected));
+        }
+        if (!device.ReplayPath.empty() && !isOne) {
+            throw Refusal(text, "expected no other option beside replay=");
         }
     }
     return device;

@@ -34,13 +34,15 @@ struct Device {
     std::vector<Fault> Faults;
     std::optional<unsigned> RemoveAfter; ///< the commands after which the card leaves the field
     CardOptions Card;
+    std::string ReplayPath; ///< of the log that is to answer; empty for a simulated card
 };
 
 /// Why a device can't be opened: what is wrong with the option, given as in the device text.
 [[nodiscard]] std::runtime_error Refusal(std::string_view Option, std::string_view Reason);
 
 /// Reads a name and the options behind it, separated by commas; of an option that is given twice the last
-/// counts, but every fault does. Throws a Refusal where an option or a value is unknown.
+/// counts, but every fault does. Throws a Refusal where an option or a value is unknown, or replay= isn't the
+/// only option.
 [[nodiscard]] Device ParseDeviceText(std::string_view Text);
 
 } // namespace simulator

@@ -31,10 +31,24 @@ int32_t Library::Set(Handle comm, Value Line::*setting, Value value)
     });
 }
 
-Library::Handle Library::OpenComm(Text DeviceText, uint8_t /*Autodetect*/, exports::CommSettings& Settings)
+exports::ReaderLibrary& Library::Answering()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_replay ? static_cast<ReaderLibrary&>(*m_replay) : *this;
+}
+
+Library::Handle Library::OpenComm(Text DeviceText, uint8_t Autodetect, exports::CommSettings& Settings)
 {
     try {
-        return Open(ParseDeviceText(DeviceText), Settings);
+        const Device device = ParseDeviceText(DeviceText);
+        if (device.ReplayPath.empty()) {
+            return Open(device, Settings);
+        }
+        const std::lock_guard lock(m_mutex);
+        if (!m_replay) {
+            m_replay = std::make_unique<Replay>(device.ReplayPath);
+        }
+        return m_replay->OpenComm(DeviceText, Autodetect, Settings);
     } catch (const std::exception& reason) {
         exports::Report(std::string("OpenComm: ") + reason.what());
         return 0;

@@ -1,34 +1,18 @@
 // The simulated reader library: what stands behind its handles.
 #pragma once
 
+#include "exports/Mutex.h"
 #include "exports/ReaderLibrary.h"
 #include "simulator/CardBox.h"
 #include "simulator/DeviceText.h"
 #include "simulator/Reader.h"
+#include "simulator/Replay.h"
 
 #include <map>
-#include <mutex>
-
-#ifdef _WIN32
-#include <windows.h>
-#endif
+#include <memory>
 
 namespace simulator
 {
-
-#ifdef _WIN32 // the variant of the compiler without a thread library has no std::mutex
-class Mutex
-{
-public:
-    void lock() { AcquireSRWLockExclusive(&m_lock); }
-    void unlock() { ReleaseSRWLockExclusive(&m_lock); }
-
-private:
-    SRWLOCK m_lock = SRWLOCK_INIT;
-};
-#else
-using Mutex = std::mutex;
-#endif
 
 /// Its functions can be called from several threads. The autodetect byte changes nothing: a detection would
 /// find the very settings that it is given. The texts' buffers are left alone, since a text comes back as the
@@ -40,6 +24,9 @@ public:
     Handle OpenComm(Text DeviceText, uint8_t Autodetect, exports::CommSettings& Settings) override;
     /// Opens a device that has been read already. Throws a Refusal where it can't be.
     Handle Open(const Device& Named, const exports::CommSettings& Settings);
+    /// What answers the next call: the replay once a device has named one, else this library. It lives as
+    /// long as this.
+    [[nodiscard]] exports::ReaderLibrary& Answering();
     int32_t SetCommTimeout(Handle Comm, int32_t Timeout) override;
     int32_t SetCommProtocol(Handle Comm, uint8_t Protocol) override;
     uint8_t GetCommProtocol(Handle Comm) override;
@@ -77,10 +64,11 @@ private:
     template <class Value>
     int32_t Set(Handle comm, Value Line::*setting, Value value);
 
-    Mutex m_mutex;
+    exports::Mutex m_mutex;
     CardBox m_cards;
     std::map<Handle, Line> m_lines;
     std::map<Handle, OpenedReader> m_readers;
+    std::unique_ptr<Replay> m_replay; ///< null where no device has named one
     Handle m_lastHandle = 0; ///< lines and readers share one count, so that neither is taken for the other
 };
 

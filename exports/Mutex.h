@@ -1,0 +1,27 @@
+// The lock of a reader library that serves several threads.
+#pragma once
+
+#include <mutex>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace exports
+{
+
+#ifdef _WIN32 // the variant of the compiler without a thread library has no std::mutex
+class Mutex
+{
+public:
+    void lock() { AcquireSRWLockExclusive(&m_lock); }
+    void unlock() { ReleaseSRWLockExclusive(&m_lock); }
+
+private:
+    SRWLOCK m_lock = SRWLOCK_INIT;
+};
+#else
+using Mutex = std::mutex;
+#endif
+
+} // namespace exports

@@ -1,0 +1,84 @@
+// What of a command and its reply reaches the log, and that it can be read back.
+#include "recorder/SessionLog.h"
+
+#include <gtest/gtest.h>
+
+using namespace recorder;
+
+namespace
+{
+
+using namespace std::string_literals;
+
+TEST(SessionLogTest, NoKeyIsWrittenAndAllElseIs)
+{
+    const std::string key = "A0A1A2A3A4A5";
+    const std::string stars = "************";
+    const std::string trailer = key + "FF078069" + key;
+    const std::string masked = stars + "FF078069" + stars;
+    const std::string block(32, '1');
+    const std::string allMasked(32, '*');
+    // Command, data, reply; the data and the reply in the log.
+    const std::tuple<std::string, std::string, std::string, std::string, std::string> rows[] = {
+        {"select", "", "1D2C3B4A\r\n", "", "1D2C3B4A\\x0D\\x0A"},
+        {"select", "", "\\\"*\xE9", "", R"(\\\"\*\xE9)"},
+        {"login", "01AA" + key, "L\0"s, "01AA" + stars, R"(L\x00)"},
+        {"LogIn", "01bb" + key + "ABC", "L\0"s + key, "01bb" + stars + "***", "L\\x00" + stars},
+        {"login", "1BB" + key, "", "1B*" + stars, ""},
+        {"login", "01CC" + key, key, "01**" + stars, stars},
+        {"write block", "04" + trailer, trailer, "04" + trailer, trailer},
+        {"write block", "07" + trailer, trailer, "07" + masked, masked},
+        {"write block", "7f" + trailer, trailer + "\0"s + key, "7f" + masked, masked + R"(\x00)" + stars},
+        {"write block", "83" + trailer, trailer, "83" + trailer, trailer},
+        {"write block", "8F" + trailer, " " + trailer, "8F" + masked, allMasked + "*"},
+        {"write block", "04" + trailer + "0", block, "04" + allMasked + "*", allMasked},
+        {"write block", "7" + trailer, "F\0"s, "7A" + allMasked.substr(1), R"(F\x00)"},
+        {"read block", "07", trailer, "07", masked},
+        {"READ BLOCK", "FF", "FF", "FF", "**"},
+        {"read block", "EF", block, "EF", stars + "11111111" + stars},
+        {"read block", "EE", block, "EE", block},
+        {"read block", "0 ", block, "0 ", allMasked},
+        {"write vblock", "0500000001", "00000001", "0500000001", "00000001"},
+        {"write vblock", "05" + key, "00000001", "05" + stars, "********"},
+        {"select", key, key, stars, stars},
+        {"dance", key, "?\0"s, stars, R"(?\x00)"},
+    };
+    for (const auto& [command, data, reply, loggedData, loggedReply] : rows) {
+        EXPECT_EQ(CommandText(2, command, data),
+                  "SendCommandGetData 2 \"" + command + "\" \"" + loggedData + '"');
+        EXPECT_EQ(ReplyText(command, data, reply), '"' + loggedReply + '"') << command << ' ' << data;
+    }
+    EXPECT_EQ(CommandText(2, "login 01AA" + key, ""),
+              "SendCommandGetData 2 \"**********" + stars + "\" \"\"");
+}
+
+TEST(SessionLogTest, ALineIsReadBackAsItWasWritten)
+{
+    using namespace std::chrono_literals;
+    std::string bytes;
+    for (int byte = 0; byte < 256; ++byte) {
+        bytes += static_cast<char>(byte);
+    }
+    const LoggedCall call{OpenCommText(bytes, 1, {.BaudRate = -9600, .Protocol = 1}), ResultText(4294967295)};
+    const std::string line = LogLine(call, 12345us, 67us);
+    EXPECT_TRUE(line.starts_with("12.345 OpenComm \"") && line.ends_with("1 -9600 1 = 4294967295 0.067\n"));
+    const auto read = ParseLine(line.substr(0, line.size() - 1) + '\r');
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->Call, call.Call);
+    EXPECT_EQ(NumberOf(read->Result), 4294967295);
+    EXPECT_TRUE(IsSameCall(read->Call, OpenCommText("com1", 1, {.BaudRate = -9600, .Protocol = 1})));
+    EXPECT_FALSE(IsSameCall(read->Call, OpenCommText("com1", 2, {.BaudRate = -9600, .Protocol = 1})));
+    EXPECT_EQ(TextOf(ResultText(bytes)), bytes);
+    EXPECT_EQ(TextOf(R"("**\*")"), "00*");
+
+    for (const char* wrong :
+         {"text", "1.0", "1.0 Dance 1 = 1 0.0", "1.0 CloseComm = 1 0.0", "1.0 CloseComm 1 1 = 1 0.0",
+          "1.0 CloseComm 1 = \"\" 0.0", "1.0 CloseComm 1 = 1", "1.0 CloseComm 1 = 1 0.0 ",
+          "1.0 GetReaderType 1 = \"\\x4\" 0.0", "1.0 GetReaderType 1 = \"\\q\" 0.0",
+          "1.0 GetReaderType 1 = \"A 0.0", "1.0 GetReaderType 1 = \"\xE9\" 0.0"}) {
+        EXPECT_FALSE(ParseLine(wrong)) << wrong;
+    }
+    EXPECT_EQ(ParseLine(NoteLine("next\nlibrary").substr(0, 5))->Call, "");
+}
+
+} // namespace
