@@ -28,21 +28,6 @@ TEST_F(EncoderTest, InformationHasSixFieldsAndANewNumberEachTime)
     EXPECT_EQ(Last(), Clean(L"GetInformation"));
 }
 
-TEST_F(EncoderTest, ReopeningTakesTheSettingsAndTheNumberAtHandAndTheFirstReader)
-{
-    Open();
-    encoder.Parameters(L"Device=com2;Autodetect=2;Baud rate=19200;Timeout=-5");
-    static_cast<void>(encoder.GetInformation());
-    reader.Readers = "\x80\x41"; // in Windows-1252 the euro sign, U+20AC
-    encoder.ReOpenEncoder();
-    EXPECT_EQ(Last(), Clean(L"OpenEncoder"));
-    const CallList expected = {"CloseReader 34",       "CloseComm 17",         "OpenComm com2 2 19200 0",
-                               "SetCommTimeout 17 -5", "SetCommProtocol 17 0", "DetectReader 17",
-                               "OpenReader 17 128 0"};
-    EXPECT_EQ(CallList(reader.Calls.begin(), reader.Calls.begin() + 7), expected);
-    EXPECT_EQ(reader.Commands, SelectCommands);
-}
-
 TEST_F(EncoderTest, OpeningWaitsFiveSecondsForACardAndItsReadersType)
 {
     reader.Missing = {ReaderFunction::GetReaderType};
