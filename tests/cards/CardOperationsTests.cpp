@@ -132,23 +132,6 @@ TEST_F(CardOperationsTest, BadBlocksAndRangesAreRefused)
     EXPECT_EQ(text, Block);
 }
 
-TEST_F(CardOperationsTest, ManufacturerBlockIsCutIntoItsFields)
-{
-    const std::wstring zeros(22, L'0');
-    const std::tuple<std::string, int32_t, int, std::wstring> rows[] = {
-        {"12345678abCDef00112233445566778899", 305419896, 0xAB, L"CDef001122334455667788"},
-        {"FFFFFFFF00", -1, 0, zeros},
-        {"1 345678G1", 1, 0, zeros}};
-    for (const auto& [reply, number, sum, information] : rows) {
-        reader.Replies["read block"] = reply;
-        int32_t serialNumber = 7;
-        uint8_t checkSum = 7;
-        std::wstring info;
-        EXPECT_EQ(encoder.ReadManufacturerCode(Key, KeyTypeB, serialNumber, checkSum, info), sceSuccess);
-        EXPECT_EQ(std::tie(serialNumber, checkSum, info), std::tie(number, sum, information));
-    }
-}
-
 TEST_F(CardOperationsTest, BadArgumentsOfATrailerAreRefusedInOrder)
 {
     const auto expectRefused = [this](int32_t number, const wchar_t* description,

@@ -1,8 +1,6 @@
 // The simulated reader library: the device text that plans a reader, its handles, its commands, and the card
 // in its field. What the card grants under each access condition is held against the component's access
 // levels.
-#include "platform/AnsiText.h"
-#include "reader/ReaderDLL.h"
 #include "simulator/Library.h"
 
 #include <gtest/gtest.h>
@@ -66,40 +64,6 @@ TEST_F(SimulatorTest, UnknownOptionsAreRefusedWithALineThatSaysWhy)
             << line;
         EXPECT_EQ(line.find_first_of("\x01\n"), line.size() - 1) << line;
     }
-}
-
-TEST_F(SimulatorTest, EachHandleOpensItsOwnAndAClosedOneNothing)
-{
-    const auto lineOf = [this](uint32_t comm) {
-        return std::tuple(library.GetCommBaudRate(comm), int{library.GetCommProtocol(comm)},
-                          library.GetCommTimeout(comm), library.DetectReader(comm, {}));
-    };
-    const auto readerOf = [this](uint32_t reader) {
-        return library.GetReaderType(reader, {}) + '|' + library.GetDeviceID(reader, {}) + '|' +
-               Send(reader, {"select"});
-    };
-    const uint32_t comm = OpenLine(",uid=11223344,readers=4142");
-    const uint32_t reader = library.OpenReader(comm, 0x42, 0);
-    const uint32_t other = library.OpenReader(comm, 0x41, 0);
-    library.CloseComm(reader); // closes nothing, nor does the next
-    library.CloseReader(comm);
-    EXPECT_EQ(library.OpenReader(comm, 0x43, 0), 0U);
-    EXPECT_EQ(lineOf(comm), std::tuple(19200, 1, 1000, "AB"));
-    library.SetCommTimeout(comm, 2200);
-    library.SetCommProtocol(comm, 0);
-    EXPECT_EQ(lineOf(comm), std::tuple(19200, 0, 2200, "AB"));
-    Send(reader, {"use iso14443a", "antenna on"});
-    EXPECT_EQ(readerOf(reader), "MultiISO 2.1|Simulated reader 42|11223344");
-    EXPECT_EQ(readerOf(other), "MultiISO 2.1|Simulated reader 41|<N>");
-    library.CloseReader(reader);
-    EXPECT_EQ(readerOf(reader), "||<?>");
-    library.CloseComm(comm); // takes the other reader with it
-    EXPECT_EQ(readerOf(other), "||<?>");
-    EXPECT_EQ(lineOf(comm), std::tuple(0, 0, 0, ""));
-
-    acg::ByteString reply; // of the shared library, to which a null text is empty
-    EXPECT_FALSE(acg::ReaderDLL().SendCommandGetData(comm, nullptr, nullptr, reply));
-    EXPECT_EQ(reply.Bytes(), StatusReply('?'));
 }
 
 TEST_F(SimulatorTest, AnswersSessionsStepByStep)
