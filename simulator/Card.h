@@ -50,6 +50,9 @@ public:
 
     [[nodiscard]] std::size_t BlockCount() const { return m_blocks.size(); }
 
+    /// The card's contents, keys included, as an image has them.
+    [[nodiscard]] std::span<const Block> Image() const { return m_blocks; }
+
     /// Tells whether the key is that of the sector. A key B that can be read is no key: it passes here, and
     /// every access after it is refused.
     [[nodiscard]] bool Login(std::size_t Sector, KeyType Type, std::span<const uint8_t, KeySize> Key) const;

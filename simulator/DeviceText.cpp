@@ -94,6 +94,11 @@ constexpr Option Options[] = {
          device.Card.ImagePath = value;
          return !value.empty();
      }},
+    {"save", "the path of a file",
+     [](std::string_view value, Device& device) {
+         device.Card.SavePath = value;
+         return !value.empty();
+     }},
     {"reader", "a text",
      [](std::string_view value, Device& device) {
          device.ReaderType = value;
@@ -120,6 +125,13 @@ std::string NamesOfOptions()
         names += (names.empty() ? "" : ", ") + std::string(option.Name) + '=';
     }
     return names;
+}
+
+void RefuseContradictions(const Device& device)
+{
+    if (device.Card.BlockCount == 0U && !device.Card.SavePath.empty()) {
+        throw Refusal("save=" + device.Card.SavePath, "with card=none there is no card to save");
+    }
 }
 
 } // namespace
@@ -149,6 +161,7 @@ Device ParseDeviceText(std::string_view Text)
             throw Refusal(text, "expected no other option beside replay=");
         }
     }
+    RefuseContradictions(device);
     return device;
 }
 

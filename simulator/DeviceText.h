@@ -26,6 +26,7 @@ struct CardOptions {
     std::optional<std::size_t> BlockCount; ///< 0 for an empty field
     std::optional<SerialNumber> Number;
     std::string ImagePath;
+    std::string SavePath;
 };
 
 struct Device {
@@ -41,8 +42,9 @@ struct Device {
 [[nodiscard]] std::runtime_error Refusal(std::string_view Option, std::string_view Reason);
 
 /// Reads a name and the options behind it, separated by commas; of an option that is given twice the last
-/// counts, but every fault does. Throws a Refusal where an option or a value is unknown, or replay= isn't the
-/// only option.
+/// Reads a name and the options behind it, separated by commas; of an option that is given twice the last
+/// counts, but every fault does. Throws a Refusal where an option or a value is unknown, or options
+/// contradict each other.
 [[nodiscard]] Device ParseDeviceText(std::string_view Text);
 
 } // namespace simulator

@@ -1,5 +1,7 @@
 #include "simulator/Reader.h"
 
+#include "exports/ReaderLibrary.h"
+#include "simulator/CardBox.h"
 #include "simulator/Hex.h"
 
 #include <algorithm>
@@ -40,7 +42,11 @@ Block ValueBlock(std::span<const uint8_t> value, uint8_t address)
 
 } // namespace
 
-Reader::Reader(Device Opened, Card* InField) : m_device(std::move(Opened)), m_card(InField) {}
+Reader::Reader(Device Opened, Card* InField)
+    : m_device(std::move(Opened)), m_card(InField),
+      m_saved(m_device.Card.SavePath.empty() ? nullptr : InField)
+{
+}
 
 std::string Reader::Send(std::string_view CommandName, std::string_view Data)
 {
@@ -153,7 +159,20 @@ std::string Reader::AccessBlock(Command Sent, std::span<const uint8_t> Data)
         EndSelection();
         return StatusReply(StatusCardRefused);
     }
+    if (Sent != Command::ReadBlock && m_card == m_saved) {
+        Save();
+    }
     return ToHex(Sent == Command::WriteValueBlock ? contents : *reply);
+}
+
+/// The card has changed whether or not that can be saved.
+void Reader::Save() const
+{
+    try {
+        SaveImage(*m_saved, m_device.Card.SavePath);
+    } catch (const std::runtime_error& reason) {
+        exports::Report(std::string("SendCommandGetData: ") + reason.what());
+    }
 }
 
 bool Reader::CardAnswers() const

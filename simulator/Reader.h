@@ -43,9 +43,11 @@ private:
     [[nodiscard]] std::string AccessBlock(Command Sent, std::span<const uint8_t> Data);
     [[nodiscard]] bool CardAnswers() const;
     void EndSelection();
+    void Save() const;
 
     Device m_device; ///< what is counted in it counts down
     Card* m_card;
+    const Card* m_saved; ///< the card that is saved when it changes; null for none
     bool m_iso14443A = false;
     bool m_antennaOn = false;
     bool m_selected = false;

@@ -55,7 +55,7 @@ TEST_F(SimulatorTest, UnknownOptionsAreRefusedWithALineThatSaysWhy)
     std::istringstream refused("card=2k card= CARD=1k uid=A1B2C3 uid=A1B2C3DG reader readers=4100 colour=red "
                                "remove= remove=1x remove=4294967296 fault=login/1 fault=login/0/N "
                                "fault=login/1/Z fault=login/1/NX fault=login/1/N/ fault=dance/1/N ,card=1k "
-                               "image= image=. image=no\x01where");
+                               "image= image=. image=no\x01where save= save=nowhere/card save=c,card=none");
     for (std::string option; refused >> option;) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(OpenLine("," + option), 0U);
@@ -128,6 +128,8 @@ TEST_F(SimulatorTest, AnswersSessionsStepByStep)
         {image + "1024,image=nowhere", select, "<?> <?> <?>"},
         {image + "1024", select, "- - DEADBEEF"},
         {image + "4096,card=4k", select, "- - DEADBEEF"},
+        {image + "new,uid=55555555,save=" + folder.string() + "/new", life, "- - 5 <L> 0 5 <L> 1 5 <L> 1"},
+        {image + "new,uid=66666666", life, "- - 6 <L> 1 6 <L> 1 6 <L> 1"}, // what has been saved
     };
     uint32_t reader = 0;
     for (const auto& [options, commands, replies] : steps) {
