@@ -20,9 +20,9 @@ carry_out() {
 classes() {
     on_wine reg export 'HKLM\Software\Classes' 'C:\classes.reg' /y >/dev/null && cat ../classes.reg
 }
-# readme_block LANGUAGE
-readme_block() {
-    awk -v from="\`\`\`$1" '/^```$/ { inside = 0 } inside; $0 == from { inside = 1 }' "$repository/README.md"
+# readme_below TEXT: the rest of the block, below the line that begins so.
+readme_below() {
+    awk -v from="$1" '/^```$/ { inside = 0 } inside; index($0, from) == 1 { inside = 1 }' "$repository/README.md"
 }
 # The number that opens the encoder is drawn anew each time.
 mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; }
@@ -36,9 +36,10 @@ classes >before.reg
 carry_out 1
 classes | cmp -s before.reg - && exit 1 # so the comparison sees a registration
 carry_out 2
-transcript=$(readme_block console | sed 1d)
+transcript=$(readme_below 'C:')
 diff <(printf '%s\n' "$transcript" "$transcript" | mask) <(carry_out 3 | mask)
-doctor=$(carry_out 4)
+diff <(readme_below '$ acg trailer ') <(carry_out 4)
+doctor=$(carry_out 5)
 [ "$(grep -c '^ok      ' <<<"$doctor")" -eq 9 ]
 [ "$(wc -l <<<"$doctor")" -eq 9 ]
 
@@ -46,8 +47,8 @@ status=0
 output=$(on_wine cscript //nologo script-host.vbs Device=com1,readers=) || status=$?
 [ "$status" -eq 1 ]
 grep -qx '  Description    No encoder found' <<<"$output"
-readme_block vb | sed 's/$/\r/' >first.vbs
+readme_below '```vb' | sed 's/$/\r/' >first.vbs
 [ "$(on_wine cscript //nologo first.vbs)" = 'Block 4: 00000000000000000000000000000000' ]
 
-carry_out 5
+carry_out 6
 classes | cmp before.reg -
