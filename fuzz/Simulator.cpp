@@ -15,7 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
     uint32_t comm = 0;
     try {
         simulator::Device device = simulator::ParseDeviceText(input.ConsumeRandomLengthString());
-        device.Card.SavePath.clear(); // it writes no file
+        device.Card.SavePath.clear(); // it neither writes files nor sleeps
+        device.BaudRate.reset();
         comm = library.Open(device, settings);
     } catch (const std::runtime_error&) { // what OpenComm reports on the standard error
     }

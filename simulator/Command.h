@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <iterator>
 #include <string>
@@ -25,17 +26,22 @@ struct CommandText {
     Command Meaning;
     std::string_view Name;
     std::size_t DataBytes; ///< the size of its data text, two hexadecimal digits a byte
+    std::chrono::milliseconds CardTime{0};
 };
+
+using namespace std::chrono_literals;
 
 inline constexpr CommandText CommandTexts[] = {
     {Command::UseIso14443A, "use iso14443a", 0},
     {Command::AntennaOn, "antenna on", 0},
     {Command::AntennaOff, "antenna off", 0},
-    {Command::Select, "select", 0},
-    {Command::Login, "login", 1 + 1 + 6},             // login sector, AA or BB for the key type, key
-    {Command::ReadBlock, "read block", 1},            // block
-    {Command::WriteBlock, "write block", 1 + 16},     // block, contents
-    {Command::WriteValueBlock, "write vblock", 1 + 4} // block, value with its most significant byte first
+    // Select, login and a block take 7 ms together; how they share them is a guess.
+    {Command::Select, "select", 0, 3ms},
+    {Command::Login, "login", 1 + 1 + 6, 2ms},         // login sector, AA or BB for the key type, key
+    {Command::ReadBlock, "read block", 1, 2ms},        // block
+    {Command::WriteBlock, "write block", 1 + 16, 2ms}, // block, contents
+    {Command::WriteValueBlock, "write vblock", 1 + 4,
+     2ms} // block, value with its most significant byte first
 };
 
 /// Null where the reader has no such command.

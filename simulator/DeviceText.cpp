@@ -80,6 +80,22 @@ bool TakeFault(std::string_view value, Device& device)
     return true;
 }
 
+bool AddChange(std::string_view number, const FieldChange& change, Device& device)
+{
+    const std::optional<unsigned> after = ParseNumber(number);
+    return after && device.FieldChanges.try_emplace(*after, change).second;
+}
+
+bool TakeLay(std::string_view value, Device& device)
+{
+    const std::string_view number = CutOff(value, '/');
+    const std::string_view serialNumber = CutOff(value, '/');
+    Device laid;
+    const bool isKnown = TakeSerialNumber(serialNumber, laid) && (value.empty() || value == "4k");
+    laid.Card.BlockCount = value.empty() ? BlocksOf1K : BlocksOf4K;
+    return isKnown && AddChange(number, {FieldChange::Kind::Lay, laid.Card}, device);
+}
+
 struct Option {
     std::string_view Name;
     std::string_view Expected;                            ///< the values that it takes
@@ -106,10 +122,19 @@ constexpr Option Options[] = {
      }},
     {"readers", "two hexadecimal digits for each reader, not 00", TakeReaderIds},
     {"fault", "COMMAND/N/LETTER, with N from 1 and one of the letters LNXFOR?IC or none", TakeFault},
-    {"remove", "a number of commands",
+    {"lay", "N/UID or N/UID/4k, with no other change of the field after N commands", TakeLay},
+    {"remove", "a number of commands, with no other change of the field after as many",
      [](std::string_view value, Device& device) {
-         device.RemoveAfter = ParseNumber(value);
-         return device.RemoveAfter.has_value();
+         return AddChange(value, {FieldChange::Kind::Remove}, device);
+     }},
+    {"return", "a number of commands, with no other change of the field after as many",
+     [](std::string_view value, Device& device) {
+         return AddChange(value, {FieldChange::Kind::Return}, device);
+     }},
+    {"line", "a speed in baud, from 1",
+     [](std::string_view value, Device& device) {
+         device.BaudRate = ParseNumber(value);
+         return device.BaudRate.value_or(0) != 0;
      }},
     {"replay", "the path of a file",
      [](std::string_view value, Device& device) {
@@ -131,6 +156,14 @@ void RefuseContradictions(const Device& device)
 {
     if (device.Card.BlockCount == 0U && !device.Card.SavePath.empty()) {
         throw Refusal("save=" + device.Card.SavePath, "with card=none there is no card to save");
+    }
+    bool hasLeft = false;
+    for (const auto& [after, change] : device.FieldChanges) {
+        if (change.What == FieldChange::Kind::Return && !hasLeft) {
+            throw Refusal("return=" + std::to_string(after), "no card has left by remove= before");
+        }
+        hasLeft =
+            change.What == FieldChange::Kind::Remove || (hasLeft && change.What == FieldChange::Kind::Lay);
     }
 }
 

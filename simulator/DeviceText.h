@@ -5,6 +5,7 @@
 #include "simulator/Command.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -29,11 +30,24 @@ struct CardOptions {
     std::string SavePath;
 };
 
+/// A card is laid in the field in place of the former, or the card leaves it, or the one that left comes
+/// back.
+struct FieldChange {
+    enum class Kind {
+        Lay,
+        Remove,
+        Return
+    };
+    Kind What;
+    CardOptions Laid; ///< empty unless a card is laid
+};
+
 struct Device {
     std::string ReaderType = "MultiISO 2.1";
     std::vector<uint8_t> ReaderIds = {0x41};
     std::vector<Fault> Faults;
-    std::optional<unsigned> RemoveAfter; ///< the commands after which the card leaves the field
+    std::map<unsigned, FieldChange> FieldChanges; ///< by the commands since the reader was opened
+    std::optional<unsigned> BaudRate;             ///< of a line on which time passes
     CardOptions Card;
     std::string ReplayPath; ///< of the log that is to answer; empty for a simulated card
 };
@@ -43,8 +57,8 @@ struct Device {
 
 /// Reads a name and the options behind it, separated by commas; of an option that is given twice the last
 /// Reads a name and the options behind it, separated by commas; of an option that is given twice the last
-/// counts, but every fault does. Throws a Refusal where an option or a value is unknown, or options
-/// contradict each other.
+/// counts, but every fault and every change of the field does. Throws a Refusal where an option or a value is
+/// unknown, or options contradict each other.
 [[nodiscard]] Device ParseDeviceText(std::string_view Text);
 
 } // namespace simulator

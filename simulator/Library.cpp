@@ -3,10 +3,34 @@
 #include "simulator/Hex.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
+#include <utility>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <thread>
+#endif
 
 namespace simulator
 {
+
+namespace
+{
+
+void Wait(std::chrono::microseconds time)
+{
+#ifdef _WIN32
+    if (time.count() > 0) {
+        Sleep(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(time).count()));
+    }
+#else
+    std::this_thread::sleep_for(time);
+#endif
+}
+
+} // namespace
 
 template <class Opened, class Result, class Body>
 Result Library::With(std::map<Handle, Opened>& all, Handle handle, Result otherwise, const Body& body)
@@ -100,7 +124,7 @@ Library::Handle Library::OpenReader(Handle Comm, uint8_t Id, int32_t /*Third*/)
         if (std::ranges::count(line.Named.ReaderIds, Id) == 0) {
             return 0;
         }
-        m_readers.insert({++m_lastHandle, {Comm, Id, {line.Named, line.InField}}});
+        m_readers.insert({++m_lastHandle, {Comm, Id, {line.Named, m_cards, line.InField}}});
         return m_lastHandle;
     });
 }
@@ -120,8 +144,14 @@ std::string Library::GetDeviceID(Handle Reader, Buffer /*buffer*/)
 
 std::string Library::SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer /*buffer*/)
 {
-    return With(m_readers, Reader, StatusReply(StatusUnknownCommand),
-                [&](OpenedReader& reader) { return reader.Opened.Send(Command, Data); });
+    std::chrono::microseconds taken{0};
+    std::string sent = With(m_readers, Reader, StatusReply(StatusUnknownCommand), [&](OpenedReader& reader) {
+        std::string reply = reader.Opened.Send(Command, Data);
+        taken = reader.Opened.TimeOf(Command, Data, reply);
+        return reply;
+    });
+    Wait(taken); // with the other threads let in
+    return sent;
 }
 
 int32_t Library::CloseReader(Handle Reader)

@@ -1,10 +1,10 @@
 #include "simulator/Reader.h"
 
 #include "exports/ReaderLibrary.h"
-#include "simulator/CardBox.h"
 #include "simulator/Hex.h"
 
 #include <algorithm>
+#include <ratio>
 #include <utility>
 
 namespace simulator
@@ -42,17 +42,15 @@ Block ValueBlock(std::span<const uint8_t> value, uint8_t address)
 
 } // namespace
 
-Reader::Reader(Device Opened, Card* InField)
-    : m_device(std::move(Opened)), m_card(InField),
+Reader::Reader(Device Opened, CardBox& Cards, Card* InField)
+    : m_device(std::move(Opened)), m_cards(&Cards), m_card(InField),
       m_saved(m_device.Card.SavePath.empty() ? nullptr : InField)
 {
 }
 
 std::string Reader::Send(std::string_view CommandName, std::string_view Data)
 {
-    if (m_device.RemoveAfter && (*m_device.RemoveAfter)-- == 0) {
-        m_card = nullptr;
-    }
+    ChangeField();
     const CommandText* const command = FindCommand(CommandName);
     if (command == nullptr) {
         return StatusReply(StatusUnknownCommand);
@@ -66,6 +64,41 @@ std::string Reader::Send(std::string_view CommandName, std::string_view Data)
         return StatusReply(StatusUnknownCommand);
     }
     return Run(command->Meaning, *bytes);
+}
+
+std::chrono::microseconds Reader::TimeOf(std::string_view CommandName, std::string_view Data,
+                                         std::string_view Reply) const
+{
+    if (!m_device.BaudRate) {
+        return {};
+    }
+    constexpr uint64_t BitsOfByte = 10; // with the start bit and the stop bit
+    const uint64_t bits = (CommandName.size() + Data.size() + Reply.size()) * BitsOfByte;
+    const CommandText* const command = FindCommand(CommandName);
+    return std::chrono::microseconds(bits * std::micro::den / *m_device.BaudRate) +
+           (command != nullptr ? command->CardTime : std::chrono::milliseconds());
+}
+
+/// The card that was selected no longer is, whatever comes into the field.
+void Reader::ChangeField()
+{
+    const auto change = m_device.FieldChanges.find(m_commands++);
+    if (change == m_device.FieldChanges.end()) {
+        return;
+    }
+    EndSelection();
+    switch (change->second.What) {
+    case FieldChange::Kind::Lay:
+        m_card = m_cards->Lay(change->second.Laid);
+        break;
+    case FieldChange::Kind::Remove:
+        m_removed = m_card != nullptr ? m_card : m_removed;
+        m_card = nullptr;
+        break;
+    case FieldChange::Kind::Return:
+        m_card = m_removed;
+        break;
+    }
 }
 
 std::optional<std::string> Reader::PlannedReply(Command Sent)

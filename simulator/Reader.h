@@ -1,10 +1,11 @@
 // One opened reader: it takes commands and passes them on to the card in its field.
 #pragma once
 
-#include "simulator/Card.h"
+#include "simulator/CardBox.h"
 #include "simulator/Command.h"
 #include "simulator/DeviceText.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -23,12 +24,17 @@ namespace simulator
 class Reader
 {
 public:
-    /// InField is null for an empty field. It must outlive the reader, and other readers may use it too.
-    Reader(Device Opened, Card* InField);
+    /// InField is null for an empty field. It and the box, from which further cards are laid, must outlive
+    /// the reader, and other readers may use them too.
+    Reader(Device Opened, CardBox& Cards, Card* InField);
 
     [[nodiscard]] const std::string& Type() const { return m_device.ReaderType; }
 
     [[nodiscard]] std::string Send(std::string_view CommandName, std::string_view Data);
+
+    /// How long that exchange takes on the device's line; nothing where it has no speed.
+    [[nodiscard]] std::chrono::microseconds TimeOf(std::string_view CommandName, std::string_view Data,
+                                                   std::string_view Reply) const;
 
 private:
     struct Session {
@@ -36,6 +42,7 @@ private:
         KeyType Type;
     };
 
+    void ChangeField();
     [[nodiscard]] std::optional<std::string> PlannedReply(Command Sent);
     [[nodiscard]] std::string Run(Command Sent, std::span<const uint8_t> Data);
     [[nodiscard]] std::string Select();
@@ -46,8 +53,11 @@ private:
     void Save() const;
 
     Device m_device; ///< what is counted in it counts down
+    CardBox* m_cards;
     Card* m_card;
-    const Card* m_saved; ///< the card that is saved when it changes; null for none
+    Card* m_removed = nullptr; ///< the last card that has left the field
+    const Card* m_saved;       ///< the card that is saved when it changes; null for none
+    unsigned m_commands = 0;   ///< since the reader was opened
     bool m_iso14443A = false;
     bool m_antennaOn = false;
     bool m_selected = false;

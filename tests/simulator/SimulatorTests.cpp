@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -55,7 +56,9 @@ TEST_F(SimulatorTest, UnknownOptionsAreRefusedWithALineThatSaysWhy)
     std::istringstream refused("card=2k card= CARD=1k uid=A1B2C3 uid=A1B2C3DG reader readers=4100 colour=red "
                                "remove= remove=1x remove=4294967296 fault=login/1 fault=login/0/N "
                                "fault=login/1/Z fault=login/1/NX fault=login/1/N/ fault=dance/1/N ,card=1k "
-                               "image= image=. image=no\x01where save= save=nowhere/card save=c,card=none");
+                               "image= image=. image=no\x01where save= save=nowhere/card save=c,card=none "
+                               "line=0 line=fast lay=1/A1B2C3 lay=x/A1B2C3D4 lay=1/A1B2C3D4/2k return=1 "
+                               "return=1,remove=2 remove=1,remove=1");
     for (std::string option; refused >> option;) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(OpenLine("," + option), 0U);
@@ -111,6 +114,8 @@ TEST_F(SimulatorTest, AnswersSessionsStepByStep)
         {",uid=22222222,fault=write block/1/C", life, "- - 2 <L> 0 2 <L> <C> 2 <L> 0"},
         {",uid=22222222,fault=read block/1/,fault=login/2/X", life, "- - 2 <L> - 2 <X> <O> 2 <L> 0"},
         {",uid=33333333,remove=8", life, "- - 3 <L> 0 3 <L> 1 <N> <N> <N>"},
+        {",uid=33333333,remove=4,lay=5/77777777,return=9,line=9600", life, "- - 3 <L> <N> 7 <L> 1 7 <O> <O>"},
+        {"", {"select"}, "3"},
         {",uid=33333333", life, "- - 3 <L> 1 3 <L> 1 3 <L> 1"},
         {",uid=44444444,reader=MultiISO 1.0", life, "- - 4 - 0 4 - 1 4 - 1"},
         {",card=none", select, "- - <N>"},
@@ -131,11 +136,13 @@ TEST_F(SimulatorTest, AnswersSessionsStepByStep)
         {image + "new,uid=55555555,save=" + folder.string() + "/new", life, "- - 5 <L> 0 5 <L> 1 5 <L> 1"},
         {image + "new,uid=66666666", life, "- - 6 <L> 1 6 <L> 1 6 <L> 1"}, // what has been saved
     };
+    const auto begin = std::chrono::steady_clock::now();
     uint32_t reader = 0;
     for (const auto& [options, commands, replies] : steps) {
         reader = options.empty() ? reader : Open(options);
         EXPECT_EQ(Send(reader, commands), replies) << options;
     }
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(200)); // on the slow line
     std::filesystem::remove_all(folder);
 }
 
