@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# example-host.sh PROGRAM: the example host's output is what the README shows, and it fails as it promises.
+# example-host.sh PROGRAM: the outputs of the example host and of example-cards beside it are what the README shows,
+# and the host fails as it promises.
 set -euo pipefail
 program=$(realpath "$1")
 cd "$(dirname "$0")/../.."
@@ -10,6 +11,8 @@ mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; }
 # The fenced block of the README that begins with the information text.
 shown=$(awk '/^```/ { inside = 0 } inside { print } /^```text$/ { inside = 1 }' README.md | sed -n '/^Information/,/^State .*closed/p')
 diff <(mask <<<"$shown") <("$program" | mask)
+
+diff <(grep '^Card [0-9]:' README.md) <("$(dirname "$program")/example-cards")
 
 "$program" 'Device=com1,card=4k,uid=01020304' | grep -qx 'Serial           01020304'
 
