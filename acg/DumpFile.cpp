@@ -5,8 +5,10 @@
 #include "acg/Text.h"
 #include "platform/TextCase.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 
 namespace acg::tool
 {
@@ -16,7 +18,8 @@ namespace
 
 bool IsText(const std::filesystem::path& file)
 {
-    return ToLower(file.extension().wstring()) == L".txt";
+    return std::ranges::equal(file.extension().u8string(), std::u8string_view(u8".txt"),
+                              [](char8_t one, char8_t other) { return AsciiToLower(one) == other; });
 }
 
 /// A line of text: 32 digits, of which "--" stands for a byte that isn't known.

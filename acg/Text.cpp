@@ -5,19 +5,34 @@
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
+#include <system_error>
+#include <type_traits>
 
 namespace acg::tool
 {
 
-// A path converts between the two on every system, and changes nothing else.
+namespace
+{
+
+// A path converts these from and to UTF-8 whatever the locale, which wchar_t isn't.
+using WideUnit = std::conditional_t<sizeof(wchar_t) == sizeof(char16_t), char16_t, char32_t>;
+
+} // namespace
+
 std::wstring ToWide(std::string_view Text)
 {
-    return ToPath(Text).wstring();
+    try {
+        const auto wide = ToPath(Text).string<WideUnit>();
+        return {wide.begin(), wide.end()};
+    } catch (const std::system_error&) {
+        throw UsageError{"an argument isn't UTF-8"};
+    }
 }
 
 std::string ToUtf8(std::wstring_view Text)
 {
-    const std::u8string bytes = std::filesystem::path(Text).u8string();
+    const std::basic_string<WideUnit> wide(Text.begin(), Text.end());
+    const std::u8string bytes = std::filesystem::path(wide).u8string();
     return {bytes.begin(), bytes.end()};
 }
 

@@ -8,7 +8,7 @@
 namespace acg::tool
 {
 
-/// Both throw std::system_error for text that isn't valid.
+/// Throws UsageError for text that isn't UTF-8.
 [[nodiscard]] std::wstring ToWide(std::string_view Text);
 [[nodiscard]] std::string ToUtf8(std::wstring_view Text);
 [[nodiscard]] std::filesystem::path ToPath(std::string_view Text);
