@@ -16,14 +16,20 @@ namespace acg::tool
 namespace
 {
 
-/// Keys are compared, but not shown.
+/// Keys are compared, but not shown. What isn't known of both counts as alike, access bits as a whole.
 void PrintTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other)
 {
+    constexpr Block factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
+    constexpr unsigned accessBits = 0x01C0;
+    unsigned known = one.Known & other.Known;
+    if ((known & accessBits) != accessBits) {
+        known &= ~accessBits;
+    }
     Block first = one.Bytes;
     Block second = other.Bytes;
     for (size_t at = 0; at < first.size(); ++at) {
-        if ((one.Known >> at & other.Known >> at & 1) == 0) { // it isn't known whether they differ
-            first[at] = second[at];
+        if ((known >> at & 1) == 0) {
+            first[at] = second[at] = factory[at];
         }
     }
     std::printf("block %d, the trailer of sector %d:\n", number, SectorOf(number));
