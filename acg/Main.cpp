@@ -54,6 +54,7 @@ CommandLine::CommandLine()
 {
     m_program.name("acg");
     m_program.require_subcommand(1);
+    m_program.option_defaults()->disable_flag_override(); // else its message holds --as-b=KEY
     m_program.set_version_flag("--version", ACG_VERSION);
     m_program
         .add_option("--reader", m_options.Parameters,
