@@ -47,29 +47,31 @@ int Compare(const Options& Options)
 {
     const Dump one = ReadDump(Options.Files.front());
     const Dump other = ReadDump(Options.Files.back());
-    const size_t common = std::min(one.size(), other.size());
+    const int32_t sizes[] = {static_cast<int32_t>(one.size()), static_cast<int32_t>(other.size())};
+    const int32_t common = std::min(sizes[0], sizes[1]);
     int differences = 0;
-    for (size_t at = 0; at < common; ++at) {
-        const auto number = static_cast<int32_t>(at);
-        if (one[at] == other[at]) {
+    for (int32_t number = 0; number < common; ++number) {
+        const DumpedBlock* const blocks[] = {&one[static_cast<size_t>(number)],
+                                             &other[static_cast<size_t>(number)]};
+        if (*blocks[0] == *blocks[1]) {
             continue;
         }
         ++differences;
         if (IsTrailer(number)) {
-            PrintTrailer(number, one[at], other[at]);
+            PrintTrailer(number, *blocks[0], *blocks[1]);
             continue;
         }
-        for (const DumpedBlock* const block : {&one[at], &other[at]}) {
+        for (const DumpedBlock* const block : blocks) {
             std::puts(HexDump(number, block->Bytes, block->Known).c_str());
         }
     }
-    if (one.size() != other.size()) {
-        const bool isFirst = one.size() > common;
-        std::printf("blocks %zu to %zu are only in %s\n", common, std::max(one.size(), other.size()) - 1,
-                    Options.Files[isFirst ? 0 : 1].c_str());
+    if (sizes[0] != sizes[1]) {
+        const size_t larger = sizes[0] > sizes[1] ? 0 : 1;
+        std::printf("blocks %d to %d are only in %s\n", common, sizes[larger] - 1,
+                    Options.Files[larger].c_str());
     }
-    std::printf("%d of %zu blocks differ\n", differences, common);
-    return differences == 0 && one.size() == other.size() ? Done : Failed;
+    std::printf("%d of %d blocks differ\n", differences, common);
+    return differences == 0 && sizes[0] == sizes[1] ? Done : Failed;
 }
 
 } // namespace acg::tool

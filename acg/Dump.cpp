@@ -204,7 +204,7 @@ struct KeyList {
         if (!key) {
             return "unknown";
         }
-        return AreNumbered ? Format("key %zu of the file", *key + 1) : "the key";
+        return AreNumbered ? Format("key %d of the file", static_cast<int>(*key) + 1) : "the key";
     }
 };
 
@@ -222,8 +222,8 @@ void PrintOpenings(const std::vector<Opening>& openings, const KeyList& keys)
     for (auto from = openings.begin(); from != openings.end();) {
         const auto end =
             std::find_if(from, openings.end(), [&](const Opening& other) { return other != *from; });
-        std::printf("sectors %2td to %2td  key A %s, key B %s\n", from - openings.begin(),
-                    end - openings.begin() - 1, keys.Name(from->A).c_str(),
+        std::printf("sectors %2d to %2d  key A %s, key B %s\n", static_cast<int>(from - openings.begin()),
+                    static_cast<int>(end - openings.begin()) - 1, keys.Name(from->A).c_str(),
                     from->ShowsB ? "shown by the card" : keys.Name(from->B).c_str());
         from = end;
     }
@@ -247,7 +247,7 @@ int DumpCard(const Options& Options)
     }
     file.Write(reading.Result());
     PrintOpenings(reading.Openings(), keys);
-    std::printf("%zu blocks written to %s\n", reading.Result().size(), name.c_str());
+    std::printf("%d blocks written to %s\n", static_cast<int>(reading.Result().size()), name.c_str());
     return reading.IsComplete() ? Done : Failed;
 }
 

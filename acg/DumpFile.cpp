@@ -18,8 +18,8 @@ namespace
 
 bool IsText(const std::filesystem::path& file)
 {
-    return std::ranges::equal(file.extension().u8string(), std::u8string_view(u8".txt"),
-                              [](char8_t one, char8_t other) { return AsciiToLower(one) == other; });
+    return std::ranges::equal(file.extension().u8string(), std::wstring_view(L".txt"),
+                              [](char8_t one, wchar_t other) { return AsciiToLower(one) == other; });
 }
 
 /// A line of text: 32 digits, of which "--" stands for a byte that isn't known.
@@ -47,7 +47,7 @@ Dump ReadDump(const std::string& File)
     const std::filesystem::path path = ToPath(File);
     std::ifstream file(path, std::ios::binary);
     // One byte more than the largest card, in text with all its line ends, shows what isn't a dump.
-    constexpr size_t most = (LastBlock + 1) * 40;
+    constexpr size_t most = size_t{LastBlock + 1} * 40;
     std::string bytes(most, '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<size_t>(file.gcount()));
@@ -64,7 +64,8 @@ Dump ReadDump(const std::string& File)
             if (line.ends_with('\r')) {
                 line.pop_back();
             }
-            dump.push_back(ParseLine(line, Format("%s, line %zu,", File.c_str(), dump.size() + 1)));
+            dump.push_back(
+                ParseLine(line, Format("%s, line %d,", File.c_str(), static_cast<int>(dump.size()) + 1)));
         }
     } else {
         for (size_t at = 0; at + std::size(Block()) <= bytes.size(); at += std::size(Block())) {
