@@ -59,16 +59,16 @@ Card NewCard(const CardOptions& options)
     return card;
 }
 
-/// In place of a file of the new name, at once.
-std::error_code Rename(const std::string& path, const std::string& newPath)
+/// Replaces a file of the name at once.
+std::error_code Rename(const std::string& from, const std::string& to)
 {
 #ifdef _WIN32 // its std::rename replaces no file
-    return MoveFileExA(path.c_str(), newPath.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE
+    return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE
                ? std::error_code()
                : std::error_code(static_cast<int>(GetLastError()), std::system_category());
 #else
-    return std::rename(path.c_str(), newPath.c_str()) == 0 ? std::error_code()
-                                                           : std::error_code(errno, std::generic_category());
+    return std::rename(from.c_str(), to.c_str()) == 0 ? std::error_code()
+                                                      : std::error_code(errno, std::generic_category());
 #endif
 }
 

@@ -38,7 +38,7 @@ struct FieldChange {
         Remove,
         Return
     };
-    Kind What;
+    Kind What = Kind::Lay;
     CardOptions Laid; ///< empty unless a card is laid
 };
 
