@@ -47,6 +47,7 @@ std::string Format(const char* Pattern, ...)
     va_start(arguments, Pattern);
     std::va_list again; // NOLINT(cppcoreguidelines-init-variables)
     va_copy(again, arguments);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start has initialised it
     const int length = std::vsnprintf(nullptr, 0, Pattern, arguments);
     std::string text(static_cast<size_t>(length), '\0');
     std::vsnprintf(text.data(), text.size() + 1, Pattern, again);

@@ -13,8 +13,8 @@ namespace acg::tool
 [[nodiscard]] std::string ToUtf8(std::wstring_view Text);
 [[nodiscard]] std::filesystem::path ToPath(std::string_view Text);
 
-/// As printf, with z also where the system's own printf lacks it.
-[[gnu::format(gnu_printf, 1, 2)]] [[nodiscard]] std::string Format(const char* Pattern, ...);
+/// As printf, without the conversions that Windows lacks, such as z.
+[[gnu::format(printf, 1, 2)]] [[nodiscard]] std::string Format(const char* Pattern, ...);
 
 /// The number that the whole text is in decimal digits, with a minus where Least is negative; throws
 /// UsageError with What where it isn't one from Least to Most.
