@@ -3,6 +3,7 @@
 #include "acg/Commands.h"
 #include "acg/Failures.h"
 #include "acg/Json.h"
+#include "acg/Output.h"
 #include "acg/Text.h"
 #include "cards/BlockAddress.h"
 
@@ -81,6 +82,17 @@ void Print(const ValueBlock& block)
                 block.HasAddress() ? Format("%d", block.Address[0]).c_str() : "its four bytes disagree");
 }
 
+/// Reads what was just written.
+Block ReadBack(Encoder& opened, int32_t number, const Key& key)
+{
+    try {
+        return ReadBlock(opened, number, key);
+    } catch (const CardFailure&) {
+        PrintProblem("the reader reported no failure of the writing, but reading back fails");
+        throw;
+    }
+}
+
 } // namespace
 
 int Read(const Options& Options)
@@ -115,7 +127,7 @@ int Write(const Options& Options)
     const auto encoder = OpenReader(Options.Parameters);
     std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
     Must(*encoder, encoder->WriteDataBloc(number, key.Digits, key.Type, contents));
-    const Block written = ReadBlock(*encoder, number, key);
+    const Block written = ReadBack(*encoder, number, key);
     std::puts(HexDump(number, written, AllKnown).c_str());
     if (written != *wanted) {
         throw OtherFailure{Format("block %d reads back as something else than was written", number)};
@@ -136,7 +148,7 @@ int Value(const Options& Options)
     if (wanted) {
         Must(*encoder, encoder->WriteValueBloc(number, key.Digits, key.Type, *wanted));
     }
-    const ValueBlock block(ReadBlock(*encoder, number, key));
+    const ValueBlock block(wanted ? ReadBack(*encoder, number, key) : ReadBlock(*encoder, number, key));
     Print(block);
     if (wanted && static_cast<int32_t>(block.Value) != *wanted) {
         throw OtherFailure{Format("block %d reads back as something else than was written", number)};
