@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <filesystem>
 
 namespace acg
 {
@@ -16,16 +15,6 @@ struct EntryPoint {
     bool LibraryLoaded = false; ///< true where only the function is missing
     int32_t SystemError = 0;    ///< the loader's error code where nothing was found, else 0
 };
-
-/// A path as the system spells it: wide on Windows.
-using SystemPath = std::filesystem::path::string_type;
-
-/// The folder of the program or library that this code is linked into, with a separator behind it, or empty
-/// text where it isn't known.
-[[nodiscard]] SystemPath OwnFolder();
-
-/// The same as Library::Find, in the library in that one file. File: a full path. It stays loaded.
-[[nodiscard]] EntryPoint FindInFile(const SystemPath& File, const char* Function);
 
 /// One library, loaded at the first look-up and kept until the process ends.
 ///

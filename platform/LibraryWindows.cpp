@@ -1,4 +1,4 @@
-#include "platform/Library.h"
+#include "platform/LibraryFile.h"
 
 #include <cstring>
 #include <string>

@@ -1,7 +1,7 @@
 #include "recorder/Recorder.h"
 
 #include "platform/AnsiText.h"
-#include "platform/Library.h"
+#include "platform/LibraryFile.h"
 #include "recorder/System.h"
 
 #include <mutex>
@@ -182,57 +182,57 @@ Recorder::Handle Recorder::OpenComm(Text Device, uint8_t Autodetect, exports::Co
 
 int32_t Recorder::SetCommTimeout(Handle Comm, int32_t Timeout)
 {
-    return Pass(CallText("SetCommTimeout", Comm, Timeout), int32_t{0},
+    return Pass(CallText("SetCommTimeout", {Comm, Timeout}), int32_t{0},
                 [&](const NextLibrary& next) { return next.SetCommTimeout(Comm, Timeout); });
 }
 
 int32_t Recorder::SetCommProtocol(Handle Comm, uint8_t Protocol)
 {
-    return Pass(CallText("SetCommProtocol", Comm, Protocol), int32_t{0},
+    return Pass(CallText("SetCommProtocol", {Comm, Protocol}), int32_t{0},
                 [&](const NextLibrary& next) { return next.SetCommProtocol(Comm, Protocol); });
 }
 
 uint8_t Recorder::GetCommProtocol(Handle Comm)
 {
-    return Pass(CallText("GetCommProtocol", Comm), uint8_t{0},
+    return Pass(CallText("GetCommProtocol", {Comm}), uint8_t{0},
                 [&](const NextLibrary& next) { return next.GetCommProtocol(Comm); });
 }
 
 int32_t Recorder::GetCommBaudRate(Handle Comm)
 {
-    return Pass(CallText("GetCommBaudRate", Comm), int32_t{0},
+    return Pass(CallText("GetCommBaudRate", {Comm}), int32_t{0},
                 [&](const NextLibrary& next) { return next.GetCommBaudRate(Comm); });
 }
 
 int32_t Recorder::GetCommTimeout(Handle Comm)
 {
-    return Pass(CallText("GetCommTimeout", Comm), int32_t{0},
+    return Pass(CallText("GetCommTimeout", {Comm}), int32_t{0},
                 [&](const NextLibrary& next) { return next.GetCommTimeout(Comm); });
 }
 
 std::string Recorder::DetectReader(Handle Comm, Buffer Room)
 {
-    return Pass(CallText("DetectReader", Comm), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("DetectReader", {Comm}), std::string(), [&](const NextLibrary& next) {
         return TextOfByteString(next.DetectReader(Comm, Room.data()));
     });
 }
 
 Recorder::Handle Recorder::OpenReader(Handle Comm, uint8_t Id, int32_t Third)
 {
-    return Pass(OpenReaderText(Comm, Id, Third), Handle{0},
+    return Pass(CallText("OpenReader", {Comm, Id, Third}), Handle{0},
                 [&](const NextLibrary& next) { return next.OpenReader(Comm, Id, Third); });
 }
 
 std::string Recorder::GetReaderType(Handle Reader, Buffer Room)
 {
-    return Pass(CallText("GetReaderType", Reader), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("GetReaderType", {Reader}), std::string(), [&](const NextLibrary& next) {
         return TextOfByteString(next.GetReaderType(Reader, Room.data()));
     });
 }
 
 std::string Recorder::GetDeviceID(Handle Reader, Buffer Room)
 {
-    return Pass(CallText("GetDeviceID", Reader), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("GetDeviceID", {Reader}), std::string(), [&](const NextLibrary& next) {
         return TextOfByteString(next.GetDeviceID(Reader, Room.data()));
     });
 }
@@ -250,13 +250,13 @@ std::string Recorder::SendCommandGetData(Handle Reader, Text Command, Text Data,
 
 int32_t Recorder::CloseReader(Handle Reader)
 {
-    return Pass(CallText("CloseReader", Reader), int32_t{0},
+    return Pass(CallText("CloseReader", {Reader}), int32_t{0},
                 [&](const NextLibrary& next) { return next.CloseReader(Reader); });
 }
 
 int32_t Recorder::CloseComm(Handle Comm)
 {
-    return Pass(CallText("CloseComm", Comm), int32_t{0},
+    return Pass(CallText("CloseComm", {Comm}), int32_t{0},
                 [&](const NextLibrary& next) { return next.CloseComm(Comm); });
 }
 

@@ -138,43 +138,27 @@ std::string TimeText(std::chrono::microseconds time)
     return std::to_string(time.count() / Thousand) + decimals;
 }
 
-std::string Join(std::string_view function, std::initializer_list<std::string> arguments)
+} // namespace
+
+std::string CallText(std::string_view Function, std::initializer_list<int64_t> Arguments)
 {
-    std::string call(function);
-    for (const std::string& argument : arguments) {
+    std::string call(Function);
+    for (const int64_t argument : Arguments) {
         call += ' ';
-        call += argument;
+        call += std::to_string(argument);
     }
     return call;
 }
 
-} // namespace
-
-std::string CallText(std::string_view Function, uint32_t Handle)
-{
-    return Join(Function, {std::to_string(Handle)});
-}
-
-std::string CallText(std::string_view Function, uint32_t Handle, int32_t Argument)
-{
-    return Join(Function, {std::to_string(Handle), std::to_string(Argument)});
-}
-
 std::string OpenCommText(std::string_view Device, uint8_t Autodetect, const exports::CommSettings& Settings)
 {
-    return Join("OpenComm", {Quoted(Device), std::to_string(Autodetect), std::to_string(Settings.BaudRate),
-                             std::to_string(Settings.Protocol)});
-}
-
-std::string OpenReaderText(uint32_t Comm, uint8_t Id, int32_t Third)
-{
-    return Join("OpenReader", {std::to_string(Comm), std::to_string(Id), std::to_string(Third)});
+    return CallText("OpenComm " + Quoted(Device), {Autodetect, Settings.BaudRate, Settings.Protocol});
 }
 
 std::string CommandText(uint32_t Reader, std::string_view Command, std::string_view Data)
 {
-    return Join("SendCommandGetData", {std::to_string(Reader), Quoted(Command, ShownOfCommand(Command)),
-                                       Quoted(Data, ShownOfData(Command, Data))});
+    return CallText("SendCommandGetData", {Reader}) + ' ' + Quoted(Command, ShownOfCommand(Command)) + ' ' +
+           Quoted(Data, ShownOfData(Command, Data));
 }
 
 std::string ResultText(int64_t Result)

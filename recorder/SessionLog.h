@@ -5,6 +5,8 @@
 #include "exports/ReaderLibrary.h"
 
 #include <chrono>
+#include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,11 +20,10 @@ struct LoggedCall {
     std::string Result; ///< a number, or a text between quotes
 };
 
-[[nodiscard]] std::string CallText(std::string_view Function, uint32_t Handle);
-[[nodiscard]] std::string CallText(std::string_view Function, uint32_t Handle, int32_t Argument);
+/// Of a function that takes numbers only, buffers aside.
+[[nodiscard]] std::string CallText(std::string_view Function, std::initializer_list<int64_t> Arguments);
 [[nodiscard]] std::string OpenCommText(std::string_view Device, uint8_t Autodetect,
                                        const exports::CommSettings& Settings);
-[[nodiscard]] std::string OpenReaderText(uint32_t Comm, uint8_t Id, int32_t Third);
 [[nodiscard]] std::string CommandText(uint32_t Reader, std::string_view Command, std::string_view Data);
 
 [[nodiscard]] std::string ResultText(int64_t Result);

@@ -70,47 +70,47 @@ Replay::Handle Replay::OpenComm(Text Device, uint8_t Autodetect, exports::CommSe
 
 int32_t Replay::SetCommTimeout(Handle Comm, int32_t Timeout)
 {
-    return PlayNumber<int32_t>(CallText("SetCommTimeout", Comm, Timeout));
+    return PlayNumber<int32_t>(CallText("SetCommTimeout", {Comm, Timeout}));
 }
 
 int32_t Replay::SetCommProtocol(Handle Comm, uint8_t Protocol)
 {
-    return PlayNumber<int32_t>(CallText("SetCommProtocol", Comm, Protocol));
+    return PlayNumber<int32_t>(CallText("SetCommProtocol", {Comm, Protocol}));
 }
 
 uint8_t Replay::GetCommProtocol(Handle Comm)
 {
-    return PlayNumber<uint8_t>(CallText("GetCommProtocol", Comm));
+    return PlayNumber<uint8_t>(CallText("GetCommProtocol", {Comm}));
 }
 
 int32_t Replay::GetCommBaudRate(Handle Comm)
 {
-    return PlayNumber<int32_t>(CallText("GetCommBaudRate", Comm));
+    return PlayNumber<int32_t>(CallText("GetCommBaudRate", {Comm}));
 }
 
 int32_t Replay::GetCommTimeout(Handle Comm)
 {
-    return PlayNumber<int32_t>(CallText("GetCommTimeout", Comm));
+    return PlayNumber<int32_t>(CallText("GetCommTimeout", {Comm}));
 }
 
 std::string Replay::DetectReader(Handle Comm, Buffer /*buffer*/)
 {
-    return PlayText(CallText("DetectReader", Comm));
+    return PlayText(CallText("DetectReader", {Comm}));
 }
 
 Replay::Handle Replay::OpenReader(Handle Comm, uint8_t Id, int32_t Third)
 {
-    return PlayNumber<Handle>(recorder::OpenReaderText(Comm, Id, Third));
+    return PlayNumber<Handle>(CallText("OpenReader", {Comm, Id, Third}));
 }
 
 std::string Replay::GetReaderType(Handle Reader, Buffer /*buffer*/)
 {
-    return PlayText(CallText("GetReaderType", Reader));
+    return PlayText(CallText("GetReaderType", {Reader}));
 }
 
 std::string Replay::GetDeviceID(Handle Reader, Buffer /*buffer*/)
 {
-    return PlayText(CallText("GetDeviceID", Reader));
+    return PlayText(CallText("GetDeviceID", {Reader}));
 }
 
 std::string Replay::SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer buffer)
@@ -121,12 +121,12 @@ std::string Replay::SendCommandGetData(Handle Reader, Text Command, Text Data, B
 
 int32_t Replay::CloseReader(Handle Reader)
 {
-    return PlayNumber<int32_t>(CallText("CloseReader", Reader));
+    return PlayNumber<int32_t>(CallText("CloseReader", {Reader}));
 }
 
 int32_t Replay::CloseComm(Handle Comm)
 {
-    return PlayNumber<int32_t>(CallText("CloseComm", Comm));
+    return PlayNumber<int32_t>(CallText("CloseComm", {Comm}));
 }
 
 } // namespace simulator

@@ -1,0 +1,21 @@
+// The library that this code is in, and libraries that are named by their path.
+#pragma once
+
+#include "platform/Library.h"
+
+#include <filesystem>
+
+namespace acg
+{
+
+/// A path as the system spells it: wide on Windows.
+using SystemPath = std::filesystem::path::string_type;
+
+/// The folder of the program or library that this code is linked into, with a separator behind it, or empty
+/// text where it isn't known.
+[[nodiscard]] SystemPath OwnFolder();
+
+/// The same as Library::Find, in the library in that one file. File: a full path. It stays loaded.
+[[nodiscard]] EntryPoint FindInFile(const SystemPath& File, const char* Function);
+
+} // namespace acg
