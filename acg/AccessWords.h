@@ -1,4 +1,4 @@
-// A sector's access in words, for a person before a card.
+// A sector's access in words.
 #pragma once
 
 #include "acg/Card.h"

@@ -46,7 +46,7 @@ Dump ReadDump(const std::string& File)
 {
     const std::filesystem::path path = ToPath(File);
     std::ifstream file(path, std::ios::binary);
-    // One byte more than the largest card, in text with all its line ends, shows what isn't a dump.
+    // More than any dump has, so that a longer file is noticed.
     constexpr size_t most = size_t{LastBlock + 1} * 40;
     std::string bytes(most, '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));

@@ -22,7 +22,7 @@ struct CardFailure {
     CError Record;
 };
 
-/// Something else than the reader failed: Failed.
+/// Something other than the reader failed: Failed.
 struct OtherFailure {
     std::string Text;
 };

@@ -21,7 +21,7 @@ struct KeyOptions {
 /// text calls the key What.
 [[nodiscard]] std::wstring ParseKey(std::string_view Text, std::string_view What);
 
-/// From --key, else the first line of --key-file, else the variable ACG_KEY. Throws UsageError where there is
+/// From --key, else the first key of --key-file, else the variable ACG_KEY. Throws UsageError where there is
 /// none, or it isn't a key.
 [[nodiscard]] Key TheKey(const KeyOptions& Options);
 [[nodiscard]] bool IsKeyGiven(const KeyOptions& Options);

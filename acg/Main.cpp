@@ -61,7 +61,7 @@ CommandLine::CommandLine()
                     "The reader's settings, as in \"Device=com1;Baud rate=9600\"; where it isn't given, "
                     "those of the variable ACG_PARAMETERS")
         ->type_name("TEXT");
-    m_program.footer("Exit status: 0 done, 1 the card or the reader failed, 2 wrong use, 130 Ctrl-C.\n"
+    m_program.footer("Exit status: 0 done, 1 failed or a difference found, 2 wrong use, 130 Ctrl-C.\n"
                      "acg COMMAND --help shows what a command takes, with an example.");
 
     CLI::App* const info =
@@ -181,7 +181,7 @@ void CommandLine::TakesKey(CLI::App* command)
             ->type_name("KEY");
     command
         ->add_option("--key-file", key.File,
-                     "A file whose first line is the key. Without both: the variable ACG_KEY")
+                     "A file whose first key counts. Without both: the variable ACG_KEY")
         ->type_name("FILE")
         ->excludes(text);
     command->add_flag("--as-b", key.AsB, "It is key B, not key A");

@@ -57,7 +57,7 @@ std::wstring SerialNumberOf(Encoder& encoder)
     return serial;
 }
 
-/// The card takes a part of a trailer in silence where the key may write only that.
+/// Where the key may write only a part of a trailer, the card silently takes that part.
 void RequireRights(const TrailerRights& rights, Keys key, bool changesConditions)
 {
     const char* const name = key == Keys::A ? "key A" : "key B";
@@ -114,7 +114,7 @@ void Verify(Encoder& encoder, int32_t sector, const NewTrailer& expected)
                   UserByteOf(trailer) == expected.BX && (isKeyB || KeyBOf(trailer) == expected.KeyB);
     }
     if (!isTaken) {
-        throw OtherFailure{"the card has taken only a part: acg trailer shows what it has now"};
+        throw OtherFailure{"the card holds something other than was written: acg trailer shows what"};
     }
 }
 

@@ -130,7 +130,7 @@ int Write(const Options& Options)
     const Block written = ReadBack(*encoder, number, key);
     std::puts(HexDump(number, written, AllKnown).c_str());
     if (written != *wanted) {
-        throw OtherFailure{Format("block %d reads back as something else than was written", number)};
+        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
     }
     return Done;
 }
@@ -151,7 +151,7 @@ int Value(const Options& Options)
     const ValueBlock block(wanted ? ReadBack(*encoder, number, key) : ReadBlock(*encoder, number, key));
     Print(block);
     if (wanted && static_cast<int32_t>(block.Value) != *wanted) {
-        throw OtherFailure{Format("block %d reads back as something else than was written", number)};
+        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
     }
     if (!block.HasCopies() || !block.HasAddress()) {
         throw OtherFailure{Format("block %d isn't a value block", number)};

@@ -1,5 +1,5 @@
 // Whether the reader answered with a whole block. The class fills a reply that is too short with zeros, which
-// a person before a card must not take for the card's contents.
+// a user must not take for the card's contents.
 #pragma once
 
 #include "reader/ReaderDLL.h"

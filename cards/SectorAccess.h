@@ -1,8 +1,7 @@
-// The access to a sector as a whole: what a set of levels asks for and comes to, and what can be changed
+// The access to a sector as a whole: what a set of levels requests and grants, and what can be changed
 // again.
 //
-// What can be changed is the keys, the access bits, and with those everything else. So a sector is open as
-// long as some key may write its conditions; once none may, its rights are what they are for good.
+// Whoever may write the conditions can grant any right. So once no key may, the rights are fixed for good.
 #pragma once
 
 #include "cards/AccessBits.h"
@@ -36,7 +35,7 @@ struct SectorRights {
 /// increment it.
 [[nodiscard]] SectorRights RightsAsked(const SectorLevels& Asked);
 
-/// The rights to data blocks, and to write the trailer, that one has and the other lacks. A key that may
+/// The rights to data blocks, and to write the trailer, that Rights has and Others lacks. A key that may
 /// write a block gains nothing by incrementing or decrementing it, so for such a key those don't count.
 [[nodiscard]] SectorRights Beyond(const SectorRights& Rights, const SectorRights& Others);
 
@@ -46,7 +45,8 @@ struct SectorRights {
     return Rights.WriteConditions == Keys::None;
 }
 
-/// No key can ever change the keys of the sector again. Whoever may change the conditions can let itself.
+/// No key can ever change the keys of the sector again. Whoever may change the conditions can grant that
+/// right.
 [[nodiscard]] constexpr bool AreKeysFixed(const TrailerRights& Rights)
 {
     return AreConditionsFixed(Rights) && Rights.WriteKeys == Keys::None;

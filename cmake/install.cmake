@@ -13,7 +13,7 @@ write_basic_package_version_file(acgConfigVersion.cmake COMPATIBILITY SameMajorV
 install(EXPORT acgTargets NAMESPACE acg:: DESTINATION ${package})
 install(FILES cmake/acgConfig.cmake ${PROJECT_BINARY_DIR}/acgConfigVersion.cmake DESTINATION ${package})
 
-# The tree can be moved: the prefix is told by where the file lies.
+# The tree can be moved: the prefix follows from the place of the file.
 file(RELATIVE_PATH to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 list(TRANSFORM platform_libraries PREPEND -l OUTPUT_VARIABLE system_libraries)
 list(JOIN system_libraries " " system_libraries)

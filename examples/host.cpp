@@ -109,7 +109,7 @@ void ProvokeAFailure(Encoder& encoder)
 {
     std::wstring contents;
     const sceReturnCode result = encoder.ReadDataBloc(DemoBlock, L"000000000000", KeyTypeA, contents);
-    std::printf("A wrong key gives %s, and the record says why:\n",
+    std::printf("A wrong key returns %s, and the record says why:\n",
                 result == sceError ? "sceError" : "no failure");
     ShowRecord(encoder);
 }

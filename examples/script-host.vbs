@@ -37,7 +37,7 @@ Show "Block after", contents
 
 ' An operation gives sceError, and the record says why; four properties raise.
 result = encoder.ReadDataBloc(Block, "000000000000", KeyTypeA, contents)
-If result = sceError Then WScript.Echo "A wrong key gives sceError, and the record says why:"
+If result = sceError Then WScript.Echo "A wrong key returns sceError, and the record says why:"
 ShowRecord
 On Error Resume Next
 cardType = encoder.CardType

@@ -53,15 +53,15 @@ public:
     /// The card's contents, keys included, as an image has them.
     [[nodiscard]] std::span<const Block> Image() const { return m_blocks; }
 
-    /// Tells whether the key is that of the sector. A key B that can be read is no key: it passes here, and
+    /// True if the key is that of the sector. A key B that can be read is no key: it passes here, and
     /// every access after it is refused.
     [[nodiscard]] bool Login(std::size_t Sector, KeyType Type, std::span<const uint8_t, KeySize> Key) const;
 
-    /// Gives the block as it reads for this key, nothing where the card refuses. Key A never reads out.
+    /// Returns the block as this key reads it, nothing where the card refuses. Key A is never readable.
     [[nodiscard]] std::optional<Block> Read(std::size_t Number, KeyType Type) const;
 
-    /// Gives the block as it now stands, a trailer with both keys as zeros, and nothing where the card
-    /// refuses. Of a trailer only those fields change that this key may write.
+    /// Returns the new block, a trailer with both keys as zeros, and nothing where the card refuses. Of a
+    /// trailer only those fields change that this key may write.
     [[nodiscard]] std::optional<Block> Write(std::size_t Number, KeyType Type, const Block& Contents);
 
 private:

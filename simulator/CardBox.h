@@ -1,4 +1,4 @@
-// All the cards that were ever laid on a reader of this process.
+// All the cards that were ever placed in a reader's field in this process.
 #pragma once
 
 #include "simulator/Card.h"
@@ -14,14 +14,14 @@ namespace simulator
 /// Refusal where it can't be written.
 void SaveImage(const Card& Saved, const std::string& Path);
 
-/// A card is its serial number: whoever lays the same number again meets the same card with the contents
-/// that it has by now, and the other options don't count. A card stays where it is as long as its box lives.
+/// A card is identified by its serial number: placing the same number again returns the same card with its
+/// current contents, and the other options don't count. A card keeps its address as long as its box lives.
 class CardBox
 {
 public:
-    /// Returns the card that the options ask for, null for an empty field. It has been saved where they say
-    /// so. Throws a Refusal where the image can't be read, is no whole card of the size asked for, or the
-    /// card can't be saved. Where no serial number is asked for the image is read, as it tells.
+    /// Returns the card of these options, null for an empty field, saved where they say so. Throws a Refusal
+    /// where the image can't be read or isn't a whole card of the requested size, or the card can't be saved.
+    /// Without a serial number in the options the image is read, as it contains one.
     [[nodiscard]] Card* Lay(const CardOptions& Options);
 
 private:

@@ -19,7 +19,7 @@ std::optional<unsigned> ParseNumber(std::string_view text)
     return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 
-/// Cuts the text before the separator off and gives it; the whole text where there is none.
+/// Cuts off and returns the text before the separator, or the whole text where there is none.
 std::string_view CutOff(std::string_view& text, char separator)
 {
     const std::size_t end = std::min(text.find(separator), text.size());

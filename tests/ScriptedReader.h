@@ -143,7 +143,7 @@ inline CError Clean(std::wstring_view ComFunction)
     return {.ComFunction = std::wstring(ComFunction)};
 }
 
-/// The number that OpenEncoder asks for, drawn anew.
+/// The number that OpenEncoder requires, new at each call.
 inline int32_t DrawHandle(Encoder& encoder)
 {
     const std::wstring information = encoder.GetInformation();

@@ -1,4 +1,4 @@
-// The tables of docs/access-levels.md against the rules: each row, made anew, stands in the document.
+// The tables of docs/access-levels.md against the rules: the document has each row as they compute it.
 #include "cards/SectorAccess.h"
 #include "encoder/Enums.h"
 

@@ -5,7 +5,7 @@ set -euo pipefail
 program=$(realpath "$1")
 cd "$(dirname "$0")/../.."
 
-# The number that opens the encoder is drawn anew each time.
+# The number that opens the encoder is new at each call.
 mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; }
 
 # The fenced block of the README that begins with the information text.

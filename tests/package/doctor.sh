@@ -19,7 +19,7 @@ finds() {
 
 finds oF------- 'The class is registered' 'register .* by the 32-bit regsvr32'
 register
-# Wine runs 32-bit programs only here: so the doctor is told otherwise.
+# Wine runs 32-bit programs only here: so the doctor's copy says otherwise.
 sed 's/^processor = .*/processor = "AMD64"\r/' doctor.vbs >other.vbs
 script=other.vbs finds F-------- 'The script host is 32-bit' 'run this script by C:.*SysWOW64.cscript.exe'
 finds oooooF--- 'The reader library is found' "put the vendor's ACGReader330.dll beside the component"

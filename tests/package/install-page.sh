@@ -24,7 +24,7 @@ classes() {
 readme_below() {
     awk -v from="$1" '/^```$/ { inside = 0 } inside; index($0, from) == 1 { inside = 1 }' "$repository/README.md"
 }
-# The number that opens the encoder is drawn anew each time.
+# The number that opens the encoder is new at each call.
 mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; }
 
 # Both pages have the same commands, and tell the same failures, by their numbers.

@@ -9,7 +9,7 @@ cp "$1/example-host" "$1/recorder/libACGReader330.so" "$folder"
 cp "$1/libACGReader330.so" "$folder/vendor"
 cp "$1/example-host" "$1/libACGReader330.so" "$folder/simulated"
 log=$folder/ACGReader330.log
-mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; } # it is drawn anew each time
+mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; } # new at each call
 
 shown=$("$folder/example-host" | mask)
 [ "$(sed -n '1s/.*, next library: //p' "$log")" = "$folder/vendor/libACGReader330.so" ]
