@@ -33,6 +33,7 @@ windows_tools=(
     'have i686-w64-mingw32-g++-win32|g++-mingw-w64-i686-win32'
     'have wine|wine'
     'test -e /usr/lib/i386-linux-gnu/wine/i386-windows/ntdll.dll|wine32:i386'
+    'test -e /usr/lib/x86_64-linux-gnu/wine/x86_64-windows/ntdll.dll|wine64'
     'test -e /usr/share/wine/fonts/tahoma.ttf|fonts-wine'
     'have Xvfb|xvfb'
     'test -e /usr/src/googletest/CMakeLists.txt|googletest'
@@ -124,13 +125,14 @@ install_windows_tools() {
     return "$status"
 }
 
-# start_wine: an empty Wine and a display for this script alone. They go with the script.
+# start_wine [win64]: an empty Wine, of 32-bit Windows or of 64-bit, and a display, for this script alone. They
+# go with the script.
 start_wine() {
     say 'starting Wine'
     wine_folder=$(mktemp -d) || return 1
     wine_display=
     trap stop_wine EXIT
-    export WINEPREFIX=$wine_folder/prefix WINEARCH=win32 WINEDEBUG=-all
+    export WINEPREFIX=$wine_folder/prefix WINEARCH=${1:-win32} WINEDEBUG=-all
     # Neither its browser nor its debugger, which would wait for somebody after a crash.
     export WINEDLLOVERRIDES='mscoree=;mshtml=;winedbg.exe='
     # Debian's Wine doesn't find its own fonts, Tahoma among them.
