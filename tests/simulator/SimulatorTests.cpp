@@ -149,10 +149,11 @@ TEST_F(SimulatorTest, AnswersSessionsStepByStep)
 TEST_F(SimulatorTest, AReplayEndsAtTheFirstCallThatIsNotNext)
 {
     const std::string path = testing::TempDir() + "replayed.log";
-    std::ofstream(path) << "# next\n0.1 CloseComm 0 = 0 0.1\n0.1 OpenComm \"com9\" 1 19200 1 = 7 0.1\n"
-                           "0.1 OpenReader 7 65 0 = 8 0.1\r\n"
-                           "0.1 SendCommandGetData 8 \"login\" \"01AA************\" = \"L\\x00\" 0.1\n"
-                           "0.1 SendCommandGetData 8 \"read block\" \"04\" = \"00\" 0.1\n";
+    std::ofstream(path, std::ios::binary)
+        << "# next\n0.1 CloseComm 0 = 0 0.1\n0.1 OpenComm \"com9\" 1 19200 1 = 7 0.1\n"
+           "0.1 OpenReader 7 65 0 = 8 0.1\r\n"
+           "0.1 SendCommandGetData 8 \"login\" \"01AA************\" = \"L\\x00\" 0.1\n"
+           "0.1 SendCommandGetData 8 \"read block\" \"04\" = \"00\" 0.1\n";
     const std::string other = path + ",card=1k";
     EXPECT_EQ(OpenLine(",replay=" + other), 0U);
     EXPECT_EQ(OpenLine(",replay=" + path), 7U);
