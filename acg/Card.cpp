@@ -55,9 +55,10 @@ int32_t HandleNumber(const std::wstring& information)
 
 std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters)
 {
-    const auto clock = [] {
-        return WasInterrupted() ? std::chrono::steady_clock::time_point::max()
-                                : std::chrono::steady_clock::now();
+    // Once interrupted it is an hour later at each look, so that a wait ends.
+    const auto clock = [late = std::chrono::hours(0)]() mutable {
+        late += std::chrono::hours(WasInterrupted() ? 1 : 0);
+        return std::chrono::steady_clock::now() + late;
     };
     auto encoder = std::make_unique<Encoder>(WatchedLibrary(), clock);
     const std::wstring text =

@@ -195,11 +195,13 @@ int CommandLine::Explain(const CLI::ParseError& error) const
     const auto chosen = m_program.get_subcommands();
     const std::string name = chosen.empty() ? "acg" : "acg " + chosen.front()->get_name();
     std::string text = error.what();
-    // What isn't an option's name may be a key.
+    // What isn't an option's name, or is longer than any, may be a key.
+    constexpr size_t LongestName = 12;
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError)) {
         const auto extras = m_program.remaining(/*recurse=*/true);
-        const auto option =
-            std::ranges::find_if(extras, [](const std::string& extra) { return extra.starts_with("--"); });
+        const auto option = std::ranges::find_if(extras, [](const std::string& extra) {
+            return extra.starts_with("--") && std::min(extra.find('='), extra.size()) <= LongestName;
+        });
         text = option != extras.end() ? "no such option: " + option->substr(0, option->find('='))
                                       : "an argument too many, or an option that doesn't exist";
     }

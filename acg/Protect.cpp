@@ -178,13 +178,20 @@ int Protect(const Options& Options)
     if (SerialNumberOf(*encoder) != serial) {
         throw OtherFailure{"another card lies in the field now; nothing was written"};
     }
-    Write(*encoder, sector, key, wanted);
+    bool isWritten = false;
     try {
+        Write(*encoder, sector, key, wanted);
+        isWritten = true;
         Verify(*encoder, sector, wanted);
+    } catch (const Interruption&) {
+        PrintProblem("the trailer may have been written: try both the new keys and the old ones");
+        throw;
     } catch (const CardFailure&) {
-        PrintProblem(
-            "the reader reported no failure of the writing, but reading back with the new keys fails: "
-            "try the old ones too");
+        if (isWritten) {
+            PrintProblem(
+                "the trailer was written without a failure, but reading back with the new keys fails: "
+                "try both the new keys and the old ones");
+        }
         throw;
     }
     std::puts("Written, and read back with the new keys.");

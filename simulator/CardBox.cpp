@@ -82,7 +82,7 @@ void SaveImage(const Card& Saved, const std::string& Path)
     file.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size_bytes()));
     file.close();
     const std::error_code error =
-        file ? Rename(newPath, Path) : std::error_code(errno, std::generic_category());
+        file ? Rename(newPath, Path) : std::error_code(errno != 0 ? errno : EIO, std::generic_category());
     if (error) {
         static_cast<void>(std::remove(newPath.c_str()));
         throw Refusal("save=" + Path, error.message());
