@@ -102,15 +102,20 @@ Parts ShownOfData(std::string_view Command, std::string_view Data)
     return Everything;
 }
 
+Part UpToNul(std::string_view Text)
+{
+    return {0, std::min(Text.find('\0'), Text.size()) + 1};
+}
+
 Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_view Reply)
 {
     constexpr Part StatusLetter = {0, 2}; // and the NUL that makes it one
     const KnownCommand* const known = Find(Command);
     const bool isUnderstood =
         known != nullptr && known->Kind != Holds::Login && AreHexDigits(Data, known->DataDigits);
-    const bool isTrailer = isUnderstood && known->Kind == Holds::Block && IsTrailer(Data);
+    const bool isTrailer = isUnderstood && known->DataDigits != 0 && IsTrailer(Data);
     if (isUnderstood && !isTrailer) {
-        return Everything;
+        return {UpToNul(Reply)};
     }
     const size_t firstNul = Reply.find('\0');
     if (firstNul == 1) {

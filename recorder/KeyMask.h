@@ -26,8 +26,11 @@ inline constexpr Parts Everything = {Part{0, std::string_view::npos}};
 /// its first byte; that of an unknown command isn't shown.
 [[nodiscard]] Parts ShownOfData(std::string_view Command, std::string_view Data);
 
-/// A status letter always; of a trailer the access bits and the user byte; everything of a reply that can't
-/// hold a key. Nothing else of the reply to a login, to an unknown command or to data of another size.
+/// A text up to its first NUL, that included: what follows may be left from an earlier reply.
+[[nodiscard]] Part UpToNul(std::string_view Text);
+
+/// A status letter always; of a trailer the access bits and the user byte; a reply that can't hold a key up
+/// to its first NUL. Nothing else of the reply to a login, to an unknown command or to data of another size.
 [[nodiscard]] Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_view Reply);
 
 } // namespace recorder

@@ -141,9 +141,10 @@ void Recorder::Begin(bool IsOpening)
 
 void Recorder::Load()
 {
-    const fs::path file = NextLibraryFile();
-    Write(NoteLine(DateText() + ", next library: " + Utf8(file)));
+    fs::path file;
     try {
+        file = NextLibraryFile();
+        Write(NoteLine(DateText() + ", next library: " + Utf8(file)));
         auto next = std::make_shared<NextLibrary>();
         Bind(file, "OpenComm", next->OpenComm, &::OpenComm);
         Bind(file, "SetCommTimeout", next->SetCommTimeout, &::SetCommTimeout);

@@ -138,6 +138,35 @@ std::string TimeText(std::chrono::microseconds time)
     return std::to_string(time.count() / Thousand) + decimals;
 }
 
+/// A run of masked characters is the same as any other characters between the same quotes.
+bool IsSameText(std::string_view masked, std::string_view text)
+{
+    const auto isMask = [&](size_t at) {
+        return masked[at] == Masked && (at == 0 || masked[at - 1] != '\\');
+    };
+    size_t next = 0;
+    size_t behindMask = std::string_view::npos;
+    size_t resume = 0; // where the text goes on behind the last mask, if it ends there
+    for (size_t at = 0; at < text.size();) {
+        if (next < masked.size() && isMask(next)) {
+            behindMask = ++next;
+            resume = at;
+        } else if (next < masked.size() && masked[next] == text[at]) {
+            ++next;
+            ++at;
+        } else if (behindMask != std::string_view::npos && text[resume] != '"') {
+            next = behindMask;
+            at = ++resume;
+        } else {
+            return false;
+        }
+    }
+    while (next < masked.size() && isMask(next)) {
+        ++next;
+    }
+    return next == masked.size();
+}
+
 } // namespace
 
 std::string CallText(std::string_view Function, std::initializer_list<int64_t> Arguments)
@@ -168,7 +197,7 @@ std::string ResultText(int64_t Result)
 
 std::string ResultText(std::string_view Result)
 {
-    return Quoted(Result);
+    return Quoted(Result, {UpToNul(Result)});
 }
 
 std::string ReplyText(std::string_view Command, std::string_view Data, std::string_view Reply)
@@ -232,7 +261,7 @@ bool IsSameCall(std::string_view Call, std::string_view Other)
     const auto behindDevice = [](std::string_view call) {
         return call.starts_with("OpenComm ") ? call.substr(std::min(call.rfind('"'), call.size())) : call;
     };
-    return behindDevice(Call) == behindDevice(Other);
+    return IsSameText(behindDevice(Call), behindDevice(Other));
 }
 
 int64_t NumberOf(const std::string& Result)

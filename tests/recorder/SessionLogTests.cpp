@@ -22,6 +22,7 @@ TEST(SessionLogTest, NoKeyIsWrittenAndAllElseIs)
     const std::tuple<std::string, std::string, std::string, std::string, std::string> rows[] = {
         {"select", "", "1D2C3B4A\r\n", "", "1D2C3B4A\\x0D\\x0A"},
         {"select", "", "\\\"*\xE9", "", R"(\\\"\*\xE9)"},
+        {"select", "", "1D\0"s + key, "", R"(1D\x00)" + stars},
         {"login", "01AA" + key, "L\0"s, "01AA" + stars, R"(L\x00)"},
         {"LogIn", "01bb" + key + "ABC", "L\0"s + key, "01bb" + stars + "***", "L\\x00" + stars},
         {"login", "1BB" + key, "", "1B*" + stars, ""},
@@ -68,7 +69,9 @@ TEST(SessionLogTest, ALineIsReadBackAsItWasWritten)
     EXPECT_EQ(NumberOf(read->Result), 4294967295);
     EXPECT_TRUE(IsSameCall(read->Call, OpenCommText("com1", 1, {.BaudRate = -9600, .Protocol = 1})));
     EXPECT_FALSE(IsSameCall(read->Call, OpenCommText("com1", 2, {.BaudRate = -9600, .Protocol = 1})));
-    EXPECT_EQ(TextOf(ResultText(bytes)), bytes);
+    EXPECT_EQ(TextOf(ResultText(bytes.substr(1) + '\0')), bytes.substr(1) + '\0');
+    EXPECT_TRUE(IsSameCall(R"(X "01AA***" "*" 1)", R"(X "01AA****" "07" 1)"));
+    EXPECT_FALSE(IsSameCall(R"(X "01AA***" 1)", R"(X "01BB***" 1)"));
     EXPECT_EQ(TextOf(R"("**\*")"), "00*");
 
     for (const char* wrong :
