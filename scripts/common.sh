@@ -31,6 +31,7 @@ style_tools=(
 # The Windows build, its package and its tests, and what takes the pictures of the dialogs.
 windows_tools=(
     'have i686-w64-mingw32-g++-win32|g++-mingw-w64-i686-win32'
+    'have x86_64-w64-mingw32-g++-win32|g++-mingw-w64-x86-64-win32'
     'have wine|wine'
     'test -e /usr/lib/i386-linux-gnu/wine/i386-windows/ntdll.dll|wine32:i386'
     'test -e /usr/lib/x86_64-linux-gnu/wine/x86_64-windows/ntdll.dll|wine64'

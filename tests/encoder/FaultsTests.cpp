@@ -135,8 +135,8 @@ TEST_F(EveryFaultTest, LeavesAResultARecordAndAnObjectThatWorks)
             std::vector<NamedFault> faults = FaultsOf(operation);
             faults.push_back({"none", {}});
             for (const auto& [call, fault] : faults) {
-                const std::string where =
-                    (type == "MultiISO 2.5" ? "" : type + ": ") + operation.Name + ", " + call;
+                std::string where = type == "MultiISO 2.5" ? std::string() : type + ": ";
+                where.append(operation.Name).append(", ").append(call);
                 SCOPED_TRACE(where);
                 Prepare(operation);
                 const bool wasClosed = fault.Times == 0 && encoder.CloseEncoder() == sceSuccess;
