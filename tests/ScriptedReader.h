@@ -20,6 +20,8 @@ class RunningCode
 public:
     explicit RunningCode(bool OfComponent) : m_former(std::exchange(IsComponents, OfComponent)) {}
     ~RunningCode() { IsComponents = m_former; }
+    RunningCode(const RunningCode&) = delete;
+    RunningCode& operator=(const RunningCode&) = delete;
 
     inline static bool IsComponents = false;
 
