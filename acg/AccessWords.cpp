@@ -131,10 +131,10 @@ std::string LevelsInWords(const ConditionBytes& Bytes)
 
 std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
 {
-    constexpr const char* columns = "%-16s%-36s%s\n";
-    std::string text = Format(columns, "", "key A may", "key B may");
+    constexpr const char* Columns = "%-16s%-36s%s\n";
+    std::string text = Format(Columns, "", "key A may", "key B may");
     for (const AccessRow& row : AccessRows(Bytes, Sector)) {
-        text += Format(columns, row.What.c_str(), Joined(row.KeyA).c_str(), Joined(row.KeyB).c_str());
+        text += Format(Columns, row.What.c_str(), Joined(row.KeyA).c_str(), Joined(row.KeyB).c_str());
     }
     const SectorRights rights = RightsIn(Bytes, Sector);
     const TrailerRights& trailer = rights.Trailer;

@@ -19,8 +19,8 @@ namespace
 /// The class ignores what it doesn't know; a person wants to be told.
 void CheckParameters(const std::wstring& text)
 {
-    constexpr std::wstring_view numbers[] = {L"autodetect", L"baud rate", L"timeout"};
-    constexpr std::wstring_view texts[] = {L"device", L"encoding capabilities", L""};
+    constexpr std::wstring_view Numbers[] = {L"autodetect", L"baud rate", L"timeout"};
+    constexpr std::wstring_view Texts[] = {L"device", L"encoding capabilities", L""};
 
     const wchar_t separator = text.find(L'\r') != std::wstring::npos ? L'\r' : L';';
     for (size_t at = 0; at <= text.size();) {
@@ -30,11 +30,11 @@ void CheckParameters(const std::wstring& text)
         const size_t sign = std::min(entry.find(L'='), entry.size());
         const size_t start = entry.starts_with(L'\n') ? 1 : 0;
         const std::wstring name = ToLower(TrimBlanks(std::wstring_view(entry).substr(start, sign - start)));
-        if (std::ranges::find(numbers, name) != std::end(numbers)) {
+        if (std::ranges::find(Numbers, name) != std::end(Numbers)) {
             const std::string value = ToUtf8(entry.substr(std::min(sign + 1, entry.size())));
             static_cast<void>(
                 ParseNumber(value, INT32_MIN, INT32_MAX, "the setting " + ToUtf8(entry) + " isn't a number"));
-        } else if (std::ranges::find(texts, name) == std::end(texts)) {
+        } else if (std::ranges::find(Texts, name) == std::end(Texts)) {
             throw UsageError{"no such setting: " + ToUtf8(entry) +
                              "; there are Device, Autodetect, Baud rate and Timeout, joined by \";\""};
         }

@@ -19,17 +19,17 @@ namespace
 /// Keys are compared, but not shown. What isn't known of both counts as alike, access bits as a whole.
 void PrintTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other)
 {
-    constexpr Block factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
-    constexpr unsigned accessBits = 0x01C0;
+    constexpr Block Factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
+    constexpr unsigned AccessBytes = 0x01C0;
     unsigned known = one.Known & other.Known;
-    if ((known & accessBits) != accessBits) {
-        known &= ~accessBits;
+    if ((known & AccessBytes) != AccessBytes) {
+        known &= ~AccessBytes;
     }
     Block first = one.Bytes;
     Block second = other.Bytes;
     for (size_t at = 0; at < first.size(); ++at) {
         if ((known >> at & 1) == 0) {
-            first[at] = second[at] = factory[at];
+            first[at] = second[at] = Factory[at];
         }
     }
     std::printf("block %d, the trailer of sector %d:\n", number, SectorOf(number));

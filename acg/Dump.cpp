@@ -1,4 +1,5 @@
 // acg dump: the whole card into a file.
+#include "acg/AccessWords.h"
 #include "acg/Blocks.h"
 #include "acg/Commands.h"
 #include "acg/DumpFile.h"
@@ -6,7 +7,6 @@
 #include "acg/Output.h"
 #include "acg/ProgressBar.h"
 #include "acg/Text.h"
-#include "cards/AccessBits.h"
 #include "cards/BlockAddress.h"
 
 #include <algorithm>
@@ -125,9 +125,8 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     DumpedBlock trailer;
     Opening opening;
     opening.A = FindKey(last, KeyTypeA, trailer);
-    const ConditionBytes conditions = {trailer.Bytes[6], trailer.Bytes[7], trailer.Bytes[8]};
-    opening.ShowsB =
-        trailer.Known != 0 && KeysUsedBy(TrailerRightsOf(TripleIn(conditions, TrailerSlot))) == KeyAAlone;
+    const TrailerRights rights = RightsGranted(ConditionBytesOf(trailer.Bytes)).Trailer;
+    opening.ShowsB = trailer.Known != 0 && KeysUsedBy(rights) == KeyAAlone;
     if (!opening.ShowsB) {
         DumpedBlock asB;
         opening.B = FindKey(last, KeyTypeB, asB);

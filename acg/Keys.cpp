@@ -12,9 +12,9 @@ namespace acg::tool
 
 std::wstring ParseKey(std::string_view Text, std::string_view What)
 {
-    constexpr size_t keyDigits = 12;
+    constexpr size_t KeyDigits = 12;
     std::wstring digits(Text.begin(), Text.end()); // whatever isn't a digit won't pass
-    if (!IsHexString(digits, keyDigits)) {
+    if (!IsHexString(digits, KeyDigits)) {
         throw UsageError{std::string(What) + " isn't 12 hexadecimal digits"};
     }
     return digits;

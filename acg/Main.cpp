@@ -151,12 +151,14 @@ void CommandLine::AddFileCommands()
             "show are written from those that open it")
         ->required()
         ->expected(1);
+    TakesKey(dump);
     dump->add_option(
             "--keys", m_options.KeysFile,
             "A file of keys, one a line, tried in order for each sector; without it the one key that is "
             "given, else FFFFFFFFFFFF")
-        ->type_name("FILE");
-    TakesKey(dump);
+        ->type_name("FILE")
+        ->excludes("--key")
+        ->excludes("--key-file");
 
     CLI::App* const compare =
         Add(Compare, "compare", "Shows where two dumps differ; exit status 1 if they do",
