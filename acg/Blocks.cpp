@@ -1,5 +1,6 @@
 #include "acg/Blocks.h"
 
+#include "acg/Failures.h"
 #include "acg/Text.h"
 #include "cards/BlockAddress.h"
 
@@ -40,6 +41,26 @@ bool IsTrailer(int32_t Number)
 int32_t ParseBlockNumber(std::string_view Text)
 {
     return ParseNumber(Text, 0, LastBlock, "BLOCK is a number from 0 to 255, on a 1K card to 63");
+}
+
+int32_t ParseDataBlock(std::string_view Text)
+{
+    const int32_t number = ParseBlockNumber(Text);
+    if (IsTrailer(number)) {
+        throw UsageError{Format("block %d is the trailer of sector %d, with its keys: acg protect writes it",
+                                number, SectorOf(number))};
+    }
+    return number;
+}
+
+Block ReadBack(Encoder& Opened, int32_t Number, const Key& With, Output& Out)
+{
+    try {
+        return ReadBlock(Opened, Number, With);
+    } catch (const CardFailure&) {
+        Out.Problem("the reader reported no failure of the writing, but reading back fails");
+        throw;
+    }
 }
 
 } // namespace acg::tool

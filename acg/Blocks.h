@@ -2,6 +2,7 @@
 #pragma once
 
 #include "acg/Card.h"
+#include "acg/Output.h"
 
 #include <array>
 #include <cstdint>
@@ -25,5 +26,10 @@ inline constexpr uint16_t AllButKeys = 0x03C0; ///< of a sector trailer
 
 /// Throws UsageError for a number that no card has.
 [[nodiscard]] int32_t ParseBlockNumber(std::string_view Text);
+/// The data block that a write is meant for; throws UsageError for a trailer, too.
+[[nodiscard]] int32_t ParseDataBlock(std::string_view Text);
+
+/// Reads what was just written; a failure is said before it is thrown.
+[[nodiscard]] Block ReadBack(Encoder& Opened, int32_t Number, const Key& With, Output& Out);
 
 } // namespace acg::tool

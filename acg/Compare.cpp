@@ -1,14 +1,16 @@
 // acg compare: where two dumps differ.
 #include "acg/AccessWords.h"
 #include "acg/Blocks.h"
+#include "acg/CommandLine.h"
 #include "acg/Commands.h"
 #include "acg/DumpFile.h"
 #include "acg/Failures.h"
 #include "acg/Text.h"
 #include "cards/BlockAddress.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
-#include <cstdio>
 
 namespace acg::tool
 {
@@ -17,7 +19,7 @@ namespace
 {
 
 /// Keys are compared, but not shown. What isn't known of both counts as alike, access bits as a whole.
-void PrintTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other)
+void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other, Output& out)
 {
     constexpr Block Factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
     constexpr unsigned AccessBytes = 0x01C0;
@@ -32,24 +34,26 @@ void PrintTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& oth
             first[at] = second[at] = Factory[at];
         }
     }
-    std::printf("block %d, the trailer of sector %d:\n", number, SectorOf(number));
-    for (const std::string& difference : TrailerDifferences(first, second, SectorOf(number))) {
-        std::printf("     %s\n", difference.c_str());
-    }
+    std::vector<std::string> differences = TrailerDifferences(first, second, SectorOf(number));
     if (one.Known != other.Known) {
-        std::puts("     not all of it is known in both");
+        differences.emplace_back("not all of it is known in both");
     }
+    out.Print(Format("block %d, the trailer of sector %d:", number, SectorOf(number)));
+    for (const std::string& difference : differences) {
+        out.Print("     " + difference);
+    }
+    out.Json()["blocks"].push_back({{"block", number}, {"differences", differences}});
 }
 
-} // namespace
-
-int Compare(const Options& Options)
+int Compare(const std::vector<std::string>& files, Context& context)
 {
-    const Dump one = ReadDump(Options.Files.front());
-    const Dump other = ReadDump(Options.Files.back());
+    Output& out = context.Out;
+    const Dump one = ReadDump(files.front());
+    const Dump other = ReadDump(files.back());
     const int32_t sizes[] = {static_cast<int32_t>(one.size()), static_cast<int32_t>(other.size())};
     const int32_t common = std::min(sizes[0], sizes[1]);
     int differences = 0;
+    out.Json()["blocks"] = JsonObject::array();
     for (int32_t number = 0; number < common; ++number) {
         const DumpedBlock* const blocks[] = {&one[static_cast<size_t>(number)],
                                              &other[static_cast<size_t>(number)]};
@@ -58,20 +62,38 @@ int Compare(const Options& Options)
         }
         ++differences;
         if (IsTrailer(number)) {
-            PrintTrailer(number, *blocks[0], *blocks[1]);
+            ShowTrailer(number, *blocks[0], *blocks[1], out);
             continue;
         }
         for (const DumpedBlock* const block : blocks) {
-            std::puts(HexDump(number, block->Bytes, block->Known).c_str());
+            out.Print(HexDump(number, block->Bytes, block->Known));
         }
+        out.Json()["blocks"].push_back({{"block", number},
+                                        {"hex",
+                                         {Digits(blocks[0]->Bytes, blocks[0]->Known, ""),
+                                          Digits(blocks[1]->Bytes, blocks[1]->Known, "")}}});
     }
     if (sizes[0] != sizes[1]) {
         const size_t larger = sizes[0] > sizes[1] ? 0 : 1;
-        std::printf("blocks %d to %d are only in %s\n", common, sizes[larger] - 1,
-                    Options.Files[larger].c_str());
+        out.Print(Format("blocks %d to %d are only in %s", common, sizes[larger] - 1, files[larger].c_str()));
     }
-    std::printf("%d of %d blocks differ\n", differences, common);
+    out.Print(Format("%d of %d blocks differ", differences, common));
+    out.Json()["sizes"] = sizes;
     return differences == 0 && sizes[0] == sizes[1] ? Done : Failed;
+}
+
+} // namespace
+
+void AddCompare(CommandLine& Commands)
+{
+    const auto files = std::make_shared<std::vector<std::string>>();
+    Commands
+        .Add("compare", "Shows where two dumps differ; exit status 1 if they do",
+             "acg compare before.bin after.txt",
+             [files](Context& context) { return Compare(*files, context); })
+        .add_option("FILE", *files, "Two dumps, raw bytes or text")
+        ->required()
+        ->expected(2);
 }
 
 } // namespace acg::tool

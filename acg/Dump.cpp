@@ -1,13 +1,15 @@
 // acg dump: the whole card into a file.
 #include "acg/AccessWords.h"
 #include "acg/Blocks.h"
+#include "acg/CommandLine.h"
 #include "acg/Commands.h"
 #include "acg/DumpFile.h"
 #include "acg/Failures.h"
-#include "acg/Output.h"
 #include "acg/ProgressBar.h"
 #include "acg/Text.h"
 #include "cards/BlockAddress.h"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <optional>
@@ -20,6 +22,12 @@ namespace
 
 // The last sectors of a 1K and a 4K card.
 constexpr int32_t LastSector1K = 15;
+
+struct Options {
+    std::vector<std::string> Files; ///< FILE
+    KeyOptions Key;
+    std::string KeysFile; ///< --keys
+};
 
 constexpr uint16_t KeyABytes = 0x003F;
 constexpr uint16_t KeyBBytes = 0xFC00;
@@ -59,7 +67,8 @@ struct Opening {
 class CardReading
 {
 public:
-    CardReading(Encoder& opened, std::vector<std::wstring> keys) : m_encoder(opened), m_keys(std::move(keys))
+    CardReading(Encoder& opened, std::vector<std::wstring> keys, Output& out)
+        : m_encoder(opened), m_keys(std::move(keys)), m_out(out)
     {
     }
 
@@ -87,11 +96,12 @@ private:
     {
         m_isComplete = false;
         bar.Erase();
-        PrintProblem(what);
+        m_out.Problem(what);
     }
 
     Encoder& m_encoder;
     std::vector<std::wstring> m_keys;
+    Output& m_out;
     Dump m_dump;
     std::vector<Opening> m_openings;
     bool m_isComplete = true;
@@ -207,36 +217,37 @@ struct KeyList {
     }
 };
 
-KeyList KeysOf(const Options& options)
+KeyList KeysOf(const Options& given)
 {
-    if (!options.KeysFile.empty()) {
-        return {ReadKeys(options.KeysFile), /*AreNumbered=*/true};
+    if (!given.KeysFile.empty()) {
+        return {ReadKeys(given.KeysFile), /*AreNumbered=*/true};
     }
-    return {{IsKeyGiven(options.Key) ? TheKey(options.Key).Digits : L"FFFFFFFFFFFF"}, /*AreNumbered=*/false};
+    return {{IsKeyGiven(given.Key) ? TheKey(given.Key).Digits : L"FFFFFFFFFFFF"}, /*AreNumbered=*/false};
 }
 
 /// A line for each run of sectors with the same keys.
-void PrintOpenings(const std::vector<Opening>& openings, const KeyList& keys)
+void ShowOpenings(const std::vector<Opening>& openings, const KeyList& keys, Output& out)
 {
     for (auto from = openings.begin(); from != openings.end();) {
         const auto end =
             std::find_if(from, openings.end(), [&](const Opening& other) { return other != *from; });
-        std::printf("sectors %2d to %2d  key A %s, key B %s\n", static_cast<int>(from - openings.begin()),
-                    static_cast<int>(end - openings.begin()) - 1, keys.Name(from->A).c_str(),
-                    from->ShowsB ? "shown by the card" : keys.Name(from->B).c_str());
+        const auto first = static_cast<int>(from - openings.begin());
+        const auto last = static_cast<int>(end - openings.begin()) - 1;
+        const std::string keyA = keys.Name(from->A);
+        const std::string keyB = from->ShowsB ? "shown by the card" : keys.Name(from->B);
+        out.Print(Format("sectors %2d to %2d  key A %s, key B %s", first, last, keyA.c_str(), keyB.c_str()));
+        out.Json()["sectors"].push_back({{"first", first}, {"last", last}, {"keyA", keyA}, {"keyB", keyB}});
         from = end;
     }
 }
 
-} // namespace
-
-int DumpCard(const Options& Options)
+int DumpCard(const Options& given, Context& context)
 {
-    const std::string& name = Options.Files.front();
-    const KeyList keys = KeysOf(Options);
+    const std::string& name = given.Files.front();
+    const KeyList keys = KeysOf(given);
     NewFile file(name);
-    const auto encoder = OpenReader(Options.Parameters);
-    CardReading reading(*encoder, keys.Keys);
+    const auto encoder = OpenReader(context.Parameters);
+    CardReading reading(*encoder, keys.Keys, context.Out);
     const int32_t lastSector = reading.FindLastSector();
     {
         const ProgressBar bar(TrailerBlock(lastSector) + 1);
@@ -245,9 +256,37 @@ int DumpCard(const Options& Options)
         }
     }
     file.Write(reading.Result());
-    PrintOpenings(reading.Openings(), keys);
-    std::printf("%d blocks written to %s\n", static_cast<int>(reading.Result().size()), name.c_str());
+    ShowOpenings(reading.Openings(), keys, context.Out);
+    const auto blocks = static_cast<int>(reading.Result().size());
+    context.Out.Print(Format("%d blocks written to %s", blocks, name.c_str()));
+    context.Out.Json()["blocks"] = blocks;
     return reading.IsComplete() ? Done : Failed;
+}
+
+} // namespace
+
+void AddDump(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CLI::App& command =
+        Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --keys keys.txt",
+                     [given](Context& context) { return DumpCard(*given, context); });
+    command
+        .add_option(
+            "FILE", given->Files,
+            "Raw bytes, or, where the name ends in .txt, 32 digits a line. Keys that the card doesn't "
+            "show are written from those that open it")
+        ->required()
+        ->expected(1);
+    TakesKey(command, given->Key);
+    command
+        .add_option(
+            "--keys", given->KeysFile,
+            "A file of keys, one a line, tried in order for each sector; without it the one key that is "
+            "given, else FFFFFFFFFFFF")
+        ->type_name("FILE")
+        ->excludes("--key")
+        ->excludes("--key-file");
 }
 
 } // namespace acg::tool

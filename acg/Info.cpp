@@ -1,11 +1,12 @@
 // acg info: the reader, and the card in its field.
+#include "acg/CommandLine.h"
 #include "acg/Commands.h"
 #include "acg/Failures.h"
-#include "acg/Json.h"
-#include "acg/Output.h"
 #include "acg/Text.h"
 
-#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include <optional>
 
 namespace acg::tool
 {
@@ -47,40 +48,40 @@ const char* StateOf(Encoder& encoder)
     }
 }
 
-void Print(const char* name, const std::string& value)
+void Show(const char* name, const char* member, const std::string& value, Output& out)
 {
-    std::printf("%-12s %s\n", name, value.empty() ? "-" : value.c_str());
+    out.Print(Format("%-12s %s", name, value.empty() ? "-" : value.c_str()));
+    out.Json()[member] = value.empty() ? JsonObject() : JsonObject(value);
+}
+
+int Info(Context& context)
+{
+    const auto encoder = MakeEncoder(context.Parameters);
+    std::string type;
+    std::string serial;
+    std::optional<CardFailure> failed;
+    try {
+        Open(*encoder);
+        type = TypeOf(*encoder);
+        std::wstring text;
+        Must(*encoder, encoder->ReadSerialNumber(text));
+        serial = ToUtf8(text);
+    } catch (const CardFailure& failure) {
+        failed = failure;
+    }
+    Show("Settings", "settings", SettingsOf(*encoder), context.Out);
+    Show("Reader type", "readerType", type, context.Out);
+    Show("State", "state", StateOf(*encoder), context.Out);
+    Show("Serial", "serial", serial, context.Out);
+    return failed ? throw *std::move(failed) : Done;
 }
 
 } // namespace
 
-int Info(const Options& Options)
+void AddInfo(CommandLine& Commands)
 {
-    const auto encoder = MakeEncoder(Options.Parameters);
-    ReaderInfo info{.Settings = SettingsOf(*encoder)};
-    try {
-        Open(*encoder);
-        info.ReaderType = TypeOf(*encoder);
-        std::wstring serial;
-        Must(*encoder, encoder->ReadSerialNumber(serial));
-        info.Serial = ToUtf8(serial);
-    } catch (const CardFailure& failure) {
-        info.Failure = failure.Record;
-    }
-    info.State = StateOf(*encoder);
-
-    if (Options.Json) {
-        std::fputs(Json(info).c_str(), stdout);
-    } else {
-        Print("Settings", info.Settings);
-        Print("Reader type", info.ReaderType);
-        Print("State", info.State);
-        Print("Serial", info.Serial);
-    }
-    if (info.Failure) {
-        PrintProblem(InWords(*info.Failure));
-    }
-    return info.Failure ? Failed : Done;
+    Commands.Add("info", "Shows the reader, its type and state, and the card's serial number",
+                 "acg info --reader \"Device=com3;Baud rate=19200\"", Info);
 }
 
 } // namespace acg::tool

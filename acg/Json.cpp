@@ -8,86 +8,44 @@
 namespace acg::tool
 {
 
-namespace
+JsonObject ToJson(const CError& Failure)
 {
-
-using Object = nlohmann::ordered_json;
-
-std::string Line(const Object& object)
-{
-    return object.dump() + '\n';
-}
-
-Object FailureObject(const CError& record)
-{
-    const Remedy* const remedy = FindRemedy(record);
+    const Remedy* const remedy = FindRemedy(Failure);
     return {
-        {"number", record.Number},
-        {"description", ToUtf8(record.Description)},
-        {"lastDllError", record.LastDllError},
-        {"comFunction", ToUtf8(record.ComFunction)},
-        {"rdrCommand", ToUtf8(record.RdrCommand)},
-        {"rdrRetCode", ToUtf8(record.RdrRetCode)},
+        {"number", Failure.Number},
+        {"description", ToUtf8(Failure.Description)},
+        {"lastDllError", Failure.LastDllError},
+        {"comFunction", ToUtf8(Failure.ComFunction)},
+        {"rdrCommand", ToUtf8(Failure.RdrCommand)},
+        {"rdrRetCode", ToUtf8(Failure.RdrRetCode)},
         {"meaning", remedy != nullptr ? remedy->Meaning : ""},
         {"remedy", remedy != nullptr ? remedy->Action : ""},
     };
 }
 
-Object TextOrNull(const std::string& text)
-{
-    return text.empty() ? Object() : Object(text);
-}
-
-} // namespace
-
-std::string Json(const ReaderInfo& Result)
-{
-    return Line({
-        {"settings", Result.Settings},
-        {"readerType", TextOrNull(Result.ReaderType)},
-        {"state", Result.State},
-        {"serial", TextOrNull(Result.Serial)},
-        {"failure", Result.Failure ? FailureObject(*Result.Failure) : Object()},
-    });
-}
-
-std::string Json(std::span<const ShownBlock> Result)
-{
-    Object blocks = Object::array();
-    for (const ShownBlock& block : Result) {
-        blocks.push_back({{"block", block.Number}, {"hex", block.Digits}, {"characters", block.Characters}});
-    }
-    return Line({{"blocks", blocks}});
-}
-
-std::string Json(const ShownAccess& Result)
+JsonObject ToJson(const ShownAccess& Result)
 {
     const SectorRights rights = RightsGranted(Result.Bytes);
-    Object levels = Object::array();
+    JsonObject levels = JsonObject::array();
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         levels.push_back(LevelOf(BlockRightsOf(TripleIn(Result.Bytes, slot))));
     }
     levels.push_back(LevelOf(rights.Trailer));
-    Object rows = Object::array();
+    JsonObject rows = JsonObject::array();
     for (const AccessRow& row : AccessRows(Result.Bytes, Result.Sector)) {
         rows.push_back({{"what", row.What}, {"keyA", row.KeyA}, {"keyB", row.KeyB}});
     }
-    return Line({
-        {"sector", Result.Sector ? Object(*Result.Sector) : Object()},
+    return {
+        {"sector", Result.Sector ? JsonObject(*Result.Sector) : JsonObject()},
         {"accessBits", AccessBitsText(Result.Bytes)},
-        {"byte9", Result.UserByte ? Object(*Result.UserByte) : Object()},
+        {"byte9", Result.UserByte ? JsonObject(*Result.UserByte) : JsonObject()},
         {"levels", levels},
         {"keys", KeysUsedBy(rights.Trailer)},
         {"may", rows},
         {"accessFixedForGood", AreConditionsFixed(rights.Trailer)},
         {"keysFixedForGood", AreKeysFixed(rights.Trailer)},
         {"deviations", Result.Deviations},
-    });
-}
-
-std::string Json(const CError& Failure)
-{
-    return Line({{"failure", FailureObject(Failure)}});
+    };
 }
 
 } // namespace acg::tool

@@ -1,12 +1,47 @@
-// What isn't a result: it goes to standard error.
+// Where a command's result goes, and what is to be said beside it.
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+
+#include <memory>
 #include <string_view>
 
 namespace acg::tool
 {
 
-/// Prints "acg: " and the text, which ends without a line's end, behind what standard output has so far.
+using JsonObject = nlohmann::ordered_json;
+
+/// For a person: lines on standard output as they come. With --json: one JSON object at the program's end.
+class Output
+{
+public:
+    Output();
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    void UseJson() { m_isJson = true; }
+    [[nodiscard]] bool IsJson() const { return m_isJson; }
+
+    /// The object's members; not printed without --json.
+    [[nodiscard]] JsonObject& Json() { return *m_json; }
+
+    /// A line, or several; the end of the last one may be left out. Nothing with --json.
+    void Print(std::string_view Text) const;
+
+    /// What isn't a result: "acg: " and the text on standard error, after what standard output has so far.
+    /// With --json it is also in the list "problems".
+    void Problem(std::string_view Text);
+
+    /// Prints the object.
+    void Finish() const;
+
+private:
+    bool m_isJson = false;
+    std::unique_ptr<JsonObject> m_json;
+};
+
+/// "acg: " and the text on standard error.
 void PrintProblem(std::string_view Text);
 
 } // namespace acg::tool

@@ -1,11 +1,14 @@
 // acg protect: new keys and levels for a sector, with all that can't be undone said before it is done.
 #include "acg/AccessWords.h"
+#include "acg/CommandLine.h"
 #include "acg/Commands.h"
 #include "acg/Failures.h"
-#include "acg/Output.h"
+#include "acg/Json.h"
 #include "acg/SectorTrailer.h"
 #include "acg/System.h"
 #include "acg/Text.h"
+
+#include <nlohmann/json.hpp>
 
 #include <cstdio>
 
@@ -14,6 +17,19 @@ namespace acg::tool
 
 namespace
 {
+
+struct Options {
+    std::string Sector;
+    KeyOptions Key;
+    LevelOptions Levels;
+    std::string NewA;        ///< --new-a
+    std::string NewB;        ///< --new-b
+    std::string NewKeysFile; ///< --new-keys
+    std::string BX;          ///< --bx
+    bool IsForGood = false;  ///< --for-good
+    bool IsDryRun = false;   ///< --dry-run
+    bool IsAgreedTo = false; ///< --yes
+};
 
 /// All that goes into the trailer. Nothing of it comes from what the class reads on writing.
 struct NewTrailer {
@@ -35,7 +51,7 @@ std::wstring NewKey(const std::string& text, const char* option, const char* var
     throw UsageError{Format("a new key is required: %s, --new-keys, or the variable %s", option, variable)};
 }
 
-void ParseNewKeys(const AccessOptions& given, NewTrailer& trailer)
+void ParseNewKeys(const Options& given, NewTrailer& trailer)
 {
     if (given.NewKeysFile.empty()) {
         trailer.KeyA = NewKey(given.NewA, "--new-a", "ACG_NEW_A");
@@ -71,12 +87,12 @@ void RequireRights(const TrailerRights& rights, Keys key, bool changesConditions
 }
 
 /// The class stores the rights of a purse only for a block that it has written as a value block itself.
-void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int32_t sector)
+void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int32_t sector, Output& out)
 {
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         if (TripleIn(before, slot) == "110" && TripleIn(after, slot) == "100") {
-            std::printf("Taken away: a value in %s can no longer be incremented or decremented.\n",
-                        NameOfSlot(slot, sector).c_str());
+            out.Print(Format("Taken away: a value in %s can no longer be incremented or decremented.",
+                             NameOfSlot(slot, sector).c_str()));
         }
     }
 }
@@ -118,17 +134,15 @@ void Verify(Encoder& encoder, int32_t sector, const NewTrailer& expected)
     }
 }
 
-} // namespace
-
-int Protect(const Options& Options)
+int Protect(const Options& given, Context& context)
 {
-    const AccessOptions& given = Options.Access;
+    Output& out = context.Out;
     const int32_t sector = ParseSector(given.Sector);
-    const Key key = TheKey(Options.Key);
-    NewTrailer wanted{.Levels = {.Levels = ParseLevels(given.Levels), .KeysToUse = KeysAsOnCard}};
+    const Key key = TheKey(given.Key);
+    NewTrailer wanted{.Levels = {.Levels = ParseLevels(given.Levels.Levels), .KeysToUse = KeysAsOnCard}};
     ParseNewKeys(given, wanted);
-    if (!given.KeysToUse.empty()) {
-        wanted.Levels.KeysToUse = ParseKeysToUse(given.KeysToUse);
+    if (!given.Levels.KeysToUse.empty()) {
+        wanted.Levels.KeysToUse = ParseKeysToUse(given.Levels.KeysToUse);
         wanted.Bytes = EncodeOrRefuse(wanted.Levels);
     }
     if (!given.BX.empty()) {
@@ -139,12 +153,12 @@ int Protect(const Options& Options)
         throw UsageError{"there is no terminal to ask on: give --yes to write, or --dry-run to look"};
     }
 
-    const auto encoder = OpenReader(Options.Parameters);
+    const auto encoder = OpenReader(context.Parameters);
     const std::wstring serial = SerialNumberOf(*encoder);
     const Block trailer = ReadTrailer(*encoder, sector, key);
     const ConditionBytes before = ConditionBytesOf(trailer);
     const TrailerRights rights = RightsGranted(before).Trailer;
-    if (given.KeysToUse.empty()) {
+    if (given.Levels.KeysToUse.empty()) {
         wanted.Levels.KeysToUse = KeysUsedBy(rights);
         wanted.Bytes = EncodeOrRefuse(wanted.Levels);
     }
@@ -153,14 +167,17 @@ int Protect(const Options& Options)
     }
     const ConditionBytes after = wanted.Bytes;
 
-    std::printf(
-        "Sector %d now: levels %s, byte 9 is %d\n\n%s\nSector %d afterwards: levels %s, byte 9 is %d\n\n%s",
-        sector, LevelsInWords(before).c_str(), UserByteOf(trailer), AccessTable(before, sector).c_str(),
-        sector, LevelsInWords(after).c_str(), wanted.BX, AccessTable(after, sector).c_str());
-    for (const std::string& line : Deviations(wanted.Levels, after, sector)) {
-        std::puts(line.c_str());
+    const std::vector<std::string> deviations = Deviations(wanted.Levels, after, sector);
+    out.Json() = {{"before", ToJson(ShownAccess{sector, before, UserByteOf(trailer), {}})},
+                  {"after", ToJson(ShownAccess{sector, after, wanted.BX, deviations})}};
+    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, LevelsInWords(before).c_str(),
+                     UserByteOf(trailer), AccessTable(before, sector).c_str()));
+    out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
+                     LevelsInWords(after).c_str(), wanted.BX, AccessTable(after, sector).c_str()));
+    for (const std::string& line : deviations) {
+        out.Print(line);
     }
-    WarnOfPurses(before, after, sector);
+    WarnOfPurses(before, after, sector, out);
 
     RequireRights(rights, key.Type == KeyTypeB ? Keys::B : Keys::A,
                   before != after || UserByteOf(trailer) != wanted.BX);
@@ -169,7 +186,7 @@ int Protect(const Options& Options)
             "this freezes the sector for good; nothing was written. Give --for-good if it is meant"};
     }
     if (given.IsDryRun) {
-        std::puts("Nothing was written: --dry-run.");
+        out.Print("Nothing was written: --dry-run.");
         return Done;
     }
     if (!given.IsAgreedTo && !IsAgreedTo()) {
@@ -184,18 +201,46 @@ int Protect(const Options& Options)
         isWritten = true;
         Verify(*encoder, sector, wanted);
     } catch (const Interruption&) {
-        PrintProblem("the trailer may have been written: try both the new keys and the old ones");
+        out.Problem("the trailer may have been written: try both the new keys and the old ones");
         throw;
     } catch (const CardFailure&) {
         if (isWritten) {
-            PrintProblem(
+            out.Problem(
                 "the trailer was written without a failure, but reading back with the new keys fails: "
                 "try both the new keys and the old ones");
         }
         throw;
     }
-    std::puts("Written, and read back with the new keys.");
+    out.Print("Written, and read back with the new keys.");
     return Done;
+}
+
+} // namespace
+
+void AddProtect(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CLI::App& command = Commands.Add(
+        "protect", "Writes new keys and levels for a sector, and says first what that means",
+        "acg protect 1 --key-file old.txt --new-keys new.txt --levels 13,13,13,12 --keys 2 --dry-run",
+        [given](Context& context) { return Protect(*given, context); });
+    TakesSector(command, given->Sector);
+    TakesKey(command, given->Key);
+    TakesLevels(command, given->Levels)
+        .description("1 for key A alone, 2 for both keys; else as on the card");
+    command.add_option("--new-a", given->NewA, "The new key A; else the variable ACG_NEW_A")
+        ->type_name("KEY");
+    command.add_option("--new-b", given->NewB, "The new key B; else the variable ACG_NEW_B")
+        ->type_name("KEY");
+    command.add_option("--new-keys", given->NewKeysFile, "A file with the new key A, then the new key B")
+        ->type_name("FILE")
+        ->excludes("--new-a")
+        ->excludes("--new-b");
+    command.add_option("--bx", given->BX, "Byte 9 of the trailer, 0 to 255; else as on the card")
+        ->type_name("N");
+    command.add_flag("--dry-run", given->IsDryRun, "Only show what would happen");
+    command.add_flag("--yes", given->IsAgreedTo, "Don't ask");
+    command.add_flag("--for-good", given->IsForGood, "Allow what can never be changed again");
 }
 
 } // namespace acg::tool

@@ -1,14 +1,11 @@
-// acg trailer and acg preview: what the keys of a sector may do, by its trailer or by levels.
 #include "acg/SectorTrailer.h"
 
 #include "acg/AccessWords.h"
 #include "acg/Failures.h"
-#include "acg/Json.h"
 #include "acg/Text.h"
 #include "cards/BlockAddress.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace acg::tool
 {
@@ -27,15 +24,15 @@ std::vector<std::string_view> Parts(std::string_view text)
     return parts;
 }
 
-void ParseValueBlocks(std::string_view text, SectorLevels& levels)
+} // namespace
+
+void ParseValueBlocks(std::string_view Text, SectorLevels& Levels)
 {
-    for (const std::string_view part : Parts(text)) {
+    for (const std::string_view part : Parts(Text)) {
         const int32_t block = ParseNumber(part, 0, DataSlots - 1, "--value is one or more of 0, 1 and 2");
-        levels.IsValueBlock[static_cast<size_t>(block)] = true;
+        Levels.IsValueBlock[static_cast<size_t>(block)] = true;
     }
 }
-
-} // namespace
 
 int32_t ParseSector(std::string_view Text)
 {
@@ -84,42 +81,20 @@ Block ReadTrailer(Encoder& Opened, int32_t Sector, const Key& With)
     return trailer;
 }
 
-int Trailer(const Options& Options)
+void TakesSector(CLI::App& Command, std::string& Sector)
 {
-    const int32_t sector = ParseSector(Options.Access.Sector);
-    const Key key = TheKey(Options.Key);
-    const auto encoder = OpenReader(Options.Parameters);
-    const Block trailer = ReadTrailer(*encoder, sector, key);
-    const ConditionBytes bytes = ConditionBytesOf(trailer);
-    if (Options.Json) {
-        std::fputs(Json(ShownAccess{sector, bytes, UserByteOf(trailer), {}}).c_str(), stdout);
-        return Done;
-    }
-    std::printf("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
-                AccessBitsText(bytes).c_str(), UserByteOf(trailer), LevelsInWords(bytes).c_str(),
-                AccessTable(bytes, sector).c_str());
-    return Done;
+    Command.add_option("SECTOR", Sector, "The sector, 0 to 15, on a 4K card to 39")->required();
 }
 
-int Preview(const Options& Options)
+CLI::Option& TakesLevels(CLI::App& Command, LevelOptions& Levels)
 {
-    const AccessOptions& given = Options.Access;
-    SectorLevels asked{ParseLevels(given.Levels), ParseKeysToUse(given.KeysToUse)};
-    if (!given.ValueBlocks.empty()) {
-        ParseValueBlocks(given.ValueBlocks, asked);
-    }
-    const ConditionBytes bytes = EncodeOrRefuse(asked);
-    const std::vector<std::string> deviations = Deviations(asked, bytes, /*Sector=*/{});
-    if (Options.Json) {
-        std::fputs(Json(ShownAccess{{}, bytes, {}, deviations}).c_str(), stdout);
-        return Done;
-    }
-    std::printf("Access bits %s\nThese levels read back as %s\n\n%s", AccessBitsText(bytes).c_str(),
-                LevelsInWords(bytes).c_str(), AccessTable(bytes, /*Sector=*/{}).c_str());
-    for (const std::string& line : deviations) {
-        std::puts(line.c_str());
-    }
-    return Done;
+    Command
+        .add_option("--levels", Levels.Levels,
+                    "The levels of the three data blocks and of the trailer, as in 13,13,13,12")
+        ->type_name("L0,L1,L2,LT")
+        ->required();
+    return *Command.add_option("--keys", Levels.KeysToUse, "1 for key A alone, 2 for both keys")
+                ->type_name("1|2");
 }
 
 } // namespace acg::tool

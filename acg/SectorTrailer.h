@@ -2,7 +2,7 @@
 #pragma once
 
 #include "acg/Card.h"
-#include "acg/Commands.h"
+#include "acg/CommandLine.h"
 #include "cards/SectorAccess.h"
 
 #include <array>
@@ -12,6 +12,16 @@
 namespace acg::tool
 {
 
+/// What "preview" and "protect" take.
+struct LevelOptions {
+    std::string Levels;    ///< --levels
+    std::string KeysToUse; ///< --keys
+};
+
+void TakesSector(CLI::App& Command, std::string& Sector);
+/// Returns the option --keys.
+CLI::Option& TakesLevels(CLI::App& Command, LevelOptions& Levels);
+
 /// Throws UsageError for a sector that no card has.
 [[nodiscard]] int32_t ParseSector(std::string_view Text);
 
@@ -20,6 +30,9 @@ namespace acg::tool
 
 /// Throws UsageError for another key mode than 1 and 2.
 [[nodiscard]] uint8_t ParseKeysToUse(std::string_view Text);
+
+/// Throws UsageError unless it is block numbers in the sector, 0 to 2, joined by commas.
+void ParseValueBlocks(std::string_view Text, SectorLevels& Levels);
 
 /// The access bits; throws UsageError for levels that can't be stored.
 [[nodiscard]] ConditionBytes EncodeOrRefuse(const SectorLevels& Asked);

@@ -1,0 +1,52 @@
+// acg write: a data block.
+#include "acg/Blocks.h"
+#include "acg/CommandLine.h"
+#include "acg/Commands.h"
+#include "acg/Failures.h"
+#include "acg/Text.h"
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string Block;
+    std::string Contents;
+    KeyOptions Key;
+};
+
+int Write(const Options& given, Context& context)
+{
+    const int32_t number = ParseDataBlock(given.Block);
+    const std::optional<Block> wanted = ParseBlock(given.Contents);
+    if (!wanted) {
+        throw UsageError{"HEX isn't 32 hexadecimal digits"};
+    }
+    const Key key = TheKey(given.Key);
+    const auto encoder = OpenReader(context.Parameters);
+    std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
+    Must(*encoder, encoder->WriteDataBloc(number, key.Digits, key.Type, contents));
+    const Block written = ReadBack(*encoder, number, key, context.Out);
+    context.Out.Print(HexDump(number, written, AllKnown));
+    if (written != *wanted) {
+        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
+    }
+    return Done;
+}
+
+} // namespace
+
+void AddWrite(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CLI::App& command = Commands.Add("write", "Writes a data block, reads it back, and compares",
+                                     "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF",
+                                     [given](Context& context) { return Write(*given, context); });
+    command.add_option("BLOCK", given->Block, "The block")->required();
+    command.add_option("HEX", given->Contents, "Its 16 bytes, in 32 hexadecimal digits")->required();
+    TakesKey(command, given->Key);
+}
+
+} // namespace acg::tool
