@@ -26,7 +26,8 @@ constexpr int32_t LastSector1K = 15;
 struct Options {
     std::vector<std::string> Files; ///< FILE
     KeyOptions Key;
-    std::string KeysFile; ///< --keys
+    std::string KeysFile;    ///< --keys
+    bool MayReplace = false; ///< --force
 };
 
 constexpr uint16_t KeyABytes = 0x003F;
@@ -245,7 +246,7 @@ int DumpCard(const Options& given, Context& context)
 {
     const std::string& name = given.Files.front();
     const KeyList keys = KeysOf(given);
-    NewFile file(name);
+    const NewFile file(name, given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept);
     const auto encoder = OpenReader(context.Parameters);
     CardReading reading(*encoder, keys.Keys, context.Out);
     const int32_t lastSector = reading.FindLastSector();
@@ -287,6 +288,7 @@ void AddDump(CommandLine& Commands)
         ->type_name("FILE")
         ->excludes("--key")
         ->excludes("--key-file");
+    command.add_flag("--force", given->MayReplace, "Replace FILE if it exists");
 }
 
 } // namespace acg::tool
