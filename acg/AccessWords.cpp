@@ -176,7 +176,7 @@ std::vector<std::string> Deviations(const SectorLevels& Asked, const ConditionBy
 std::string RefusalInWords(const SectorLevels& Asked)
 {
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (BlockTriple(Asked.Levels[slot], Asked.KeysToUse, false) == RefusedLevel) {
+        if (!BlockTriple(Asked.Levels[slot], Asked.KeysToUse, false)) {
             return Format(
                 "level %d can't be stored for a data block with both keys: the card can't let key A "
                 "do what key B may not",

@@ -4,10 +4,9 @@
 #include "acg/ReplyWatch.h"
 #include "acg/System.h"
 #include "acg/Text.h"
-#include "platform/TextCase.h"
-#include "reader/HexText.h"
+#include "encoder/NumberReading.h"
+#include "encoder/Parameters.h"
 
-#include <algorithm>
 #include <charconv>
 
 namespace acg::tool
@@ -16,27 +15,29 @@ namespace acg::tool
 namespace
 {
 
-/// The class ignores what it doesn't know; a person wants to be told.
-void CheckParameters(const std::wstring& text)
+/// The class ignores what it doesn't know, and reads a number as far as it goes; a person wants to be told.
+/// No value is shown, as it may be a key.
+void CheckParameters(std::wstring_view text)
 {
-    constexpr std::wstring_view Numbers[] = {L"autodetect", L"baud rate", L"timeout"};
-    constexpr std::wstring_view Texts[] = {L"device", L"encoding capabilities", L""};
-
-    const wchar_t separator = text.find(L'\r') != std::wstring::npos ? L'\r' : L';';
-    for (size_t at = 0; at <= text.size();) {
-        const size_t end = std::min(text.find(separator, at), text.size());
-        const std::wstring entry = text.substr(at, end - at);
-        at = end + 1;
-        const size_t sign = std::min(entry.find(L'='), entry.size());
-        const size_t start = entry.starts_with(L'\n') ? 1 : 0;
-        const std::wstring name = ToLower(TrimBlanks(std::wstring_view(entry).substr(start, sign - start)));
-        if (std::ranges::find(Numbers, name) != std::end(Numbers)) {
-            const std::string value = ToUtf8(entry.substr(std::min(sign + 1, entry.size())));
-            static_cast<void>(
-                ParseNumber(value, INT32_MIN, INT32_MAX, "the setting " + ToUtf8(entry) + " isn't a number"));
-        } else if (std::ranges::find(Texts, name) == std::end(Texts)) {
-            throw UsageError{"no such setting: " + ToUtf8(entry) +
-                             "; there are Device, Autodetect, Baud rate and Timeout, joined by \";\""};
+    for (ParameterEntries entry(text); entry.Next();) {
+        const bool isAutodetect = entry.Key == L"autodetect";
+        const bool isNumber = isAutodetect || entry.Key == L"baud rate" || entry.Key == L"timeout";
+        if ((entry.Key.empty() && !entry.Value) || entry.Key == L"encoding capabilities") {
+            continue;
+        }
+        if (!entry.Value) {
+            throw UsageError{"a setting has no \"=\", as in Device=com1;Timeout=500"};
+        }
+        if (!isNumber && entry.Key != L"device") {
+            throw UsageError{"no such setting: " + ToUtf8(entry.Key) +
+                             "; there are Device, Autodetect, Baud rate, Timeout"};
+        }
+        const bool fits = isAutodetect ? ReadField<uint8_t>(*entry.Value).has_value()
+                                       : ReadField<int32_t>(*entry.Value).has_value();
+        if (isNumber && !(fits && ReadNumber(*entry.Value).IsAll)) {
+            throw UsageError{Format("the setting %s is a number %s, with nothing after it",
+                                    ToUtf8(entry.Key).c_str(),
+                                    isAutodetect ? "from 0 to 255" : "of 32 bits")};
         }
     }
 }

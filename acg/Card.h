@@ -25,7 +25,7 @@ inline constexpr int32_t LastSector = 39;
 using Block = std::array<uint8_t, 16>;
 
 /// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS where that is empty, else with
-/// the class's own. Throws UsageError for a setting that doesn't exist or isn't a number.
+/// the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
 [[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters);
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.

@@ -2,6 +2,7 @@
 #include "acg/CommandLine.h"
 #include "acg/Commands.h"
 #include "acg/Failures.h"
+#include "acg/System.h"
 #include "acg/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -48,6 +49,18 @@ const char* StateOf(Encoder& encoder)
     }
 }
 
+/// The reader library that is loaded, whichever of its functions it has.
+LoadedLibrary LibraryInUse()
+{
+    for (int function = 0; function < ReaderFunctionCount; ++function) {
+        const EntryPoint entry = FindInLibrary(static_cast<ReaderFunction>(function));
+        if (entry.Address != nullptr) {
+            return LibraryOf(entry.Address);
+        }
+    }
+    return {};
+}
+
 void Show(const char* name, const char* member, const std::string& value, Output& out)
 {
     out.Print(Format("%-12s %s", name, value.empty() ? "-" : value.c_str()));
@@ -69,6 +82,10 @@ int Info(Context& context)
     } catch (const CardFailure& failure) {
         failed = failure;
     }
+    const LoadedLibrary library = LibraryInUse();
+    Show("Library", "libraryPath", library.Path, context.Out);
+    Show("Description", "libraryDescription", library.Description, context.Out);
+    Show("Version", "libraryVersion", library.Version, context.Out);
     Show("Settings", "settings", SettingsOf(*encoder), context.Out);
     Show("Reader type", "readerType", type, context.Out);
     Show("State", "state", StateOf(*encoder), context.Out);

@@ -90,7 +90,8 @@ void RequireRights(const TrailerRights& rights, Keys key, bool changesConditions
 void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int32_t sector, Output& out)
 {
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (TripleIn(before, slot) == "110" && TripleIn(after, slot) == "100") {
+        if (TripleIn(before, slot) == AccessTriple::Bits110 &&
+            TripleIn(after, slot) == AccessTriple::Bits100) {
             out.Print(Format("Taken away: a value in %s can no longer be incremented or decremented.",
                              NameOfSlot(slot, sector).c_str()));
         }

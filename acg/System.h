@@ -2,6 +2,8 @@
 // UTF-8.
 #pragma once
 
+#include "platform/Library.h"
+
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -19,6 +21,14 @@ namespace acg::tool
 [[nodiscard]] bool IsTerminal(std::FILE* Stream);
 /// True for a terminal that understands the escape sequences of colour.
 [[nodiscard]] bool IsColourTerminal(std::FILE* Stream);
+
+struct LoadedLibrary {
+    std::string Path;        ///< full
+    std::string Description; ///< by the library itself; empty where it has none
+    std::string Version;     ///< the same
+};
+/// The library that a function is in.
+[[nodiscard]] LoadedLibrary LibraryOf(EntryPoint::Function Function);
 
 /// Prepares the terminal for UTF-8, and has the first Ctrl-C noted; a second one ends the program at once.
 void PrepareConsole();

@@ -1,7 +1,12 @@
 #include "acg/System.h"
 
+#include "platform/LibraryFile.h"
+
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
 #include <string_view>
 #include <unistd.h>
 
@@ -40,6 +45,22 @@ bool IsColourTerminal(std::FILE* Stream)
 {
     return IsTerminal(Stream) && !EnvironmentVariable("NO_COLOR") &&
            EnvironmentVariable("TERM").value_or("dumb") != "dumb";
+}
+
+LoadedLibrary LibraryOf(EntryPoint::Function Function)
+{
+    Dl_info info = {};
+    if (dladdr(reinterpret_cast<void*>(Function), &info) == 0) {
+        return {};
+    }
+    LoadedLibrary library{.Path = std::filesystem::absolute(info.dli_fname)};
+    // docs/reader-library.md: the version, a blank, and the description.
+    if (const EntryPoint entry = FindInFile(info.dli_fname, "LibraryVersion"); entry.Address != nullptr) {
+        const std::string text = reinterpret_cast<const char* (*)()>(entry.Address)();
+        library.Version = text.substr(0, text.find(' '));
+        library.Description = text.substr(std::min(library.Version.size() + 1, text.size()));
+    }
+    return library;
 }
 
 void PrepareConsole()

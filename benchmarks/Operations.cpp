@@ -72,11 +72,11 @@ void CallBare(const std::vector<Exchange>& exchanges)
         const std::string data = acg::ToAnsi(exchange.Data);
         char buffer[512 + 1] = {};
         benchmark::DoNotOptimize(buffer);
-        benchmark::DoNotOptimize(TakeReply(send(1, command.c_str(), data.c_str(), buffer)));
+        benchmark::DoNotOptimize(TakeReply(send(ReaderHandle{1}, command.c_str(), data.c_str(), buffer)));
         if (exchange.Command == L"select") { // the Encoder then queries the reader's type
             char typeBuffer[100 + 1] = {};
             benchmark::DoNotOptimize(typeBuffer);
-            benchmark::DoNotOptimize(TakeReply(type(1, typeBuffer)));
+            benchmark::DoNotOptimize(TakeReply(type(ReaderHandle{1}, typeBuffer)));
         }
     }
 }

@@ -29,13 +29,13 @@ HRESULT Pass(const Member::Parameter& parameter, VARIANTARG& given, LCID languag
     if (IsLeftOut(given) && !parameter.IsOptional) {
         return DISP_E_PARAMNOTOPTIONAL;
     }
+    if (parameter.Type == VT_VARIANT) { // the member follows the references, as when it is called by slot
+        PassReference(passed, VT_VARIANT, &given);
+        return S_OK;
+    }
     VARIANT* value = &given;
     if (const HRESULT followed = Follow(value); FAILED(followed)) {
         return followed;
-    }
-    if (parameter.Type == VT_VARIANT) {
-        PassReference(passed, VT_VARIANT, value);
-        return S_OK;
     }
     if (parameter.IsReference && V_ISBYREF(value)) { // a variable with a type, as a compiled host names it
         passed.Argument = *value;

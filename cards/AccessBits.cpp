@@ -4,7 +4,6 @@
 #include "encoder/Enums.h"
 #include "reader/HexText.h"
 
-#include <algorithm>
 #include <optional>
 
 namespace acg
@@ -13,58 +12,58 @@ namespace acg
 namespace
 {
 
+using enum AccessTriple;
+
 // In the comments: r reads, w writes, - neither.
 
 /// Bits 0 and 1 of the level, key A's rights, for a sector that works with key A alone.
 constexpr AccessTriple BlockOfKeyA[] = {
-    "111", // 0  -
-    "001", // 1  r
-    "000", // 2  w
-    "000", // 3  rw
+    Bits111, // 0  -
+    Bits001, // 1  r
+    Bits000, // 2  w
+    Bits000, // 3  rw
 };
 
-constexpr AccessTriple BlockOfBothKeys[HighestLevel + 1] = {
-    //            key A  key B
-    "111",        //  0   -      -
-    RefusedLevel, //  1   r      -
-    RefusedLevel, //  2   w      -
-    RefusedLevel, //  3   rw     -
-    "101",        //  4   -      r
-    "001",        //  5   r      r
-    RefusedLevel, //  6   w      r
-    RefusedLevel, //  7   rw     r
-    "011",        //  8   -      w
-    "100",        //  9   r      w
-    "000",        // 10   w      w
-    "000",        // 11   rw     w
-    "011",        // 12   -      rw
-    "100",        // 13   r      rw
-    "000",        // 14   w      rw
-    "000",        // 15   rw     rw
+constexpr std::optional<AccessTriple> BlockOfBothKeys[HighestLevel + 1] = {
+    //                    key A  key B
+    Bits111,      //  0   -      -
+    std::nullopt, //  1   r      -
+    std::nullopt, //  2   w      -
+    std::nullopt, //  3   rw     -
+    Bits101,      //  4   -      r
+    Bits001,      //  5   r      r
+    std::nullopt, //  6   w      r
+    std::nullopt, //  7   rw     r
+    Bits011,      //  8   -      w
+    Bits100,      //  9   r      w
+    Bits000,      // 10   w      w
+    Bits000,      // 11   rw     w
+    Bits011,      // 12   -      rw
+    Bits100,      // 13   r      rw
+    Bits000,      // 14   w      rw
+    Bits000,      // 15   rw     rw
 };
 
 /// In place of 100, where the block was written as a value block since the opening.
-constexpr AccessTriple OfValueBlock = "110";
+constexpr AccessTriple OfValueBlock = Bits110;
 
 /// Bits 0 and 1 of the level, what key A may write, for a sector that works with key A alone.
 constexpr AccessTriple TrailerOfKeyA[] = {
-    "010", // 0  nothing
-    "000", // 1  keys
-    "001", // 2  conditions
-    "001", // 3  keys and conditions
+    Bits010, // 0  nothing
+    Bits000, // 1  keys
+    Bits001, // 2  conditions
+    Bits001, // 3  keys and conditions
 };
 
 /// Bits 2 and 3 of the level, what key B may write. A level with rights of key A is refused.
 constexpr AccessTriple TrailerOfBoth[] = {
-    "111", //  0  nothing
-    "100", //  4  keys
-    "101", //  8  conditions
-    "011", // 12  keys and conditions
+    Bits111, //  0  nothing
+    Bits100, //  4  keys
+    Bits101, //  8  conditions
+    Bits011, // 12  keys and conditions
 };
 
-constexpr AccessTriple Triples[] = {"000", "001", "010", "011", "100", "101", "110", "111"};
-
-/// What the card grants, in the order of Triples.
+/// What the card grants, in the order of AccessTriple.
 constexpr BlockRights OnBlock[] = {
     // read       write       increment   decrement
     {Keys::AOrB, Keys::AOrB, Keys::AOrB, Keys::AOrB}, // 000
@@ -88,11 +87,6 @@ constexpr TrailerRights OnTrailer[] = {
     {Keys::None, Keys::None, Keys::AOrB, Keys::None}, // 110
     {Keys::None, Keys::None, Keys::AOrB, Keys::None}, // 111
 };
-
-size_t IndexOf(AccessTriple triple)
-{
-    return static_cast<size_t>(std::ranges::find(Triples, triple) - std::begin(Triples));
-}
 
 /// Rights as a level: 1 and 2 for key A, 4 and 8 for key B.
 int32_t Level(Keys lower, Keys upper)
@@ -127,32 +121,35 @@ uint8_t ByteOf(std::wstring_view block, size_t byte)
 
 } // namespace
 
-AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
+std::optional<AccessTriple> BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
 {
     if (KeysToUse == KeyAAlone) {
         return BlockOfKeyA[Level & RightsOfKeyA];
     }
     if (Level > HighestLevel) {
-        return RefusedLevel;
+        return std::nullopt;
     }
-    const AccessTriple triple = BlockOfBothKeys[Level];
-    return IsValueBlock && triple == "100" ? OfValueBlock : triple;
+    const std::optional<AccessTriple> triple = BlockOfBothKeys[Level];
+    return IsValueBlock && triple == Bits100 ? OfValueBlock : triple;
 }
 
-AccessTriple TrailerTriple(int32_t Level, uint8_t KeysToUse)
+std::optional<AccessTriple> TrailerTriple(int32_t Level, uint8_t KeysToUse)
 {
     if (KeysToUse == KeyAAlone) {
         return TrailerOfKeyA[Level & RightsOfKeyA];
     }
-    const bool isStorable = Level <= HighestLevel && (Level & RightsOfKeyA) == 0;
-    return isStorable ? TrailerOfBoth[Level / (RightsOfKeyA + 1)] : RefusedLevel;
+    if (Level > HighestLevel || (Level & RightsOfKeyA) != 0) {
+        return std::nullopt;
+    }
+    return TrailerOfBoth[Level / (RightsOfKeyA + 1)];
 }
 
 void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes)
 {
-    const bool c1 = Triple[0] == '1';
-    const bool c2 = Triple[1] == '1';
-    const bool c3 = Triple[2] == '1';
+    const auto bits = static_cast<unsigned>(Triple);
+    const bool c1 = (bits & 4U) != 0;
+    const bool c2 = (bits & 2U) != 0;
+    const bool c3 = (bits & 1U) != 0;
     const auto store = [Mask](uint8_t& byte, bool highBit, bool lowBit) {
         const uint8_t high = HighNibble(Mask);
         byte = static_cast<uint8_t>((byte & ~(high | Mask)) | (highBit ? high : 0) | (lowBit ? Mask : 0));
@@ -180,7 +177,7 @@ AccessTriple TripleIn(const ConditionBytes& Bytes, unsigned Slot)
     const unsigned c1 = bit(Bytes[1], NibbleBits);
     const unsigned c2 = bit(Bytes[2], 0);
     const unsigned c3 = bit(Bytes[2], NibbleBits);
-    return Triples[c1 << 2 | c2 << 1 | c3];
+    return static_cast<AccessTriple>(c1 << 2 | c2 << 1 | c3);
 }
 
 bool InvertedCopiesAgree(const ConditionBytes& Bytes)
@@ -194,12 +191,12 @@ bool InvertedCopiesAgree(const ConditionBytes& Bytes)
 
 const BlockRights& BlockRightsOf(AccessTriple Triple)
 {
-    return OnBlock[IndexOf(Triple)];
+    return OnBlock[static_cast<size_t>(Triple)];
 }
 
 const TrailerRights& TrailerRightsOf(AccessTriple Triple)
 {
-    return OnTrailer[IndexOf(Triple)];
+    return OnTrailer[static_cast<size_t>(Triple)];
 }
 
 int32_t LevelOf(const BlockRights& Rights)

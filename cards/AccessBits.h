@@ -19,16 +19,23 @@
 #include "cards/ConditionBytes.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace acg
 {
 
-/// The access bits of one slot: three characters "0" or "1", in the order C1, C2, C3.
-using AccessTriple = std::string_view;
-
-/// In place of a triple: the level can't be stored.
-inline constexpr AccessTriple RefusedLevel;
+/// The access bits of one slot, in the order C1, C2, C3.
+enum class AccessTriple : uint8_t {
+    Bits000,
+    Bits001,
+    Bits010,
+    Bits011,
+    Bits100,
+    Bits101,
+    Bits110,
+    Bits111
+};
 
 inline constexpr int32_t HighestLevel = 15;
 
@@ -42,11 +49,11 @@ inline constexpr unsigned SectorSlots = DataSlots + 1;
     return static_cast<uint8_t>(1U << Slot);
 }
 
-/// The triple of a data block's level, which is at least 0.
-[[nodiscard]] AccessTriple BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock);
+/// The triple of a data block's level, which is at least 0; nothing for a level that can't be stored.
+[[nodiscard]] std::optional<AccessTriple> BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock);
 
-/// The triple of the trailer's level, which is at least 0.
-[[nodiscard]] AccessTriple TrailerTriple(int32_t Level, uint8_t KeysToUse);
+/// The triple of the trailer's level, which is at least 0; nothing for a level that can't be stored.
+[[nodiscard]] std::optional<AccessTriple> TrailerTriple(int32_t Level, uint8_t KeysToUse);
 
 /// Stores the triple in the slot with that mask (1, 2, 4 or 8), inverted copies included.
 void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes);

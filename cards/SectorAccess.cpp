@@ -30,13 +30,13 @@ std::optional<ConditionBytes> Encode(const SectorLevels& Asked)
     ConditionBytes bytes{};
     for (unsigned slot = 0; slot < SectorSlots; ++slot) {
         const int32_t level = Asked.Levels[slot];
-        const AccessTriple triple = slot == TrailerSlot
-                                        ? TrailerTriple(level, Asked.KeysToUse)
-                                        : BlockTriple(level, Asked.KeysToUse, Asked.IsValueBlock[slot]);
-        if (triple == RefusedLevel) {
+        const std::optional<AccessTriple> triple =
+            slot == TrailerSlot ? TrailerTriple(level, Asked.KeysToUse)
+                                : BlockTriple(level, Asked.KeysToUse, Asked.IsValueBlock[slot]);
+        if (!triple) {
             return std::nullopt;
         }
-        StoreAccessBits(triple, MaskOf(slot), bytes);
+        StoreAccessBits(*triple, MaskOf(slot), bytes);
     }
     return bytes;
 }

@@ -20,12 +20,12 @@ namespace
 
 constexpr size_t KeyDigits = 12;
 
-sceReturnCode Store(AccessTriple triple, uint8_t mask, ConditionBytes& bytes)
+sceReturnCode Store(std::optional<AccessTriple> triple, uint8_t mask, ConditionBytes& bytes)
 {
-    if (triple == RefusedLevel) {
+    if (!triple) {
         return sceError;
     }
-    StoreAccessBits(triple, mask, bytes);
+    StoreAccessBits(*triple, mask, bytes);
     return sceSuccess;
 }
 

@@ -66,9 +66,13 @@ void TakePosition(const Control& list, uint8_t& field)
     }
 }
 
-/// The whole number in the text; the field is unchanged where there is none, or it is too large.
+/// The whole number in the text, blanks and tabs around it ignored; the field is unchanged where there is
+/// none, or it is too large.
 void TakeNumber(std::wstring_view text, int32_t& field)
 {
+    constexpr std::wstring_view Blanks = L" \t";
+    text.remove_prefix(std::min(text.find_first_not_of(Blanks), text.size()));
+    text = text.substr(0, text.find_last_not_of(Blanks) + 1);
     const std::wstring_view digits = text.substr(text.starts_with(L'-') ? 1 : 0);
     if (!digits.empty() && digits.find_first_not_of(L"0123456789") == std::wstring_view::npos) {
         field = ReadField<int32_t>(text).value_or(field);

@@ -100,8 +100,8 @@ private:
 class frmTest::Link
 {
 public:
-    ReaderHandle Comm = 0;
-    ReaderHandle Reader = 0;
+    CommHandle Comm = CommHandle::None;
+    ReaderHandle Reader = ReaderHandle::None;
 
     explicit Link(const ReaderDLL& Used) : m_reader(Used) {}
     ~Link()
@@ -115,14 +115,14 @@ public:
     // That a closing call fails is no failure of the test.
     void CloseReader()
     {
-        if (Reader != 0) {
-            static_cast<void>(m_reader.CloseReader(std::exchange(Reader, 0)));
+        if (Reader != ReaderHandle::None) {
+            static_cast<void>(m_reader.CloseReader(std::exchange(Reader, ReaderHandle::None)));
         }
     }
     void CloseComm()
     {
-        if (Comm != 0) {
-            static_cast<void>(m_reader.CloseComm(std::exchange(Comm, 0)));
+        if (Comm != CommHandle::None) {
+            static_cast<void>(m_reader.CloseComm(std::exchange(Comm, CommHandle::None)));
         }
     }
 
@@ -190,13 +190,13 @@ void frmTest::tmrTest_Timer()
 /// Returns a call failure. A link or a reader that is refused ends in the log.
 Failure frmTest::RunTest(Link& Opened)
 {
-    ReaderHandle& comm = Opened.Comm;
+    CommHandle& comm = Opened.Comm;
     LogLine(Fill(In(m_french, Texts.m_sOpening), {Device, ModeText()}));
     CommSettings settings{.BaudRate = BaudRate, .Protocol = Protocol};
     if (const Failure failure = m_screen->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
         return failure;
     }
-    if (comm == 0) {
+    if (comm == CommHandle::None) {
         LogLine(In(m_french, Texts.m_sOpenFailed));
         LogLine(In(m_french, Texts.m_sFailed));
         return {};
@@ -245,7 +245,7 @@ Failure frmTest::TestReader(Link& Opened)
     if (const Failure failure = m_screen->Reader.OpenReader(Opened.Comm, readerId, Opened.Reader)) {
         return failure;
     }
-    if (Opened.Reader == 0) {
+    if (Opened.Reader == ReaderHandle::None) {
         return giveUp(In(m_french, Texts.m_sNoAccess));
     }
     std::wstring deviceId;

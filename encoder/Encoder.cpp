@@ -32,7 +32,7 @@ sceEncoderState Encoder::EncoderState()
 {
     ResetLastError();
     sceEncoderState state = sceClosed;
-    if (m_hReader != 0) {
+    if (m_hReader != ReaderHandle::None) {
         const Failure failure = SelectCardInRange();
         if (!failure || failure.Letter == StatusAuthenticationFailed) {
             state = sceReady;
@@ -55,7 +55,7 @@ std::wstring Encoder::ReaderType()
 
 Failure Encoder::ReadReaderType(std::wstring& Type)
 {
-    if (m_hReader == 0) {
+    if (m_hReader == ReaderHandle::None) {
         SetLastError(EncoderIsClosed, L"ReaderType");
         return EncoderIsClosed;
     }

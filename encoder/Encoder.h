@@ -221,8 +221,8 @@ private:
     /// its first call and after closing.
     std::optional<std::vector<int32_t>> m_colValueBlocks;
     int32_t m_lHandleNumber = 0;
-    CommHandle m_hComm = 0;
-    ReaderHandle m_hReader = 0;
+    CommHandle m_hComm = CommHandle::None;
+    ReaderHandle m_hReader = ReaderHandle::None;
     std::wstring m_sReaderType; ///< in lower case, as of the last successful card selection
     std::shared_ptr<CError> m_oLastError = std::make_shared<CError>();
 };

@@ -43,8 +43,12 @@ public:
             return std::nullopt;
         }
         Step();
+        m_hasDigits = true;
         return digit;
     }
+
+    /// True where digits were read, and nothing is left.
+    [[nodiscard]] bool IsComplete() const { return m_hasDigits && m_rest.empty(); }
 
 private:
     void Step()
@@ -56,6 +60,7 @@ private:
     void SkipBlanks() { m_rest.remove_prefix(std::min(m_rest.find_first_not_of(L" \t\n"), m_rest.size())); }
 
     std::wstring_view m_rest;
+    bool m_hasDigits = false;
 };
 
 int64_t Grow(int64_t number, int base, int digit)
@@ -135,11 +140,8 @@ int64_t Round(const Written& number)
     return firstBehind > Half || (firstBehind == Half && (moreBehind || isOdd)) ? whole + 1 : whole;
 }
 
-} // namespace
-
-int64_t ReadWholeNumber(std::wstring_view Text)
+int64_t ReadWhole(Reading& reading)
 {
-    Reading reading(Text);
     if (reading.Take(L"&")) {
         if (reading.Take(L"Hh")) {
             return ReadDigits(reading, /*base=*/16);
@@ -149,6 +151,15 @@ int64_t ReadWholeNumber(std::wstring_view Text)
     const bool negative = TakeSign(reading);
     const int64_t number = Round(ReadWritten(reading));
     return negative ? -number : number;
+}
+
+} // namespace
+
+NumberRead ReadNumber(std::wstring_view Text)
+{
+    Reading reading(Text);
+    const int64_t number = ReadWhole(reading);
+    return {number, reading.IsComplete()};
 }
 
 std::wstring DecimalText(int32_t Number)

@@ -42,7 +42,7 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
 
     CommSettings settings{.BaudRate = m_lBaudRate, .Protocol = AsciiProtocol};
     Failure failure = m_oReaderDLL.OpenComm(m_sDevice, m_bAutodetect, settings, m_hComm);
-    if (!failure && m_hComm == 0) {
+    if (!failure && m_hComm == CommHandle::None) {
         failure = CannotOpenLink;
     }
     if (failure) {
@@ -85,7 +85,8 @@ sceReturnCode Encoder::OpenFirstReader()
     if (const Failure failure = m_oReaderDLL.OpenReader(m_hComm, first, m_hReader)) {
         return Fail(failure, OperationName, L"OpenReader");
     }
-    return m_hReader != 0 ? sceSuccess : Fail(CannotOpenReader, OperationName, L"OpenReader");
+    return m_hReader != ReaderHandle::None ? sceSuccess
+                                           : Fail(CannotOpenReader, OperationName, L"OpenReader");
 }
 
 sceReturnCode Encoder::CloseEncoder()
@@ -95,14 +96,15 @@ sceReturnCode Encoder::CloseEncoder()
         return Fail(failure, L"CloseEncoder", function);
     };
     ResetLastError();
-    if (const Failure failure = m_hReader != 0 ? m_oReaderDLL.CloseReader(m_hReader) : Failure()) {
+    if (const Failure failure =
+            m_hReader != ReaderHandle::None ? m_oReaderDLL.CloseReader(m_hReader) : Failure()) {
         return fail(failure, L"CloseReader");
     }
-    m_hReader = 0;
-    if (const Failure failure = m_hComm != 0 ? m_oReaderDLL.CloseComm(m_hComm) : Failure()) {
+    m_hReader = ReaderHandle::None;
+    if (const Failure failure = m_hComm != CommHandle::None ? m_oReaderDLL.CloseComm(m_hComm) : Failure()) {
         return fail(failure, L"CloseComm");
     }
-    m_hComm = 0;
+    m_hComm = CommHandle::None;
     m_colValueBlocks.reset();
     ResetLastError(L"CloseEncoder");
     return sceSuccess;
@@ -124,9 +126,9 @@ void Encoder::ReleaseDevice() noexcept
         }
     };
     ignore([this] { return m_oReaderDLL.CloseReader(m_hReader); });
-    m_hReader = 0;
+    m_hReader = ReaderHandle::None;
     ignore([this] { return m_oReaderDLL.CloseComm(m_hComm); });
-    m_hComm = 0;
+    m_hComm = CommHandle::None;
     m_colValueBlocks.reset();
 }
 

@@ -1,4 +1,6 @@
 // The parameter text: the whole of the component's configuration.
+#include "encoder/Parameters.h"
+
 #include "encoder/Encoder.h"
 #include "encoder/NumberReading.h"
 #include "platform/TextCase.h"
@@ -23,20 +25,36 @@ void Store(std::wstring_view value, Field& field)
 
 } // namespace
 
+ParameterEntries::ParameterEntries(std::wstring_view Text)
+    : m_separator(Text.find(LineEnd) != std::wstring_view::npos ? LineEnd : L";"), m_rest(Text)
+{
+}
+
+bool ParameterEntries::Next()
+{
+    if (m_rest.empty()) {
+        return false;
+    }
+    const std::wstring_view entry = m_rest.substr(0, m_rest.find(m_separator));
+    m_rest.remove_prefix(std::min(entry.size() + m_separator.size(), m_rest.size()));
+
+    const size_t sign = entry.find(L'=');
+    Key = ToLower(TrimBlanks(entry.substr(0, sign)));
+    Value.reset();
+    if (sign != std::wstring_view::npos) {
+        Value = entry.substr(sign + 1);
+    }
+    return true;
+}
+
 // By value: a host may pass a text of the record, which is reset before the text is read.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 void Encoder::Parameters(std::wstring Text)
 {
     ResetLastError();
-    const std::wstring_view separator = Text.find(LineEnd) != std::wstring::npos ? LineEnd : L";";
-    std::wstring_view rest = Text;
-    while (!rest.empty()) {
-        const std::wstring_view entry = rest.substr(0, rest.find(separator));
-        rest.remove_prefix(std::min(entry.size() + separator.size(), rest.size()));
-
-        const std::wstring_view beforeSign = entry.substr(0, entry.find(L'='));
-        const std::wstring_view value = entry.substr(std::min(beforeSign.size() + 1, entry.size()));
-        const std::wstring key = ToLower(TrimBlanks(beforeSign));
+    for (ParameterEntries entry(Text); entry.Next();) {
+        const std::wstring& key = entry.Key;
+        const std::wstring_view value = entry.Value.value_or(L"");
         if (key == L"device") {
             m_sDevice = value;
         } else if (key == L"autodetect") {

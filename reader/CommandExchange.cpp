@@ -32,7 +32,7 @@ wchar_t StatusLetter(std::string_view reply)
 /// Sends a command with its data text. A status letter in place of data is failure -5.
 Failure Encoder::Exchange(const char* Command, const CommandData& Data, ByteString& Reply)
 {
-    if (m_hReader == 0) {
+    if (m_hReader == ReaderHandle::None) {
         return EncoderIsClosed;
     }
     if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, Command, Data.Text(), Reply)) {

@@ -49,9 +49,14 @@ struct CommSettings {
 };
 static_assert(sizeof(CommSettings) == 8);
 
-// 0 is none.
-using CommHandle = uint32_t;   ///< of a communication link
-using ReaderHandle = uint32_t; ///< of an opened reader
+/// Of a communication link, as the library returns it.
+enum class CommHandle : uint32_t {
+    None = 0
+};
+/// Of an opened reader.
+enum class ReaderHandle : uint32_t {
+    None = 0
+};
 
 /// Finds a function of the library; called at each use of one.
 using EntryPointLookUp = std::function<EntryPoint(ReaderFunction)>;
@@ -72,7 +77,7 @@ public:
     ReaderDLL();
     explicit ReaderDLL(EntryPointLookUp LookUp);
 
-    /// Comm: 0 where the link couldn't be opened. Autodetect: 0 disabled, 1 normal, 2 fast.
+    /// Comm: None where the link couldn't be opened. Autodetect: 0 disabled, 1 normal, 2 fast.
     Failure OpenComm(std::wstring_view Device, uint8_t Autodetect, CommSettings& Settings,
                      CommHandle& Comm) const;
     /// Timeout in milliseconds.
@@ -84,7 +89,7 @@ public:
     Failure GetCommTimeout(CommHandle Comm, int32_t& Timeout) const;
     /// Readers: one byte for each reader found, its id, as the library returned it.
     Failure DetectReader(CommHandle Comm, std::string& Readers) const;
-    /// Reader: 0 where the reader couldn't be opened.
+    /// Reader: None where the reader couldn't be opened.
     Failure OpenReader(CommHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const;
     /// Type: up to its first NUL.
     Failure GetReaderType(ReaderHandle Reader, std::wstring& Type) const;

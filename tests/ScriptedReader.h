@@ -46,8 +46,8 @@ public:
     }
 
     // What the functions of the link answer.
-    ReaderHandle Comm = 0x11;
-    ReaderHandle Reader = 0x22;
+    Handle Comm = 0x11;
+    Handle Reader = 0x22;
     std::string Readers = "A";
     std::string Type = "MultiISO 2.5";
     std::string DeviceID = "ID 7";
@@ -132,8 +132,8 @@ private:
 
 /// Looks inside an Encoder.
 struct EncoderInside {
-    static ReaderHandle Comm(const Encoder& encoder) { return encoder.m_hComm; }
-    static ReaderHandle Reader(const Encoder& encoder) { return encoder.m_hReader; }
+    static bool HasComm(const Encoder& encoder) { return encoder.m_hComm != CommHandle::None; }
+    static bool HasReader(const Encoder& encoder) { return encoder.m_hReader != ReaderHandle::None; }
     static const auto& ValueBlocks(const Encoder& encoder) { return encoder.m_colValueBlocks; }
 };
 

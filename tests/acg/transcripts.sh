@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # transcripts.sh PROGRAM FILE...: each command line "$ ... acg ..." of a file prints what stands below it, both streams
 # together, and ends with status 0 or the one that the last line says. In a page, only the blocks that begin with
-# such a line count. They run in a new folder, where "tests" is this one's parent.
+# such a line count. They run in a new folder, where "tests" is this one's parent;
+# the program's own is shown as /opt/acg.
 set -euo pipefail
-PATH=$(dirname "$(realpath "$1")"):$PATH
+home=$(dirname "$(realpath "$1")")
+PATH=$home:$PATH
 shift
 cd "$(dirname "$0")/../.."
 unset ACG_PARAMETERS ACG_KEY ACG_NEW_A ACG_NEW_B
@@ -18,5 +20,5 @@ for file; do
         status=0
         eval "${line#$ }" </dev/null 2>&1 || status=$?
         [ "$status" -eq 0 ] || echo "(exit status $status)"
-    done)
+    done | sed "s|$home|/opt/acg|g")
 done

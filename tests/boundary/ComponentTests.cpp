@@ -25,6 +25,10 @@ void ExpectOperations(Way way, const wchar_t* serial, BYTE card)
     constexpr LONG all = scbs_A_ReadWrite + scbs_B_ReadWrite;
     constexpr LONG trailer = scss_B_WriteKeysConditions;
     const wchar_t* const block = L"000102030405060708090A0B0C0DAABB";
+    _variant_t byte(16L);
+    VARIANTARG once = ReferenceTo(VT_VARIANT, &byte);
+    VARIANTARG twice = ReferenceTo(VT_VARIANT, &once);
+    const _variant_t thrice(ReferenceTo(VT_VARIANT, &twice));
     const struct {
         const wchar_t* Name;
         std::vector<_variant_t> Given;
@@ -50,6 +54,7 @@ void ExpectOperations(Way way, const wchar_t* serial, BYTE card)
          {2L, a, keyA, 0L, 0L, 0L, 0L, 0L, 0L},
          {BYTE(16), trailer, all, all, read, BYTE(both)}},
         {L"WriteSectorTrailer", {2L, b, keyB, a, b, both, read, all, all, trailer, 256L}, {256L}, -15},
+        {L"WriteSectorTrailer", {2L, b, keyB, a, b, both, read, all, all, trailer, thrice}, {}, -15},
         {L"WriteSectorTrailer", {2L, b, keyB, a, b, both, read, all, all, trailer}, {}},
         {L"ReadSectorTrailer", {2L, a, keyA, 0L, 0L, 0L, 0L, 0L, 0L}, {BYTE(16)}},
         {L"CloseEncoder", {}, {}},

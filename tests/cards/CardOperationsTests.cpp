@@ -157,7 +157,7 @@ TEST_F(CardOperationsTest, BadArgumentsOfATrailerAreRefusedInOrder)
     expectRefused(-13, badSecurity, {.KeysToUse = BothKeys, .Levels = {-1, -1, -1, 2}});
     expectRefused(-13, badSecurity, {.KeysToUse = 255, .Levels = {-1, 7, -1, -1}});
     EXPECT_EQ(reader.Calls.size(), 24U);
-    EXPECT_EQ(BlockTriple(HighestLevel + 1, BothKeys, /*IsValueBlock=*/false), RefusedLevel);
+    EXPECT_EQ(BlockTriple(HighestLevel + 1, BothKeys, /*IsValueBlock=*/false), std::nullopt);
 }
 
 TEST_F(CardOperationsTest, TrailerIsWrittenWholeWithWhatTheReaderAnswered)

@@ -99,7 +99,7 @@ TEST_F(DialogTest, ShowsTextsInBothLanguagesAndOnlyOKStoresWhatCanBeRead)
          L" (normal autodetection){2}, normal autodetection.../.* %2%2 1 9600 1/.* 17 2200/.*%2,1,9600,2200"},
         {L"francais", L"Device=CoM4;Autodetect=2;Baud rate=115200", L"txtTimeout=;cmdTest=;cmdOK=;",
          L" COM4, auto-détection rapide.../.* COM4 2 115200 1/.*/0,COM4,2,115200,2200"},
-        {L"", L"", L"cboDevice= port ;cboAutoDetect=0;cboBaudrate=3;txtTimeout=0500;cmdTest=;cmdOK=;",
+        {L"", L"", L"cboDevice= port ;cboAutoDetect=0;cboBaudrate=3;txtTimeout=\t 0500 ;cmdTest=;cmdOK=;",
          L"  port , no autodetect.* 57600, binary .*  port  0 57600 1/.* 17 500/.*/0, port ,0,57600,500"},
         {L"", L"Device=;Autodetect=2", L"txtTimeout=-12;cmdTest=;",
          L" , fast autodetection.../.*  2 57600 1/.* 17 -12/.*/0,,2,57600,500"},

@@ -148,7 +148,7 @@ TEST(NumberReadingTest, ReadsWhatCanStandInANumberAndRoundsToTheNearestOrEven)
         zeros + L"1=3|0." + zeros + L"1e401=1|1" + zeros + L"e-400=1");
     for (std::wstring row; std::getline(rows, row, L'|');) {
         const size_t sign = row.find(L'=');
-        EXPECT_EQ(ReadWholeNumber(row.substr(0, sign)), std::stoll(row.substr(sign + 1)))
+        EXPECT_EQ(ReadNumber(row.substr(0, sign)).Number, std::stoll(row.substr(sign + 1)))
             << testing::PrintToString(row);
     }
     for (const wchar_t* tooLarge : {L"2147483648", L"&H80000000", L"1e999", L"-1e99999999999999999999"}) {

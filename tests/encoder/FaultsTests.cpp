@@ -161,8 +161,8 @@ TEST_F(EveryFaultTest, LeavesAResultARecordAndAnObjectThatWorks)
                 }
                 const bool isOpen =
                     name == L"OpenEncoder" ? result == sceSuccess : name != L"CloseEncoder" && !wasClosed;
-                EXPECT_EQ(EncoderInside::Comm(encoder) != 0, isOpen);
-                EXPECT_EQ(EncoderInside::Reader(encoder) != 0, isOpen);
+                EXPECT_EQ(EncoderInside::HasComm(encoder), isOpen);
+                EXPECT_EQ(EncoderInside::HasReader(encoder), isOpen);
                 ExpectCleanLife();
                 EXPECT_EQ(keysFreed, 0);
                 ASSERT_FALSE(HasFailure());
