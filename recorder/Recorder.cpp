@@ -113,12 +113,16 @@ Result Recorder::Pass(std::string call, Result closed, const Call& next, const D
     try {
         using std::chrono::duration_cast;
         using std::chrono::microseconds;
-        const std::string line =
-            LogLine({std::move(call), describe(result)}, duration_cast<microseconds>(start - m_start),
-                    duration_cast<microseconds>(end - start));
+        LoggedCall ended{std::move(call), describe(result), duration_cast<microseconds>(start - m_start),
+                         duration_cast<microseconds>(end - start)};
         const std::lock_guard lock(m_mutex);
-        Write(line);
+        m_log.Add(std::move(ended));
+        if (m_isEnding) {
+            m_log.Flush();
+        }
     } catch (...) { // out of memory: the call has been made, and its result counts
+        const std::lock_guard lock(m_mutex);
+        m_log.Miss();
     }
     return result;
 }
@@ -128,11 +132,7 @@ void Recorder::Begin(bool IsOpening)
     if (!m_begun) {
         m_begun = true;
         m_start = Clock::now();
-        const fs::path file = LogFile();
-        m_log.open(file, std::ios::app | std::ios::binary);
-        if (!m_log) {
-            exports::Report("the log can't be written: " + Utf8(file));
-        }
+        m_log.Open(LogFile());
         Load();
     } else if (!m_next && IsOpening) {
         Load();
@@ -144,7 +144,7 @@ void Recorder::Load()
     fs::path file;
     try {
         file = NextLibraryFile();
-        Write(NoteLine(DateText() + ", next library: " + Utf8(file)));
+        m_log.Note(DateText() + ", next library: " + Utf8(file));
         auto next = std::make_shared<NextLibrary>();
         Bind(file, "OpenComm", next->OpenComm, &::OpenComm);
         Bind(file, "SetCommTimeout", next->SetCommTimeout, &::SetCommTimeout);
@@ -162,17 +162,23 @@ void Recorder::Load()
         m_next = std::move(next);
     } catch (const std::runtime_error& reason) {
         const std::string note = "the next library can't be used: " + Utf8(file) + ": " + reason.what();
-        Write(NoteLine(note));
+        m_log.Note(note);
         exports::Report(note);
     }
 }
 
-/// A line that can't be written is left out, and the next one tried again.
-void Recorder::Write(const std::string& Line) noexcept
+void Recorder::End() noexcept
 {
-    m_log.clear();
-    m_log.write(Line.data(), static_cast<std::streamsize>(Line.size()));
-    m_log.flush();
+    m_isEnding = true;
+    // Other threads, which at the end of a process Windows has stopped wherever they were, may have the lock.
+    if (!m_mutex.try_lock()) {
+        return;
+    }
+    const std::lock_guard lock(m_mutex, std::adopt_lock);
+    try {
+        m_log.Flush();
+    } catch (...) { // out of memory
+    }
 }
 
 Recorder::Handle Recorder::OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings)
@@ -268,5 +274,8 @@ int32_t Recorder::CloseComm(Handle Comm)
 exports::ReaderLibrary& exports::TheLibrary()
 {
     static auto& library = *new recorder::Recorder;
+    static const struct AtExit {
+        ~AtExit() { library.End(); }
+    } atExit;
     return library;
 }

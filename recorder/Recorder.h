@@ -3,11 +3,10 @@
 
 #include "exports/Functions.h"
 #include "exports/Mutex.h"
-#include "recorder/SessionLog.h"
+#include "recorder/LogWriter.h"
 
+#include <atomic>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 
 namespace recorder
@@ -53,6 +52,9 @@ public:
     int32_t CloseReader(Handle Reader) override;
     int32_t CloseComm(Handle Comm) override;
 
+    /// The process ends: from now on nothing is held back from the log.
+    void End() noexcept;
+
 private:
     using Clock = std::chrono::steady_clock;
 
@@ -69,10 +71,10 @@ private:
 
     void Begin(bool IsOpening);
     void Load();
-    void Write(const std::string& Line) noexcept;
 
     exports::Mutex m_mutex;
-    std::ofstream m_log;
+    LogWriter m_log;
+    std::atomic<bool> m_isEnding = false;
     Clock::time_point m_start;
     bool m_begun = false;
     std::shared_ptr<const NextLibrary> m_next; ///< null where it can't be used

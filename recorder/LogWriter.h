@@ -1,0 +1,52 @@
+// Writes a session to its log: rounds of calls that repeat once, with their count, and lines whole or not at
+// all.
+#pragma once
+
+#include "recorder/SessionLog.h"
+#include "recorder/System.h"
+
+#include <chrono>
+#include <deque>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace recorder
+{
+
+/// A call is held back as long as it may belong to a repetition of the calls before it, and no longer than
+/// the next call. Calls that can't be written are counted, and a line in the log says so as soon as one can
+/// be written again. Used by one thread at a time.
+class LogWriter
+{
+public:
+    /// Appends to the file, and creates it for its owner alone if there is none. If that fails, nothing is
+    /// written and the standard error says why.
+    void Open(const std::filesystem::path& File);
+    void Note(std::string_view Text);
+    void Add(LoggedCall Ended);
+    /// Writes what is held back.
+    void Flush();
+    /// Counts a call that couldn't be added for want of memory.
+    void Miss() noexcept;
+
+private:
+    [[nodiscard]] bool MayRepeat();
+    void WriteFirstHeld();
+    void WriteCount();
+    bool Write(const std::string& line, int64_t calls);
+
+    AppendedFile m_file;
+    std::string m_name;
+    int64_t m_missing = 0; ///< calls since the last line that could be written
+    uint32_t m_error = 0;  ///< the system's code, if the last line couldn't be written
+
+    std::deque<LoggedCall> m_written;     ///< the last lines, as far as they may be a round
+    std::deque<LoggedCall> m_held;        ///< begins what may be a repetition
+    size_t m_round = 0;                   ///< how many of the last lines repeat; 0 for none
+    int64_t m_times = 0;                  ///< repetitions that aren't in the log yet
+    std::chrono::microseconds m_from{0};  ///< the start of the first of these
+    std::chrono::microseconds m_until{0}; ///< the end of the last
+};
+
+} // namespace recorder
