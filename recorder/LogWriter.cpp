@@ -43,26 +43,29 @@ void LogWriter::Open(const std::filesystem::path& File)
 void LogWriter::Note(std::string_view Text)
 {
     Flush();
-    m_written.clear();
-    m_round = 0;
+    EndRound();
     Write(NoteLine(Text), /*calls=*/0);
 }
 
 void LogWriter::Add(LoggedCall Ended)
 {
-    if (m_held.empty() && Ended.Start - m_from >= LongestCount) {
+    if (m_times == 0 && !m_held.empty() && Ended.Start - m_held.front().Start >= LongestCount) {
+        Count();
+    }
+    if (m_times != 0 && Ended.Start - m_from >= LongestCount) {
         WriteCount();
     }
     const bool isLast = Ended.Call.starts_with("CloseComm ");
     m_held.push_back(std::move(Ended));
     while (!m_held.empty() && !MayRepeat()) {
-        if (m_round != 0) {
-            WriteCount();
-            m_round = 0;
-            m_written.clear();
+        if (m_isCounted) {
+            EndRound();
         } else {
             WriteFirstHeld();
         }
+    }
+    if (m_isCounted || m_held.size() > LongestRound) {
+        Count();
     }
     if (isLast) {
         Flush();
@@ -71,10 +74,11 @@ void LogWriter::Add(LoggedCall Ended)
 
 void LogWriter::Flush()
 {
-    WriteCount();
-    if (!m_held.empty()) {
-        m_round = 0;
-        m_written.clear();
+    if (m_isCounted) {
+        WriteCount();
+        if (!m_held.empty()) {
+            EndRound();
+        }
     }
     while (!m_held.empty()) {
         WriteFirstHeld();
@@ -86,35 +90,57 @@ void LogWriter::Flush()
 
 void LogWriter::Miss() noexcept
 {
-    m_missing += 1 + static_cast<int64_t>(m_held.size() + m_round * static_cast<size_t>(m_times));
+    m_missing += 1 + static_cast<int64_t>(m_held.size()) + m_times * static_cast<int64_t>(m_round);
     m_held.clear();
-    m_written.clear();
-    m_round = 0;
     m_times = 0;
+    m_isCounted = false;
+    m_written.clear();
 }
 
-/// True if the held calls begin a repetition of the last lines; they are counted if they end it.
+/// True if the held calls go on as the last lines do, which are then m_round.
 bool LogWriter::MayRepeat()
 {
     if (!IsComparable(m_held.back())) {
         return false;
     }
-    const size_t longest = m_round != 0 ? m_round : m_written.size();
-    for (size_t calls = std::max(m_round, m_held.size()); calls <= longest; ++calls) {
-        if (!std::equal(m_held.begin(), m_held.end(), m_written.end() - static_cast<ptrdiff_t>(calls),
-                        IsSame)) {
-            continue;
-        }
-        if (calls == m_held.size()) {
-            m_from = m_times == 0 ? m_held.front().Start : m_from;
-            m_until = std::max(m_from, m_held.back().Start + m_held.back().Duration);
-            m_round = calls;
-            ++m_times;
-            m_held.clear();
+    const auto isRound = [this](size_t calls) {
+        const auto line = m_written.end() - static_cast<ptrdiff_t>(calls);
+        for (size_t at = 0; at < m_held.size(); ++at) {
+            if (!IsSame(m_held[at], line[static_cast<ptrdiff_t>(at % calls)])) {
+                return false;
+            }
         }
         return true;
+    };
+    if (m_isCounted) {
+        return isRound(m_round);
+    }
+    for (m_round = 1; m_round <= m_written.size(); ++m_round) {
+        if (isRound(m_round)) {
+            return true;
+        }
     }
     return false;
+}
+
+/// Counts the held calls, but for those after the last whole round.
+void LogWriter::Count()
+{
+    for (; m_held.size() >= m_round; ++m_times) {
+        const auto end = m_held.begin() + static_cast<ptrdiff_t>(m_round);
+        const LoggedCall& last = *std::prev(end);
+        m_from = m_times == 0 ? m_held.front().Start : m_from;
+        m_until = std::max(m_from, last.Start + last.Duration);
+        m_held.erase(m_held.begin(), end);
+        m_isCounted = true;
+    }
+}
+
+void LogWriter::EndRound()
+{
+    WriteCount();
+    m_isCounted = false;
+    m_written.clear();
 }
 
 void LogWriter::WriteFirstHeld()
@@ -156,8 +182,8 @@ bool LogWriter::Write(const std::string& line, int64_t calls)
     }
     m_error = error;
     m_missing += calls;
+    m_isCounted = false;
     m_written.clear();
-    m_round = 0;
     return false;
 }
 

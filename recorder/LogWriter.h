@@ -14,9 +14,10 @@
 namespace recorder
 {
 
-/// A call is held back as long as it may belong to a repetition of the calls before it, and no longer than
-/// the next call. Calls that can't be written are counted, and a line in the log says so as soon as one can
-/// be written again. Used by one thread at a time.
+/// Calls that go on as the last lines did are held back. When more than LongestRound of them are, or when
+/// they have gone on for a second, a line that counts their rounds takes their place, and then one each
+/// second. Calls that can't be written are counted, and a line in the log says so as soon as one can be
+/// written again. Used by one thread at a time.
 class LogWriter
 {
 public:
@@ -32,6 +33,8 @@ public:
 
 private:
     [[nodiscard]] bool MayRepeat();
+    void Count();
+    void EndRound();
     void WriteFirstHeld();
     void WriteCount();
     bool Write(const std::string& line, int64_t calls);
@@ -42,9 +45,10 @@ private:
     uint32_t m_error = 0;  ///< the system's code, if the last line couldn't be written
 
     std::deque<LoggedCall> m_written;     ///< the last lines, as far as they may be a round
-    std::deque<LoggedCall> m_held;        ///< begins what may be a repetition
-    size_t m_round = 0;                   ///< how many of the last lines repeat; 0 for none
-    int64_t m_times = 0;                  ///< repetitions that aren't in the log yet
+    std::deque<LoggedCall> m_held;        ///< not in the log yet
+    size_t m_round = 0;                   ///< how many of the last lines the held ones repeat
+    bool m_isCounted = false;             ///< whole rounds are counted, not held
+    int64_t m_times = 0;                  ///< counted rounds that aren't in the log yet
     std::chrono::microseconds m_from{0};  ///< the start of the first of these
     std::chrono::microseconds m_until{0}; ///< the end of the last
 };

@@ -95,8 +95,8 @@ void Bind(const fs::path& file, const char* name, Function& function, Function o
 
 } // namespace
 
-template <class Call, class Result, class Describe>
-Result Recorder::Pass(std::string call, Result closed, const Call& next, const Describe& describe)
+template <class Call, class Describe, class Result>
+Result Recorder::Pass(std::string call, const Call& next, const Describe& describe, Result closed)
 {
     KeptError error;
     std::shared_ptr<const NextLibrary> library;
@@ -183,63 +183,63 @@ void Recorder::End() noexcept
 
 Recorder::Handle Recorder::OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings)
 {
-    return Pass(OpenCommText(Device, Autodetect, Settings), Handle{0},
+    return Pass(OpenCommText(Device, Autodetect, Settings),
                 [&](const NextLibrary& next) { return next.OpenComm(Device.data(), Autodetect, &Settings); });
 }
 
 int32_t Recorder::SetCommTimeout(Handle Comm, int32_t Timeout)
 {
-    return Pass(CallText("SetCommTimeout", {Comm, Timeout}), int32_t{0},
+    return Pass(CallText("SetCommTimeout", {Comm, Timeout}),
                 [&](const NextLibrary& next) { return next.SetCommTimeout(Comm, Timeout); });
 }
 
 int32_t Recorder::SetCommProtocol(Handle Comm, uint8_t Protocol)
 {
-    return Pass(CallText("SetCommProtocol", {Comm, Protocol}), int32_t{0},
+    return Pass(CallText("SetCommProtocol", {Comm, Protocol}),
                 [&](const NextLibrary& next) { return next.SetCommProtocol(Comm, Protocol); });
 }
 
 uint8_t Recorder::GetCommProtocol(Handle Comm)
 {
-    return Pass(CallText("GetCommProtocol", {Comm}), uint8_t{0},
+    return Pass(CallText("GetCommProtocol", {Comm}),
                 [&](const NextLibrary& next) { return next.GetCommProtocol(Comm); });
 }
 
 int32_t Recorder::GetCommBaudRate(Handle Comm)
 {
-    return Pass(CallText("GetCommBaudRate", {Comm}), int32_t{0},
+    return Pass(CallText("GetCommBaudRate", {Comm}),
                 [&](const NextLibrary& next) { return next.GetCommBaudRate(Comm); });
 }
 
 int32_t Recorder::GetCommTimeout(Handle Comm)
 {
-    return Pass(CallText("GetCommTimeout", {Comm}), int32_t{0},
+    return Pass(CallText("GetCommTimeout", {Comm}),
                 [&](const NextLibrary& next) { return next.GetCommTimeout(Comm); });
 }
 
 std::string Recorder::DetectReader(Handle Comm, Buffer Room)
 {
-    return Pass(CallText("DetectReader", {Comm}), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("DetectReader", {Comm}), [&](const NextLibrary& next) {
         return TextOfByteString(next.DetectReader(Comm, Room.data()));
     });
 }
 
 Recorder::Handle Recorder::OpenReader(Handle Comm, uint8_t Id, int32_t Third)
 {
-    return Pass(CallText("OpenReader", {Comm, Id, Third}), Handle{0},
+    return Pass(CallText("OpenReader", {Comm, Id, Third}),
                 [&](const NextLibrary& next) { return next.OpenReader(Comm, Id, Third); });
 }
 
 std::string Recorder::GetReaderType(Handle Reader, Buffer Room)
 {
-    return Pass(CallText("GetReaderType", {Reader}), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("GetReaderType", {Reader}), [&](const NextLibrary& next) {
         return TextOfByteString(next.GetReaderType(Reader, Room.data()));
     });
 }
 
 std::string Recorder::GetDeviceID(Handle Reader, Buffer Room)
 {
-    return Pass(CallText("GetDeviceID", {Reader}), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("GetDeviceID", {Reader}), [&](const NextLibrary& next) {
         return TextOfByteString(next.GetDeviceID(Reader, Room.data()));
     });
 }
@@ -247,24 +247,24 @@ std::string Recorder::GetDeviceID(Handle Reader, Buffer Room)
 std::string Recorder::SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer Room)
 {
     return Pass(
-        CommandText(Reader, Command, Data), ReaderLibrary::SendCommandGetData(Reader, Command, Data, Room),
+        CommandText(Reader, Command, Data),
         [&](const NextLibrary& next) {
             return TextOfByteString(
                 next.SendCommandGetData(Reader, Command.data(), Data.data(), Room.data()));
         },
-        [&](const std::string& reply) { return ReplyText(Command, Data, reply); });
+        [&](const std::string& reply) { return ReplyText(Command, Data, reply); },
+        ReaderLibrary::SendCommandGetData(Reader, Command, Data, Room));
 }
 
 int32_t Recorder::CloseReader(Handle Reader)
 {
-    return Pass(CallText("CloseReader", {Reader}), int32_t{0},
+    return Pass(CallText("CloseReader", {Reader}),
                 [&](const NextLibrary& next) { return next.CloseReader(Reader); });
 }
 
 int32_t Recorder::CloseComm(Handle Comm)
 {
-    return Pass(CallText("CloseComm", {Comm}), int32_t{0},
-                [&](const NextLibrary& next) { return next.CloseComm(Comm); });
+    return Pass(CallText("CloseComm", {Comm}), [&](const NextLibrary& next) { return next.CloseComm(Comm); });
 }
 
 } // namespace recorder

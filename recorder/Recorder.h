@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <type_traits>
 
 namespace recorder
 {
@@ -60,13 +61,12 @@ private:
 
     /// The result of the call of the next library; `closed` where there is none. Describe makes the text of
     /// the result for the log.
-    template <class Call, class Result, class Describe>
-    Result Pass(std::string call, Result closed, const Call& next, const Describe& describe);
-    template <class Call, class Result>
-    Result Pass(std::string call, Result closed, const Call& next)
+    template <class Call, class Describe, class Result = std::invoke_result_t<Call, const NextLibrary&>>
+    Result Pass(std::string call, const Call& next, const Describe& describe, Result closed = {});
+    template <class Call>
+    auto Pass(std::string call, const Call& next)
     {
-        return Pass(std::move(call), std::move(closed), next,
-                    [](const Result& result) { return ResultText(result); });
+        return Pass(std::move(call), next, [](const auto& result) { return ResultText(result); });
     }
 
     void Begin(bool IsOpening);
