@@ -111,8 +111,9 @@ bool Replay::IsOver(const Place& place, const Place& later, Clock::time_point no
     if (round->Times <= MaxCounted) {
         return place.Completed > round->Times;
     }
-    const std::chrono::microseconds pause = m_calls[later.Next].Start - round->Until;
-    return now - place.Since >= round->Lasted + std::min<std::chrono::microseconds>(pause, Tolerance);
+    const auto pause = std::clamp<std::chrono::microseconds>(m_calls[later.Next].Start - round->Until,
+                                                             std::chrono::microseconds::zero(), Tolerance);
+    return now - place.Since >= round->Lasted + pause;
 }
 
 std::vector<Replay::Place> Replay::After(const std::vector<Place>& places, Clock::time_point now) const
