@@ -131,7 +131,7 @@ std::optional<int64_t> TakeNumber(std::string_view& rest, int64_t least, int64_t
     return number && *number >= least && *number <= most ? number : std::nullopt;
 }
 
-constexpr int64_t MaxCount = 1'000'000'000'000; // sums of such numbers fit
+constexpr int64_t MaxCount = 1'000'000'000'000; // thirty years, as a time
 
 std::optional<std::chrono::microseconds> TakeTime(std::string_view& rest)
 {

@@ -22,6 +22,7 @@ constexpr int64_t MaxCounted = 16;
 /// A host that waits for as long as in the log looks at its clock a little later than in the log.
 constexpr std::chrono::milliseconds Tolerance{20};
 
+constexpr std::chrono::hours LongestRound{24};
 constexpr size_t LongestLine = 1'000'000;
 
 } // namespace
@@ -38,7 +39,8 @@ Replay::Replay(const std::string& File)
         throw Refusal(option, end.empty() ? "the file has no call of OpenComm" : end);
     }
     if (!end.empty()) {
-        exports::Report(option + ": " + end + "; only what precedes it is played");
+        exports::Report(std::string("OpenComm: ") +
+                        Refusal(option, end + "; only what precedes it is played").what());
     }
 }
 
@@ -70,7 +72,7 @@ bool Replay::Add(recorder::LoggedLine line)
 {
     if (auto* const call = std::get_if<recorder::LoggedCall>(&line)) {
         if (!m_calls.empty() || call->Call.starts_with("OpenComm ")) {
-            m_calls.push_back(*std::move(call));
+            m_calls.push_back(std::move(*call));
         }
         return true;
     }
@@ -89,8 +91,8 @@ bool Replay::Add(recorder::LoggedLine line)
         return false;
     }
     Round& round = m_rounds.back();
-    round.Times += again->Times;
-    round.Lasted += again->Duration;
+    round.Times = std::min(round.Times + again->Times, MaxCounted + 1);
+    round.Lasted = std::min<std::chrono::microseconds>(round.Lasted + again->Duration, LongestRound);
     round.Until = again->Start + again->Duration;
     return true;
 }
@@ -159,14 +161,12 @@ const std::string* Replay::ResultOf(const std::string& call)
     const auto result = [this](const Place& place) -> const std::string& {
         return m_calls[place.Next].Result;
     };
-    const auto isOther = [&](const Place& place) { return result(place) != result(m_places.front()); };
-    for (auto other = m_places.begin();
-         (other = std::ranges::find_if(m_places, isOther)) != m_places.end();) {
-        if (IsOver(m_places.front(), *other, now)) {
-            m_places.erase(m_places.begin());
-        } else {
-            m_places.erase(other);
-        }
+    const auto findOther = [&] {
+        return std::ranges::find_if(
+            m_places, [&](const Place& place) { return result(place) != result(m_places.front()); });
+    };
+    for (auto other = findOther(); other != m_places.end(); other = findOther()) {
+        m_places.erase(IsOver(m_places.front(), *other, now) ? m_places.begin() : other);
     }
     const std::string& answer = result(m_places.front());
     m_places = After(m_places, now);

@@ -49,7 +49,7 @@ private:
     struct Round {
         size_t Begin;
         size_t End;
-        int64_t Times;
+        int64_t Times;                    ///< no more than it takes to be many
         std::chrono::microseconds Lasted; ///< all of them, without the time between two lines of the log
         std::chrono::microseconds Until;  ///< since the session began
     };
