@@ -4,6 +4,7 @@
 #include "platform/LibraryFile.h"
 #include "recorder/System.h"
 
+#include <cstdlib>
 #include <mutex>
 
 namespace recorder
@@ -274,8 +275,6 @@ int32_t Recorder::CloseComm(Handle Comm)
 exports::ReaderLibrary& exports::TheLibrary()
 {
     static auto& library = *new recorder::Recorder;
-    static const struct AtExit {
-        ~AtExit() { library.End(); }
-    } atExit;
+    [[maybe_unused]] static const int registered = std::atexit([] { library.End(); });
     return library;
 }

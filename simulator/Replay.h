@@ -55,7 +55,7 @@ private:
     };
     /// Where the session may be.
     struct Place {
-        size_t Next;
+        size_t Next = 0;
         int64_t Completed = 0;     ///< how often the round that the next call is in has been made
         Clock::time_point Since{}; ///< the first call of the round
     };
