@@ -15,6 +15,7 @@ class Mutex
 {
 public:
     void lock() { AcquireSRWLockExclusive(&m_lock); }
+    bool try_lock() { return TryAcquireSRWLockExclusive(&m_lock) != 0; }
     void unlock() { ReleaseSRWLockExclusive(&m_lock); }
 
 private:

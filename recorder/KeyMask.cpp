@@ -16,7 +16,6 @@ constexpr size_t BlockDigits = 32;
 // A trailer, in digits: key A 0 to 11, access bits and user byte 12 to 19, key B 20 to 31.
 constexpr Part NoKeyInTrailer = {12, 20};
 
-constexpr Part FirstByte = {0, 2}; // the block, or the sector of a login
 constexpr Parts Nothing = {};
 
 enum class Holds {
@@ -58,9 +57,43 @@ bool IsHexDigit(char character)
     return (lower >= '0' && lower <= '9') || (lower >= 'a' && lower <= 'f');
 }
 
+bool IsLetter(char character)
+{
+    const char lower = ToLower(character);
+    return lower >= 'a' && lower <= 'z';
+}
+
 bool AreHexDigits(std::string_view text, size_t count)
 {
     return text.size() == count && std::ranges::all_of(text, IsHexDigit);
+}
+
+bool IsPrintable(std::string_view text)
+{
+    return std::ranges::all_of(text, [](char character) { return character >= ' ' && character <= '~'; });
+}
+
+/// Printable, with fewer hexadecimal digits in a row than half a key. Blanks and signs don't end a row.
+bool HoldsNoHalfKey(std::string_view text)
+{
+    size_t row = 0;
+    return IsPrintable(text) && std::ranges::none_of(text, [&row](char character) {
+               row = IsHexDigit(character) ? row + 1 : IsLetter(character) ? 0 : row;
+               return row >= KeyDigits / 2;
+           });
+}
+
+/// The access bits are three digits C1 to C3 and their complements: ~C2 ~C1 C1 ~C3 C3 C2.
+bool AreAccessBits(std::string_view text)
+{
+    const auto areComplements = [text](size_t one, size_t other) {
+        unsigned first = 0;
+        unsigned second = 0;
+        std::from_chars(&text[one], &text[one] + 1, first, /*base=*/16);
+        std::from_chars(&text[other], &text[other] + 1, second, /*base=*/16);
+        return first + second == 0xF;
+    };
+    return areComplements(0, 5) && areComplements(1, 2) && areComplements(3, 4);
 }
 
 /// The first 32 sectors have 4 blocks, the others 16; the last block of a sector is its trailer.
@@ -73,31 +106,59 @@ bool IsTrailer(std::string_view twoDigits)
     return block % blocksInSector == blocksInSector - 1;
 }
 
+/// True if the digits of a block number and contents hold access bits, but not where the block has them: then
+/// they may be a trailer's, put in the wrong place, and its keys anywhere.
+bool IsMisplacedTrailer(std::string_view digits)
+{
+    constexpr size_t AccessDigits = 6;
+    bool isMisplaced = false;
+    for (size_t at = 0; at + AccessDigits <= digits.size(); ++at) {
+        if (AreAccessBits(digits.substr(at))) {
+            if (at == 2 + NoKeyInTrailer.Begin && IsTrailer(digits)) {
+                return false;
+            }
+            isMisplaced = true;
+        }
+    }
+    return isMisplaced;
+}
+
+/// Null for a command that isn't known, and for data that isn't what it takes.
+const KnownCommand* FindWith(std::string_view command, std::string_view data)
+{
+    const KnownCommand* const known = Find(command);
+    if (known == nullptr || data.size() != known->DataDigits) {
+        return nullptr;
+    }
+    if (known->Kind == Holds::Login) {
+        const std::string_view keyType = data.substr(2, 2);
+        const bool hasKeyType = std::ranges::equal(keyType, std::string_view("aa"), {}, ToLower) ||
+                                std::ranges::equal(keyType, std::string_view("bb"), {}, ToLower);
+        return AreHexDigits(data.substr(0, 2), 2) && hasKeyType ? known : nullptr;
+    }
+    const bool isUnderstood =
+        AreHexDigits(data, known->DataDigits) && !(known->Kind == Holds::Block && IsMisplacedTrailer(data));
+    return isUnderstood ? known : nullptr;
+}
+
 } // namespace
 
 Parts ShownOfCommand(std::string_view Command)
 {
-    const auto digits = static_cast<size_t>(std::ranges::count_if(Command, IsHexDigit));
-    return Find(Command) != nullptr || digits < KeyDigits ? Everything : Nothing;
+    return Find(Command) != nullptr || HoldsNoHalfKey(Command) ? Everything : Nothing;
 }
 
 Parts ShownOfData(std::string_view Command, std::string_view Data)
 {
-    const KnownCommand* const known = Find(Command);
-    if (known == nullptr || known->DataDigits == 0) {
+    const KnownCommand* const known = FindWith(Command, Data);
+    if (known == nullptr) {
         return Nothing;
     }
     if (known->Kind == Holds::Login) {
-        const std::string_view start = Data.substr(0, 4);
-        const bool hasKeyType = AreHexDigits(start, 4) && ToLower(start[2]) == ToLower(start[3]) &&
-                                (ToLower(start[2]) == 'a' || ToLower(start[2]) == 'b');
-        return {hasKeyType ? Part{0, 4} : FirstByte};
-    }
-    if (!AreHexDigits(Data, known->DataDigits)) {
-        return {FirstByte};
+        return {Part{0, 4}}; // the sector and the type of the key
     }
     if (known->Kind == Holds::Block && IsTrailer(Data)) {
-        return {FirstByte, {2 + NoKeyInTrailer.Begin, 2 + NoKeyInTrailer.End}};
+        return {Part{0, 2}, {2 + NoKeyInTrailer.Begin, 2 + NoKeyInTrailer.End}};
     }
     return Everything;
 }
@@ -109,22 +170,27 @@ Part UpToNul(std::string_view Text)
 
 Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_view Reply)
 {
-    constexpr Part StatusLetter = {0, 2}; // and the NUL that makes it one
-    const KnownCommand* const known = Find(Command);
-    const bool isUnderstood =
-        known != nullptr && known->Kind != Holds::Login && AreHexDigits(Data, known->DataDigits);
-    const bool isTrailer = isUnderstood && known->DataDigits != 0 && IsTrailer(Data);
-    if (isUnderstood && !isTrailer) {
-        return {UpToNul(Reply)};
+    const KnownCommand* const known = FindWith(Command, Data);
+    const bool isTrailer = known != nullptr && known->Kind == Holds::Block && IsTrailer(Data);
+    const Part upToNul = UpToNul(Reply);
+    if (known != nullptr && known->Kind != Holds::Login && !isTrailer) {
+        return {upToNul};
     }
-    const size_t firstNul = Reply.find('\0');
-    if (firstNul == 1) {
-        return {StatusLetter};
+    std::string_view text = Reply.substr(0, Reply.find('\0'));
+    const bool isLetter = text.size() == 1;
+    while (text.ends_with('\n') || text.ends_with('\r')) {
+        text.remove_suffix(1);
     }
-    if (isTrailer && AreHexDigits(Reply.substr(0, firstNul), BlockDigits)) {
-        return {NoKeyInTrailer, {BlockDigits, BlockDigits + 1}};
+    if (isTrailer && AreHexDigits(text, BlockDigits)) {
+        return {NoKeyInTrailer, {BlockDigits, upToNul.End}};
     }
-    return Nothing;
+    const bool isShown = isTrailer ? HoldsNoHalfKey(text)
+                                   : IsPrintable(text) && std::ranges::count_if(text, IsHexDigit) <
+                                                              static_cast<ptrdiff_t>(KeyDigits);
+    if (isLetter || isShown) {
+        return {upToNul};
+    }
+    return {Part{text.size(), upToNul.End}}; // what ends the line
 }
 
 } // namespace recorder

@@ -18,19 +18,22 @@ struct Part {
 using Parts = std::array<Part, 2>;
 inline constexpr Parts Everything = {Part{0, std::string_view::npos}};
 
-/// A command that isn't known is shown where it has fewer hexadecimal digits than a key.
+/// A command that isn't known is shown if it is printable ASCII with fewer than 6 hexadecimal digits, half a
+/// key, in a row; other characters than letters don't end a row.
 [[nodiscard]] Parts ShownOfCommand(std::string_view Command);
 
 /// Of a login the sector and the type of the key; of a block its number, its contents if it isn't a trailer,
-/// and the access bits and the user byte if it is. Data of another size than the command takes is shown up to
-/// its first byte; that of an unknown command isn't shown.
+/// and the access bits and the user byte if it is. Nothing of an unknown command's data, of data that isn't
+/// what the command takes, and of contents with the access bits of a trailer in another place than a
+/// trailer's.
 [[nodiscard]] Parts ShownOfData(std::string_view Command, std::string_view Data);
 
 /// A text up to its first NUL, that included: what follows may be left from an earlier reply.
 [[nodiscard]] Part UpToNul(std::string_view Text);
 
-/// A status letter always; of a trailer the access bits and the user byte; a reply that can't hold a key up
-/// to its first NUL. Nothing else of the reply to a login, to an unknown command or to data of another size.
+/// A reply that can't hold a key up to its first NUL. Of a trailer the access bits, the user byte and the end
+/// of the line; another reply to it with fewer than 6 hexadecimal digits in a row. Of the reply to a login or
+/// to what ShownOfData shows nothing of: all, if it is printable with fewer than 12 hexadecimal digits.
 [[nodiscard]] Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_view Reply);
 
 } // namespace recorder

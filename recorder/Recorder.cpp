@@ -4,6 +4,7 @@
 #include "platform/LibraryFile.h"
 #include "recorder/System.h"
 
+#include <cstdlib>
 #include <mutex>
 
 namespace recorder
@@ -95,8 +96,8 @@ void Bind(const fs::path& file, const char* name, Function& function, Function o
 
 } // namespace
 
-template <class Call, class Result, class Describe>
-Result Recorder::Pass(std::string call, Result closed, const Call& next, const Describe& describe)
+template <class Call, class Describe, class Result>
+Result Recorder::Pass(std::string call, const Call& next, const Describe& describe, Result closed)
 {
     KeptError error;
     std::shared_ptr<const NextLibrary> library;
@@ -113,12 +114,16 @@ Result Recorder::Pass(std::string call, Result closed, const Call& next, const D
     try {
         using std::chrono::duration_cast;
         using std::chrono::microseconds;
-        const std::string line =
-            LogLine({std::move(call), describe(result)}, duration_cast<microseconds>(start - m_start),
-                    duration_cast<microseconds>(end - start));
+        LoggedCall ended{std::move(call), describe(result), duration_cast<microseconds>(start - m_start),
+                         duration_cast<microseconds>(end - start)};
         const std::lock_guard lock(m_mutex);
-        Write(line);
+        m_log.Add(std::move(ended));
+        if (m_isEnding) {
+            m_log.Flush();
+        }
     } catch (...) { // out of memory: the call has been made, and its result counts
+        const std::lock_guard lock(m_mutex);
+        m_log.Miss();
     }
     return result;
 }
@@ -128,11 +133,7 @@ void Recorder::Begin(bool IsOpening)
     if (!m_begun) {
         m_begun = true;
         m_start = Clock::now();
-        const fs::path file = LogFile();
-        m_log.open(file, std::ios::app | std::ios::binary);
-        if (!m_log) {
-            exports::Report("the log can't be written: " + Utf8(file));
-        }
+        m_log.Open(LogFile());
         Load();
     } else if (!m_next && IsOpening) {
         Load();
@@ -144,7 +145,7 @@ void Recorder::Load()
     fs::path file;
     try {
         file = NextLibraryFile();
-        Write(NoteLine(DateText() + ", next library: " + Utf8(file)));
+        m_log.Note(DateText() + ", next library: " + Utf8(file));
         auto next = std::make_shared<NextLibrary>();
         Bind(file, "OpenComm", next->OpenComm, &::OpenComm);
         Bind(file, "SetCommTimeout", next->SetCommTimeout, &::SetCommTimeout);
@@ -162,78 +163,84 @@ void Recorder::Load()
         m_next = std::move(next);
     } catch (const std::runtime_error& reason) {
         const std::string note = "the next library can't be used: " + Utf8(file) + ": " + reason.what();
-        Write(NoteLine(note));
+        m_log.Note(note);
         exports::Report(note);
     }
 }
 
-/// A line that can't be written is left out, and the next one tried again.
-void Recorder::Write(const std::string& Line) noexcept
+void Recorder::End() noexcept
 {
-    m_log.clear();
-    m_log.write(Line.data(), static_cast<std::streamsize>(Line.size()));
-    m_log.flush();
+    m_isEnding = true;
+    // Other threads, which at the end of a process Windows has stopped wherever they were, may have the lock.
+    if (!m_mutex.try_lock()) {
+        return;
+    }
+    const std::lock_guard lock(m_mutex, std::adopt_lock);
+    try {
+        m_log.Flush();
+    } catch (...) { // out of memory
+    }
 }
 
 Recorder::Handle Recorder::OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings)
 {
-    return Pass(OpenCommText(Device, Autodetect, Settings), Handle{0},
+    return Pass(OpenCommText(Device, Autodetect, Settings),
                 [&](const NextLibrary& next) { return next.OpenComm(Device.data(), Autodetect, &Settings); });
 }
 
 int32_t Recorder::SetCommTimeout(Handle Comm, int32_t Timeout)
 {
-    return Pass(CallText("SetCommTimeout", {Comm, Timeout}), int32_t{0},
+    return Pass(CallText("SetCommTimeout", {Comm, Timeout}),
                 [&](const NextLibrary& next) { return next.SetCommTimeout(Comm, Timeout); });
 }
 
 int32_t Recorder::SetCommProtocol(Handle Comm, uint8_t Protocol)
 {
-    return Pass(CallText("SetCommProtocol", {Comm, Protocol}), int32_t{0},
+    return Pass(CallText("SetCommProtocol", {Comm, Protocol}),
                 [&](const NextLibrary& next) { return next.SetCommProtocol(Comm, Protocol); });
 }
 
 uint8_t Recorder::GetCommProtocol(Handle Comm)
 {
-    return Pass(CallText("GetCommProtocol", {Comm}), uint8_t{0},
+    return Pass(CallText("GetCommProtocol", {Comm}),
                 [&](const NextLibrary& next) { return next.GetCommProtocol(Comm); });
 }
 
 int32_t Recorder::GetCommBaudRate(Handle Comm)
 {
-    return Pass(CallText("GetCommBaudRate", {Comm}), int32_t{0},
+    return Pass(CallText("GetCommBaudRate", {Comm}),
                 [&](const NextLibrary& next) { return next.GetCommBaudRate(Comm); });
 }
 
 int32_t Recorder::GetCommTimeout(Handle Comm)
 {
-    return Pass(CallText("GetCommTimeout", {Comm}), int32_t{0},
+    return Pass(CallText("GetCommTimeout", {Comm}),
                 [&](const NextLibrary& next) { return next.GetCommTimeout(Comm); });
 }
 
 std::string Recorder::DetectReader(Handle Comm, Buffer Room)
 {
-    return Pass(CallText("DetectReader", {Comm}), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("DetectReader", {Comm}), [&](const NextLibrary& next) {
         return TextOfByteString(next.DetectReader(Comm, Room.data()));
     });
 }
 
 Recorder::Handle Recorder::OpenReader(Handle Comm, uint8_t Id, int32_t Third)
 {
-    return Pass(CallText("OpenReader", {Comm, Id, Third}), Handle{0},
+    return Pass(CallText("OpenReader", {Comm, Id, Third}),
                 [&](const NextLibrary& next) { return next.OpenReader(Comm, Id, Third); });
 }
 
 std::string Recorder::GetReaderType(Handle Reader, Buffer Room)
 {
-    return Pass(CallText("GetReaderType", {Reader}), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("GetReaderType", {Reader}), [&](const NextLibrary& next) {
         return TextOfByteString(next.GetReaderType(Reader, Room.data()));
     });
 }
 
 std::string Recorder::GetDeviceID(Handle Reader, Buffer Room)
 {
-    return Pass(CallText("GetDeviceID", {Reader}), std::string(), [&](const NextLibrary& next) {
+    return Pass(CallText("GetDeviceID", {Reader}), [&](const NextLibrary& next) {
         return TextOfByteString(next.GetDeviceID(Reader, Room.data()));
     });
 }
@@ -241,24 +248,24 @@ std::string Recorder::GetDeviceID(Handle Reader, Buffer Room)
 std::string Recorder::SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer Room)
 {
     return Pass(
-        CommandText(Reader, Command, Data), ReaderLibrary::SendCommandGetData(Reader, Command, Data, Room),
+        CommandText(Reader, Command, Data),
         [&](const NextLibrary& next) {
             return TextOfByteString(
                 next.SendCommandGetData(Reader, Command.data(), Data.data(), Room.data()));
         },
-        [&](const std::string& reply) { return ReplyText(Command, Data, reply); });
+        [&](const std::string& reply) { return ReplyText(Command, Data, reply); },
+        ReaderLibrary::SendCommandGetData(Reader, Command, Data, Room));
 }
 
 int32_t Recorder::CloseReader(Handle Reader)
 {
-    return Pass(CallText("CloseReader", {Reader}), int32_t{0},
+    return Pass(CallText("CloseReader", {Reader}),
                 [&](const NextLibrary& next) { return next.CloseReader(Reader); });
 }
 
 int32_t Recorder::CloseComm(Handle Comm)
 {
-    return Pass(CallText("CloseComm", {Comm}), int32_t{0},
-                [&](const NextLibrary& next) { return next.CloseComm(Comm); });
+    return Pass(CallText("CloseComm", {Comm}), [&](const NextLibrary& next) { return next.CloseComm(Comm); });
 }
 
 } // namespace recorder
@@ -268,5 +275,6 @@ int32_t Recorder::CloseComm(Handle Comm)
 exports::ReaderLibrary& exports::TheLibrary()
 {
     static auto& library = *new recorder::Recorder;
+    [[maybe_unused]] static const int registered = std::atexit([] { library.End(); });
     return library;
 }

@@ -3,12 +3,12 @@
 
 #include "exports/Functions.h"
 #include "exports/Mutex.h"
-#include "recorder/SessionLog.h"
+#include "recorder/LogWriter.h"
 
+#include <atomic>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <memory>
+#include <type_traits>
 
 namespace recorder
 {
@@ -53,26 +53,28 @@ public:
     int32_t CloseReader(Handle Reader) override;
     int32_t CloseComm(Handle Comm) override;
 
+    /// The process ends: from now on nothing is held back from the log.
+    void End() noexcept;
+
 private:
     using Clock = std::chrono::steady_clock;
 
     /// The result of the call of the next library; `closed` where there is none. Describe makes the text of
     /// the result for the log.
-    template <class Call, class Result, class Describe>
-    Result Pass(std::string call, Result closed, const Call& next, const Describe& describe);
-    template <class Call, class Result>
-    Result Pass(std::string call, Result closed, const Call& next)
+    template <class Call, class Describe, class Result = std::invoke_result_t<Call, const NextLibrary&>>
+    Result Pass(std::string call, const Call& next, const Describe& describe, Result closed = {});
+    template <class Call>
+    auto Pass(std::string call, const Call& next)
     {
-        return Pass(std::move(call), std::move(closed), next,
-                    [](const Result& result) { return ResultText(result); });
+        return Pass(std::move(call), next, [](const auto& result) { return ResultText(result); });
     }
 
     void Begin(bool IsOpening);
     void Load();
-    void Write(const std::string& Line) noexcept;
 
     exports::Mutex m_mutex;
-    std::ofstream m_log;
+    LogWriter m_log;
+    std::atomic<bool> m_isEnding = false;
     Clock::time_point m_start;
     bool m_begun = false;
     std::shared_ptr<const NextLibrary> m_next; ///< null where it can't be used

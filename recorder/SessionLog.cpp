@@ -124,9 +124,71 @@ bool TakeValue(char kind, std::string_view& rest)
     return kind == 'T' ? TakeText(rest).has_value() : TakeNumber(rest).has_value();
 }
 
-bool TakeTime(std::string_view& rest)
+/// From least to most.
+std::optional<int64_t> TakeNumber(std::string_view& rest, int64_t least, int64_t most)
 {
-    return TakeNumber(rest) && Take(".", rest) && TakeNumber(rest);
+    const std::optional<int64_t> number = TakeNumber(rest);
+    return number && *number >= least && *number <= most ? number : std::nullopt;
+}
+
+constexpr int64_t MaxCount = 1'000'000'000'000; // thirty years, as a time
+
+std::optional<std::chrono::microseconds> TakeTime(std::string_view& rest)
+{
+    const auto milliseconds = TakeNumber(rest, 0, MaxCount);
+    const auto decimals = Take(".", rest) ? TakeNumber(rest, 0, 999) : std::nullopt;
+    if (!milliseconds || !decimals) {
+        return std::nullopt;
+    }
+    return std::chrono::milliseconds(*milliseconds) + std::chrono::microseconds(*decimals);
+}
+
+constexpr std::string_view GapText = "# calls missing here: ";
+constexpr std::string_view RepeatedText = "repeated: calls ";
+constexpr std::string_view TimesText = ", times ";
+
+/// The rest of a line after its start.
+std::optional<Repetition> ParseRepetition(std::string_view rest, std::chrono::microseconds start)
+{
+    const auto calls = Take(RepeatedText, rest) ? TakeNumber(rest, 1, LongestRound) : std::nullopt;
+    const auto times = Take(TimesText, rest) ? TakeNumber(rest, 1, MaxCount) : std::nullopt;
+    const auto duration = Take(" ", rest) ? TakeTime(rest) : std::nullopt;
+    if (!calls || !times || !duration || !rest.empty()) {
+        return std::nullopt;
+    }
+    return Repetition{static_cast<size_t>(*calls), *times, start, *duration};
+}
+
+/// The rest of a line after its start.
+std::optional<LoggedCall> ParseCall(std::string_view rest, std::chrono::microseconds start)
+{
+    const std::string_view call = rest;
+    const auto* const shape =
+        std::ranges::find(Shapes, call.substr(0, std::min(call.find(' '), call.size())), &Shape::Function);
+    if (shape == std::end(Shapes)) {
+        return std::nullopt;
+    }
+    rest.remove_prefix(shape->Function.size());
+    for (const char kind : shape->Arguments) {
+        if (!Take(" ", rest) || !TakeValue(kind, rest)) {
+            return std::nullopt;
+        }
+    }
+    LoggedCall logged{.Call = std::string(call.substr(0, call.size() - rest.size())), .Start = start};
+    if (!Take(" = ", rest)) {
+        return std::nullopt;
+    }
+    const std::string_view result = rest;
+    if (!TakeValue(shape->Result, rest)) {
+        return std::nullopt;
+    }
+    logged.Result = result.substr(0, result.size() - rest.size());
+    const auto duration = Take(" ", rest) ? TakeTime(rest) : std::nullopt;
+    if (!duration || !rest.empty()) {
+        return std::nullopt;
+    }
+    logged.Duration = *duration;
+    return logged;
 }
 
 /// Milliseconds, with three decimals.
@@ -205,10 +267,22 @@ std::string ReplyText(std::string_view Command, std::string_view Data, std::stri
     return Quoted(Reply, ShownOfReply(Command, Data, Reply));
 }
 
-std::string LogLine(const LoggedCall& Logged, std::chrono::microseconds Start,
-                    std::chrono::microseconds Duration)
+std::string LogLine(const LoggedCall& Logged)
 {
-    return TimeText(Start) + ' ' + Logged.Call + " = " + Logged.Result + ' ' + TimeText(Duration) + '\n';
+    return TimeText(Logged.Start) + ' ' + Logged.Call + " = " + Logged.Result + ' ' +
+           TimeText(Logged.Duration) + '\n';
+}
+
+std::string LogLine(const Repetition& Logged)
+{
+    return TimeText(Logged.Start) + ' ' + std::string(RepeatedText) + std::to_string(Logged.Calls) +
+           std::string(TimesText) + std::to_string(Logged.Times) + ' ' + TimeText(Logged.Duration) + '\n';
+}
+
+std::string LogLine(const Gap& Logged, std::string_view Reason)
+{
+    return NoteLine(std::string(GapText.substr(2)) + std::to_string(Logged.Calls) + ", " +
+                    std::string(Reason));
 }
 
 std::string NoteLine(std::string_view Note)
@@ -220,40 +294,26 @@ std::string NoteLine(std::string_view Note)
     return line + '\n';
 }
 
-std::optional<LoggedCall> ParseLine(std::string_view Line)
+std::optional<LoggedLine> ParseLine(std::string_view Line)
 {
     Take("\xEF\xBB\xBF", Line); // an editor's mark of UTF-8
     if (Line.ends_with('\r')) {
         Line.remove_suffix(1);
     }
+    if (Take(GapText, Line)) {
+        return Gap{TakeNumber(Line, 0, MaxCount).value_or(0)};
+    }
     if (Line.empty() || Line.starts_with('#')) {
-        return LoggedCall();
+        return LoggedLine();
     }
-    if (!TakeTime(Line) || !Take(" ", Line)) {
+    const auto start = TakeTime(Line);
+    if (!start || !Take(" ", Line)) {
         return std::nullopt;
     }
-    const std::string_view call = Line;
-    const auto* const shape =
-        std::ranges::find(Shapes, call.substr(0, std::min(call.find(' '), call.size())), &Shape::Function);
-    if (shape == std::end(Shapes)) {
-        return std::nullopt;
+    if (Line.starts_with(RepeatedText)) {
+        return ParseRepetition(Line, *start);
     }
-    Line.remove_prefix(shape->Function.size());
-    for (const char kind : shape->Arguments) {
-        if (!Take(" ", Line) || !TakeValue(kind, Line)) {
-            return std::nullopt;
-        }
-    }
-    LoggedCall logged{.Call = std::string(call.substr(0, call.size() - Line.size())), .Result = {}};
-    if (!Take(" = ", Line)) {
-        return std::nullopt;
-    }
-    const std::string_view result = Line;
-    if (!TakeValue(shape->Result, Line)) {
-        return std::nullopt;
-    }
-    logged.Result = result.substr(0, result.size() - Line.size());
-    return Take(" ", Line) && TakeTime(Line) && Line.empty() ? std::optional(logged) : std::nullopt;
+    return ParseCall(Line, *start);
 }
 
 bool IsSameCall(std::string_view Call, std::string_view Other)

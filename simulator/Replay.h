@@ -5,19 +5,27 @@
 #include "exports/ReaderLibrary.h"
 #include "recorder/SessionLog.h"
 
+#include <chrono>
+#include <istream>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace simulator
 {
 
 /// Plays the calls of a log from its first OpenComm on: each has to be the next one, and returns what it did
-/// then. The device and masked keys may differ, and the times don't count. The first call that isn't next is
-/// reported on the standard error; it and all that follow return what they do for a handle that isn't open.
+/// then. The device and masked keys may differ. The first call that isn't next is reported on the standard
+/// error; it and all that follow return what they do for a handle that isn't open.
+///
+/// Calls that were repeated are answered as often as they are made, at least once. A call that may be one of
+/// them or one that followed them, with another result, is one that followed as soon as they have been made
+/// as often as in the log, if that was seldom, or else for as long.
 class Replay final : public exports::ReaderLibrary
 {
 public:
-    /// Throws a Refusal where the file can't be read or isn't a log with an OpenComm in it.
+    /// Throws a Refusal where the file can't be read or isn't a log with an OpenComm in it. A log that can't
+    /// be read to its end, or has a gap, is played up to there, and the standard error says so.
     explicit Replay(const std::string& File);
 
     Handle OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings) override;
@@ -35,6 +43,28 @@ public:
     int32_t CloseComm(Handle Comm) override;
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    /// The calls from Begin up to End, without it, were made once and then Times times more.
+    struct Round {
+        size_t Begin;
+        size_t End;
+        int64_t Times;                    ///< no more than it takes to be many
+        std::chrono::microseconds Lasted; ///< all of them, without the time between two lines of the log
+        std::chrono::microseconds Until;  ///< since the session began
+    };
+    /// Where the session may be.
+    struct Place {
+        size_t Next = 0;
+        int64_t Completed = 0;     ///< how often the round that the next call is in has been made
+        Clock::time_point Since{}; ///< the first call of the round
+    };
+
+    [[nodiscard]] std::string Read(std::istream& file);
+    [[nodiscard]] bool Add(recorder::LoggedLine line);
+    [[nodiscard]] const Round* RoundAt(size_t call) const;
+    [[nodiscard]] bool IsOver(const Place& place, const Place& later, Clock::time_point now) const;
+    [[nodiscard]] std::vector<Place> After(const std::vector<Place>& places, Clock::time_point now) const;
     /// Null where the call isn't the next one, or another wasn't before.
     [[nodiscard]] const std::string* ResultOf(const std::string& call);
     template <class Number>
@@ -43,8 +73,8 @@ private:
 
     exports::Mutex m_mutex;
     std::vector<recorder::LoggedCall> m_calls;
-    size_t m_next = 0;
-    bool m_ended = false;
+    std::vector<Round> m_rounds;    ///< one after the other
+    std::vector<Place> m_places{1}; ///< the least advanced first; none after a call that wasn't next
 };
 
 } // namespace simulator

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# recorder.sh FOLDER: the example host of that build, recorded and replayed, prints the same; no key of it is in
-# the log; and without a next library the host fails, with a word on why.
+# recorder.sh FOLDER: the example host of that build, recorded and replayed, prints the same, also when it waits for
+# its card, when the log can't be written, and when it is damaged after the session; no key of it is in the log, which
+# is its owner's alone; and without a next library the host fails, with a word on why.
 set -euo pipefail
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -17,7 +18,26 @@ shown=$("$folder/example-host" | mask)
 if grep -E 'FFFFFF|A0A1A2|B0B1B2|(AA|BB)0000' "$log"; then exit 1; fi
 diff - <("$folder/simulated/example-host" "Device=x,replay=$log" | mask) <<<"$shown"
 diff - <("$folder/simulated/example-host" "Device=x,replay=$(dirname "$0")/session.log" | mask) <<<"$shown"
-diff - <(ACG_READER_LOG=/dev/full "$folder/example-host" 2>&1 | mask) <<<"$shown"
+[ "$(stat -c %a "$log")" = 600 ]
+
+# full FILE FOLDER...: the host shows the same if its log can't be written, and one line says so.
+full() {
+    diff - <(ACG_READER_LOG=$1 "$folder/example-host" 2>"$folder/error" | mask) <<<"$shown"
+    diff - "$folder/error" <<<"ACGReader330: the log can't be written: $1: $2"
+}
+full /dev/full 'No space left on device'
+(ulimit -f 1 && full "$folder/short.log" 'File too large')
+[ "$(tail -c 1 "$folder/short.log")" = '' ]
+
+# A card that comes after 4000 commands.
+export ACG_READER_LOG=$folder/wait.log
+diff <(tail -n +2 <<<"$shown") <("$folder/example-host" Device=com1,card=none,lay=4000/1D2C3B4A | tail -n +2)
+printf '0.1 Close' >>"$ACG_READER_LOG" # a session that was cut off
+"$folder/example-host" >/dev/null
+[ "$(grep -c ' repeated: calls 3, times 1332 ' "$ACG_READER_LOG")" -eq 1 ]
+end=$(grep -n '^0.1 Close$' "$ACG_READER_LOG" | cut -d: -f1)
+diff - <("$folder/simulated/example-host" "Device=x,replay=$ACG_READER_LOG" 2>"$folder/error" | mask) <<<"$shown"
+grep -q ": line $end isn't one of a recorder's log; " "$folder/error"
 
 # fails EXPECTED COMMAND...: the host can't be opened, and the standard error says why, in one line.
 fails() {

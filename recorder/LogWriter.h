@@ -1,0 +1,56 @@
+// Writes a session to its log: rounds of calls that repeat once, with their count, and lines whole or not at
+// all.
+#pragma once
+
+#include "recorder/SessionLog.h"
+#include "recorder/System.h"
+
+#include <chrono>
+#include <deque>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace recorder
+{
+
+/// Calls that go on as the last lines did are held back. When more than LongestRound of them are, or when
+/// they have gone on for a second, a line that counts their rounds takes their place, and then one each
+/// second. Calls that can't be written are counted, and a line in the log says so as soon as one can be
+/// written again. Used by one thread at a time.
+class LogWriter
+{
+public:
+    /// Appends to the file, and creates it for its owner alone if there is none. If that fails, nothing is
+    /// written and the standard error says why.
+    void Open(const std::filesystem::path& File);
+    void Note(std::string_view Text);
+    void Add(LoggedCall Ended);
+    /// Writes what is held back.
+    void Flush();
+    /// Counts a call that couldn't be added for want of memory.
+    void Miss() noexcept;
+
+private:
+    [[nodiscard]] bool MayRepeat();
+    void Count();
+    void EndRound();
+    void WriteFirstHeld();
+    void WriteCount();
+    bool Write(const std::string& line, int64_t calls);
+
+    AppendedFile m_file;
+    std::string m_name;
+    int64_t m_missing = 0; ///< calls since the last line that could be written
+    uint32_t m_error = 0;  ///< the system's code, if the last line couldn't be written
+
+    std::deque<LoggedCall> m_written;     ///< the last lines, as far as they may be a round
+    std::deque<LoggedCall> m_held;        ///< not in the log yet
+    size_t m_round = 0;                   ///< how many of the last lines the held ones repeat
+    bool m_isCounted = false;             ///< whole rounds are counted, not held
+    int64_t m_times = 0;                  ///< counted rounds that aren't in the log yet
+    std::chrono::microseconds m_from{0};  ///< the start of the first of these
+    std::chrono::microseconds m_until{0}; ///< the end of the last
+};
+
+} // namespace recorder

@@ -1,0 +1,66 @@
+// What a session leaves in its log: rounds that repeat, and gaps.
+#include "recorder/LogWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+
+using namespace recorder;
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+/// The log of calls of a millisecond each, and of CloseComm, without the starts of the lines and the results.
+/// "~": another second passes; "!": a call is missed; lower case: it is masked.
+std::string LogOf(std::string_view calls)
+{
+    const auto file =
+        std::filesystem::temp_directory_path() / ("acg-log-" + std::to_string(std::random_device()()));
+    {
+        LogWriter log;
+        log.Open(file);
+        std::chrono::microseconds now{0};
+        for (const char call : calls) {
+            if (call == '!') {
+                log.Miss();
+            } else if (call != '~') {
+                log.Add({std::string(1, call), call >= 'a' ? "*" : "0", now, 1ms});
+            }
+            now += call == '~' ? 1s : 1ms;
+        }
+        log.Add({"CloseComm 1", "0", now, 1ms});
+    }
+    std::string text;
+    std::ifstream stream(file);
+    for (std::string line; std::getline(stream, line);) {
+        const size_t begin = line.find(' ') + 1;
+        text += line.substr(begin, line.find(" = ") - begin) + ' ';
+    }
+    stream.close();
+    std::filesystem::remove(file);
+    return text;
+}
+
+TEST(LogWriterTest, ARoundThatRepeatsIsWrittenOnceWithItsCount)
+{
+    const std::pair<std::string_view, std::string> rows[] = {
+        {"ABABAB", "A B A B A B "},
+        {"AAAAAAAAAA", "A repeated: calls 1, times 9 9.000 "},
+        {"ABABABABABABA", "A B repeated: calls 2, times 5 10.000 A "},
+        {"ABAABAABAABAABB", "A B A repeated: calls 3, times 3 9.000 A B B "},
+        {"ABCDEFGHABCDEFGHABD", "A B C D E F G H repeated: calls 8, times 1 8.000 A B D "},
+        {"ABCDEFGHIABCDEFGHIA", "A B C D E F G H I A B C D E F G H I A "},
+        {"aaaaaaaaaaaa", "a a a a a a a a a a a a "},
+        {"ABAB~ABAB~A", "A B repeated: calls 2, times 1 2.000 repeated: calls 2, times 2 4.000 A "},
+        {"AAAAAAAAAAA~A", "A repeated: calls 1, times 10 10.000 repeated: calls 1, times 1 1.000 "},
+        {"AAAAAAAAAAAA!B", "A calls missing here: 12, out of memory B "},
+    };
+    for (const auto& [calls, lines] : rows) {
+        EXPECT_EQ(LogOf(calls), lines + "CloseComm 1 ") << calls;
+    }
+}
+
+} // namespace
