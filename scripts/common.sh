@@ -151,9 +151,11 @@ start_wine() {
     [ -s "$wine_folder/display" ] || return 1
     DISPLAY=:$(cat "$wine_folder/display")
     export DISPLAY
+    # Its server, and the services that the first program starts, stay for the whole script. wineboot would start
+    # every service a second time, and neither would answer.
+    wineserver -p </dev/null >"$wine_folder/log" 2>&1 || return 1
     # There is no window manager to wait for: Wine draws the frames itself.
-    timeout -k 5 120 wineboot -i </dev/null >"$wine_folder/log" 2>&1 &&
-        on_wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+    on_wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 }
 
 stop_wine() {
