@@ -22,27 +22,32 @@ build_tools=(
 test_tools=(
     'have clang++|clang'
     'have pkg-config|pkg-config'
-    'compgen -G "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.asan-*.a"|libclang-rt-14-dev'
+    'compgen -G "$(clang++ -print-resource-dir)/lib/*/libclang_rt.asan-*.a"|libclang-rt-dev'
 )
+# The linters of another version judge otherwise.
+linter_version=14
 style_tools=(
     'have clang-format|clang-format'
     'have clang-tidy|clang-tidy'
 )
-# The Windows build, its package and its tests, and what takes the pictures of the dialogs.
+# The Windows build and its package.
 windows_tools=(
     'have i686-w64-mingw32-g++-win32|g++-mingw-w64-i686-win32'
-    'have x86_64-w64-mingw32-g++-win32|g++-mingw-w64-x86-64-win32'
-    'have wine|wine'
-    'test -e /usr/lib/i386-linux-gnu/wine/i386-windows/ntdll.dll|wine32:i386'
-    'test -e /usr/lib/x86_64-linux-gnu/wine/x86_64-windows/ntdll.dll|wine64'
-    'test -e /usr/share/wine/fonts/tahoma.ttf|fonts-wine'
-    'have Xvfb|xvfb'
     'test -e /usr/src/googletest/CMakeLists.txt|googletest'
     'have i686-w64-mingw32-widl|mingw-w64-tools'
     'test -e /usr/include/wine/wine/windows/oaidl.idl|libwine-dev'
     'have faketime|faketime'
     'have pandoc|pandoc'
     'have zip|zip'
+)
+# What runs there, and the tests of the package.
+wine_tools=(
+    'have x86_64-w64-mingw32-g++-win32|g++-mingw-w64-x86-64-win32'
+    'have wine|wine'
+    'test -e /usr/lib/i386-linux-gnu/wine/i386-windows/ntdll.dll|wine32:i386'
+    'test -e /usr/lib/x86_64-linux-gnu/wine/x86_64-windows/ntdll.dll|wine64'
+    'test -e /usr/share/wine/fonts/tahoma.ttf|fonts-wine'
+    'have Xvfb|xvfb'
     'have unzip|unzip'
 )
 coverage_tools=(
@@ -90,15 +95,15 @@ install_missing() {
     return 1
 }
 
-# install_windows_tools: the same for windows_tools, whose 32-bit Wine belongs to another architecture. Its
-# packages must be of the very versions of the machine's own. Where one of several suites can't be read for
-# i386 they aren't: then all that matters is taken from the main suite, older versions included.
-install_windows_tools() {
-    [ -n "$(missing_packages "${windows_tools[@]}")" ] || return 0
+# install_wine: the same for wine_tools, whose 32-bit Wine belongs to another architecture. Its packages must be of
+# the very versions of the machine's own. Where one of several suites can't be read for i386 they aren't: then all
+# that matters is taken from the main suite, older versions included.
+install_wine() {
+    [ -n "$(missing_packages "${wine_tools[@]}")" ] || return 0
     if have dpkg && [ "$(id -u)" -eq 0 ]; then
         dpkg --add-architecture i386
     fi
-    install_missing "${windows_tools[@]}" && return 0
+    install_missing "${wine_tools[@]}" && return 0
     have apt-get && [ "$(id -u)" -eq 0 ] || return 1
 
     say 'trying again from the main suite alone'
@@ -121,7 +126,7 @@ install_windows_tools() {
         -o Dir::Etc::Preferences="$folder/preferences" -o Dir::Etc::PreferencesParts=/dev/null
         -o Dir::State::Lists="$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=
     )
-    install_missing "${windows_tools[@]}" || status=$?
+    install_missing "${wine_tools[@]}" || status=$?
     rm -rf "$folder"
     return "$status"
 }
@@ -151,9 +156,11 @@ start_wine() {
     [ -s "$wine_folder/display" ] || return 1
     DISPLAY=:$(cat "$wine_folder/display")
     export DISPLAY
+    # Its server, and the services that the first program starts, stay for the whole script. wineboot would start
+    # every service a second time, and neither would answer.
+    wineserver -p </dev/null >"$wine_folder/log" 2>&1 || return 1
     # There is no window manager to wait for: Wine draws the frames itself.
-    timeout -k 5 120 wineboot -i </dev/null >"$wine_folder/log" 2>&1 &&
-        on_wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+    on_wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 }
 
 stop_wine() {

@@ -40,7 +40,7 @@ std::string ScriptedReader::SendCommandGetData(Handle reader, Text command, Text
     Sent.insert(name + ' ' + std::string(data));
     EXPECT_TRUE(Replies.contains(name) || IsReplyInjected()) << "unexpected call: " << shown;
     AnswerIn(buffer, "", reader, shown);
-    return IsReplyInjected() ? *Injected.Reply : Replies[name];
+    return IsReplyInjected() ? Injected.Reply.value_or("") : Replies[name];
 }
 
 void ScriptedReader::Forget()

@@ -4,7 +4,7 @@
 set -euxo pipefail
 
 exports=$(i686-w64-mingw32-objdump -p "$1" |
-    sed -n '/^\[Ordinal\/Name Pointer\] Table/,$s/^\t\[ *[0-9]*\] //p' | sort | xargs)
+    sed -n '/^\[Ordinal\/Name Pointer\] Table/,$s/^\t\[.* //p' | sort | xargs)
 foreign() { # FILE [DLL]: what it imports but the system's and that one
     i686-w64-mingw32-objdump -p "$1" | sed -n 's/^\tDLL Name: //p' |
         grep -vixE "(advapi32|gdi32|kernel32|ole32|oleaut32|shell32|user32|msvcrt${2:-})\.dll" || true

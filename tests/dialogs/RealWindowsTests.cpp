@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <stdexcept>
+#include <utility>
 #include <windows.h>
 
 using namespace acg;
@@ -22,33 +23,34 @@ constexpr int Device = 102, AutoDetect = 104, Baudrate = 106, Protocol = 108, Ti
 void Await(const std::string& what, const std::function<bool()>& condition)
 {
     for (int tries = 0; !condition(); ++tries) {
-        if (tries == 1000) {
+        if (tries == 3000) {
             throw std::runtime_error("waited in vain for " + what);
         }
         Sleep(10);
     }
 }
 
-/// Presses and releases keys, for whichever window has the focus. Alt is held until the last of them.
-void Type(const std::vector<BYTE>& keys)
-{
-    for (const BYTE key : keys) {
-        keybd_event(key, 0, 0, 0);
-        keybd_event(key, 0, key == VK_MENU ? 0 : KEYEVENTF_KEYUP, 0);
-    }
-    keybd_event(VK_MENU, 0, KEYEVENTF_KEYUP, 0);
-}
-
-/// The form in front, once its control with that id has the focus.
+/// The window with the focus, once that is the control with that id: in a combo box, its field.
 HWND AwaitFocus(int id)
 {
     GUITHREADINFO front{.cbSize = sizeof front};
     Await("the focus of " + std::to_string(id), [&front, id] {
         GetGUIThreadInfo(0, &front);
-        const HWND focus = front.hwndFocus; // in a combo box, its field
+        const HWND focus = front.hwndFocus;
         return IsWindowVisible(focus) && (GetDlgCtrlID(focus) == id || GetDlgCtrlID(GetParent(focus)) == id);
     });
-    return front.hwndActive;
+    return front.hwndFocus;
+}
+
+/// Posts to a control, once it has the focus, the messages that keys become. They aren't pressed on the
+/// keyboard: Wine releases what is held there, Alt above all, whenever the display tells it which keys a
+/// person holds.
+void Type(int id, UINT message, const std::vector<WPARAM>& keys)
+{
+    const HWND focus = AwaitFocus(id);
+    for (const WPARAM key : keys) {
+        PostMessageW(focus, message, key, 0);
+    }
 }
 
 void AwaitColour(HWND control, int x, COLORREF colour)
@@ -60,7 +62,7 @@ void AwaitColour(HWND control, int x, COLORREF colour)
 
 DWORD WINAPI Act(void* act)
 {
-    const HWND dialog = AwaitFocus(Device);
+    const HWND dialog = GetAncestor(AwaitFocus(Device), GA_ROOT);
     (*static_cast<std::function<void(HWND)>*>(act))(dialog);
     Await("the dialog to close", [dialog] { return IsWindow(dialog) == FALSE; });
     return 0;
@@ -95,12 +97,12 @@ protected:
 
 TEST_F(RealWindowsTest, KeysLeadThroughBothDialogsAndBringTheValuesIntoTheEncoder)
 {
-    const std::tuple<int, BYTE, std::vector<BYTE>> fields[] = {
-        {AutoDetect, 'A', {VK_HOME}},
-        {Baudrate, 'S', {VK_DOWN, VK_DOWN}},
-        {Protocol, 'P', {'B'}},
-        {Timeout, 'M', {'1', 'A', '2', 'Z', '3', VK_SPACE, VK_OEM_MINUS, VK_BACK}},
-        {Device, 'C', {'L', 'P', 'T', '1'}}};
+    const std::tuple<int, WPARAM, UINT, std::vector<WPARAM>> fields[] = {
+        {AutoDetect, 'A', WM_KEYDOWN, {VK_HOME}},
+        {Baudrate, 'S', WM_KEYDOWN, {VK_DOWN, VK_DOWN}},
+        {Protocol, 'P', WM_CHAR, {'B'}},
+        {Timeout, 'M', WM_CHAR, {'1', 'A', '2', 'Z', '3', ' ', '-', '\b'}},
+        {Device, 'C', WM_CHAR, {'L', 'P', 'T', '1'}}};
     const int menu = COLOR_MENU; // made one that no other is
     const COLORREF before = GetSysColor(menu), pink = RGB(0xFF, 0x80, 0xC0);
     SetSysColors(1, &menu, &pink);
@@ -113,11 +115,10 @@ TEST_F(RealWindowsTest, KeysLeadThroughBothDialogsAndBringTheValuesIntoTheEncode
         SetWindowPos(dialog, nullptr, 650, 600, 0, 0, SWP_NOSIZE); // in the corner of the screen
         AwaitColour(GetDlgItem(dialog, Protocol), 100, pink);
         for (const int id : {Device, AutoDetect, Timeout, OK, Defaults, TestSettings, Cancel}) {
-            AwaitFocus(id);
-            Type({VK_TAB});
+            Type(id, WM_KEYDOWN, {VK_TAB});
         }
-        Type({VK_MENU, 'T'});
-        const HWND test = AwaitFocus(TestOK); // its end
+        Type(Device, WM_SYSCHAR, {'T'});
+        const HWND test = GetAncestor(AwaitFocus(TestOK), GA_ROOT); // its end
         RECT area{};
         GetWindowRect(test, &area);
         EXPECT_EQ(area.right, GetSystemMetrics(SM_CXSCREEN));
@@ -127,20 +128,19 @@ TEST_F(RealWindowsTest, KeysLeadThroughBothDialogsAndBringTheValuesIntoTheEncode
         EXPECT_EQ(SendMessageW(log, EM_GETSEL, 0, 0), MAKELRESULT(end, end));
         // Escape does nothing and Enter closes, from the log as well, which a click gives the focus.
         SendMessageW(test, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(log), TRUE);
-        Type({VK_ESCAPE, VK_RETURN});
-        AwaitFocus(TestSettings);
-        for (const auto& [id, accessKey, typed] : fields) {
-            Type({VK_MENU, accessKey});
-            AwaitFocus(id);
-            Type(typed);
+        Type(Log, WM_KEYDOWN, {VK_ESCAPE, VK_RETURN});
+        int from = TestSettings;
+        for (const auto& [id, accessKey, message, keys] : fields) {
+            Type(std::exchange(from, id), WM_SYSCHAR, {accessKey}); // with Alt
+            Type(id, message, keys);
         }
         AwaitColour(GetDlgItem(dialog, Protocol), 100, GetSysColor(COLOR_WINDOW));
-        Type({VK_RETURN});
+        Type(Device, WM_KEYDOWN, {VK_RETURN});
     };
     encoder.Parameters(L"Device=com1;Autodetect=1;Baud rate=9600;Timeout=2200");
     EXPECT_EQ(Configure(act), sceSuccess);
     EXPECT_TRUE(
-        encoder.Parameters().ends_with(L"\r\nDevice=lpt1\r\nAutodetect=0\r\nBaud rate=38400\r\nTimeout=12"));
+        encoder.Parameters().ends_with(L"\r\nDevice=LPT1\r\nAutodetect=0\r\nBaud rate=38400\r\nTimeout=12"));
     EXPECT_EQ(frmConfigure::OfThread().Protocol, 1);
     SetSysColors(1, &menu, &before);
     duringCall = [](ReaderFunction) {}; // an encoder's end calls the library, too
@@ -154,13 +154,13 @@ TEST_F(RealWindowsTest, ListThatClosesStoresWhatItsBoxShowsAndTheCloseBoxIsNotCa
             SendDlgItemMessageW(dialog, id, CB_SETCURSEL, 0, 0); // as the mouse above the first line does
             SendDlgItemMessageW(dialog, id, CB_SHOWDROPDOWN, FALSE, 0);
         }
-        Type({VK_RETURN});
+        Type(Device, WM_KEYDOWN, {VK_RETURN});
     };
     encoder.Parameters(L"Device=com2;Autodetect=1");
     EXPECT_EQ(Configure(pickAndClose), sceSuccess);
     EXPECT_NE(encoder.Parameters().find(L"Device=COM1\r\nAutodetect=0"), std::wstring::npos);
     EXPECT_EQ(Configure([](HWND form) { PostMessageW(form, WM_SYSCOMMAND, SC_CLOSE, 0); }), sceSuccess);
-    EXPECT_EQ(Configure([](HWND) { Type({VK_ESCAPE}); }), sceCanceled);
+    EXPECT_EQ(Configure([](HWND) { Type(Device, WM_KEYDOWN, {VK_ESCAPE}); }), sceCanceled);
 }
 
 TEST_F(RealWindowsTest, FormsAreModalAndAnExceptionOfAHandlerClosesThemAndGoesOn)
@@ -174,7 +174,7 @@ TEST_F(RealWindowsTest, FormsAreModalAndAnExceptionOfAHandlerClosesThemAndGoesOn
         RECT area{};
         GetClientRect(dialog, &area);
         EXPECT_EQ(area.right, 449); // 6735 twips at 96 dpi
-        Type({VK_MENU, 'T'});
+        Type(Device, WM_SYSCHAR, {'T'});
     };
     EXPECT_EQ(Configure(act), sceError);
     EXPECT_TRUE(IsWindowEnabled(host));

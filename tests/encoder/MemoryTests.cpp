@@ -40,11 +40,18 @@ extern "C" void __wrap_free(void* block)
 }
 void* operator new(size_t size)
 {
-    if (acg::RunningCode::IsComponents && untilFailure > 0 && --untilFailure == 0) {
-        throw std::bad_alloc();
+    if (acg::RunningCode::IsComponents && untilFailure > 0) {
+        --untilFailure;
+        if (untilFailure == 0) {
+            throw std::bad_alloc();
+        }
     }
     void* const block = std::malloc(size);
     return std::memset(block, 'z', malloc_usable_size(block)); // nothing of a former owner's is left in it
+}
+void* operator new(size_t size, const std::nothrow_t& /*returns null*/) noexcept
+{
+    return std::malloc(size); // not the sanitizer's own: it would notice that the operator below frees it
 }
 void operator delete(void* block) noexcept
 {

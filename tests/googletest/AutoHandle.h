@@ -1,8 +1,9 @@
-// Included before GoogleTest's own sources for Windows: without threads they lack this class of theirs, by
-// which alone its death tests are written. No test of ours is one.
+// Included before GoogleTest's own sources for Windows. Before version 1.13 they lack this class of theirs without
+// threads, by which alone its death tests are written. No test of ours is one. Those that have it, in the namespace
+// inside this one, take their own.
 #pragma once
 
-namespace testing::internal
+namespace testing
 {
 
 class AutoHandle
@@ -16,4 +17,4 @@ private:
     void* m_handle;
 };
 
-} // namespace testing::internal
+} // namespace testing

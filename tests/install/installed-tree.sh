@@ -10,15 +10,14 @@ readme_block() { awk -v from="\`\`\`$1" '/^```$/ { if (inside) exit } inside; $0
 cmake --install "$1" --prefix "$folder/first place"
 mv "$folder/first place" "$folder/acg"
 readme_block cpp >"$folder/first.cpp"
-echo 'int Main(); int main() { return Main(); }' >"$folder/main.cpp"
+echo >"$folder/empty.cpp" # its main is the shared library's
 {
     echo 'cmake_minimum_required(VERSION 3.25)'
     echo 'project(hosts CXX)'
     readme_block cmake
     echo 'add_library(inside SHARED first.cpp)'
-    echo 'target_compile_definitions(inside PRIVATE main=Main)'
     echo 'target_link_libraries(inside PRIVATE acg::acg)'
-    echo 'add_executable(outside main.cpp)'
+    echo 'add_executable(outside empty.cpp)'
     echo 'target_link_libraries(outside PRIVATE inside)'
 } >"$folder/CMakeLists.txt"
 cd "$folder"

@@ -1,9 +1,9 @@
 // What a replacement makes of what has the name, and that it leaves nothing else in the folder.
 #include "platform/FileReplacement.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 #include <tuple>
 
@@ -15,8 +15,8 @@ namespace
 
 TEST(FileReplacementTest, LeavesTheOldContentsOrTheNewOnesAndNothingElse)
 {
-    const fs::path folder = fs::path(testing::TempDir()) / std::to_string(std::random_device()());
-    fs::create_directory(folder);
+    const TemporaryFolder temporary;
+    const fs::path& folder = temporary.Path;
     const fs::path device = fs::exists("/dev/null") ? "/dev/null" : "NUL";
     constexpr auto Kept = ExistingFile::Kept;
     constexpr auto Replaced = ExistingFile::Replaced;
@@ -45,7 +45,6 @@ TEST(FileReplacementTest, LeavesTheOldContentsOrTheNewOnesAndNothingElse)
         EXPECT_EQ(std::string(found.begin(), found.end()), left);
     }
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
-    fs::remove_all(folder);
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // Where the system's library loading looks, and what it says where it finds nothing.
 #include "platform/Library.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 
 using namespace acg;
@@ -13,13 +13,13 @@ namespace
 
 // Error codes of the two systems: no such library, not a library.
 #ifdef _WIN32
-constexpr const char* SimulatorFile = "ACGReader330.dll";
-constexpr const char* CopyName = "OnlyHere.dll";
+constexpr const char* Prefix = "";
+constexpr const char* Ending = ".dll";
 constexpr int32_t NoLibrary = 126;
 constexpr int32_t Refused = 193;
 #else
-constexpr const char* SimulatorFile = "libACGReader330.so";
-constexpr const char* CopyName = "libOnlyHere.so";
+constexpr const char* Prefix = "lib";
+constexpr const char* Ending = ".so";
 constexpr int32_t NoLibrary = 2;
 constexpr int32_t Refused = 80;
 #endif
@@ -29,20 +29,20 @@ TEST(LibraryTest, IsNotLoadedFromTheCurrentDirectoryNorFromAnyFile)
     namespace fs = std::filesystem;
     const fs::path before = fs::current_path();
     const fs::path program = fs::absolute(testing::internal::GetArgvs().front());
-    const fs::path folder = fs::temp_directory_path() / "acg-library-test";
-    fs::create_directories(folder);
-    fs::copy_file(program.parent_path() / SimulatorFile, folder / CopyName,
-                  fs::copy_options::overwrite_existing);
-    fs::current_path(folder);
-    const EntryPoint entry = Library("OnlyHere").Find("OpenComm");
+    const TemporaryFolder folder;
+    const std::string name = folder.Path.filename().string(); // a library's, too: no other run has it
+    const std::string file = Prefix + name + Ending;
+    fs::copy_file(program.parent_path() / (Prefix + std::string("ACGReader330") + Ending),
+                  folder.Path / file);
+    fs::current_path(folder.Path);
+    const EntryPoint entry = Library(name.c_str()).Find("OpenComm");
     fs::current_path(before);
-    fs::remove_all(folder);
     EXPECT_FALSE(entry.LibraryLoaded);
     EXPECT_EQ(entry.SystemError, NoLibrary);
 
-    const fs::path notOne = program.parent_path() / CopyName;
+    const fs::path notOne = program.parent_path() / file;
     std::ofstream(notOne) << "text";
-    EXPECT_EQ(Library("OnlyHere").Find("OpenComm").SystemError, Refused);
+    EXPECT_EQ(Library(name.c_str()).Find("OpenComm").SystemError, Refused);
     fs::remove(notOne);
 }
 

@@ -2,6 +2,7 @@
 // in its field. What the card grants under each access condition is held against the component's access
 // levels.
 #include "simulator/Library.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -71,8 +72,8 @@ TEST_F(SimulatorTest, UnknownOptionsAreRefusedWithALineThatSaysWhy)
 
 TEST_F(SimulatorTest, AnswersSessionsStepByStep)
 {
-    const std::filesystem::path folder = testing::TempDir() + "simulated-cards";
-    std::filesystem::create_directories(folder);
+    const TemporaryFolder temporary;
+    const std::filesystem::path& folder = temporary.Path;
     for (const size_t size : {1023U, 1024U, 4096U}) {
         std::ofstream file(folder / std::to_string(size), std::ios::binary);
         file << "\xDE\xAD\xBE\xEF" << std::string(size - 4, '\0');
@@ -143,12 +144,12 @@ TEST_F(SimulatorTest, AnswersSessionsStepByStep)
         EXPECT_EQ(Send(reader, commands), replies) << options;
     }
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(200)); // on the slow line
-    std::filesystem::remove_all(folder);
 }
 
 TEST_F(SimulatorTest, AReplayEndsAtTheFirstCallThatIsNotNext)
 {
-    const std::string path = testing::TempDir() + "replayed.log";
+    const TemporaryFolder folder;
+    const std::string path = (folder.Path / "replayed.log").string();
     std::ofstream(path, std::ios::binary)
         << "# next\n0.1 CloseComm 0 = 0 0.1\n0.1 OpenComm \"com9\" 1 19200 1 = 7 0.1\n"
            "0.1 OpenReader 7 65 0 = 8 0.1\r\n"
@@ -163,7 +164,6 @@ TEST_F(SimulatorTest, AReplayEndsAtTheFirstCallThatIsNotNext)
     EXPECT_EQ(replay.SendCommandGetData(8, "read block", "05", {}), StatusReply('?'));
     EXPECT_EQ(replay.SendCommandGetData(8, "read block", "04", {}), StatusReply('?'));
     EXPECT_EQ(replay.GetReaderType(8, {}), "");
-    std::filesystem::remove(path);
 }
 
 } // namespace
