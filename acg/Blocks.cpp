@@ -64,6 +64,23 @@ int32_t ParseDataBlock(std::string_view Text)
     return number;
 }
 
+Refusal TryReadBlock(Encoder& Opened, int32_t Number, const Key& With, Block& Contents)
+{
+    try {
+        Contents = ReadBlock(Opened, Number, With);
+        return Refusal::None;
+    } catch (const CardFailure& failure) {
+        const CError& record = failure.Record;
+        const bool isLogin = record.RdrCommand.ends_with(L"login");
+        const wchar_t letter = record.RdrRetCode.empty() ? L'\0' : record.RdrRetCode.front();
+        if ((!isLogin && !record.RdrCommand.ends_with(L"read block")) || letter == L'\0' || letter == L'N') {
+            throw;
+        }
+        // A reader that doesn't judge the login answers O or R to the block command.
+        return isLogin || letter == L'O' || letter == L'R' ? Refusal::WrongKey : Refusal::NotGranted;
+    }
+}
+
 ValueBlock::ValueBlock(const Block& Bytes)
     : m_value(NumberAt(Bytes, 0)), m_inverted(NumberAt(Bytes, 4)),
       m_again(NumberAt(Bytes, 8)), m_address{Bytes[12], Bytes[13], Bytes[14], Bytes[15]}

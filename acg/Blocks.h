@@ -29,6 +29,17 @@ inline constexpr uint16_t AllButKeys = 0x03C0; ///< of a sector trailer
 /// The data block that a write is meant for; throws UsageError for a trailer, too.
 [[nodiscard]] int32_t ParseDataBlock(std::string_view Text);
 
+/// Why a block can't be read, when others of the card still can.
+enum class Refusal {
+    None,
+    WrongKey, ///< or no such sector, or a blocked one
+    NotGranted
+};
+
+/// Contents is changed only for Refusal::None. Throws like ReadBlock if the failure concerns more than this
+/// block: if the card has left, for example.
+[[nodiscard]] Refusal TryReadBlock(Encoder& Opened, int32_t Number, const Key& With, Block& Contents);
+
 /// What a value block holds three times, and its address. The numbers are stored with the lowest byte first.
 class ValueBlock
 {
