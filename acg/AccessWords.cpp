@@ -16,13 +16,6 @@ constexpr size_t FirstConditionByte = 6;
 constexpr size_t UserByte = 9;
 constexpr size_t FirstByteOfKeyB = 10;
 
-constexpr const char* KeysInWords[] = {"nobody", "key A", "key B", "key A or key B"};
-
-const char* InWords(Keys keys)
-{
-    return KeysInWords[static_cast<size_t>(keys)];
-}
-
 /// The manufacturer's block can't be written, whatever the access bits say.
 SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
 {
@@ -97,6 +90,12 @@ void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, 
 
 } // namespace
 
+const char* NameOf(Keys Holders)
+{
+    constexpr const char* Names[] = {"nobody", "key A", "key B", "key A or key B"};
+    return Names[static_cast<size_t>(Holders)];
+}
+
 std::string NameOfSlot(unsigned Slot, SectorNumber Sector)
 {
     if (!Sector) {
@@ -142,12 +141,12 @@ std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
         text += "Key B is only data here: it can be read, and opens nothing.\n";
     }
     if (!AreConditionsFixed(trailer)) {
-        return text + Format("All of this can be changed again by %s.\n", InWords(trailer.WriteConditions));
+        return text + Format("All of this can be changed again by %s.\n", NameOf(trailer.WriteConditions));
     }
     text += "FOR GOOD: nobody can ever change again what the keys of this sector may do.\n";
     text += AreKeysFixed(trailer)
                 ? "FOR GOOD: nobody can ever change the keys of this sector again.\n"
-                : Format("The keys can be changed again by %s.\n", InWords(trailer.WriteKeys));
+                : Format("The keys can be changed again by %s.\n", NameOf(trailer.WriteKeys));
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         const BlockRights& block = rights.Blocks[slot];
         const std::string name = NameOfSlot(slot, Sector);

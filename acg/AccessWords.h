@@ -21,6 +21,9 @@ struct AccessRow {
 /// Sector: none for a sector as such, whose data blocks are counted from 0.
 using SectorNumber = std::optional<int32_t>;
 
+/// "nobody", "key A", "key B" or "key A or key B".
+[[nodiscard]] const char* NameOf(Keys Holders);
+
 [[nodiscard]] std::vector<AccessRow> AccessRows(const ConditionBytes& Bytes, SectorNumber Sector);
 
 /// Bytes 6 to 8 of the trailer, as "FF0780".

@@ -7,6 +7,17 @@
 namespace acg::tool
 {
 
+namespace
+{
+
+uint32_t NumberAt(const Block& bytes, size_t at)
+{
+    return bytes[at] | uint32_t{bytes[at + 1]} << 8 | uint32_t{bytes[at + 2]} << 16 |
+           uint32_t{bytes[at + 3]} << 24;
+}
+
+} // namespace
+
 std::string Digits(const Block& Bytes, uint16_t Known, std::string_view Between)
 {
     std::string digits;
@@ -53,14 +64,39 @@ int32_t ParseDataBlock(std::string_view Text)
     return number;
 }
 
-Block ReadBack(Encoder& Opened, int32_t Number, const Key& With, Output& Out)
+Refusal TryReadBlock(Encoder& Opened, int32_t Number, const Key& With, Block& Contents)
 {
     try {
-        return ReadBlock(Opened, Number, With);
-    } catch (const CardFailure&) {
-        Out.Problem("the reader reported no failure of the writing, but reading back fails");
-        throw;
+        Contents = ReadBlock(Opened, Number, With);
+        return Refusal::None;
+    } catch (const CardFailure& failure) {
+        const CError& record = failure.Record;
+        const bool isLogin = record.RdrCommand.ends_with(L"login");
+        const wchar_t letter = record.RdrRetCode.empty() ? L'\0' : record.RdrRetCode.front();
+        if ((!isLogin && !record.RdrCommand.ends_with(L"read block")) || letter == L'\0' || letter == L'N') {
+            throw;
+        }
+        // A reader that doesn't judge the login answers O or R to the block command.
+        return isLogin || letter == L'O' || letter == L'R' ? Refusal::WrongKey : Refusal::NotGranted;
     }
+}
+
+ValueBlock::ValueBlock(const Block& Bytes)
+    : m_value(NumberAt(Bytes, 0)), m_inverted(NumberAt(Bytes, 4)),
+      m_again(NumberAt(Bytes, 8)), m_address{Bytes[12], Bytes[13], Bytes[14], Bytes[15]}
+{
+}
+
+std::optional<uint8_t> ValueBlock::Address() const
+{
+    const bool isConsistent =
+        m_address[2] == m_address[0] && m_address[3] == m_address[1] && (m_address[0] ^ m_address[1]) == 0xFF;
+    return isConsistent ? std::optional(m_address[0]) : std::nullopt;
+}
+
+std::string ReadCommand(int32_t Number, const Key& With)
+{
+    return Format("acg read %d --key …%s", Number, With.Type == KeyTypeB ? " --as-b" : "");
 }
 
 } // namespace acg::tool

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "acg/Card.h"
-#include "acg/Output.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,7 +29,39 @@ inline constexpr uint16_t AllButKeys = 0x03C0; ///< of a sector trailer
 /// The data block that a write is meant for; throws UsageError for a trailer, too.
 [[nodiscard]] int32_t ParseDataBlock(std::string_view Text);
 
-/// Reads what was just written; a failure is said before it is thrown.
-[[nodiscard]] Block ReadBack(Encoder& Opened, int32_t Number, const Key& With, Output& Out);
+/// Why a block can't be read, when others of the card still can.
+enum class Refusal {
+    None,
+    WrongKey, ///< or no such sector, or a blocked one
+    NotGranted
+};
+
+/// Contents is changed only for Refusal::None. Throws like ReadBlock if the failure concerns more than this
+/// block: if the card has left, for example.
+[[nodiscard]] Refusal TryReadBlock(Encoder& Opened, int32_t Number, const Key& With, Block& Contents);
+
+/// What a value block holds three times, and its address. The numbers are stored with the lowest byte first.
+class ValueBlock
+{
+public:
+    explicit ValueBlock(const Block& Bytes);
+
+    [[nodiscard]] int32_t Value() const { return static_cast<int32_t>(m_value); }
+    [[nodiscard]] int32_t Inverted() const { return static_cast<int32_t>(~m_inverted); }
+    [[nodiscard]] int32_t Again() const { return static_cast<int32_t>(m_again); }
+    [[nodiscard]] bool HasCopies() const { return m_inverted == ~m_value && m_again == m_value; }
+    /// The block's number, when a reader has written it; none if its four bytes disagree.
+    [[nodiscard]] std::optional<uint8_t> Address() const;
+    [[nodiscard]] bool IsValid() const { return HasCopies() && Address(); }
+
+private:
+    uint32_t m_value;
+    uint32_t m_inverted;
+    uint32_t m_again;
+    std::array<uint8_t, 4> m_address;
+};
+
+/// The command that shows a block, for a person to type. The key itself isn't shown.
+[[nodiscard]] std::string ReadCommand(int32_t Number, const Key& With);
 
 } // namespace acg::tool

@@ -91,6 +91,16 @@ void Must(Encoder& Opened, sceReturnCode Result)
     }
 }
 
+std::wstring SerialNumberOf(Encoder& Opened)
+{
+    std::wstring serial;
+    Must(Opened, Opened.ReadSerialNumber(serial));
+    if (serial.empty()) {
+        throw OtherFailure{"the reader's reply to selecting the card has no serial number"};
+    }
+    return serial;
+}
+
 Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With)
 {
     std::wstring contents;

@@ -36,6 +36,9 @@ void Open(Encoder& Closed);
 /// Ctrl-C.
 void Must(Encoder& Opened, sceReturnCode Result);
 
+/// The serial number of the card in the field. Throws OtherFailure if the reader's reply has none.
+[[nodiscard]] std::wstring SerialNumberOf(Encoder& Opened);
+
 /// Throws OtherFailure where the reader's reply isn't a whole block in hexadecimal.
 [[nodiscard]] Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With);
 

@@ -74,7 +74,7 @@ int CommandLine::Run(std::vector<std::string> Arguments)
     out.Json().emplace("failure", nullptr);
     out.Finish();
     if (!problem.empty()) {
-        PrintProblem(problem);
+        PrintProblem(problem + out.Outcome());
     }
     return status;
 }

@@ -1,12 +1,14 @@
 // acg dump: the whole card into a file.
 #include "acg/AccessWords.h"
 #include "acg/Blocks.h"
+#include "acg/CardSize.h"
 #include "acg/CommandLine.h"
 #include "acg/Commands.h"
 #include "acg/DumpFile.h"
 #include "acg/Failures.h"
 #include "acg/ProgressBar.h"
 #include "acg/Text.h"
+#include "acg/WriteReport.h"
 #include "cards/BlockAddress.h"
 
 #include <nlohmann/json.hpp>
@@ -20,41 +22,16 @@ namespace acg::tool
 namespace
 {
 
-// The last sectors of a 1K and a 4K card.
-constexpr int32_t LastSector1K = 15;
-
 struct Options {
     std::vector<std::string> Files; ///< FILE
     KeyOptions Key;
     std::string KeysFile;    ///< --keys
+    std::string Card;        ///< --card
     bool MayReplace = false; ///< --force
 };
 
 constexpr uint16_t KeyABytes = 0x003F;
 constexpr uint16_t KeyBBytes = 0xFC00;
-
-/// Why a block couldn't be read.
-enum class Refusal {
-    None,
-    WrongKey,
-    NoSuchBlock,
-    NotGranted
-};
-
-/// Any other failure means that nothing more can be read at all: it is thrown.
-Refusal RefusalOf(const CError& record)
-{
-    const bool isLogin = record.RdrCommand.ends_with(L"login");
-    const wchar_t letter = record.RdrRetCode.empty() ? L'\0' : record.RdrRetCode.front();
-    if ((!isLogin && !record.RdrCommand.ends_with(L"read block")) || letter == L'\0' || letter == L'N') {
-        throw CardFailure{record};
-    }
-    if (letter == L'R') {
-        return Refusal::NoSuchBlock;
-    }
-    // A reader that doesn't judge the login answers O to the block command.
-    return isLogin || letter == L'O' ? Refusal::WrongKey : Refusal::NotGranted;
-}
 
 /// Which key of the list opens a sector, as the index; nothing where none does.
 struct Opening {
@@ -73,15 +50,7 @@ public:
     {
     }
 
-    /// The last sector of the card. A card whose sector 16 has other keys has that sector.
-    int32_t FindLastSector()
-    {
-        DumpedBlock block;
-        const Refusal refusal = Read(TrailerBlock(LastSector1K + 1), {m_keys.front(), KeyTypeA}, block);
-        return refusal == Refusal::NoSuchBlock ? LastSector1K : LastSector;
-    }
-
-    /// Reads a sector behind those that are in the dump already.
+    /// Reads the sector that follows those in the dump.
     void ReadSector(int32_t sector, const ProgressBar& bar);
 
     [[nodiscard]] const Dump& Result() const { return m_dump; }
@@ -110,12 +79,9 @@ private:
 
 Refusal CardReading::Read(int32_t number, const Key& key, DumpedBlock& block)
 {
-    try {
-        block = {ReadBlock(m_encoder, number, key), AllKnown};
-        return Refusal::None;
-    } catch (const CardFailure& failure) {
-        return RefusalOf(failure.Record);
-    }
+    const Refusal refusal = TryReadBlock(m_encoder, number, key, block.Bytes);
+    block.Known = refusal == Refusal::None ? AllKnown : block.Known;
+    return refusal;
 }
 
 /// The first key that opens the sector. What it reads of the trailer goes to the block.
@@ -242,25 +208,72 @@ void ShowOpenings(const std::vector<Opening>& openings, const KeyList& keys, Out
     }
 }
 
+/// Of a trailer, what it shows.
+bool IsRead(const DumpedBlock& block, int32_t number)
+{
+    const uint16_t shown = IsTrailer(number) ? AllButKeys : AllKnown;
+    return (block.Known & shown) == shown;
+}
+
+/// After a sector; throws OtherFailure if the card isn't the one with which the dump began.
+void RequireCard(Encoder& encoder, const std::wstring& first, int32_t sector)
+{
+    const std::wstring now = SerialNumberOf(encoder);
+    if (now != first) {
+        const std::string known = sector == 0
+                                      ? "no block is surely"
+                                      : Format("only blocks 0 to %d are surely", TrailerBlock(sector - 1));
+        throw OtherFailure{
+            Format("the dump began with card %s, and %s lies in the field now; %s of the first",
+                   ToUtf8(first).c_str(), ToUtf8(now).c_str(), known.c_str())};
+    }
+}
+
 int DumpCard(const Options& given, Context& context)
 {
+    Output& out = context.Out;
     const std::string& name = given.Files.front();
     const KeyList keys = KeysOf(given);
+    std::optional<CardSize> size = ParseCardSize(given.Card);
     const NewFile file(name, given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept);
+    WriteReport report(out);
+    report.Add(name, /*Look=*/{});
     const auto encoder = OpenReader(context.Parameters);
-    CardReading reading(*encoder, keys.Keys, context.Out);
-    const int32_t lastSector = reading.FindLastSector();
+    const std::wstring serial = SerialNumberOf(*encoder);
+    out.Json()["card"] = ToUtf8(serial);
+    CardReading reading(*encoder, keys.Keys, out);
     {
-        const ProgressBar bar(TrailerBlock(lastSector) + 1);
-        for (int32_t sector = 0; sector <= lastSector; ++sector) {
+        ProgressBar bar(TrailerBlock(size ? size->LastSector : LastSector1K) + 1);
+        for (int32_t sector = 0; sector <= (size ? size->LastSector : LastSector1K); ++sector) {
             reading.ReadSector(sector, bar);
+            if (sector == LastSector1K && !size) {
+                try {
+                    size = FindCardSize(*encoder, keys.Keys);
+                } catch (const CardFailure&) {
+                    bar.Erase();
+                    out.Problem("whether the card has a sector 16 isn't known; --card 1k doesn't ask");
+                    throw;
+                }
+                bar.SetSteps(TrailerBlock(size->LastSector) + 1);
+            }
+            RequireCard(*encoder, serial, sector);
         }
     }
     file.Write(reading.Result());
-    ShowOpenings(reading.Openings(), keys, context.Out);
-    const auto blocks = static_cast<int>(reading.Result().size());
-    context.Out.Print(Format("%d blocks written to %s", blocks, name.c_str()));
-    context.Out.Json()["blocks"] = blocks;
+    report.Complete();
+    ShowOpenings(reading.Openings(), keys, out);
+    int blocks = 0;
+    int read = 0;
+    for (const DumpedBlock& block : reading.Result()) {
+        read += IsRead(block, blocks++) ? 1 : 0;
+    }
+    out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read, and written to %s",
+                     ToUtf8(serial).c_str(), size->LastSector == LastSector1K ? "1K" : "4K",
+                     size->Reason.c_str(), read, blocks, name.c_str()));
+    out.Json()["size"] = size->Name;
+    out.Json()["sizeReason"] = size->Reason;
+    out.Json()["blocks"] = blocks;
+    out.Json()["blocksRead"] = read;
     return reading.IsComplete() ? Done : Failed;
 }
 
@@ -280,6 +293,10 @@ void AddDump(CommandLine& Commands)
         ->required()
         ->expected(1);
     TakesKey(command, given->Key);
+    command
+        .add_option("--card", given->Card,
+                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K")
+        ->type_name("1k|4k");
     command
         .add_option(
             "--keys", given->KeysFile,

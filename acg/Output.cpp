@@ -5,7 +5,6 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
-#include <string>
 
 namespace acg::tool
 {

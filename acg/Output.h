@@ -4,6 +4,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace acg::tool
@@ -33,12 +34,18 @@ public:
     /// With --json it is also in the list "problems".
     void Problem(std::string_view Text);
 
+    /// What became of what the command writes, said after the failure that ends it: lines that begin with
+    /// "\n".
+    void SetOutcome(std::string_view Lines) { m_outcome = Lines; }
+    [[nodiscard]] const std::string& Outcome() const { return m_outcome; }
+
     /// Prints the object.
     void Finish() const;
 
 private:
     bool m_isJson = false;
     std::unique_ptr<JsonObject> m_json;
+    std::string m_outcome;
 };
 
 /// "acg: " and the text on standard error.

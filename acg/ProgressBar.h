@@ -16,6 +16,7 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
+    void SetSteps(int Steps) { m_steps = Steps; }
     void Show(int StepsDone) const;
     /// Before anything else is printed.
     void Erase() const;

@@ -1,5 +1,6 @@
 // acg protect: new keys and levels for a sector, with all that can't be undone said before it is done.
 #include "acg/AccessWords.h"
+#include "acg/Blocks.h"
 #include "acg/CommandLine.h"
 #include "acg/Commands.h"
 #include "acg/Failures.h"
@@ -7,9 +8,12 @@
 #include "acg/SectorTrailer.h"
 #include "acg/System.h"
 #include "acg/Text.h"
+#include "acg/WriteReport.h"
+#include "cards/BlockAddress.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace acg::tool
@@ -22,6 +26,7 @@ struct Options {
     std::string Sector;
     KeyOptions Key;
     LevelOptions Levels;
+    std::string ValueBlocks; ///< --value
     std::string NewA;        ///< --new-a
     std::string NewB;        ///< --new-b
     std::string NewKeysFile; ///< --new-keys
@@ -31,16 +36,34 @@ struct Options {
     bool IsAgreedTo = false; ///< --yes
 };
 
-/// All that goes into the trailer. Nothing of it comes from what the class reads on writing.
+struct NewKeys {
+    std::wstring A;
+    std::wstring B;
+};
+
+struct Request {
+    int32_t Sector;
+    Key Login;
+    std::optional<NewKeys> Keys; ///< none: they stay as they are
+    SectorLevels Levels;         ///< KeysToUse: KeysAsOnCard if it isn't given
+    std::optional<uint8_t> BX;
+};
+
+/// All that goes into the trailer, but for the keys. Nothing of it comes from what the class reads on
+/// writing.
 struct NewTrailer {
-    std::wstring KeyA;
-    std::wstring KeyB;
     SectorLevels Levels;
     ConditionBytes Bytes;
     uint8_t BX;
 };
 
-std::wstring NewKey(const std::string& text, const char* option, const char* variable)
+/// A value block that is written again before the trailer, so that the class stores the rights of a purse.
+struct Purse {
+    int32_t Block;
+    int32_t Value;
+};
+
+std::optional<std::wstring> NewKey(const std::string& text, const char* option, const char* variable)
 {
     if (!text.empty()) {
         return ParseKey(text, option);
@@ -48,42 +71,103 @@ std::wstring NewKey(const std::string& text, const char* option, const char* var
     if (const auto key = EnvironmentVariable(variable)) {
         return ParseKey(*key, Format("the key in %s", variable));
     }
-    throw UsageError{Format("a new key is required: %s, --new-keys, or the variable %s", option, variable)};
+    return std::nullopt;
 }
 
-void ParseNewKeys(const Options& given, NewTrailer& trailer)
+std::optional<NewKeys> ParseNewKeys(const Options& given)
 {
-    if (given.NewKeysFile.empty()) {
-        trailer.KeyA = NewKey(given.NewA, "--new-a", "ACG_NEW_A");
-        trailer.KeyB = NewKey(given.NewB, "--new-b", "ACG_NEW_B");
-        return;
+    if (!given.NewKeysFile.empty()) {
+        const std::vector<std::wstring> keys = ReadKeys(given.NewKeysFile);
+        if (keys.size() != 2) {
+            throw UsageError{given.NewKeysFile + " has to have two keys: A, then B"};
+        }
+        return NewKeys{keys.front(), keys.back()};
     }
-    const std::vector<std::wstring> keys = ReadKeys(given.NewKeysFile);
-    if (keys.size() != 2) {
-        throw UsageError{given.NewKeysFile + " has to have two keys: A, then B"};
+    const auto keyA = NewKey(given.NewA, "--new-a", "ACG_NEW_A");
+    const auto keyB = NewKey(given.NewB, "--new-b", "ACG_NEW_B");
+    if (keyA.has_value() != keyB.has_value()) {
+        throw UsageError{keyA ? "there is a new key A, but no new key B: --new-b, or the variable ACG_NEW_B"
+                              : "there is a new key B, but no new key A: --new-a, or the variable ACG_NEW_A"};
     }
-    trailer.KeyA = keys.front();
-    trailer.KeyB = keys.back();
+    return keyA ? std::optional(NewKeys{*keyA, *keyB}) : std::nullopt;
 }
 
-std::wstring SerialNumberOf(Encoder& encoder)
+Request Parse(const Options& given)
 {
-    std::wstring serial;
-    Must(encoder, encoder.ReadSerialNumber(serial));
-    return serial;
+    Request asked{.Sector = ParseSector(given.Sector),
+                  .Login = TheKey(given.Key),
+                  .Keys = ParseNewKeys(given),
+                  .Levels = {.Levels = ParseLevels(given.Levels.Levels), .KeysToUse = KeysAsOnCard}};
+    if (!given.ValueBlocks.empty()) {
+        ParseValueBlocks(given.ValueBlocks, asked.Levels);
+    }
+    if (asked.Sector == 0 && asked.Levels.IsValueBlock[0]) {
+        throw UsageError{"block 0 is the manufacturer's and can't be written: --value 0 isn't for sector 0"};
+    }
+    if (!given.Levels.KeysToUse.empty()) {
+        asked.Levels.KeysToUse = ParseKeysToUse(given.Levels.KeysToUse);
+        static_cast<void>(EncodeOrRefuse(asked.Levels));
+    }
+    if (!given.BX.empty()) {
+        asked.BX =
+            static_cast<uint8_t>(ParseNumber(given.BX, 0, UINT8_MAX, "--bx is a number from 0 to 255"));
+    }
+    if (!given.IsDryRun && !given.IsAgreedTo && !IsTerminal(stdin)) {
+        throw UsageError{"there is no terminal to ask on: give --yes to write, or --dry-run to look"};
+    }
+    return asked;
 }
 
-/// Where the key may write only a part of a trailer, the card silently takes that part.
-void RequireRights(const TrailerRights& rights, Keys key, bool changesConditions)
+/// The class stores a purse's rights for a slot by these blocks, also in a sector of 16 blocks.
+int32_t PurseBlock(const Request& asked, unsigned slot)
 {
-    const char* const name = key == Keys::A ? "key A" : "key B";
-    if (!Has(rights.WriteKeys, key)) {
-        throw OtherFailure{Format("%s may not write the keys of this sector; nothing was written", name)};
+    return TrailerBlock(asked.Sector) - static_cast<int32_t>(DataSlots - slot);
+}
+
+/// The slot whose access bits hold for that block.
+unsigned SlotOfPurse(const Request& asked, unsigned slot)
+{
+    const bool isLarge = TrailerBlock(asked.Sector) - TrailerBlock(asked.Sector - 1) > int32_t{SectorSlots};
+    return isLarge ? DataSlots - 1 : slot;
+}
+
+void AddParts(const Request& asked, WriteReport& report)
+{
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        if (asked.Levels.IsValueBlock[slot]) {
+            const int32_t block = PurseBlock(asked, slot);
+            report.Add(Format("block %d", block), ReadCommand(block, asked.Login));
+        }
     }
-    if (changesConditions && !Has(rights.WriteConditions, key)) {
-        throw OtherFailure{
-            Format("%s may not write the access bits and byte 9 of this sector; nothing was written", name)};
+    const bool isAsB = asked.Login.Type == KeyTypeB;
+    const char* with = isAsB ? " --as-b" : "";
+    if (asked.Keys) {
+        with = isAsB ? ", with the new key A, or if that fails with the old key and --as-b"
+                     : ", with the new key A, or if that fails with the old key";
+    } else if (asked.Levels.KeysToUse == KeyAAlone) {
+        with = ", with key A";
     }
+    const std::string look = Format("acg trailer %d --key …%s", asked.Sector, with);
+    report.Add(
+        Format(asked.Keys ? "the keys and the access bits of sector %d" : "the access bits of sector %d",
+               asked.Sector),
+        look);
+}
+
+NewTrailer MakeTrailer(const Request& asked, const Block& onCard)
+{
+    NewTrailer wanted{.Levels = asked.Levels, .BX = asked.BX.value_or(UserByteOf(onCard))};
+    if (wanted.Levels.KeysToUse == KeysAsOnCard) {
+        wanted.Levels.KeysToUse = KeysUsedBy(RightsGranted(ConditionBytesOf(onCard)).Trailer);
+    }
+    wanted.Bytes = EncodeOrRefuse(wanted.Levels);
+    return wanted;
+}
+
+/// Key B is a key once the trailer is written.
+bool IsKeyB(const NewTrailer& wanted)
+{
+    return KeysUsedBy(RightsGranted(wanted.Bytes).Trailer) == BothKeys;
 }
 
 /// The class stores the rights of a purse only for a block that it has written as a value block itself.
@@ -92,10 +176,76 @@ void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         if (TripleIn(before, slot) == AccessTriple::Bits110 &&
             TripleIn(after, slot) == AccessTriple::Bits100) {
-            out.Print(Format("Taken away: a value in %s can no longer be incremented or decremented.",
-                             NameOfSlot(slot, sector).c_str()));
+            out.Print(Format("Taken away: a value in %s can no longer be incremented or decremented; "
+                             "--value %u keeps that.",
+                             NameOfSlot(slot, sector).c_str(), slot));
         }
     }
+}
+
+void ShowChange(int32_t sector, const Block& onCard, const NewTrailer& wanted, Output& out)
+{
+    const ConditionBytes before = ConditionBytesOf(onCard);
+    const std::vector<std::string> deviations = Deviations(wanted.Levels, wanted.Bytes, sector);
+    out.Json()["before"] = ToJson(ShownAccess{sector, before, UserByteOf(onCard), {}});
+    out.Json()["after"] = ToJson(ShownAccess{sector, wanted.Bytes, wanted.BX, deviations});
+    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, LevelsInWords(before).c_str(),
+                     UserByteOf(onCard), AccessTable(before, sector).c_str()));
+    out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
+                     LevelsInWords(wanted.Bytes).c_str(), wanted.BX,
+                     AccessTable(wanted.Bytes, sector).c_str()));
+    for (const std::string& line : deviations) {
+        out.Print(line);
+    }
+    WarnOfPurses(before, wanted.Bytes, sector, out);
+}
+
+/// The class sends a whole trailer, of which the card silently takes what the key may write.
+void RequireRights(const Request& asked, const TrailerRights& rights, bool changesConditions)
+{
+    const Keys key = asked.Login.Type == KeyTypeB ? Keys::B : Keys::A;
+    const bool mayWriteKeys = Has(rights.WriteKeys, key);
+    const bool mayWriteConditions = Has(rights.WriteConditions, key);
+    if (!mayWriteKeys && (asked.Keys || !mayWriteConditions)) {
+        throw OtherFailure{
+            Format("%s may not write the keys of this sector%s", NameOf(key),
+                   mayWriteConditions ? ": without new keys, the access bits alone are written" : "")};
+    }
+    if (mayWriteKeys && !asked.Keys) {
+        throw UsageError{
+            Format("%s may write the keys of this sector, so they have to be given, new or as they "
+                   "are: --new-a and --new-b, --new-keys, or the variables ACG_NEW_A and ACG_NEW_B",
+                   NameOf(key))};
+    }
+    if (changesConditions && !mayWriteConditions) {
+        throw OtherFailure{Format("%s may not write the access bits and byte 9 of this sector", NameOf(key))};
+    }
+}
+
+Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const ConditionBytes& before,
+                Output& out)
+{
+    const int32_t number = PurseBlock(asked, slot);
+    const Keys writers = RightsGranted(before).Blocks[SlotOfPurse(asked, slot)].Write;
+    if (!Has(writers, asked.Login.Type == KeyTypeB ? Keys::B : Keys::A)) {
+        throw OtherFailure{
+            Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
+    }
+    const ValueBlock block(ReadBlock(encoder, number, asked.Login));
+    if (!block.IsValid()) {
+        throw OtherFailure{
+            Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key …%s", number,
+                   number, asked.Login.Type == KeyTypeB ? " --as-b" : "")};
+    }
+    out.Json()["values"].push_back({{"block", number}, {"value", block.Value()}});
+    std::string line =
+        Format("Block %d is written first, as a value block; its value stays %d", number, block.Value());
+    line += *block.Address() != number ? Format(", its address %u becomes %d", *block.Address(), number) : "";
+    line += SlotOfPurse(asked, slot) != slot
+                ? Format(". So %s get the rights of purses", NameOfSlot(slot, asked.Sector).c_str())
+                : "";
+    out.Print(line + ".");
+    return {number, block.Value()};
 }
 
 bool IsAgreedTo()
@@ -103,116 +253,112 @@ bool IsAgreedTo()
     std::fflush(stdout);
     std::fputs("Write this? Type yes: ", stderr);
     char answer[8] = {};
-    return std::fgets(answer, sizeof answer, stdin) != nullptr && std::string_view(answer) == "yes\n";
+    const bool isAnswered = std::fgets(answer, sizeof answer, stdin) != nullptr;
+    if (WasInterrupted()) {
+        throw Interruption{};
+    }
+    return isAnswered && std::string_view(answer) == "yes\n";
 }
 
-void Write(Encoder& encoder, int32_t sector, const Key& key, const NewTrailer& trailer)
+void Write(Encoder& encoder, const Purse& purse, const Key& key, WriteReport& report)
+{
+    report.Sent(encoder, encoder.WriteValueBloc(purse.Block, key.Digits, key.Type, purse.Value));
+    const ValueBlock block(report.ReadBack(encoder, [&] { return ReadBlock(encoder, purse.Block, key); }));
+    const bool isTaken = block.HasCopies() && block.Value() == purse.Value && block.Address() == purse.Block;
+    report.Found(isTaken);
+    report.RequireSameCard(encoder);
+    if (!isTaken) {
+        throw OtherFailure{Format("block %d reads back as something other than was written", purse.Block)};
+    }
+}
+
+void Write(Encoder& encoder, const Request& asked, const NewTrailer& wanted, WriteReport& report)
 {
     const auto level = [&](size_t slot) {
-        return static_cast<SCBS_SecurityLevelEnum>(trailer.Levels.Levels[slot]);
+        return static_cast<SCBS_SecurityLevelEnum>(wanted.Levels.Levels[slot]);
     };
-    Must(encoder, encoder.WriteSectorTrailer(
-                      sector, key.Digits, key.Type, trailer.KeyA, trailer.KeyB, trailer.Levels.KeysToUse,
-                      level(0), level(1), level(2),
-                      static_cast<SCSS_SecurityLevelEnum>(trailer.Levels.Levels[TrailerSlot]), trailer.BX));
+    // Without new ones the card ignores the keys, by the rights that RequireRights has seen. The key of the
+    // login would be the least harm if it took them.
+    const NewKeys keys = asked.Keys.value_or(NewKeys{asked.Login.Digits, asked.Login.Digits});
+    report.Sent(encoder,
+                encoder.WriteSectorTrailer(
+                    asked.Sector, asked.Login.Digits, asked.Login.Type, keys.A, keys.B,
+                    wanted.Levels.KeysToUse, level(0), level(1), level(2),
+                    static_cast<SCSS_SecurityLevelEnum>(wanted.Levels.Levels[TrailerSlot]), wanted.BX));
 }
 
-/// Logs in with the new keys and compares what reads back.
-void Verify(Encoder& encoder, int32_t sector, const NewTrailer& expected)
+/// Logs in with each key that the sector then has, and compares what reads back.
+bool IsTaken(Encoder& encoder, const Request& asked, const NewTrailer& wanted)
 {
-    const bool isKeyB = KeysUsedBy(RightsGranted(expected.Bytes).Trailer) == BothKeys;
-    bool isTaken = true;
-    for (const Key& key : {Key{expected.KeyA, KeyTypeA}, Key{expected.KeyB, KeyTypeB}}) {
-        if (key.Type == KeyTypeB && !isKeyB) {
-            continue;
+    std::vector<Key> logins = {asked.Login};
+    if (asked.Keys) {
+        logins = {{asked.Keys->A, KeyTypeA}};
+        if (IsKeyB(wanted)) {
+            logins.push_back({asked.Keys->B, KeyTypeB});
         }
-        const Block trailer = ReadTrailer(encoder, sector, key);
-        isTaken = isTaken && ConditionBytesOf(trailer) == expected.Bytes &&
-                  UserByteOf(trailer) == expected.BX && (isKeyB || KeyBOf(trailer) == expected.KeyB);
     }
-    if (!isTaken) {
-        throw OtherFailure{"the card holds something other than was written: acg trailer shows what"};
-    }
+    return std::ranges::all_of(logins, [&](const Key& key) {
+        const Block trailer = ReadTrailer(encoder, asked.Sector, key);
+        return ConditionBytesOf(trailer) == wanted.Bytes && UserByteOf(trailer) == wanted.BX &&
+               (!asked.Keys || IsKeyB(wanted) || KeyBOf(trailer) == asked.Keys->B);
+    });
 }
 
 int Protect(const Options& given, Context& context)
 {
     Output& out = context.Out;
-    const int32_t sector = ParseSector(given.Sector);
-    const Key key = TheKey(given.Key);
-    NewTrailer wanted{.Levels = {.Levels = ParseLevels(given.Levels.Levels), .KeysToUse = KeysAsOnCard}};
-    ParseNewKeys(given, wanted);
-    if (!given.Levels.KeysToUse.empty()) {
-        wanted.Levels.KeysToUse = ParseKeysToUse(given.Levels.KeysToUse);
-        wanted.Bytes = EncodeOrRefuse(wanted.Levels);
-    }
-    if (!given.BX.empty()) {
-        wanted.BX =
-            static_cast<uint8_t>(ParseNumber(given.BX, 0, UINT8_MAX, "--bx is a number from 0 to 255"));
-    }
-    if (!given.IsDryRun && !given.IsAgreedTo && !IsTerminal(stdin)) {
-        throw UsageError{"there is no terminal to ask on: give --yes to write, or --dry-run to look"};
-    }
-
+    const Request asked = Parse(given);
+    WriteReport report(out);
+    AddParts(asked, report);
     const auto encoder = OpenReader(context.Parameters);
-    const std::wstring serial = SerialNumberOf(*encoder);
-    const Block trailer = ReadTrailer(*encoder, sector, key);
-    const ConditionBytes before = ConditionBytesOf(trailer);
+    report.BeginCard(*encoder);
+    const Block onCard = ReadTrailer(*encoder, asked.Sector, asked.Login);
+    const ConditionBytes before = ConditionBytesOf(onCard);
     const TrailerRights rights = RightsGranted(before).Trailer;
-    if (given.Levels.KeysToUse.empty()) {
-        wanted.Levels.KeysToUse = KeysUsedBy(rights);
-        wanted.Bytes = EncodeOrRefuse(wanted.Levels);
-    }
-    if (given.BX.empty()) {
-        wanted.BX = UserByteOf(trailer);
-    }
-    const ConditionBytes after = wanted.Bytes;
+    const NewTrailer wanted = MakeTrailer(asked, onCard);
+    ShowChange(asked.Sector, onCard, wanted, out);
 
-    const std::vector<std::string> deviations = Deviations(wanted.Levels, after, sector);
-    out.Json() = {{"before", ToJson(ShownAccess{sector, before, UserByteOf(trailer), {}})},
-                  {"after", ToJson(ShownAccess{sector, after, wanted.BX, deviations})}};
-    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, LevelsInWords(before).c_str(),
-                     UserByteOf(trailer), AccessTable(before, sector).c_str()));
-    out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
-                     LevelsInWords(after).c_str(), wanted.BX, AccessTable(after, sector).c_str()));
-    for (const std::string& line : deviations) {
-        out.Print(line);
+    RequireRights(asked, rights, before != wanted.Bytes || UserByteOf(onCard) != wanted.BX);
+    const bool canBeReadBack = asked.Keys || IsKeyB(wanted);
+    if (!asked.Keys) {
+        out.Print(Format("The keys stay as they are, since %s may not write them.",
+                         NameOf(asked.Login.Type == KeyTypeB ? Keys::B : Keys::A)));
     }
-    WarnOfPurses(before, after, sector, out);
-
-    RequireRights(rights, key.Type == KeyTypeB ? Keys::B : Keys::A,
-                  before != after || UserByteOf(trailer) != wanted.BX);
-    if (AreConditionsFixed(RightsGranted(after).Trailer) && !AreConditionsFixed(rights) && !given.IsForGood) {
-        throw UsageError{
-            "this freezes the sector for good; nothing was written. Give --for-good if it is meant"};
+    if (!canBeReadBack) {
+        out.Print("Key B opens nothing afterwards, so this can't be read back with it.");
+    }
+    std::vector<Purse> purses;
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        if (asked.Levels.IsValueBlock[slot]) {
+            purses.push_back(ReadPurse(*encoder, asked, slot, before, out));
+        }
+    }
+    if (AreConditionsFixed(RightsGranted(wanted.Bytes).Trailer) && !AreConditionsFixed(rights) &&
+        !given.IsForGood) {
+        throw UsageError{"this freezes the sector for good. Give --for-good if it is meant"};
     }
     if (given.IsDryRun) {
         out.Print("Nothing was written: --dry-run.");
         return Done;
     }
     if (!given.IsAgreedTo && !IsAgreedTo()) {
-        throw OtherFailure{"not agreed to; nothing was written"};
+        throw OtherFailure{"not agreed to"};
     }
-    if (SerialNumberOf(*encoder) != serial) {
-        throw OtherFailure{"another card lies in the field now; nothing was written"};
+    report.RequireSameCard(*encoder);
+    for (const Purse& purse : purses) {
+        Write(*encoder, purse, asked.Login, report);
     }
-    bool isWritten = false;
-    try {
-        Write(*encoder, sector, key, wanted);
-        isWritten = true;
-        Verify(*encoder, sector, wanted);
-    } catch (const Interruption&) {
-        out.Problem("the trailer may have been written: try both the new keys and the old ones");
-        throw;
-    } catch (const CardFailure&) {
-        if (isWritten) {
-            out.Problem(
-                "the trailer was written without a failure, but reading back with the new keys fails: "
-                "try both the new keys and the old ones");
-        }
-        throw;
+    Write(*encoder, asked, wanted, report);
+    if (!canBeReadBack) {
+        throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
     }
-    out.Print("Written, and read back with the new keys.");
+    const bool isTaken = report.ReadBack(*encoder, [&] { return IsTaken(*encoder, asked, wanted); });
+    report.Found(isTaken);
+    report.RequireSameCard(*encoder);
+    if (!isTaken) {
+        throw OtherFailure{"the card holds something other than was written"};
+    }
+    out.Print(asked.Keys ? "Written, and read back with the new keys." : "Written, and read back.");
     return Done;
 }
 
@@ -229,7 +375,15 @@ void AddProtect(CommandLine& Commands)
     TakesKey(command, given->Key);
     TakesLevels(command, given->Levels)
         .description("1 for key A alone, 2 for both keys; else as on the card");
-    command.add_option("--new-a", given->NewA, "The new key A; else the variable ACG_NEW_A")
+    command
+        .add_option("--value", given->ValueBlocks,
+                    "Which of the blocks 0, 1, 2 are value blocks: each is written again with its value, and "
+                    "levels 9 and 13 grant the rights of a purse")
+        ->type_name("0,1,2");
+    command
+        .add_option("--new-a", given->NewA,
+                    "The new key A; else the variable ACG_NEW_A. New keys are required unless the key "
+                    "that logs in may not write them")
         ->type_name("KEY");
     command.add_option("--new-b", given->NewB, "The new key B; else the variable ACG_NEW_B")
         ->type_name("KEY");

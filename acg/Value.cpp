@@ -4,6 +4,7 @@
 #include "acg/Commands.h"
 #include "acg/Failures.h"
 #include "acg/Text.h"
+#include "acg/WriteReport.h"
 
 #include <nlohmann/json.hpp>
 
@@ -19,48 +20,18 @@ struct Options {
     KeyOptions Key;
 };
 
-/// What a value block holds three times, and its address.
-struct ValueBlock {
-    uint32_t Value;
-    uint32_t Inverted;
-    uint32_t Again;
-    uint8_t Address[4];
-
-    explicit ValueBlock(const Block& bytes)
-        : Value(NumberAt(bytes, 0)), Inverted(NumberAt(bytes, 4)),
-          Again(NumberAt(bytes, 8)), Address{bytes[12], bytes[13], bytes[14], bytes[15]}
-    {
-    }
-
-    [[nodiscard]] bool HasCopies() const { return Inverted == ~Value && Again == Value; }
-    [[nodiscard]] bool HasAddress() const
-    {
-        return Address[2] == Address[0] && Address[3] == Address[1] && (Address[0] ^ Address[1]) == 0xFF;
-    }
-
-private:
-    /// The lowest byte first.
-    static uint32_t NumberAt(const Block& bytes, size_t at)
-    {
-        return bytes[at] | uint32_t{bytes[at + 1]} << 8 | uint32_t{bytes[at + 2]} << 16 |
-               uint32_t{bytes[at + 3]} << 24;
-    }
-};
-
 void Show(const ValueBlock& block, Output& out)
 {
-    const auto value = static_cast<int32_t>(block.Value);
     const std::string copies =
         block.HasCopies() ? "agree"
-                          : Format("disagree: inverted %d, again %d", static_cast<int32_t>(~block.Inverted),
-                                   static_cast<int32_t>(block.Again));
-    const std::string address =
-        block.HasAddress() ? Format("%d", block.Address[0]) : "its four bytes disagree";
-    out.Print(Format("Value    %d\nCopies   %s\nAddress  %s", value, copies.c_str(), address.c_str()));
+                          : Format("disagree: inverted %d, again %d", block.Inverted(), block.Again());
+    const std::optional<uint8_t> address = block.Address();
+    out.Print(Format("Value    %d\nCopies   %s\nAddress  %s", block.Value(), copies.c_str(),
+                     address ? std::to_string(*address).c_str() : "its four bytes disagree"));
     JsonObject& json = out.Json();
-    json["value"] = value;
-    json["isValueBlock"] = block.HasCopies() && block.HasAddress();
-    json["address"] = block.HasAddress() ? JsonObject(block.Address[0]) : JsonObject();
+    json["value"] = block.Value();
+    json["isValueBlock"] = block.IsValid();
+    json["address"] = address ? JsonObject(*address) : JsonObject();
 }
 
 int Value(const Options& given, Context& context)
@@ -72,17 +43,28 @@ int Value(const Options& given, Context& context)
                              "NUMBER is a whole number from -2147483648 to 2147483647");
     }
     const Key key = TheKey(given.Key);
+    WriteReport report(context.Out);
+    if (wanted) {
+        report.Add(Format("block %d", number), ReadCommand(number, key));
+    }
     const auto encoder = OpenReader(context.Parameters);
     if (wanted) {
-        Must(*encoder, encoder->WriteValueBloc(number, key.Digits, key.Type, *wanted));
+        report.BeginCard(*encoder);
+        report.Sent(*encoder, encoder->WriteValueBloc(number, key.Digits, key.Type, *wanted));
     }
-    const ValueBlock block(wanted ? ReadBack(*encoder, number, key, context.Out)
-                                  : ReadBlock(*encoder, number, key));
+    const auto read = [&] { return ReadBlock(*encoder, number, key); };
+    const ValueBlock block(wanted ? report.ReadBack(*encoder, read) : read());
+    const bool isAsWanted = block.IsValid() && block.Value() == wanted.value_or(block.Value());
+    if (wanted) {
+        report.Found(isAsWanted);
+        report.RequireSameCard(*encoder);
+    }
+    context.Out.Json()["block"] = number;
     Show(block, context.Out);
-    if (wanted && static_cast<int32_t>(block.Value) != *wanted) {
+    if (wanted && !isAsWanted) {
         throw OtherFailure{Format("block %d reads back as something other than was written", number)};
     }
-    if (!block.HasCopies() || !block.HasAddress()) {
+    if (!isAsWanted) {
         throw OtherFailure{Format("block %d isn't a value block", number)};
     }
     return Done;

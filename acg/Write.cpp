@@ -4,6 +4,9 @@
 #include "acg/Commands.h"
 #include "acg/Failures.h"
 #include "acg/Text.h"
+#include "acg/WriteReport.h"
+
+#include <nlohmann/json.hpp>
 
 namespace acg::tool
 {
@@ -25,11 +28,18 @@ int Write(const Options& given, Context& context)
         throw UsageError{"HEX isn't 32 hexadecimal digits"};
     }
     const Key key = TheKey(given.Key);
+    WriteReport report(context.Out);
+    report.Add(Format("block %d", number), ReadCommand(number, key));
     const auto encoder = OpenReader(context.Parameters);
+    report.BeginCard(*encoder);
     std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
-    Must(*encoder, encoder->WriteDataBloc(number, key.Digits, key.Type, contents));
-    const Block written = ReadBack(*encoder, number, key, context.Out);
+    report.Sent(*encoder, encoder->WriteDataBloc(number, key.Digits, key.Type, contents));
+    const Block written = report.ReadBack(*encoder, [&] { return ReadBlock(*encoder, number, key); });
+    report.Found(written == *wanted);
+    report.RequireSameCard(*encoder);
     context.Out.Print(HexDump(number, written, AllKnown));
+    context.Out.Json()["block"] = number;
+    context.Out.Json()["hex"] = Digits(written, AllKnown, "");
     if (written != *wanted) {
         throw OtherFailure{Format("block %d reads back as something other than was written", number)};
     }
