@@ -50,7 +50,7 @@ const char* StateOf(Encoder& encoder)
 
 void Show(const char* name, const char* member, const std::string& value, Output& out)
 {
-    out.Print(Format("%-12s %s", name, value.empty() ? "-" : value.c_str()));
+    out.Print(Format("%-12s %s", name, value.empty() ? "-" : Printable(value).c_str()));
     out.Json()[member] = value.empty() ? JsonObject() : JsonObject(value);
 }
 
@@ -69,7 +69,7 @@ int Info(Context& context)
     } catch (const CardFailure& failure) {
         failed = failure;
     }
-    Show("Settings", "settings", SettingsOf(*encoder), context.Out);
+    Show("Settings", "settings", MaskKeys(SettingsOf(*encoder)), context.Out);
     Show("Reader type", "readerType", type, context.Out);
     Show("State", "state", StateOf(*encoder), context.Out);
     Show("Serial", "serial", serial, context.Out);
