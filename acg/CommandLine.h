@@ -35,7 +35,7 @@ public:
     int Run(std::vector<std::string> Arguments);
 
 private:
-    /// What is wrong with the arguments. It holds nothing that may be a key.
+    /// What is wrong with the arguments. It may hold a key.
     [[nodiscard]] std::string Explain(const CLI::ParseError& error) const;
 
     CLI::App m_program{"Reads and writes contactless cards through an ACG Multi-ISO reader."};
@@ -43,7 +43,9 @@ private:
     Action m_chosen;
 };
 
-/// The options of a command that logs in to a sector.
+/// The options of a command that logs in with one key.
 void TakesKey(CLI::App& Command, KeyOptions& Key);
+/// The options of a command that tries one key or several, each as key A and as key B.
+void TakesKeys(CLI::App& Command, KeyOptions& Key);
 
 } // namespace acg::tool

@@ -24,9 +24,8 @@ namespace
 constexpr int32_t LastSector1K = 15;
 
 struct Options {
-    std::vector<std::string> Files; ///< FILE
+    std::string File;
     KeyOptions Key;
-    std::string KeysFile; ///< --keys
 };
 
 constexpr uint16_t KeyABytes = 0x003F;
@@ -219,8 +218,8 @@ struct KeyList {
 
 KeyList KeysOf(const Options& given)
 {
-    if (!given.KeysFile.empty()) {
-        return {ReadKeys(given.KeysFile), /*AreNumbered=*/true};
+    if (!given.Key.File.empty()) {
+        return {ReadKeys(given.Key.File), /*AreNumbered=*/true};
     }
     return {{IsKeyGiven(given.Key) ? TheKey(given.Key).Digits : L"FFFFFFFFFFFF"}, /*AreNumbered=*/false};
 }
@@ -243,7 +242,7 @@ void ShowOpenings(const std::vector<Opening>& openings, const KeyList& keys, Out
 
 int DumpCard(const Options& given, Context& context)
 {
-    const std::string& name = given.Files.front();
+    const std::string& name = given.File;
     const KeyList keys = KeysOf(given);
     NewFile file(name);
     const auto encoder = OpenReader(context.Parameters);
@@ -258,7 +257,7 @@ int DumpCard(const Options& given, Context& context)
     file.Write(reading.Result());
     ShowOpenings(reading.Openings(), keys, context.Out);
     const auto blocks = static_cast<int>(reading.Result().size());
-    context.Out.Print(Format("%d blocks written to %s", blocks, name.c_str()));
+    context.Out.Print(Format("%d blocks written to %s", blocks, MaskKeys(name).c_str()));
     context.Out.Json()["blocks"] = blocks;
     return reading.IsComplete() ? Done : Failed;
 }
@@ -269,24 +268,15 @@ void AddDump(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
     CLI::App& command =
-        Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --keys keys.txt",
+        Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --key-file keys.txt",
                      [given](Context& context) { return DumpCard(*given, context); });
     command
         .add_option(
-            "FILE", given->Files,
+            "FILE", given->File,
             "Raw bytes, or, where the name ends in .txt, 32 digits a line. Keys that the card doesn't "
             "show are written from those that open it")
-        ->required()
-        ->expected(1);
-    TakesKey(command, given->Key);
-    command
-        .add_option(
-            "--keys", given->KeysFile,
-            "A file of keys, one a line, tried in order for each sector; without it the one key that is "
-            "given, else FFFFFFFFFFFF")
-        ->type_name("FILE")
-        ->excludes("--key")
-        ->excludes("--key-file");
+        ->required();
+    TakesKeys(command, given->Key);
 }
 
 } // namespace acg::tool

@@ -102,7 +102,11 @@ bool IsAgreedTo()
     std::fflush(stdout);
     std::fputs("Write this? Type yes: ", stderr);
     char answer[8] = {};
-    return std::fgets(answer, sizeof answer, stdin) != nullptr && std::string_view(answer) == "yes\n";
+    const bool isAnswered = std::fgets(answer, sizeof answer, stdin) != nullptr;
+    if (WasInterrupted()) {
+        throw Interruption{};
+    }
+    return isAnswered && std::string_view(answer) == "yes\n";
 }
 
 void Write(Encoder& encoder, int32_t sector, const Key& key, const NewTrailer& trailer)
@@ -149,8 +153,8 @@ int Protect(const Options& given, Context& context)
         wanted.BX =
             static_cast<uint8_t>(ParseNumber(given.BX, 0, UINT8_MAX, "--bx is a number from 0 to 255"));
     }
-    if (!given.IsDryRun && !given.IsAgreedTo && !IsTerminal(stdin)) {
-        throw UsageError{"there is no terminal to ask on: give --yes to write, or --dry-run to look"};
+    if (!given.IsDryRun && !given.IsAgreedTo && (out.IsJson() || !IsTerminal(stdin))) {
+        throw UsageError{"there is nobody to ask: give --yes to write, or --dry-run to look"};
     }
 
     const auto encoder = OpenReader(context.Parameters);
@@ -220,10 +224,10 @@ int Protect(const Options& given, Context& context)
 void AddProtect(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
-    CLI::App& command = Commands.Add(
-        "protect", "Writes new keys and levels for a sector, and says first what that means",
-        "acg protect 1 --key-file old.txt --new-keys new.txt --levels 13,13,13,12 --keys 2 --dry-run",
-        [given](Context& context) { return Protect(*given, context); });
+    CLI::App& command =
+        Commands.Add("protect", "Writes new keys and levels for a sector, and says first what that means",
+                     "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2",
+                     [given](Context& context) { return Protect(*given, context); });
     TakesSector(command, given->Sector);
     TakesKey(command, given->Key);
     TakesLevels(command, given->Levels)

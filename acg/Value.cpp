@@ -69,7 +69,7 @@ int Value(const Options& given, Context& context)
     std::optional<int32_t> wanted;
     if (!given.Number.empty()) {
         wanted = ParseNumber(given.Number, INT32_MIN, INT32_MAX,
-                             "NUMBER is a whole number from -2147483648 to 2147483647");
+                             "NUMBER is a whole number from -2^31 to 2^31 - 1");
     }
     const Key key = TheKey(given.Key);
     const auto encoder = OpenReader(context.Parameters);
