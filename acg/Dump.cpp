@@ -26,6 +26,7 @@ constexpr int32_t LastSector1K = 15;
 struct Options {
     std::string File;
     KeyOptions Key;
+    bool MayReplace = false; ///< --force
 };
 
 constexpr uint16_t KeyABytes = 0x003F;
@@ -244,7 +245,7 @@ int DumpCard(const Options& given, Context& context)
 {
     const std::string& name = given.File;
     const KeyList keys = KeysOf(given);
-    NewFile file(name);
+    const NewFile file(name, given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept);
     const auto encoder = OpenReader(context.Parameters);
     CardReading reading(*encoder, keys.Keys, context.Out);
     const int32_t lastSector = reading.FindLastSector();
@@ -277,6 +278,7 @@ void AddDump(CommandLine& Commands)
             "show are written from those that open it")
         ->required();
     TakesKeys(command, given->Key);
+    command.add_flag("--force", given->MayReplace, "Replace FILE if it exists");
 }
 
 } // namespace acg::tool

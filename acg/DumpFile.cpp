@@ -3,12 +3,16 @@
 #include "acg/Blocks.h"
 #include "acg/Failures.h"
 #include "acg/Text.h"
+#include "platform/AnsiText.h"
 #include "platform/TextCase.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 namespace acg::tool
 {
@@ -38,6 +42,15 @@ DumpedBlock ParseLine(std::string line, const std::string& place)
     }
     block.Bytes = *bytes;
     return block;
+}
+
+std::string InWords(const std::error_code& error, const std::string& file)
+{
+    if (error == std::errc::file_exists) {
+        return file + " exists; --force replaces it";
+    }
+    return "can't write " + file + ": " +
+           (error == NotAnOrdinaryFile ? "it isn't an ordinary file" : ToUtf8(FromAnsi(error.message())));
 }
 
 } // namespace
@@ -82,40 +95,33 @@ Dump ReadDump(const std::string& File)
     return dump;
 }
 
-NewFile::NewFile(const std::string& File) : m_file(ToPath(File)), m_unfinished(ToPath(File + ".part"))
+NewFile::NewFile(std::string File, ExistingFile Existing) : m_name(std::move(File)), m_existing(Existing)
 {
-    std::error_code ignored;
-    const std::filesystem::file_status status = std::filesystem::status(m_file, ignored);
-    const bool isFile = std::filesystem::is_regular_file(status);
-    if (!m_file.has_filename() || (std::filesystem::exists(status) && !isFile) ||
-        !std::ofstream(m_unfinished)) {
-        throw UsageError{"can't write " + File};
+    FileReplacement attempt; // removed at once, so that nothing is left if the program is killed meanwhile
+    const std::error_code error = attempt.Create(ToPath(m_name).native(), m_existing);
+    if (error) {
+        throw UsageError{InWords(error, m_name)};
     }
 }
 
-NewFile::~NewFile()
+void NewFile::Write(const Dump& Card) const
 {
-    std::error_code ignored;
-    std::filesystem::remove(m_unfinished, ignored);
-}
-
-void NewFile::Write(const Dump& Card)
-{
-    std::ofstream file(m_unfinished, std::ios::binary);
+    const std::filesystem::path path = ToPath(m_name);
+    std::string contents;
     for (const DumpedBlock& block : Card) {
-        if (IsText(m_file)) {
-            file << Digits(block.Bytes, block.Known, "") << '\n';
+        if (IsText(path)) {
+            contents += Digits(block.Bytes, block.Known, "") + '\n';
         } else {
-            file.write(reinterpret_cast<const char*>(block.Bytes.data()), std::ssize(block.Bytes));
+            contents.append(block.Bytes.begin(), block.Bytes.end());
         }
     }
-    file.close();
-    std::error_code error;
-    if (file) {
-        std::filesystem::rename(m_unfinished, m_file, error);
+    FileReplacement file;
+    std::error_code error = file.Create(path.native(), m_existing);
+    if (!error) {
+        error = file.Finish(contents);
     }
-    if (!file || error) {
-        throw OtherFailure{"the file couldn't be written; what had its name before is unchanged"};
+    if (error) {
+        throw OtherFailure{InWords(error, MaskKeys(m_name)) + "; nothing was written"};
     }
 }
 

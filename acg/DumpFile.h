@@ -2,9 +2,9 @@
 #pragma once
 
 #include "acg/Card.h"
+#include "platform/FileReplacement.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -29,18 +29,15 @@ using Dump = std::vector<DumpedBlock>;
 class NewFile
 {
 public:
-    /// Throws UsageError where it can't be created.
-    explicit NewFile(const std::string& File);
-    ~NewFile();
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
+    /// Throws UsageError if it can't be created, or if it exists and is to be kept. Leaves nothing behind.
+    NewFile(std::string File, ExistingFile Existing);
 
-    /// Throws OtherFailure where it can't be written; a file that was there before is unchanged then.
-    void Write(const Dump& Card);
+    /// Throws OtherFailure if it can't be written; a file that was there before is unchanged then.
+    void Write(const Dump& Card) const;
 
 private:
-    std::filesystem::path m_file;
-    std::filesystem::path m_unfinished;
+    std::string m_name;
+    ExistingFile m_existing;
 };
 
 } // namespace acg::tool

@@ -2,14 +2,10 @@
 #pragma once
 
 #include "platform/Library.h"
-
-#include <filesystem>
+#include "platform/SystemPath.h"
 
 namespace acg
 {
-
-/// A path as the system spells it: wide on Windows.
-using SystemPath = std::filesystem::path::string_type;
 
 /// The folder of the program or library that this code is linked into, with a separator behind it, or empty
 /// text where it isn't known.

@@ -1,16 +1,11 @@
 #include "simulator/CardBox.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <fstream>
+#include "platform/FileReplacement.h"
+
 #include <span>
 #include <string>
 #include <system_error>
 #include <vector>
-
-#ifdef _WIN32
-#include <windows.h>
-#endif
 
 namespace simulator
 {
@@ -31,16 +26,14 @@ Card FactoryCard(const CardOptions& options)
 Card CardFromImage(const CardOptions& options)
 {
     const std::string option = "image=" + options.ImagePath;
-    std::ifstream file(options.ImagePath, std::ios::binary);
-    if (!file && errno == ENOENT && options.ImagePath == options.SavePath) {
+    std::vector<uint8_t> image(BlocksOf4K * sizeof(Block) + 1); // one more shows a file that is no card
+    const std::error_code error = acg::ReadContents(acg::PathFromAnsi(options.ImagePath), image);
+    if (error == std::errc::no_such_file_or_directory && options.ImagePath == options.SavePath) {
         return FactoryCard(options); // which the next process finds there
     }
-    if (!file) {
-        throw Refusal(option, std::generic_category().message(errno));
+    if (error) {
+        throw Refusal(option, error.message());
     }
-    std::vector<uint8_t> image(BlocksOf4K * sizeof(Block) + 1); // one more shows a file that is no card
-    file.read(reinterpret_cast<char*>(image.data()), static_cast<std::streamsize>(image.size()));
-    image.resize(static_cast<std::size_t>(file.gcount()));
     for (const std::size_t blocks : {BlocksOf1K, BlocksOf4K}) {
         if (image.size() == blocks * sizeof(Block) && options.BlockCount.value_or(blocks) == blocks) {
             return Card(image);
@@ -59,33 +52,19 @@ Card NewCard(const CardOptions& options)
     return card;
 }
 
-/// Replaces a file of the name at once.
-std::error_code Rename(const std::string& from, const std::string& to)
-{
-#ifdef _WIN32 // its std::rename replaces no file
-    return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE
-               ? std::error_code()
-               : std::error_code(static_cast<int>(GetLastError()), std::system_category());
-#else
-    return std::rename(from.c_str(), to.c_str()) == 0 ? std::error_code()
-                                                      : std::error_code(errno, std::generic_category());
-#endif
-}
-
 } // namespace
 
 void SaveImage(const Card& Saved, const std::string& Path)
 {
-    const std::string newPath = Path + ".new";
     const std::span<const Block> image = Saved.Image();
-    std::ofstream file(newPath, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size_bytes()));
-    file.close();
-    const std::error_code error =
-        file ? Rename(newPath, Path) : std::error_code(errno != 0 ? errno : EIO, std::generic_category());
+    acg::FileReplacement file;
+    std::error_code error = file.Create(acg::PathFromAnsi(Path), acg::ExistingFile::Replaced);
+    if (!error) {
+        error = file.Finish({reinterpret_cast<const char*>(image.data()), image.size_bytes()});
+    }
     if (error) {
-        static_cast<void>(std::remove(newPath.c_str()));
-        throw Refusal("save=" + Path, error.message());
+        throw Refusal("save=" + Path,
+                      error == acg::NotAnOrdinaryFile ? "not an ordinary file" : error.message());
     }
 }
 

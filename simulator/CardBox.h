@@ -10,8 +10,8 @@
 namespace simulator
 {
 
-/// Replaces the file at once by an image of the card: at any time it is the old or the new one. Throws a
-/// Refusal where it can't be written.
+/// Replaces the file at once by an image of the card, as FileReplacement does. Throws a Refusal where it
+/// can't be written.
 void SaveImage(const Card& Saved, const std::string& Path);
 
 /// A card is identified by its serial number: placing the same number again returns the same card with its
