@@ -26,6 +26,8 @@ SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
     return rights;
 }
 
+constexpr const char* AccessBits = "access bits"; ///< a row's name
+
 struct NamedRight {
     const char* Name;
     Keys Holders;
@@ -59,8 +61,7 @@ std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
     }
     const TrailerRights& trailer = rights.Trailer;
     rows.push_back(Row("keys A and B", {{"write", trailer.WriteKeys}}));
-    rows.push_back(
-        Row("access bits", {{"read", trailer.ReadConditions}, {"write", trailer.WriteConditions}}));
+    rows.push_back(Row(AccessBits, {{"read", trailer.ReadConditions}, {"write", trailer.WriteConditions}}));
     if (trailer.ReadKeyB != Keys::None) {
         rows.push_back(Row("key B itself", {{"read", trailer.ReadKeyB}}));
     }
@@ -74,6 +75,27 @@ std::string Joined(const std::vector<std::string>& names)
         text += (text.empty() ? "" : ", ") + name;
     }
     return text.empty() ? "nothing" : text;
+}
+
+/// For a column of the table.
+std::string InShort(const std::vector<std::string>& names)
+{
+    constexpr size_t AllOfABlock = 4;
+    return names.size() == AllOfABlock ? "everything" : Joined(names);
+}
+
+/// "key A may read and write block 4".
+std::string Sentence(const char* key, const std::vector<std::string>& rights, const std::string& what)
+{
+    const std::string object = (what == AccessBits ? "the " : "") + what;
+    if (rights.empty()) {
+        return Format("%s may do nothing with %s", key, object.c_str());
+    }
+    std::string verbs = Joined(rights);
+    if (const size_t comma = verbs.rfind(", "); comma != std::string::npos) {
+        verbs.replace(comma, 1, " and");
+    }
+    return Format("%s may %s %s", key, verbs.c_str(), object.c_str());
 }
 
 void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, SectorNumber sector,
@@ -130,10 +152,10 @@ std::string LevelsInWords(const ConditionBytes& Bytes)
 
 std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
 {
-    constexpr const char* Columns = "%-16s%-36s%s\n";
+    constexpr const char* Columns = "%-16s%-18s%s\n";
     std::string text = Format(Columns, "", "key A may", "key B may");
     for (const AccessRow& row : AccessRows(Bytes, Sector)) {
-        text += Format(Columns, row.What.c_str(), Joined(row.KeyA).c_str(), Joined(row.KeyB).c_str());
+        text += Format(Columns, row.What.c_str(), InShort(row.KeyA).c_str(), InShort(row.KeyB).c_str());
     }
     const SectorRights rights = RightsIn(Bytes, Sector);
     const TrailerRights& trailer = rights.Trailer;
@@ -207,24 +229,26 @@ std::wstring KeyBOf(const Block& Trailer)
     return digits;
 }
 
-std::vector<std::string> TrailerDifferences(const Block& First, const Block& Second, int32_t Sector)
+std::vector<TrailerDifference> TrailerDifferences(const Block& First, const Block& Second, int32_t Sector)
 {
-    std::vector<std::string> lines;
+    std::vector<TrailerDifference> lines;
     if (!std::equal(First.begin(), First.begin() + FirstConditionByte, Second.begin())) {
-        lines.emplace_back("key A differs");
+        lines.push_back({' ', "key A differs"});
     }
     if (!std::equal(First.begin() + FirstByteOfKeyB, First.end(), Second.begin() + FirstByteOfKeyB)) {
-        lines.emplace_back("key B differs");
+        lines.push_back({' ', "key B differs"});
     }
-    if (First[UserByte] != Second[UserByte]) {
-        lines.push_back(Format("byte 9 is %u, then %u", First[UserByte], Second[UserByte]));
-    }
+    const auto add = [&](const std::string& first, const std::string& second) {
+        if (first != second) {
+            lines.push_back({'<', first});
+            lines.push_back({'>', second});
+        }
+    };
+    add(Format("byte 9 is %u", First[UserByte]), Format("byte 9 is %u", Second[UserByte]));
     const ConditionBytes bytes[] = {ConditionBytesOf(First), ConditionBytesOf(Second)};
-    for (const int which : {0, 1}) {
-        if (!InvertedCopiesAgree(bytes[which])) {
-            lines.push_back(
-                Format("the access bits of the %s contradict themselves: the card would block the sector",
-                       which == 0 ? "first" : "second"));
+    for (const char mark : {'<', '>'}) {
+        if (!InvertedCopiesAgree(bytes[mark == '<' ? 0 : 1])) {
+            lines.push_back({mark, "the access bits contradict themselves: the card would block the sector"});
         }
     }
     const std::vector<AccessRow> before = AccessRows(bytes[0], Sector);
@@ -233,14 +257,8 @@ std::vector<std::string> TrailerDifferences(const Block& First, const Block& Sec
         const AccessRow none = {"key B itself", {}, {}};
         const AccessRow& first = row < before.size() ? before[row] : none;
         const AccessRow& second = row < after.size() ? after[row] : none;
-        const auto add = [&](const char* key, const auto& one, const auto& other) {
-            if (one != other) {
-                lines.push_back(Format("%s: %s may %s, then %s", first.What.c_str(), key, Joined(one).c_str(),
-                                       Joined(other).c_str()));
-            }
-        };
-        add("key A", first.KeyA, second.KeyA);
-        add("key B", first.KeyB, second.KeyB);
+        add(Sentence("key A", first.KeyA, first.What), Sentence("key A", second.KeyA, second.What));
+        add(Sentence("key B", first.KeyB, first.What), Sentence("key B", second.KeyB, second.What));
     }
     return lines;
 }

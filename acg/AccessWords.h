@@ -50,8 +50,13 @@ using SectorNumber = std::optional<int32_t>;
 [[nodiscard]] uint8_t UserByteOf(const Block& Trailer);
 [[nodiscard]] std::wstring KeyBOf(const Block& Trailer);
 
-/// Where two trailers of a sector differ, a line each. No line holds a key.
-[[nodiscard]] std::vector<std::string> TrailerDifferences(const Block& First, const Block& Second,
-                                                          int32_t Sector);
+struct TrailerDifference {
+    char Mark; ///< '<' for the first trailer, '>' for the second, ' ' for both
+    std::string Text;
+};
+
+/// Where two trailers of a sector differ. No text holds a key.
+[[nodiscard]] std::vector<TrailerDifference> TrailerDifferences(const Block& First, const Block& Second,
+                                                                int32_t Sector);
 
 } // namespace acg::tool

@@ -57,6 +57,9 @@ int32_t ParseBlockNumber(std::string_view Text)
 int32_t ParseDataBlock(std::string_view Text)
 {
     const int32_t number = ParseBlockNumber(Text);
+    if (number == 0) {
+        throw UsageError{"block 0 can't be written: it is the manufacturer's; acg read 0 shows it"};
+    }
     if (IsTrailer(number)) {
         throw UsageError{Format("block %d is the trailer of sector %d, with its keys: acg protect writes it",
                                 number, SectorOf(number))};

@@ -26,7 +26,7 @@ inline constexpr uint16_t AllButKeys = 0x03C0; ///< of a sector trailer
 
 /// Throws UsageError for a number that no card has.
 [[nodiscard]] int32_t ParseBlockNumber(std::string_view Text);
-/// The data block that a write is meant for; throws UsageError for a trailer, too.
+/// The data block that a write is meant for; throws UsageError for a trailer and for block 0, too.
 [[nodiscard]] int32_t ParseDataBlock(std::string_view Text);
 
 /// Why a block can't be read, when others of the card still can.

@@ -18,6 +18,11 @@ namespace acg::tool
 namespace
 {
 
+struct Options {
+    std::string First;
+    std::string Second;
+};
+
 /// Keys are compared, but not shown. What isn't known of both counts as alike, access bits as a whole.
 void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other, Output& out)
 {
@@ -34,22 +39,28 @@ void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& othe
             first[at] = second[at] = Factory[at];
         }
     }
-    std::vector<std::string> differences = TrailerDifferences(first, second, SectorOf(number));
+    std::vector<TrailerDifference> differences = TrailerDifferences(first, second, SectorOf(number));
     if (one.Known != other.Known) {
-        differences.emplace_back("not all of it is known in both");
+        differences.push_back({' ', "not all of it is known in both"});
     }
     out.Print(Format("block %d, the trailer of sector %d:", number, SectorOf(number)));
-    for (const std::string& difference : differences) {
-        out.Print("     " + difference);
+    JsonObject lines = JsonObject::array();
+    for (const auto& [mark, text] : differences) {
+        out.Print(Format("%c    %s", mark, text.c_str()));
+        lines.push_back(
+            {{"file", mark == ' ' ? JsonObject() : JsonObject(mark == '<' ? 1 : 2)}, {"text", text}});
     }
-    out.Json()["blocks"].push_back({{"block", number}, {"differences", differences}});
+    out.Json()["blocks"].push_back({{"block", number}, {"differences", lines}});
 }
 
-int Compare(const std::vector<std::string>& files, Context& context)
+int Compare(const Options& given, Context& context)
 {
     Output& out = context.Out;
-    const Dump one = ReadDump(files.front());
-    const Dump other = ReadDump(files.back());
+    const Dump one = ReadDump(given.First);
+    const Dump other = ReadDump(given.Second);
+    const std::string names[] = {MaskKeys(given.First), MaskKeys(given.Second)};
+    out.Print(Format("< %s\n> %s", names[0].c_str(), names[1].c_str()));
+    out.Json()["files"] = names;
     const int32_t sizes[] = {static_cast<int32_t>(one.size()), static_cast<int32_t>(other.size())};
     const int32_t common = std::min(sizes[0], sizes[1]);
     int differences = 0;
@@ -65,9 +76,8 @@ int Compare(const std::vector<std::string>& files, Context& context)
             ShowTrailer(number, *blocks[0], *blocks[1], out);
             continue;
         }
-        for (const DumpedBlock* const block : blocks) {
-            out.Print(HexDump(number, block->Bytes, block->Known));
-        }
+        out.Print("< " + HexDump(number, blocks[0]->Bytes, blocks[0]->Known));
+        out.Print("> " + HexDump(number, blocks[1]->Bytes, blocks[1]->Known));
         out.Json()["blocks"].push_back({{"block", number},
                                         {"hex",
                                          {Digits(blocks[0]->Bytes, blocks[0]->Known, ""),
@@ -75,7 +85,7 @@ int Compare(const std::vector<std::string>& files, Context& context)
     }
     if (sizes[0] != sizes[1]) {
         const size_t larger = sizes[0] > sizes[1] ? 0 : 1;
-        out.Print(Format("blocks %d to %d are only in %s", common, sizes[larger] - 1, files[larger].c_str()));
+        out.Print(Format("blocks %d to %d are only in %s", common, sizes[larger] - 1, names[larger].c_str()));
     }
     out.Print(Format("%d of %d blocks differ", differences, common));
     out.Json()["sizes"] = sizes;
@@ -86,14 +96,12 @@ int Compare(const std::vector<std::string>& files, Context& context)
 
 void AddCompare(CommandLine& Commands)
 {
-    const auto files = std::make_shared<std::vector<std::string>>();
-    Commands
-        .Add("compare", "Shows where two dumps differ; exit status 1 if they do",
-             "acg compare before.bin after.txt",
-             [files](Context& context) { return Compare(*files, context); })
-        .add_option("FILE", *files, "Two dumps, raw bytes or text")
-        ->required()
-        ->expected(2);
+    const auto given = std::make_shared<Options>();
+    CommandOptions command = Commands.Add("compare", "Shows where two dumps differ; exit status 1 if they do",
+                                          "acg compare before.bin after.txt",
+                                          [given](Context& context) { return Compare(*given, context); });
+    command.Argument("FILE1", given->First, "A dump, raw bytes or text; \"<\" marks what it has");
+    command.Argument("FILE2", given->Second, "Another; \">\" marks what it has");
 }
 
 } // namespace acg::tool

@@ -23,9 +23,8 @@ namespace
 {
 
 struct Options {
-    std::vector<std::string> Files; ///< FILE
+    std::string File;
     KeyOptions Key;
-    std::string KeysFile;    ///< --keys
     std::string Card;        ///< --card
     bool MayReplace = false; ///< --force
 };
@@ -186,8 +185,8 @@ struct KeyList {
 
 KeyList KeysOf(const Options& given)
 {
-    if (!given.KeysFile.empty()) {
-        return {ReadKeys(given.KeysFile), /*AreNumbered=*/true};
+    if (!given.Key.File.empty()) {
+        return {ReadKeys(given.Key.File), /*AreNumbered=*/true};
     }
     return {{IsKeyGiven(given.Key) ? TheKey(given.Key).Digits : L"FFFFFFFFFFFF"}, /*AreNumbered=*/false};
 }
@@ -232,7 +231,7 @@ void RequireCard(Encoder& encoder, const std::wstring& first, int32_t sector)
 int DumpCard(const Options& given, Context& context)
 {
     Output& out = context.Out;
-    const std::string& name = given.Files.front();
+    const std::string& name = given.File;
     const KeyList keys = KeysOf(given);
     std::optional<CardSize> size = ParseCardSize(given.Card);
     const NewFile file(name, given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept);
@@ -269,7 +268,7 @@ int DumpCard(const Options& given, Context& context)
     }
     out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read, and written to %s",
                      ToUtf8(serial).c_str(), size->LastSector == LastSector1K ? "1K" : "4K",
-                     size->Reason.c_str(), read, blocks, name.c_str()));
+                     size->Reason.c_str(), read, blocks, MaskKeys(name).c_str()));
     out.Json()["size"] = size->Name;
     out.Json()["sizeReason"] = size->Reason;
     out.Json()["blocks"] = blocks;
@@ -282,30 +281,17 @@ int DumpCard(const Options& given, Context& context)
 void AddDump(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
-    CLI::App& command =
-        Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --keys keys.txt",
+    CommandOptions command =
+        Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --key-file keys.txt",
                      [given](Context& context) { return DumpCard(*given, context); });
-    command
-        .add_option(
-            "FILE", given->Files,
-            "Raw bytes, or, where the name ends in .txt, 32 digits a line. Keys that the card doesn't "
-            "show are written from those that open it")
-        ->required()
-        ->expected(1);
-    TakesKey(command, given->Key);
-    command
-        .add_option("--card", given->Card,
-                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K")
-        ->type_name("1k|4k");
-    command
-        .add_option(
-            "--keys", given->KeysFile,
-            "A file of keys, one a line, tried in order for each sector; without it the one key that is "
-            "given, else FFFFFFFFFFFF")
-        ->type_name("FILE")
-        ->excludes("--key")
-        ->excludes("--key-file");
-    command.add_flag("--force", given->MayReplace, "Replace FILE if it exists");
+    command.Argument(
+        "FILE", given->File,
+        "Raw bytes, or, where the name ends in .txt, 32 digits a line. Keys that the card doesn't "
+        "show are written from those that open it");
+    TakesKeys(command, given->Key);
+    command.Option("--card", "1k|4k", given->Card,
+                   "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
+    command.Flag("--force", given->MayReplace, "Replace FILE if it exists");
 }
 
 } // namespace acg::tool

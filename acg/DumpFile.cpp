@@ -121,7 +121,7 @@ void NewFile::Write(const Dump& Card) const
         error = file.Finish(contents);
     }
     if (error) {
-        throw OtherFailure{InWords(error, m_name) + "; nothing was written"};
+        throw OtherFailure{InWords(error, MaskKeys(m_name)) + "; nothing was written"};
     }
 }
 

@@ -1,8 +1,10 @@
 #include "acg/Failures.h"
 
 #include "acg/Text.h"
+#include "platform/LibraryFile.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace acg::tool
 {
@@ -10,43 +12,55 @@ namespace acg::tool
 namespace
 {
 
+constexpr int32_t LibraryNotFound = 53;
+
 // The library's calls, then the component's own: encoder/Failures.h.
 constexpr Remedy All[] = {
-    {53, "", "", "the reader library isn't there, or can't be loaded",
-     "put it beside the program, or ask the loader what it lacks"},
-    {453, "", "", "the library lacks that function", "use the library that belongs to this component"},
-    {-1, "", "", "there is no open reader", "call OpenEncoder, and look at its result"},
-    {-2, "OpenComm", "",
-     "the device couldn't be opened, or the number isn't that of the latest GetInformation",
-     "check Device: is it free, and spelt as the library wants it? A host reads the number right before "
-     "OpenEncoder"},
-    {-2, "OpenReader", "0", "a reader was found, but couldn't be opened", "is another program using it?"},
-    {-4, "DetectReader", "0", "nothing answers on the link", "check power and cable, Baud rate, Autodetect"},
-    {-5, "select", "", "the card couldn't be selected", "one card in the field at a time"},
+    {LibraryNotFound, "", "", "the reader library isn't there, or can't be loaded",
+     "put the reader's library, or the simulated one, beside acg"},
+    {453, "", "", "the reader library lacks that function",
+     "put the library that belongs to the reader beside acg, then: acg info"},
+    {-2, "OpenComm", "", "the reader library couldn't open the device",
+     "end what else uses it, and spell it as the library wants it: acg info --reader \"Device=com3\""},
+    {-2, "OpenReader", "0", "a reader was found, but couldn't be opened",
+     "end what else uses it, then: acg info"},
+    {-4, "DetectReader", "0", "no reader answers on the link",
+     "check power and cable; try another speed: acg info --reader \"Device=com1;Baud rate=19200\""},
+    {-5, "select", "",
+     "the reader refused to select the card; with the simulated reader, C: several cards in the field",
+     "lay one card alone on the reader, then: acg info"},
     {-5, "block", "N",
-     "the card left in the middle of the operation; it isn't known whether a write was done",
-     "read the block back before writing again; after a sector trailer try both the new keys and the old "
-     "ones"},
-    {-5, "block", "RO", "the card has no such block; with a reader of the type MultiISO 1.0 also a wrong key",
-     "check the number of the block or sector, and the key"},
-    {-5, "block", "", "the card doesn't grant this to this key",
-     "use the other key, or see the access levels"},
+     "the reader refused the command; with the simulated reader: the card left the field, and it isn't known "
+     "whether a write was done",
+     "lay the card back and look: acg read BLOCK --key KEY; after acg protect try both the new and the old "
+     "keys: "
+     "acg trailer SECTOR --key KEY"},
+    {-5, "block", "RO",
+     "the reader refused the command; with the simulated reader: the card has no such block, or, if the "
+     "reader's "
+     "type is MultiISO 1.0, the key is wrong or the sector blocked",
+     "check the number, on a 1K card 0 to 63, and the key: acg trailer SECTOR --key KEY"},
+    {-5, "block", "",
+     "the reader refused the command; with the simulated reader, F: the card doesn't grant this to this key",
+     "see what each key may do, and use the other one: acg trailer SECTOR --key KEY"},
     {-6, "", "", "the reader answered the login with data, or with nothing",
-     "the reader library doesn't do what it should"},
-    {-7, "login", "X", "the key is wrong",
-     "check the key, and whether it is key A or key B (KeyType, --as-b)"},
-    {-7, "login", "?", "the key isn't 12 hexadecimal digits",
-     "check the key: it goes to the reader untested"},
-    {-7, "login", "R", "the card has no such sector", "check the block; is it a 1K card?"},
-    {-7, "login", "N", "the card left after it had been selected", "hold it still, and call again"},
-    {-8, "", "", "no card in the field", "place one on the reader, and call again; the encoder stays open"},
-    {-11, "", "", "BlocContents isn't 16 bytes in hexadecimal digits", "nothing was sent"},
-    {-12, "", "", "KeyA or KeyB of WriteSectorTrailer", "nothing was sent"},
-    {-13, "", "", "a level out of range, or one that the card can't store",
-     "see the refused levels; nothing was written"},
-    {-14, "", "", "FromByte or ToByte is above 15, or ToByte is below FromByte", "nothing was written"},
-    {-15, "", "", "BX isn't from 0 to 255", "nothing was sent"},
-    {-16, "", "", "ATRString, CardType and SerialNumberLength always raise it", "don't use them"},
+     "put the library that belongs to the reader beside acg, then: acg info"},
+    {-7, "login", "X",
+     "the reader refused the login; with the simulated reader: the key is wrong, or the sector is blocked "
+     "for "
+     "good",
+     "check the key, and whether it is key B (--as-b): acg trailer SECTOR --key KEY; if other sectors open "
+     "with "
+     "keys that you know, and this one with none, it is blocked for good"},
+    {-7, "login", "R", "the reader refused the login; with the simulated reader: the card has no such sector",
+     "check the number: a 1K card has the sectors 0 to 15, blocks 0 to 63"},
+    {-7, "login", "N", "the reader refused the login; with the simulated reader: the card left the field",
+     "hold the card still, and try again"},
+    {-7, "login", "", "the login didn't succeed, as with a wrong key",
+     "check the key, and whether it is key B (--as-b): acg trailer SECTOR --key KEY; if other sectors open "
+     "with "
+     "keys that you know, and this one with none, it is blocked for good"},
+    {-8, "", "", "no card in the field", "lay a card on the reader, then: acg info"},
 };
 
 } // namespace
@@ -68,16 +82,28 @@ const Remedy* FindRemedy(const CError& Record)
     return found != std::end(All) ? found : nullptr;
 }
 
+std::string ActionOf(const Remedy& Row)
+{
+    std::string action(Row.Action);
+    if (Row.Number == LibraryNotFound) {
+        const std::u8string folder = std::filesystem::path(OwnFolder()).u8string();
+        action +=
+            "; searched: " + std::string(folder.begin(), folder.end()) + ", then the system's loader path";
+    }
+    return action;
+}
+
 std::string InWords(const CError& Record)
 {
+    constexpr size_t Column = 12;
     std::string words = ToUtf8(Record.Description) + Format(" (%d)\n", Record.Number);
     if (const Remedy* const remedy = FindRemedy(Record)) {
-        words += "  it means  " + std::string(remedy->Meaning) + '\n';
-        words += "  do this   " + std::string(remedy->Action) + '\n';
+        words += "  it means  " + Wrap(remedy->Meaning, Column) + '\n';
+        words += "  do this   " + Wrap(ActionOf(*remedy), Column) + '\n';
     }
     words += "  record    " + ToUtf8(Record.ComFunction);
     for (const std::wstring& part : {Record.RdrCommand, Record.RdrRetCode}) {
-        words += part.empty() ? "" : ", " + ToUtf8(part);
+        words += part.empty() ? "" : ", " + Printable(ToUtf8(part));
     }
     return words + (Record.LastDllError != 0 ? Format(", system error %d", Record.LastDllError) : "");
 }

@@ -27,7 +27,8 @@ struct OtherFailure {
     std::string Text;
 };
 
-/// The command line, or a file that it names, can't be used: WrongUse. Text never holds a key.
+/// The command line, or a file that it names, can't be used: WrongUse. What may be a key in Text is masked
+/// when it is printed.
 struct UsageError {
     std::string Text;
 };
@@ -36,7 +37,8 @@ struct UsageError {
 struct Interruption {
 };
 
-/// What a failure means and what to do about it, as in the README's table "What goes wrong".
+/// What a failure means, in the words of the README's table "What goes wrong", and what a person at a prompt
+/// can do about it. A letter that the component gives no meaning to has one with the simulated reader only.
 struct Remedy {
     int32_t Number;
     std::string_view Path;    ///< how RdrCommand ends
@@ -45,11 +47,14 @@ struct Remedy {
     std::string_view Action;
 };
 
-/// In the order of the README; of several that fit, the first one counts.
+/// Those that this program can meet, in the order of the README; of several that fit, the first one counts.
 [[nodiscard]] std::span<const Remedy> Remedies();
 
 /// The row of a record; null where there is none.
 [[nodiscard]] const Remedy* FindRemedy(const CError& Record);
+
+/// The action of a remedy, and what is known of this machine beside it.
+[[nodiscard]] std::string ActionOf(const Remedy& Row);
 
 /// A record in words: several lines, the last one without its end.
 [[nodiscard]] std::string InWords(const CError& Record);

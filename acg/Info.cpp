@@ -63,7 +63,7 @@ LoadedLibrary LibraryInUse()
 
 void Show(const char* name, const char* member, const std::string& value, Output& out)
 {
-    out.Print(Format("%-12s %s", name, value.empty() ? "-" : value.c_str()));
+    out.Print(Format("%-12s %s", name, value.empty() ? "-" : Printable(value).c_str()));
     out.Json()[member] = value.empty() ? JsonObject() : JsonObject(value);
 }
 
@@ -86,7 +86,7 @@ int Info(Context& context)
     Show("Library", "libraryPath", library.Path, context.Out);
     Show("Description", "libraryDescription", library.Description, context.Out);
     Show("Version", "libraryVersion", library.Version, context.Out);
-    Show("Settings", "settings", SettingsOf(*encoder), context.Out);
+    Show("Settings", "settings", MaskKeys(SettingsOf(*encoder)), context.Out);
     Show("Reader type", "readerType", type, context.Out);
     Show("State", "state", StateOf(*encoder), context.Out);
     Show("Serial", "serial", serial, context.Out);

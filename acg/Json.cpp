@@ -19,7 +19,7 @@ JsonObject ToJson(const CError& Failure)
         {"rdrCommand", ToUtf8(Failure.RdrCommand)},
         {"rdrRetCode", ToUtf8(Failure.RdrRetCode)},
         {"meaning", remedy != nullptr ? remedy->Meaning : ""},
-        {"remedy", remedy != nullptr ? remedy->Action : ""},
+        {"remedy", remedy != nullptr ? ActionOf(*remedy) : ""},
     };
 }
 

@@ -26,7 +26,8 @@ struct KeyOptions {
 [[nodiscard]] Key TheKey(const KeyOptions& Options);
 [[nodiscard]] bool IsKeyGiven(const KeyOptions& Options);
 
-/// The keys of a file, one a line; empty lines and lines that begin with "#" don't count.
+/// The keys of a file, one a line, with blanks and tabs around them; "#" begins a comment. Throws UsageError
+/// where the file can't be read, isn't UTF-8, or has no key or a line that isn't one.
 [[nodiscard]] std::vector<std::wstring> ReadKeys(const std::string& File);
 
 } // namespace acg::tool

@@ -1,13 +1,32 @@
 #include "acg/Output.h"
 
 #include "acg/System.h"
+#include "acg/Text.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace acg::tool
 {
+
+namespace
+{
+
+/// Each line with its end.
+std::string PrintableLines(std::string_view text)
+{
+    std::string lines;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find('\n', at), text.size());
+        lines += Printable(text.substr(at, end - at)) + '\n';
+        at = end + 1;
+    }
+    return lines;
+}
+
+} // namespace
 
 Output::Output() : m_json(std::make_unique<JsonObject>(JsonObject::object())) {}
 Output::~Output() = default;
@@ -15,7 +34,7 @@ Output::~Output() = default;
 void Output::Print(std::string_view Text) const
 {
     if (!m_isJson) {
-        std::fputs((std::string(Text) + (Text.ends_with('\n') ? "" : "\n")).c_str(), stdout);
+        std::fputs(PrintableLines(Text).c_str(), stdout);
     }
 }
 
@@ -28,9 +47,9 @@ void Output::Problem(std::string_view Text)
 void Output::Finish() const
 {
     if (m_isJson) {
-        // A text that isn't UTF-8 is shown as far as it is.
+        // In ASCII, so that a terminal takes nothing in it for a command; what isn't UTF-8 is replaced.
         std::puts(
-            m_json->dump(/*indent=*/-1, ' ', /*ensure_ascii=*/false, JsonObject::error_handler_t::replace)
+            m_json->dump(/*indent=*/-1, ' ', /*ensure_ascii=*/true, JsonObject::error_handler_t::replace)
                 .c_str());
     }
 }
@@ -40,7 +59,7 @@ void PrintProblem(std::string_view Text)
     std::fflush(stdout);
     const bool isColoured = IsColourTerminal(stderr);
     const std::string name = isColoured ? "\033[31macg:\033[0m " : "acg: ";
-    std::fputs((name + std::string(Text) + '\n').c_str(), stderr);
+    std::fputs((name + PrintableLines(Text)).c_str(), stderr);
 }
 
 } // namespace acg::tool

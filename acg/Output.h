@@ -27,7 +27,8 @@ public:
     /// The object's members; not printed without --json.
     [[nodiscard]] JsonObject& Json() { return *m_json; }
 
-    /// A line, or several; the end of the last one may be left out. Nothing with --json.
+    /// A line, or several; the end of the last one may be left out. Control characters are escaped. Nothing
+    /// with --json.
     void Print(std::string_view Text) const;
 
     /// What isn't a result: "acg: " and the text on standard error, after what standard output has so far.

@@ -43,12 +43,11 @@ int Preview(const Options& given, Context& context)
 void AddPreview(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
-    CLI::App& command = Commands.Add("preview", "Shows what levels let each key do, without a card",
-                                     "acg preview --levels 13,13,13,12 --keys 2 --value 0",
-                                     [given](Context& context) { return Preview(*given, context); });
-    TakesLevels(command, given->Levels).required();
-    command.add_option("--value", given->ValueBlocks, "Which of the blocks 0, 1, 2 are value blocks")
-        ->type_name("0,1,2");
+    CommandOptions command = Commands.Add("preview", "Shows what levels let each key do, without a card",
+                                          "acg preview --levels 13,13,13,12 --keys 2 --value 0",
+                                          [given](Context& context) { return Preview(*given, context); });
+    TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys", Need::Required);
+    command.Option("--value", "0,1,2", given->ValueBlocks, "Which of the blocks 0, 1, 2 are value blocks");
 }
 
 } // namespace acg::tool

@@ -92,7 +92,7 @@ std::optional<NewKeys> ParseNewKeys(const Options& given)
     return keyA ? std::optional(NewKeys{*keyA, *keyB}) : std::nullopt;
 }
 
-Request Parse(const Options& given)
+Request Parse(const Options& given, bool canAsk)
 {
     Request asked{.Sector = ParseSector(given.Sector),
                   .Login = TheKey(given.Key),
@@ -112,8 +112,8 @@ Request Parse(const Options& given)
         asked.BX =
             static_cast<uint8_t>(ParseNumber(given.BX, 0, UINT8_MAX, "--bx is a number from 0 to 255"));
     }
-    if (!given.IsDryRun && !given.IsAgreedTo && !IsTerminal(stdin)) {
-        throw UsageError{"there is no terminal to ask on: give --yes to write, or --dry-run to look"};
+    if (!given.IsDryRun && !given.IsAgreedTo && !canAsk) {
+        throw UsageError{"there is nobody to ask: give --yes to write, or --dry-run to look"};
     }
     return asked;
 }
@@ -307,7 +307,7 @@ bool IsTaken(Encoder& encoder, const Request& asked, const NewTrailer& wanted)
 int Protect(const Options& given, Context& context)
 {
     Output& out = context.Out;
-    const Request asked = Parse(given);
+    const Request asked = Parse(given, /*canAsk=*/!out.IsJson() && IsTerminal(stdin));
     WriteReport report(out);
     AddParts(asked, report);
     const auto encoder = OpenReader(context.Parameters);
@@ -367,35 +367,27 @@ int Protect(const Options& given, Context& context)
 void AddProtect(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
-    CLI::App& command = Commands.Add(
-        "protect", "Writes new keys and levels for a sector, and says first what that means",
-        "acg protect 1 --key-file old.txt --new-keys new.txt --levels 13,13,13,12 --keys 2 --dry-run",
-        [given](Context& context) { return Protect(*given, context); });
+    CommandOptions command =
+        Commands.Add("protect", "Writes new keys and levels for a sector, and says first what that means",
+                     "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2",
+                     [given](Context& context) { return Protect(*given, context); });
     TakesSector(command, given->Sector);
     TakesKey(command, given->Key);
-    TakesLevels(command, given->Levels)
-        .description("1 for key A alone, 2 for both keys; else as on the card");
-    command
-        .add_option("--value", given->ValueBlocks,
-                    "Which of the blocks 0, 1, 2 are value blocks: each is written again with its value, and "
-                    "levels 9 and 13 grant the rights of a purse")
-        ->type_name("0,1,2");
-    command
-        .add_option("--new-a", given->NewA,
-                    "The new key A; else the variable ACG_NEW_A. New keys are required unless the key "
-                    "that logs in may not write them")
-        ->type_name("KEY");
-    command.add_option("--new-b", given->NewB, "The new key B; else the variable ACG_NEW_B")
-        ->type_name("KEY");
-    command.add_option("--new-keys", given->NewKeysFile, "A file with the new key A, then the new key B")
-        ->type_name("FILE")
-        ->excludes("--new-a")
-        ->excludes("--new-b");
-    command.add_option("--bx", given->BX, "Byte 9 of the trailer, 0 to 255; else as on the card")
-        ->type_name("N");
-    command.add_flag("--dry-run", given->IsDryRun, "Only show what would happen");
-    command.add_flag("--yes", given->IsAgreedTo, "Don't ask");
-    command.add_flag("--for-good", given->IsForGood, "Allow what can never be changed again");
+    TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys; default: as on the card");
+    command.Option("--value", "0,1,2", given->ValueBlocks,
+                   "Which of the blocks 0, 1, 2 are value blocks: each is written again with its value, and "
+                   "levels 9 and 13 grant the rights of a purse");
+    command.Option(
+        "--new-a", "KEY", given->NewA,
+        "The new key A; default: the variable ACG_NEW_A. New keys are required unless the key that "
+        "logs in may not write them");
+    command.Option("--new-b", "KEY", given->NewB, "The new key B; default: the variable ACG_NEW_B");
+    command.Option("--new-keys", "FILE", given->NewKeysFile, "A file with the new key A, then the new key B",
+                   Need::Optional, {"--new-a", "--new-b"});
+    command.Option("--bx", "N", given->BX, "Byte 9 of the trailer, 0 to 255; default: as on the card");
+    command.Flag("--dry-run", given->IsDryRun, "Only show what would happen");
+    command.Flag("--yes", given->IsAgreedTo, "Don't ask");
+    command.Flag("--for-good", given->IsForGood, "Allow what can never be changed again");
 }
 
 } // namespace acg::tool

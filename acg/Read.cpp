@@ -55,11 +55,10 @@ int Read(const Options& given, Context& context)
 void AddRead(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
-    CLI::App& command = Commands.Add("read", "Shows blocks in hexadecimal and as characters",
-                                     "acg read 4-6 --key FFFFFFFFFFFF",
-                                     [given](Context& context) { return Read(*given, context); });
-    command.add_option("BLOCK", given->Blocks, "A block, or the first and the last one: BLOCK-BLOCK")
-        ->required();
+    CommandOptions command = Commands.Add("read", "Shows blocks in hexadecimal and as characters",
+                                          "acg read 4-6 --key FFFFFFFFFFFF",
+                                          [given](Context& context) { return Read(*given, context); });
+    command.Argument("BLOCK", given->Blocks, "A block, or the first and the last one: BLOCK-BLOCK");
     TakesKey(command, given->Key);
 }
 

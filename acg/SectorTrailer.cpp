@@ -81,20 +81,17 @@ Block ReadTrailer(Encoder& Opened, int32_t Sector, const Key& With)
     return trailer;
 }
 
-void TakesSector(CLI::App& Command, std::string& Sector)
+void TakesSector(CommandOptions& Command, std::string& Sector)
 {
-    Command.add_option("SECTOR", Sector, "The sector, 0 to 15, on a 4K card to 39")->required();
+    Command.Argument("SECTOR", Sector, "The sector, 0 to 15, on a 4K card to 39");
 }
 
-CLI::Option& TakesLevels(CLI::App& Command, LevelOptions& Levels)
+void TakesLevels(CommandOptions& Command, LevelOptions& Levels, const char* AboutKeys, Need KeysNeeded)
 {
-    Command
-        .add_option("--levels", Levels.Levels,
-                    "The levels of the three data blocks and of the trailer, as in 13,13,13,12")
-        ->type_name("L0,L1,L2,LT")
-        ->required();
-    return *Command.add_option("--keys", Levels.KeysToUse, "1 for key A alone, 2 for both keys")
-                ->type_name("1|2");
+    Command.Option("--levels", "L0,L1,L2,LT", Levels.Levels,
+                   "The levels of the three data blocks and of the trailer, as in 13,13,13,12",
+                   Need::Required);
+    Command.Option("--keys", "1|2", Levels.KeysToUse, AboutKeys, KeysNeeded);
 }
 
 } // namespace acg::tool

@@ -18,9 +18,10 @@ struct LevelOptions {
     std::string KeysToUse; ///< --keys
 };
 
-void TakesSector(CLI::App& Command, std::string& Sector);
-/// Returns the option --keys.
-CLI::Option& TakesLevels(CLI::App& Command, LevelOptions& Levels);
+void TakesSector(CommandOptions& Command, std::string& Sector);
+/// AboutKeys: the help of --keys.
+void TakesLevels(CommandOptions& Command, LevelOptions& Levels, const char* AboutKeys,
+                 Need KeysNeeded = Need::Optional);
 
 /// Throws UsageError for a sector that no card has.
 [[nodiscard]] int32_t ParseSector(std::string_view Text);

@@ -39,7 +39,7 @@ int Trailer(const Options& given, Context& context)
 void AddTrailer(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
-    CLI::App& command =
+    CommandOptions command =
         Commands.Add("trailer", "Shows what each key of a sector may do", "acg trailer 1 --key FFFFFFFFFFFF",
                      [given](Context& context) { return Trailer(*given, context); });
     TakesSector(command, given->Sector);

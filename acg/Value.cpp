@@ -40,7 +40,7 @@ int Value(const Options& given, Context& context)
     std::optional<int32_t> wanted;
     if (!given.Number.empty()) {
         wanted = ParseNumber(given.Number, INT32_MIN, INT32_MAX,
-                             "NUMBER is a whole number from -2147483648 to 2147483647");
+                             "NUMBER is a whole number from -2^31 to 2^31 - 1");
     }
     const Key key = TheKey(given.Key);
     WriteReport report(context.Out);
@@ -75,11 +75,12 @@ int Value(const Options& given, Context& context)
 void AddValue(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
-    CLI::App& command = Commands.Add("value", "Checks a value block, or writes one and checks it",
-                                     "acg value 5 1000 --key FFFFFFFFFFFF",
-                                     [given](Context& context) { return Value(*given, context); });
-    command.add_option("BLOCK", given->Block, "The block")->required();
-    command.add_option("NUMBER", given->Number, "The value to write, from -2147483648 to 2147483647");
+    CommandOptions command = Commands.Add("value", "Checks a value block, or writes one and checks it",
+                                          "acg value 5 1000 --key FFFFFFFFFFFF",
+                                          [given](Context& context) { return Value(*given, context); });
+    command.Argument("BLOCK", given->Block, "The block");
+    command.Argument("NUMBER", given->Number, "The value to write, from -2147483648 to 2147483647",
+                     Need::Optional);
     TakesKey(command, given->Key);
 }
 

@@ -51,11 +51,11 @@ int Write(const Options& given, Context& context)
 void AddWrite(CommandLine& Commands)
 {
     const auto given = std::make_shared<Options>();
-    CLI::App& command = Commands.Add("write", "Writes a data block, reads it back, and compares",
-                                     "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF",
-                                     [given](Context& context) { return Write(*given, context); });
-    command.add_option("BLOCK", given->Block, "The block")->required();
-    command.add_option("HEX", given->Contents, "Its 16 bytes, in 32 hexadecimal digits")->required();
+    CommandOptions command = Commands.Add("write", "Writes a data block, reads it back, and compares",
+                                          "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF",
+                                          [given](Context& context) { return Write(*given, context); });
+    command.Argument("BLOCK", given->Block, "The block");
+    command.Argument("HEX", given->Contents, "Its 16 bytes, in 32 hexadecimal digits");
     TakesKey(command, given->Key);
 }
 

@@ -1,4 +1,4 @@
-// The README's table "What goes wrong" against what acg says of a failure, row by row.
+// The README's table "What goes wrong" against what acg says that a failure means, row by row.
 #include "acg/Failures.h"
 
 #include <fstream>
@@ -6,12 +6,12 @@
 #include <regex>
 #include <sstream>
 
-TEST(Failures, ReadmeSaysTheSameOfEach)
+TEST(Failures, ReadmeMeansTheSameByEach)
 {
     std::string readme = (std::ostringstream() << std::ifstream(ACG_DOCS "/../README.md").rdbuf()).str();
     readme = std::regex_replace(readme, std::regex(R"(`|\[(.*?)\]\(.*?\))"), "$1"); // code and links
     const std::regex pattern(
-        R"(\n\| (-?\d+) .*? \| ?(.*?) \| ?(?:. or another|(.*?)) \| (.*?) \| (.*?) \|(?=\n))");
+        R"(\n\| (-?\d+) .*? \| ?(.*?) \| ?(?:. or another|(.*?)) \| (.*?) \| .*? \|(?=\n))");
     std::sregex_iterator row(readme.begin(), readme.end(), pattern);
     std::string path;
     for (const acg::tool::Remedy& known : acg::tool::Remedies()) {
@@ -22,7 +22,6 @@ TEST(Failures, ReadmeSaysTheSameOfEach)
         EXPECT_NE(path.find(known.Path), std::string::npos) << path << " has no " << known.Path;
         EXPECT_EQ(std::regex_replace(cells[3].str(), std::regex(", "), ""), known.Letters);
         EXPECT_EQ(cells[4], std::string(known.Meaning));
-        EXPECT_EQ(cells[5], std::string(known.Action));
         ++row;
     }
     EXPECT_EQ(row, std::sregex_iterator()) << row->str();
