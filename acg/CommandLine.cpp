@@ -119,9 +119,9 @@ CommandLine::CommandLine()
     m_program->option_defaults()->disable_flag_override();
     m_program->set_version_flag("--version", ACG_VERSION, "Print the version and end");
     m_program
-        .add_option("--reader", m_context.Parameters,
-                    "The reader's settings, as in \"Device=com1;Baud rate=9600\"; where it isn't given, "
-                    "those of the variable ACG_PARAMETERS")
+        ->add_option("--reader", m_context.Parameters,
+                     "The reader's settings, as in \"Device=com1;Baud rate=9600\"; where it isn't given, "
+                     "those of the variable ACG_PARAMETERS")
         ->type_name("TEXT");
     m_program->add_flag_callback(
         "--json", [this] { m_context.Out.UseJson(); }, "Print one JSON object, whatever the end");

@@ -21,7 +21,7 @@ std::string SettingsOf(Encoder& encoder)
     std::string text = ToUtf8(encoder.Parameters());
     text.erase(0, text.find("Device="));
     for (size_t at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n")) {
-        text.replace(at, 2, ";");
+        text = text.substr(0, at) + ';' + text.substr(at + 2);
     }
     return text;
 }
