@@ -1,6 +1,6 @@
-// Included before GoogleTest's own sources for Windows. Before version 1.13 they lack this class of theirs without
-// threads, by which alone its death tests are written. No test of ours is one. Those that have it, in the namespace
-// inside this one, take their own.
+// Included before GoogleTest's own sources for Windows: up to version 1.12 they lack this class of theirs
+// without threads, by which alone its death tests are written. No test of ours is one. Later versions have
+// theirs in the namespace inside this one, where it comes first.
 #pragma once
 
 namespace testing
