@@ -238,12 +238,11 @@ Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const Con
                    number, asked.Login.Type == KeyTypeB ? " --as-b" : "")};
     }
     out.Json()["values"].push_back({{"block", number}, {"value", block.Value()}});
-    std::string line =
-        Format("Block %d is written first, as a value block; its value stays %d", number, block.Value());
+    const std::string others =
+        SlotOfPurse(asked, slot) != slot ? Format(", for %s,", NameOfSlot(slot, asked.Sector).c_str()) : "";
+    std::string line = Format("Block %d%s is written first, as a value block; its value stays %d", number,
+                              others.c_str(), block.Value());
     line += *block.Address() != number ? Format(", its address %u becomes %d", *block.Address(), number) : "";
-    line += SlotOfPurse(asked, slot) != slot
-                ? Format(". So %s get the rights of purses", NameOfSlot(slot, asked.Sector).c_str())
-                : "";
     out.Print(line + ".");
     return {number, block.Value()};
 }

@@ -33,7 +33,8 @@ public:
     /// To be called with the result of the operation that writes the next part. Throws as Must does.
     void Sent(Encoder& Opened, sceReturnCode Result);
 
-    /// Runs what reads the part back. If that fails, the report says whether another card lies in the field.
+    /// Runs what reads the part back. If that fails and another card lies in the field, throws OtherFailure
+    /// for that.
     template <class Reading>
     auto ReadBack(Encoder& Opened, Reading Read)
     {
