@@ -236,7 +236,7 @@ int DumpCard(const Options& given, Context& context)
     std::optional<CardSize> size = ParseCardSize(given.Card);
     const NewFile file(name, given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept);
     WriteReport report(out);
-    report.Add(name, /*Look=*/{});
+    report.Add(MaskKeys(name), /*Look=*/{});
     const auto encoder = OpenReader(context.Parameters);
     const std::wstring serial = SerialNumberOf(*encoder);
     out.Json()["card"] = ToUtf8(serial);
