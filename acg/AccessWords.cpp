@@ -173,11 +173,11 @@ std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
         const BlockRights& block = rights.Blocks[slot];
         const std::string name = NameOfSlot(slot, Sector);
         if (block.Read == Keys::None) {
-            text += Format("FOR GOOD: nobody can ever read %s again.\n", name.c_str());
+            text += Format("FOR GOOD: %s can never be read again.\n", name.c_str());
         }
         if (block.Write == Keys::None) {
-            text += Format("FOR GOOD: nobody can ever write %s again%s.\n", name.c_str(),
-                           block.Decrement != Keys::None ? ", though a value there can be decremented" : "");
+            text += Format("FOR GOOD: %s can never be written again%s.\n", name.c_str(),
+                           block.Decrement != Keys::None ? ", only decremented" : "");
         }
     }
     return text;
@@ -204,10 +204,9 @@ std::string RefusalInWords(const SectorLevels& Asked)
                 Asked.Levels[slot]);
         }
     }
-    return Format(
-        "level %d can't be stored for the trailer with both keys, only 0, 4, 8 and 12: where key B is "
-        "a key, the card doesn't let key A write the trailer",
-        Asked.Levels[TrailerSlot]);
+    return Format("level %d can't be stored for the trailer with both keys, only 0, 4, 8 and 12: if key B is "
+                  "a key, the card doesn't let key A write the trailer",
+                  Asked.Levels[TrailerSlot]);
 }
 
 ConditionBytes ConditionBytesOf(const Block& Trailer)

@@ -99,7 +99,7 @@ std::optional<uint8_t> ValueBlock::Address() const
 
 std::string ReadCommand(int32_t Number, const Key& With)
 {
-    return Format("acg read %d --key …%s", Number, With.Type == KeyTypeB ? " --as-b" : "");
+    return Format("acg read %d --key KEY%s", Number, With.Type == KeyTypeB ? " --as-b" : "");
 }
 
 } // namespace acg::tool

@@ -120,8 +120,8 @@ CommandLine::CommandLine()
     m_program->set_version_flag("--version", ACG_VERSION, "Print the version and end");
     m_program
         ->add_option("--reader", m_context.Parameters,
-                     "The reader's settings, as in \"Device=com1;Baud rate=9600\"; where it isn't given, "
-                     "those of the variable ACG_PARAMETERS")
+                     "The reader's settings, as in \"Device=com1;Baud rate=9600\"; default: the variable "
+                     "ACG_PARAMETERS")
         ->type_name("TEXT");
     m_program->add_flag_callback(
         "--json", [this] { m_context.Out.UseJson(); }, "Print one JSON object, whatever the end");
@@ -183,13 +183,17 @@ int CommandLine::Run(std::vector<std::string> Arguments)
         fail(Failed, error.what());
     }
     out.Json().emplace("failure", nullptr);
-    out.Finish();
+    if (!out.Finish()) {
+        problem += (problem.empty() ? "" : "\n") + std::string("standard output can't be written");
+        status = status == Done ? Failed : status;
+    }
     if (!problem.empty()) {
         PrintProblem(problem + out.Outcome());
     }
     return status;
 }
 
+// The words that it looks for are CLI11's, of versions 2.1 to 2.4; tests/acg/usage.txt shows if they change.
 std::string CommandLine::Explain(const CLI::Error& error) const
 {
     const auto chosen = m_program->get_subcommands();
@@ -231,7 +235,7 @@ void TakesKey(CommandOptions& Command, KeyOptions& Key)
     AddKeyOptions(Command, Key,
                   "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
                   "the variable ACG_KEY");
-    Command.Flag("--as-b", Key.AsB, "It is key B, not key A");
+    Command.Flag("--as-b", Key.AsB, "Log in with it as key B; default: as key A");
 }
 
 } // namespace acg::tool

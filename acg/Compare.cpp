@@ -100,8 +100,8 @@ void AddCompare(CommandLine& Commands)
     CommandOptions command = Commands.Add("compare", "Shows where two dumps differ; exit status 1 if they do",
                                           "acg compare before.bin after.txt",
                                           [given](Context& context) { return Compare(*given, context); });
-    command.Argument("FILE1", given->First, "A dump, raw bytes or text; \"<\" marks what it has");
-    command.Argument("FILE2", given->Second, "Another; \">\" marks what it has");
+    command.Argument("FILE1", given->First, "A dump, raw bytes or text; its lines begin with \"<\"");
+    command.Argument("FILE2", given->Second, "Another; its lines begin with \">\"");
 }
 
 } // namespace acg::tool

@@ -164,7 +164,8 @@ void CardReading::PutKey(const std::optional<size_t>& key, size_t at, uint16_t b
     trailer.Known = static_cast<uint16_t>(trailer.Known & ~bytes);
     if (key) {
         const std::string digits = ToUtf8(m_keys[*key]) + std::string(20, '0');
-        std::copy_n(ParseBlock(digits)->begin(), 6, trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
+        std::copy_n(ParseBlock(digits).value_or(Block{}).begin(), 6,
+                    trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
         trailer.Known = static_cast<uint16_t>(trailer.Known | bytes);
     }
 }
@@ -233,7 +234,8 @@ int DumpCard(const Options& given, Context& context)
     Output& out = context.Out;
     const std::string& name = given.File;
     const KeyList keys = KeysOf(given);
-    std::optional<CardSize> size = ParseCardSize(given.Card);
+    const std::optional<CardSize> asked = ParseCardSize(given.Card);
+    CardSize size = asked.value_or(CardSize{"1k", LastSector1K, {}});
     const NewFile file(name, given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept);
     WriteReport report(out);
     report.Add(MaskKeys(name), /*Look=*/{});
@@ -242,10 +244,10 @@ int DumpCard(const Options& given, Context& context)
     out.Json()["card"] = ToUtf8(serial);
     CardReading reading(*encoder, keys.Keys, out);
     {
-        ProgressBar bar(TrailerBlock(size ? size->LastSector : LastSector1K) + 1);
-        for (int32_t sector = 0; sector <= (size ? size->LastSector : LastSector1K); ++sector) {
+        ProgressBar bar(TrailerBlock(size.LastSector) + 1);
+        for (int32_t sector = 0; sector <= size.LastSector; ++sector) {
             reading.ReadSector(sector, bar);
-            if (sector == LastSector1K && !size) {
+            if (sector == LastSector1K && !asked) {
                 try {
                     size = FindCardSize(*encoder, keys.Keys);
                 } catch (const CardFailure&) {
@@ -253,7 +255,7 @@ int DumpCard(const Options& given, Context& context)
                     out.Problem("whether the card has a sector 16 isn't known; --card 1k doesn't ask");
                     throw;
                 }
-                bar.SetSteps(TrailerBlock(size->LastSector) + 1);
+                bar.SetSteps(TrailerBlock(size.LastSector) + 1);
             }
             RequireCard(*encoder, serial, sector);
         }
@@ -266,11 +268,11 @@ int DumpCard(const Options& given, Context& context)
     for (const DumpedBlock& block : reading.Result()) {
         read += IsRead(block, blocks++) ? 1 : 0;
     }
-    out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read, and written to %s",
-                     ToUtf8(serial).c_str(), size->LastSector == LastSector1K ? "1K" : "4K",
-                     size->Reason.c_str(), read, blocks, MaskKeys(name).c_str()));
-    out.Json()["size"] = size->Name;
-    out.Json()["sizeReason"] = size->Reason;
+    out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read; the file is %s",
+                     ToUtf8(serial).c_str(), size.LastSector == LastSector1K ? "1K" : "4K",
+                     size.Reason.c_str(), read, blocks, MaskKeys(name).c_str()));
+    out.Json()["size"] = size.Name;
+    out.Json()["sizeReason"] = size.Reason;
     out.Json()["blocks"] = blocks;
     out.Json()["blocksRead"] = read;
     return reading.IsComplete() ? Done : Failed;
@@ -284,10 +286,9 @@ void AddDump(CommandLine& Commands)
     CommandOptions command =
         Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --key-file keys.txt",
                      [given](Context& context) { return DumpCard(*given, context); });
-    command.Argument(
-        "FILE", given->File,
-        "Raw bytes, or, where the name ends in .txt, 32 digits a line. Keys that the card doesn't "
-        "show are written from those that open it");
+    command.Argument("FILE", given->File,
+                     "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "
+                     "doesn\'t show is filled in from the one that opened the sector");
     TakesKeys(command, given->Key);
     command.Option("--card", "1k|4k", given->Card,
                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");

@@ -14,6 +14,10 @@ namespace
 
 constexpr int32_t LibraryNotFound = 53;
 
+constexpr const char* CheckTheKey = "check the key, and whether it is key B (--as-b): acg trailer SECTOR "
+                                    "--key KEY; if other sectors open with "
+                                    "keys that you know, and this one with none, it is blocked for good";
+
 // The library's calls, then the component's own: encoder/Failures.h.
 constexpr Remedy All[] = {
     {LibraryNotFound, "", "", "the reader library isn't there, or can't be loaded",
@@ -21,9 +25,10 @@ constexpr Remedy All[] = {
     {453, "", "", "the reader library lacks that function",
      "put the library that belongs to the reader beside acg, then: acg info"},
     {-2, "OpenComm", "", "the reader library couldn't open the device",
-     "end what else uses it, and spell it as the library wants it: acg info --reader \"Device=com3\""},
+     "close other programs that use it, and check how the library spells it: "
+     "acg info --reader \"Device=com3\""},
     {-2, "OpenReader", "0", "a reader was found, but couldn't be opened",
-     "end what else uses it, then: acg info"},
+     "close other programs that use it, then: acg info"},
     {-4, "DetectReader", "0", "no reader answers on the link",
      "check power and cable; try another speed: acg info --reader \"Device=com1;Baud rate=19200\""},
     {-5, "select", "",
@@ -32,13 +37,10 @@ constexpr Remedy All[] = {
     {-5, "block", "N",
      "the reader refused the command; with the simulated reader: the card left the field, and it isn't known "
      "whether a write was done",
-     "lay the card back and look: acg read BLOCK --key KEY; after acg protect try both the new and the old "
-     "keys: "
-     "acg trailer SECTOR --key KEY"},
+     "lay the card back on the reader, and look at it before you write again"},
     {-5, "block", "RO",
      "the reader refused the command; with the simulated reader: the card has no such block, or, if the "
-     "reader's "
-     "type is MultiISO 1.0, the key is wrong or the sector blocked",
+     "reader's type is MultiISO 1.0, the key is wrong or the sector blocked",
      "check the number, on a 1K card 0 to 63, and the key: acg trailer SECTOR --key KEY"},
     {-5, "block", "",
      "the reader refused the command; with the simulated reader, F: the card doesn't grant this to this key",
@@ -47,19 +49,13 @@ constexpr Remedy All[] = {
      "put the library that belongs to the reader beside acg, then: acg info"},
     {-7, "login", "X",
      "the reader refused the login; with the simulated reader: the key is wrong, or the sector is blocked "
-     "for "
-     "good",
-     "check the key, and whether it is key B (--as-b): acg trailer SECTOR --key KEY; if other sectors open "
-     "with "
-     "keys that you know, and this one with none, it is blocked for good"},
+     "for good",
+     CheckTheKey},
     {-7, "login", "R", "the reader refused the login; with the simulated reader: the card has no such sector",
      "check the number: a 1K card has the sectors 0 to 15, blocks 0 to 63"},
     {-7, "login", "N", "the reader refused the login; with the simulated reader: the card left the field",
      "hold the card still, and try again"},
-    {-7, "login", "", "the login didn't succeed, as with a wrong key",
-     "check the key, and whether it is key B (--as-b): acg trailer SECTOR --key KEY; if other sectors open "
-     "with "
-     "keys that you know, and this one with none, it is blocked for good"},
+    {-7, "login", "", "the login didn't succeed, as with a wrong key", CheckTheKey},
     {-8, "", "", "no card in the field", "lay a card on the reader, then: acg info"},
 };
 

@@ -44,7 +44,7 @@ void Output::Problem(std::string_view Text)
     (*m_json)["problems"].push_back(Text);
 }
 
-void Output::Finish() const
+bool Output::Finish() const
 {
     if (m_isJson) {
         // In ASCII, so that a terminal takes nothing in it for a command; what isn't UTF-8 is replaced.
@@ -52,6 +52,7 @@ void Output::Finish() const
             m_json->dump(/*indent=*/-1, ' ', /*ensure_ascii=*/true, JsonObject::error_handler_t::replace)
                 .c_str());
     }
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
 void PrintProblem(std::string_view Text)
@@ -59,7 +60,9 @@ void PrintProblem(std::string_view Text)
     std::fflush(stdout);
     const bool isColoured = IsColourTerminal(stderr);
     const std::string name = isColoured ? "\033[31macg:\033[0m " : "acg: ";
-    std::fputs((name + PrintableLines(Text)).c_str(), stderr);
+    const std::string_view first = Text.substr(0, Text.find('\n'));
+    const std::string wrapped = IsTerminal(stderr) ? Wrap(first, /*Indent=*/5) : std::string(first);
+    std::fputs((name + PrintableLines(wrapped + std::string(Text.substr(first.size())))).c_str(), stderr);
 }
 
 } // namespace acg::tool

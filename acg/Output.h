@@ -40,8 +40,8 @@ public:
     void SetOutcome(std::string_view Lines) { m_outcome = Lines; }
     [[nodiscard]] const std::string& Outcome() const { return m_outcome; }
 
-    /// Prints the object.
-    void Finish() const;
+    /// Prints the object. False: standard output couldn't be written.
+    [[nodiscard]] bool Finish() const;
 
 private:
     bool m_isJson = false;
@@ -49,7 +49,7 @@ private:
     std::string m_outcome;
 };
 
-/// "acg: " and the text on standard error.
+/// "acg: " and the text on standard error; the first line of it fits a terminal of 80 columns.
 void PrintProblem(std::string_view Text);
 
 } // namespace acg::tool

@@ -47,7 +47,8 @@ void AddPreview(CommandLine& Commands)
                                           "acg preview --levels 13,13,13,12 --keys 2 --value 0",
                                           [given](Context& context) { return Preview(*given, context); });
     TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys", Need::Required);
-    command.Option("--value", "0,1,2", given->ValueBlocks, "Which of the blocks 0, 1, 2 are value blocks");
+    command.Option("--value", "0,1,2", given->ValueBlocks,
+                   "Which of the data blocks 0, 1 and 2 are value blocks, as in 0,2");
 }
 
 } // namespace acg::tool

@@ -147,7 +147,7 @@ void AddParts(const Request& asked, WriteReport& report)
     } else if (asked.Levels.KeysToUse == KeyAAlone) {
         with = ", with key A";
     }
-    const std::string look = Format("acg trailer %d --key …%s", asked.Sector, with);
+    const std::string look = Format("acg trailer %d --key KEY%s", asked.Sector, with);
     report.Add(
         Format(asked.Keys ? "the keys and the access bits of sector %d" : "the access bits of sector %d",
                asked.Sector),
@@ -234,7 +234,7 @@ Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const Con
     const ValueBlock block(ReadBlock(encoder, number, asked.Login));
     if (!block.IsValid()) {
         throw OtherFailure{
-            Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key …%s", number,
+            Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
                    number, asked.Login.Type == KeyTypeB ? " --as-b" : "")};
     }
     out.Json()["values"].push_back({{"block", number}, {"value", block.Value()}});
@@ -242,7 +242,8 @@ Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const Con
         SlotOfPurse(asked, slot) != slot ? Format(", for %s,", NameOfSlot(slot, asked.Sector).c_str()) : "";
     std::string line = Format("Block %d%s is written first, as a value block; its value stays %d", number,
                               others.c_str(), block.Value());
-    line += *block.Address() != number ? Format(", its address %u becomes %d", *block.Address(), number) : "";
+    const int address = block.Address().value_or(0); // it is a value block
+    line += address != number ? Format(", its address %d becomes %d", address, number) : "";
     out.Print(line + ".");
     return {number, block.Value()};
 }
@@ -374,7 +375,8 @@ void AddProtect(CommandLine& Commands)
     TakesKey(command, given->Key);
     TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys; default: as on the card");
     command.Option("--value", "0,1,2", given->ValueBlocks,
-                   "Which of the blocks 0, 1, 2 are value blocks: each is written again with its value, and "
+                   "Which of the sector\'s data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
+                   "written again with its value, and "
                    "levels 9 and 13 grant the rights of a purse");
     command.Option(
         "--new-a", "KEY", given->NewA,

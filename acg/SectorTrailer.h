@@ -32,7 +32,7 @@ void TakesLevels(CommandOptions& Command, LevelOptions& Levels, const char* Abou
 /// Throws UsageError for another key mode than 1 and 2.
 [[nodiscard]] uint8_t ParseKeysToUse(std::string_view Text);
 
-/// Throws UsageError unless it is block numbers in the sector, 0 to 2, joined by commas.
+/// Sets IsValueBlock for each; throws UsageError unless the text is numbers from 0 to 2, joined by commas.
 void ParseValueBlocks(std::string_view Text, SectorLevels& Levels);
 
 /// The access bits; throws UsageError for levels that can't be stored.

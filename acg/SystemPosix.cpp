@@ -55,8 +55,10 @@ LoadedLibrary LibraryOf(EntryPoint::Function Function)
     }
     LoadedLibrary library{.Path = std::filesystem::absolute(info.dli_fname)};
     // docs/reader-library.md: the version, a blank, and the description.
-    if (const EntryPoint entry = FindInFile(info.dli_fname, "LibraryVersion"); entry.Address != nullptr) {
-        const std::string text = reinterpret_cast<const char* (*)()>(entry.Address)();
+    if (const EntryPoint entry = FindInFile(info.dli_fname, "ACGReaderLibraryVersion");
+        entry.Address != nullptr) {
+        const char* const told = reinterpret_cast<const char* (*)()>(entry.Address)();
+        const std::string text = told != nullptr ? told : "";
         library.Version = text.substr(0, text.find(' '));
         library.Description = text.substr(std::min(library.Version.size() + 1, text.size()));
     }
@@ -72,6 +74,8 @@ void PrepareConsole()
     for (const int signal : {SIGINT, SIGTERM}) {
         sigaction(signal, &action, nullptr);
     }
+    action.sa_handler = SIG_IGN; // a reader that has gone is a failure of writing, which is reported
+    sigaction(SIGPIPE, &action, nullptr);
 }
 
 bool WasInterrupted()

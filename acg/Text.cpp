@@ -1,6 +1,7 @@
 #include "acg/Text.h"
 
 #include "acg/Failures.h"
+#include "reader/HexText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -30,7 +31,7 @@ bool IsUtf8(std::string_view text)
 
 bool IsHexDigit(char character)
 {
-    return (character >= '0' && character <= '9') || ((character | 0x20) >= 'a' && (character | 0x20) <= 'f');
+    return HexDigit(static_cast<unsigned char>(character)).has_value();
 }
 
 bool IsOfWord(char character)

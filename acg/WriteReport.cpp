@@ -12,13 +12,12 @@ namespace acg::tool
 namespace
 {
 
-/// Whether the operation with this record may have changed the card. A letter is the reader's refusal, except
-/// for N: the card has left, perhaps after it was written.
+/// Whether the operation with this record may have changed the card: what a reader's letter says of a write
+/// that was sent isn't known, and a call that failed as such sent nothing.
 bool MayHaveWritten(const CError& record)
 {
-    const bool wasSent =
-        record.RdrCommand.ends_with(L"write block") || record.RdrCommand.ends_with(L"write vblock");
-    return wasSent && (record.RdrRetCode.empty() || record.RdrRetCode == L"N");
+    return record.Number < 0 &&
+           (record.RdrCommand.ends_with(L"write block") || record.RdrCommand.ends_with(L"write vblock"));
 }
 
 } // namespace
@@ -102,7 +101,7 @@ std::string WriteReport::InWords(State Now) const
     case State::SurelyHolds:
         return "yes";
     case State::SurelyDiffers:
-        return "no, or not all of it";
+        return "not known; it reads back as something else";
     default:
         return "no";
     }

@@ -10,8 +10,8 @@
 namespace acg::tool
 {
 
-/// What a command writes, in parts, one after the other. At each step the output knows what to say of them if
-/// the command fails now, and the JSON object has the members
+/// What a command writes, in parts, one after the other. After each step the output holds what is to be said
+/// if the command ends there, and the JSON object has the members
 ///
 ///     written   "yes": all of it; "no": nothing was changed; "partly": as "writes" says; or "unknown"
 ///     writes    if there are several parts, "what" and "written" of each
@@ -52,7 +52,7 @@ public:
     /// Throws OtherFailure if another card than the first lies in the field, and as SerialNumberOf does.
     void RequireSameCard(Encoder& Opened);
 
-    /// All of it is written, as no card needs to confirm.
+    /// Marks every part as written: for a file, which isn't read back.
     void Complete();
 
 private:

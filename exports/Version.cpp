@@ -1,5 +1,5 @@
 // What a library says of itself where files have no version resource.
-extern "C" const char* LibraryVersion()
+extern "C" const char* ACGReaderLibraryVersion()
 {
     return ACG_LIBRARY_VERSION;
 }

@@ -43,4 +43,4 @@ for row in 'write 4 000102030405060708090A0B0C0D0E0F|write block' 'value 5 1000|
     done
 done
 echo "$tried ends, $unknown of them said to be unknown"
-[ "$unknown" -lt $((tried / 4)) ]
+[ "$unknown" -lt $((tried / 2)) ]
