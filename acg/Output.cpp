@@ -63,6 +63,7 @@ void PrintProblem(std::string_view Text)
     const std::string_view first = Text.substr(0, Text.find('\n'));
     const std::string wrapped = IsTerminal(stderr) ? Wrap(first, /*Indent=*/5) : std::string(first);
     std::fputs((name + PrintableLines(wrapped + std::string(Text.substr(first.size())))).c_str(), stderr);
+    std::fflush(stderr); // some systems buffer it
 }
 
 } // namespace acg::tool

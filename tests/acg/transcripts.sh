@@ -16,7 +16,7 @@ if [[ $program = *.exe ]]; then
     start_wine >/dev/null
     folder=$wine_folder/here
     mkdir "$folder"
-    native='/dev/|^\\$ timeout |xFF|relevé' # the last as Wine buffers the standard error, unlike Windows
+    native='/dev/|^\\$ timeout |xFF'
     acg() {
         local argument arguments=()
         for argument; do
