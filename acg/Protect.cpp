@@ -375,7 +375,7 @@ void AddProtect(CommandLine& Commands)
     TakesKey(command, given->Key);
     TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys; default: as on the card");
     command.Option("--value", "0,1,2", given->ValueBlocks,
-                   "Which of the sector\'s data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
+                   "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
                    "written again with its value, and "
                    "levels 9 and 13 grant the rights of a purse");
     command.Option(

@@ -79,7 +79,7 @@ void AddValue(CommandLine& Commands)
                                           "acg value 5 1000 --key FFFFFFFFFFFF",
                                           [given](Context& context) { return Value(*given, context); });
     command.Argument("BLOCK", given->Block,
-                     "The block, 1 to 62, on a 4K card to 254; not a sector\'s last one");
+                     "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
     command.Argument("NUMBER", given->Number, "The value to write, from -2147483648 to 2147483647",
                      Need::Optional);
     TakesKey(command, given->Key);

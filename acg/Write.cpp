@@ -55,7 +55,7 @@ void AddWrite(CommandLine& Commands)
                                           "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF",
                                           [given](Context& context) { return Write(*given, context); });
     command.Argument("BLOCK", given->Block,
-                     "The block, 1 to 62, on a 4K card to 254; not a sector\'s last one");
+                     "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
     command.Argument("HEX", given->Contents, "Its 16 bytes, in 32 hexadecimal digits");
     TakesKey(command, given->Key);
 }
