@@ -288,7 +288,7 @@ void AddDump(CommandLine& Commands)
                      [given](Context& context) { return DumpCard(*given, context); });
     command.Argument("FILE", given->File,
                      "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "
-                     "doesn\'t show is filled in from the one that opened the sector");
+                     "doesn't show is filled in from the one that opened the sector");
     TakesKeys(command, given->Key);
     command.Option("--card", "1k|4k", given->Card,
                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
