@@ -50,7 +50,7 @@ std::string InWords(const std::error_code& error, const std::string& file)
         return file + " exists; --force replaces it";
     }
     return "can't write " + file + ": " +
-           (error == NotAnOrdinaryFile ? "it isn't an ordinary file" : ToUtf8(FromAnsi(error.message())));
+           (error == NotARegularFile ? "not a regular file" : ToUtf8(FromAnsi(error.message())));
 }
 
 } // namespace
