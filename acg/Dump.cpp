@@ -234,7 +234,8 @@ int DumpCard(const Options& given, Context& context)
     const std::string& name = given.File;
     const KeyList keys = KeysOf(given);
     std::optional<CardSize> size = ParseCardSize(given.Card);
-    const NewFile file(name, given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept);
+    const ExistingFile existing = given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
+    RequireWritable(name, existing);
     WriteReport report(out);
     report.Add(MaskKeys(name), /*Look=*/{});
     const auto encoder = OpenReader(context.Parameters);
@@ -258,7 +259,7 @@ int DumpCard(const Options& given, Context& context)
             RequireCard(*encoder, serial, sector);
         }
     }
-    file.Write(reading.Result());
+    WriteDump(name, reading.Result(), existing);
     report.Complete();
     ShowOpenings(reading.Openings(), keys, out);
     int blocks = 0;
