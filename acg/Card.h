@@ -24,7 +24,7 @@ inline constexpr int32_t LastSector = 39;
 
 using Block = std::array<uint8_t, 16>;
 
-/// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS where that is empty, else with
+/// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if that is empty, else with
 /// the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
 [[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters);
 
@@ -39,7 +39,7 @@ void Must(Encoder& Opened, sceReturnCode Result);
 /// The serial number of the card in the field. Throws OtherFailure if the reader's reply has none.
 [[nodiscard]] std::wstring SerialNumberOf(Encoder& Opened);
 
-/// Throws OtherFailure where the reader's reply isn't a whole block in hexadecimal.
+/// Throws OtherFailure if the reader's reply isn't a whole block in hexadecimal.
 [[nodiscard]] Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With);
 
 /// The bytes of 32 hexadecimal digits, blanks anywhere allowed; nothing for any other text.

@@ -236,7 +236,8 @@ int DumpCard(const Options& given, Context& context)
     const KeyList keys = KeysOf(given);
     const std::optional<CardSize> asked = ParseCardSize(given.Card);
     CardSize size = asked.value_or(CardSize{"1k", LastSector1K, {}});
-    const NewFile file(name, given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept);
+    const ExistingFile existing = given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
+    RequireWritable(name, existing);
     WriteReport report(out);
     report.Add(MaskKeys(name), /*Look=*/{});
     const auto encoder = OpenReader(context.Parameters);
@@ -260,7 +261,7 @@ int DumpCard(const Options& given, Context& context)
             RequireCard(*encoder, serial, sector);
         }
     }
-    file.Write(reading.Result());
+    WriteDump(name, reading.Result(), existing);
     report.Complete();
     ShowOpenings(reading.Openings(), keys, out);
     int blocks = 0;

@@ -12,7 +12,6 @@
 #include <iterator>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 namespace acg::tool
 {
@@ -50,7 +49,7 @@ std::string InWords(const std::error_code& error, const std::string& file)
         return file + " exists; --force replaces it";
     }
     return "can't write " + file + ": " +
-           (error == NotAnOrdinaryFile ? "it isn't an ordinary file" : ToUtf8(FromAnsi(error.message())));
+           (error == NotARegularFile ? "not a regular file" : ToUtf8(FromAnsi(error.message())));
 }
 
 } // namespace
@@ -95,18 +94,18 @@ Dump ReadDump(const std::string& File)
     return dump;
 }
 
-NewFile::NewFile(std::string File, ExistingFile Existing) : m_name(std::move(File)), m_existing(Existing)
+void RequireWritable(const std::string& File, ExistingFile Existing)
 {
     FileReplacement attempt; // removed at once, so that nothing is left if the program is killed meanwhile
-    const std::error_code error = attempt.Create(ToPath(m_name).native(), m_existing);
+    const std::error_code error = attempt.Create(ToPath(File).native(), Existing);
     if (error) {
-        throw UsageError{InWords(error, m_name)};
+        throw UsageError{InWords(error, File)};
     }
 }
 
-void NewFile::Write(const Dump& Card) const
+void WriteDump(const std::string& File, const Dump& Card, ExistingFile Existing)
 {
-    const std::filesystem::path path = ToPath(m_name);
+    const std::filesystem::path path = ToPath(File);
     std::string contents;
     for (const DumpedBlock& block : Card) {
         if (IsText(path)) {
@@ -115,13 +114,13 @@ void NewFile::Write(const Dump& Card) const
             contents.append(block.Bytes.begin(), block.Bytes.end());
         }
     }
-    FileReplacement file;
-    std::error_code error = file.Create(path.native(), m_existing);
+    FileReplacement replacement;
+    std::error_code error = replacement.Create(path.native(), Existing);
     if (!error) {
-        error = file.Finish(contents);
+        error = replacement.Finish(contents);
     }
     if (error) {
-        throw OtherFailure{InWords(error, MaskKeys(m_name)) + "; nothing was written"};
+        throw OtherFailure{InWords(error, MaskKeys(File))};
     }
 }
 

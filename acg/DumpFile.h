@@ -22,22 +22,14 @@ struct DumpedBlock {
 /// The blocks of a card, from block 0 on.
 using Dump = std::vector<DumpedBlock>;
 
-/// Throws UsageError where the file can't be read or isn't a dump.
+/// Throws UsageError if the file can't be read or isn't a dump.
 [[nodiscard]] Dump ReadDump(const std::string& File);
 
-/// A file that has its name once it is complete, and not at all before.
-class NewFile
-{
-public:
-    /// Throws UsageError if it can't be created, or if it exists and is to be kept. Leaves nothing behind.
-    NewFile(std::string File, ExistingFile Existing);
+/// Throws UsageError if the file can't be created or replaced, or if it exists and is to be kept. Creates
+/// nothing that stays.
+void RequireWritable(const std::string& File, ExistingFile Existing);
 
-    /// Throws OtherFailure if it can't be written; a file that was there before is unchanged then.
-    void Write(const Dump& Card) const;
-
-private:
-    std::string m_name;
-    ExistingFile m_existing;
-};
+/// Writes the file in one step. Throws OtherFailure if it can't be written; the file is then unchanged.
+void WriteDump(const std::string& File, const Dump& Card, ExistingFile Existing);
 
 } // namespace acg::tool

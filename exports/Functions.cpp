@@ -61,7 +61,7 @@ char* NewByteString(std::string text) noexcept
 #endif
 }
 
-std::string_view TextOf(const char* text)
+ReaderLibrary::Text TextOf(const char* text)
 {
     return text != nullptr ? text : "";
 }

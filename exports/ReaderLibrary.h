@@ -20,15 +20,20 @@ struct CommSettings {
 static_assert(sizeof(CommSettings) == 8);
 
 /// The thirteen functions. Each answers here as it does for a handle that isn't open, which is also what the
-/// host gets where an override throws.
+/// host gets if an override throws.
 ///
-/// A null text arrives as an empty one; every text is followed by a NUL. A buffer is NULs, followed by one
-/// more, and empty where the host has passed none; nothing has to be written into it.
+/// A null text arrives as an empty one. A buffer is NULs, followed by one more, and empty if the host has
+/// passed none; nothing has to be written into it.
 class ReaderLibrary
 {
 public:
     using Handle = uint32_t; ///< 0 is none
-    using Text = std::string_view;
+    /// Ended by a NUL.
+    struct Text : std::string_view {
+        Text(const char* CText) : std::string_view(CText) {}
+        Text(const std::string& Other) : std::string_view(Other) {}
+        [[nodiscard]] const char* CText() const { return data(); }
+    };
     using Buffer = std::span<char>;
 
     ReaderLibrary() = default;

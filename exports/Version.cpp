@@ -1,4 +1,4 @@
-// What a library says of itself where files have no version resource.
+// What a library says of itself if files have no version resource.
 extern "C" const char* ACGReaderLibraryVersion()
 {
     return ACG_LIBRARY_VERSION;

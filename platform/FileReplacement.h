@@ -1,4 +1,4 @@
-// Writing a file at once: at any time it has its old contents or the new ones, also if several processes
+// Replaces a file in one step: at any time it has its old contents or the new ones, even if several processes
 // write it.
 #pragma once
 
@@ -18,8 +18,9 @@ enum class ExistingFile {
     Replaced
 };
 
-/// The error of a name that something other than an ordinary file has: a folder, a device.
-inline constexpr std::errc NotAnOrdinaryFile = std::errc::operation_not_supported;
+/// The error of a name that something other than a regular file has: a folder, a device. A code that no call
+/// for a file returns.
+inline constexpr std::errc NotARegularFile = std::errc::wrong_protocol_type;
 
 /// A temporary file beside the one that it is to replace: its name and a dot, with six random letters or
 /// digits after it. A link is followed to the file that it names, whether that exists or not; on
@@ -38,7 +39,8 @@ public:
     FileReplacement& operator=(const FileReplacement&) = delete;
 
     /// Creates the temporary file. Fails with std::errc::file_exists for a file that is to be kept, with
-    /// NotAnOrdinaryFile, or with an error of the system. To be called once.
+    /// std::errc::permission_denied for one that is read-only (that its owner may not write, whoever asks),
+    /// with NotARegularFile, or with an error of the system. To be called once.
     [[nodiscard]] std::error_code Create(const SystemPath& File, ExistingFile Existing);
 
     /// Writes the contents to the disk, and replaces the file. After a failure, of the same kinds, the file

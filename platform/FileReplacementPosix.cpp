@@ -88,10 +88,13 @@ std::error_code FileReplacement::Create(const SystemPath& File, ExistingFile Exi
         return LastError();
     }
     if (exists && !S_ISREG(status.st_mode)) {
-        return make_error_code(NotAnOrdinaryFile);
+        return make_error_code(NotARegularFile);
     }
     if (exists && Existing == ExistingFile::Kept) {
         return make_error_code(std::errc::file_exists);
+    }
+    if (exists && (status.st_mode & S_IWUSR) == 0) {
+        return make_error_code(std::errc::permission_denied); // a renaming doesn't look at the mode
     }
     m_file = Followed(File);
     m_existing = Existing;

@@ -33,7 +33,7 @@ std::error_code Examine(HANDLE file, ExistingFile existing, SystemPath& path)
     BY_HANDLE_FILE_INFORMATION status = {};
     if (GetFileType(file) != FILE_TYPE_DISK || GetFileInformationByHandle(file, &status) == FALSE ||
         (status.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-        return make_error_code(NotAnOrdinaryFile);
+        return make_error_code(NotARegularFile);
     }
     if (existing == ExistingFile::Kept) {
         return make_error_code(std::errc::file_exists);

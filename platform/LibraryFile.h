@@ -7,8 +7,8 @@
 namespace acg
 {
 
-/// The folder of the program or library that this code is linked into, with a separator behind it, or empty
-/// text where it isn't known.
+/// The folder of the program or library that this code is linked into, with a separator after it, or empty
+/// text if it isn't known.
 [[nodiscard]] SystemPath OwnFolder();
 
 /// The same as Library::Find, in the library in that one file. File: a full path. It stays loaded.

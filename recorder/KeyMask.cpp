@@ -83,15 +83,18 @@ bool HoldsNoHalfKey(std::string_view text)
            });
 }
 
+unsigned ValueOf(std::string_view hexDigits)
+{
+    unsigned value = 0;
+    std::from_chars(hexDigits.data(), hexDigits.data() + hexDigits.size(), value, /*base=*/16);
+    return value;
+}
+
 /// The access bits are three digits C1 to C3 and their complements: ~C2 ~C1 C1 ~C3 C3 C2.
 bool AreAccessBits(std::string_view text)
 {
     const auto areComplements = [text](size_t one, size_t other) {
-        unsigned first = 0;
-        unsigned second = 0;
-        std::from_chars(&text[one], &text[one] + 1, first, /*base=*/16);
-        std::from_chars(&text[other], &text[other] + 1, second, /*base=*/16);
-        return first + second == 0xF;
+        return ValueOf(text.substr(one, 1)) + ValueOf(text.substr(other, 1)) == 0xF;
     };
     return areComplements(0, 5) && areComplements(1, 2) && areComplements(3, 4);
 }
@@ -100,8 +103,7 @@ bool AreAccessBits(std::string_view text)
 bool IsTrailer(std::string_view twoDigits)
 {
     constexpr unsigned FirstOfLargeSectors = 128;
-    unsigned block = 0;
-    std::from_chars(twoDigits.data(), twoDigits.data() + 2, block, /*base=*/16);
+    const unsigned block = ValueOf(twoDigits.substr(0, 2));
     const unsigned blocksInSector = block < FirstOfLargeSectors ? 4 : 16;
     return block % blocksInSector == blocksInSector - 1;
 }

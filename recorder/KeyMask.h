@@ -8,7 +8,7 @@
 namespace recorder
 {
 
-/// From Begin up to, and without, End. May end behind the text.
+/// From Begin up to, and without, End. May end past the end of the text.
 struct Part {
     size_t Begin = 0;
     size_t End = 0;

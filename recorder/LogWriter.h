@@ -1,5 +1,5 @@
-// Writes a session to its log: rounds of calls that repeat once, with their count, and lines whole or not at
-// all.
+// Writes a session to its log: a round of calls that repeats is written once, with its count; a line is written
+// whole or not at all.
 #pragma once
 
 #include "recorder/SessionLog.h"
@@ -14,9 +14,8 @@
 namespace recorder
 {
 
-/// Calls that go on as the last lines did are held back. When more than LongestRound of them are, or when
-/// they have gone on for a second, a line that counts their rounds takes their place, and then one each
-/// second. Calls that can't be written are counted, and a line in the log says so as soon as one can be
+/// Calls that repeat the last lines are held back. After more than LongestRound of them, or a second, a line
+/// with their count replaces them, and one more follows each second. Calls that can't be written are counted, and a line in the log says so as soon as one can be
 /// written again. Used by one thread at a time.
 class LogWriter
 {

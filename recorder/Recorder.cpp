@@ -185,7 +185,7 @@ void Recorder::End() noexcept
 Recorder::Handle Recorder::OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings)
 {
     return Pass(OpenCommText(Device, Autodetect, Settings),
-                [&](const NextLibrary& next) { return next.OpenComm(Device.data(), Autodetect, &Settings); });
+                [&](const NextLibrary& next) { return next.OpenComm(Device.CText(), Autodetect, &Settings); });
 }
 
 int32_t Recorder::SetCommTimeout(Handle Comm, int32_t Timeout)
@@ -251,7 +251,7 @@ std::string Recorder::SendCommandGetData(Handle Reader, Text Command, Text Data,
         CommandText(Reader, Command, Data),
         [&](const NextLibrary& next) {
             return TextOfByteString(
-                next.SendCommandGetData(Reader, Command.data(), Data.data(), Room.data()));
+                next.SendCommandGetData(Reader, Command.CText(), Data.CText(), Room.data()));
         },
         [&](const std::string& reply) { return ReplyText(Command, Data, reply); },
         ReaderLibrary::SendCommandGetData(Reader, Command, Data, Room));

@@ -60,10 +60,10 @@ using LoggedLine = std::variant<std::monostate, LoggedCall, Repetition, Gap>;
 /// A line without its line feed. Nothing, if it isn't a line of a log.
 [[nodiscard]] std::optional<LoggedLine> ParseLine(std::string_view Line);
 
-/// True where the calls are the same; the device of OpenComm may be another.
+/// True if the calls are the same; the device of OpenComm may be another.
 [[nodiscard]] bool IsSameCall(std::string_view Call, std::string_view Other);
 
-// The values of a result; 0 or empty where it is of the other kind.
+// The values of a result; 0 or empty if it is of the other kind.
 [[nodiscard]] int64_t NumberOf(const std::string& Result);
 /// The digits of a masked key are zeros.
 [[nodiscard]] std::string TextOf(const std::string& Result);

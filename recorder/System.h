@@ -11,7 +11,7 @@ namespace recorder
 /// The file that every system looks for.
 [[nodiscard]] const char* LibraryFileName();
 
-/// Empty where the variable isn't set. Name: ASCII.
+/// Empty if the variable isn't set. Name: ASCII.
 [[nodiscard]] std::filesystem::path PathVariable(const char* Name);
 
 /// The error code that a host reads after a call: errno, or GetLastError.

@@ -36,6 +36,7 @@ windows_tools=(
     'test -e /usr/src/googletest/CMakeLists.txt|googletest'
     'have i686-w64-mingw32-widl|mingw-w64-tools'
     'test -e /usr/include/wine/wine/windows/oaidl.idl|libwine-dev'
+    'test -e /usr/lib/x86_64-linux-gnu/wine/x86_64-windows/stdole2.tlb|libwine'
     'have faketime|faketime'
     'have pandoc|pandoc'
     'have zip|zip'

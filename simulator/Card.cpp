@@ -1,6 +1,7 @@
 #include "simulator/Card.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cstring>
 #include <initializer_list>
 
@@ -128,22 +129,22 @@ std::size_t TrailerOf(std::size_t sector)
 /// The place in the trailer's access bits that rules the block.
 std::size_t SlotOf(std::size_t block)
 {
-    const std::size_t place = block - FirstBlockOf(SectorOf(block));
-    return block < SmallSectorsEnd ? place : place / BlocksInLargeSlot;
+    return block < SmallSectorsEnd ? block % SmallSectorBlocks
+                                   : block % LargeSectorBlocks / BlocksInLargeSlot;
 }
 
 /// C1 C2 C3 of the slot as a binary number; nothing where any of the trailer's bits is not the opposite of
 /// its inverted copy. That blocks the whole sector for good, since no access is left that could mend it.
 std::optional<unsigned> ConditionInTrailer(const Block& trailer, std::size_t slot)
 {
-    constexpr unsigned AllBits = 0xFFF;
     const unsigned all =
         trailer[6] | static_cast<unsigned>(trailer[7]) << 8U | static_cast<unsigned>(trailer[8]) << 16U;
-    const unsigned bits = all >> 12U; // C3, C2, C1, each with four slots
-    if ((bits ^ (all & AllBits)) != AllBits) {
+    const std::bitset<12> inverted(all);
+    const std::bitset<12> bits(all >> inverted.size()); // C3, C2, C1, each with four slots
+    if (bits != ~inverted) {
         return std::nullopt;
     }
-    const auto bit = [&](std::size_t place) { return bits >> place & 1U; };
+    const auto bit = [&](std::size_t place) { return bits[place] ? 1U : 0U; };
     return bit(slot) << 2U | bit(slot + 4) << 1U | bit(slot + 8);
 }
 

@@ -64,7 +64,7 @@ void SaveImage(const Card& Saved, const std::string& Path)
     }
     if (error) {
         throw Refusal("save=" + Path,
-                      error == acg::NotAnOrdinaryFile ? "not an ordinary file" : error.message());
+                      error == acg::NotARegularFile ? "not a regular file" : error.message());
     }
 }
 

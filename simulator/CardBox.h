@@ -10,7 +10,7 @@
 namespace simulator
 {
 
-/// Replaces the file at once by an image of the card, as FileReplacement does. Throws a Refusal where it
+/// Replaces the file by an image of the card in one step, as FileReplacement does. Throws a Refusal if it
 /// can't be written.
 void SaveImage(const Card& Saved, const std::string& Path);
 
@@ -19,8 +19,8 @@ void SaveImage(const Card& Saved, const std::string& Path);
 class CardBox
 {
 public:
-    /// Returns the card of these options, null for an empty field, saved where they say so. Throws a Refusal
-    /// where the image can't be read or isn't a whole card of the requested size, or the card can't be saved.
+    /// Returns the card of these options, null for an empty field, saved if they say so. Throws a Refusal
+    /// if the image can't be read or isn't a whole card of the requested size, or the card can't be saved.
     /// Without a serial number in the options the image is read, as it contains one.
     [[nodiscard]] Card* Lay(const CardOptions& Options);
 

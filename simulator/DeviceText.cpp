@@ -14,9 +14,8 @@ namespace
 std::optional<unsigned> ParseNumber(std::string_view text)
 {
     unsigned number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && stop == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
 /// Cuts off and returns the text before the separator, or the whole text where there is none.

@@ -16,10 +16,10 @@ using recorder::CallText;
 namespace
 {
 
-/// Repetitions that a host may have counted; of more than these it is taken that the host looked at a clock.
+/// Repetitions that a host may have counted; for more, it is taken to have looked at a clock.
 constexpr int64_t MaxCounted = 16;
 
-/// A host that waits for as long as in the log looks at its clock a little later than in the log.
+/// How much later than in the log a host may look at its clock.
 constexpr std::chrono::milliseconds Tolerance{20};
 
 constexpr std::chrono::hours LongestRound{24};

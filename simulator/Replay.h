@@ -18,13 +18,14 @@ namespace simulator
 /// then. The device and masked keys may differ. The first call that isn't next is reported on the standard
 /// error; it and all that follow return what they do for a handle that isn't open.
 ///
-/// Calls that were repeated are answered as often as they are made, at least once. A call that may be one of
-/// them or one that followed them, with another result, is one that followed as soon as they have been made
-/// as often as in the log, if that was seldom, or else for as long.
+/// Calls that were repeated are answered as often as they are made, at least once. A call that may continue a
+/// round or be the one after it, with another result, is taken for the one after it once the round has been
+/// repeated as often as in the log (up to 16 times: the host may have counted), or for as long as in the log
+/// (above: it looked at a clock).
 class Replay final : public exports::ReaderLibrary
 {
 public:
-    /// Throws a Refusal where the file can't be read or isn't a log with an OpenComm in it. A log that can't
+    /// Throws a Refusal if the file can't be read or isn't a log with an OpenComm in it. A log that can't
     /// be read to its end, or has a gap, is played up to there, and the standard error says so.
     explicit Replay(const std::string& File);
 
@@ -65,7 +66,7 @@ private:
     [[nodiscard]] const Round* RoundAt(size_t call) const;
     [[nodiscard]] bool IsOver(const Place& place, const Place& later, Clock::time_point now) const;
     [[nodiscard]] std::vector<Place> After(const std::vector<Place>& places, Clock::time_point now) const;
-    /// Null where the call isn't the next one, or another wasn't before.
+    /// Null if the call isn't the next one, or another wasn't before.
     [[nodiscard]] const std::string* ResultOf(const std::string& call);
     template <class Number>
     Number PlayNumber(const std::string& call);

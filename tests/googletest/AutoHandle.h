@@ -1,6 +1,5 @@
-// Included before GoogleTest's own sources for Windows: up to version 1.12 they lack this class of theirs
-// without threads, by which alone its death tests are written. No test of ours is one. Later versions have
-// theirs in the namespace inside this one, where it comes first.
+// Without threads, GoogleTest up to 1.12 lacks this class on Windows, which only its death tests use; no test
+// here is one. Later versions have their own in testing::internal, which is found first.
 #pragma once
 
 namespace testing

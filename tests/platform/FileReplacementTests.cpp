@@ -25,8 +25,8 @@ TEST(FileReplacementTest, LeavesTheOldContentsOrTheNewOnesAndNothingElse)
         {folder / "file", Kept, "one", std::errc(), "one"},
         {folder / "file", Kept, "two", std::errc::file_exists, "one"},
         {folder / "file", Replaced, "three", std::errc(), "three"},
-        {folder, Replaced, "four", NotAnOrdinaryFile, "three"},
-        {device, Replaced, "five", NotAnOrdinaryFile, "three"},
+        {folder, Replaced, "four", NotARegularFile, "three"},
+        {device, Replaced, "five", NotARegularFile, "three"},
         {folder / "nowhere" / "file", Kept, "six", std::errc::no_such_file_or_directory, "three"},
         {"", Kept, "seven", std::errc::no_such_file_or_directory, "three"},
     };
@@ -44,6 +44,10 @@ TEST(FileReplacementTest, LeavesTheOldContentsOrTheNewOnesAndNothingElse)
         EXPECT_FALSE(ReadContents((folder / "file").native(), found));
         EXPECT_EQ(std::string(found.begin(), found.end()), left);
     }
+    fs::permissions(folder / "file", fs::perms::owner_read);
+    FileReplacement refused;
+    EXPECT_TRUE(refused.Create((folder / "file").native(), Replaced) == std::errc::permission_denied);
+    fs::permissions(folder / "file", fs::perms::owner_all); // Windows removes no read-only file
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
 }
 

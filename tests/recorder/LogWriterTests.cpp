@@ -1,10 +1,10 @@
 // What a session leaves in its log: rounds that repeat, and gaps.
 #include "recorder/LogWriter.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <random>
 
 using namespace recorder;
 
@@ -17,8 +17,8 @@ using namespace std::chrono_literals;
 /// "~": another second passes; "!": a call is missed; lower case: it is masked.
 std::string LogOf(std::string_view calls)
 {
-    const auto file =
-        std::filesystem::temp_directory_path() / ("acg-log-" + std::to_string(std::random_device()()));
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder.Path / "log";
     {
         LogWriter log;
         log.Open(file);
@@ -39,8 +39,6 @@ std::string LogOf(std::string_view calls)
         const size_t begin = line.find(' ') + 1;
         text += line.substr(begin, line.find(" = ") - begin) + ' ';
     }
-    stream.close();
-    std::filesystem::remove(file);
     return text;
 }
 

@@ -1,11 +1,11 @@
 // How rounds of calls that were repeated are replayed, and what of a damaged log is.
 #include "simulator/Replay.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <sstream>
 
 namespace
@@ -33,8 +33,8 @@ TEST(ReplayTest, ARoundIsAnsweredAsOftenAsItIsAsked)
         {"A1 # C1", "AC", "1-"},
         {"A1 ? C1", "AC", "1-"},
     };
-    const auto path =
-        std::filesystem::temp_directory_path() / ("acg-replay-" + std::to_string(std::random_device()()));
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder.Path / "log";
     for (const auto& [log, calls, results] : rows) {
         std::ofstream file(path);
         file << "0.000 OpenComm \"\" 0 0 0 = 1 0.000\n";
@@ -63,7 +63,6 @@ TEST(ReplayTest, ARoundIsAnsweredAsOftenAsItIsAsked)
         }
         EXPECT_EQ(answered, results) << log;
     }
-    std::filesystem::remove(path);
 }
 
 } // namespace
