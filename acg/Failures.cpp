@@ -2,9 +2,9 @@
 
 #include "acg/Text.h"
 #include "platform/LibraryFile.h"
+#include "platform/SystemPath.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace acg::tool
 {
@@ -82,9 +82,7 @@ std::string ActionOf(const Remedy& Row)
 {
     std::string action(Row.Action);
     if (Row.Number == LibraryNotFound) {
-        const std::u8string folder = std::filesystem::path(OwnFolder()).u8string();
-        action +=
-            "; searched: " + std::string(folder.begin(), folder.end()) + ", then the system's loader path";
+        action += "; searched: " + Utf8Of(OwnFolder()) + ", then the system's loader path";
     }
     return action;
 }

@@ -1,6 +1,8 @@
 // 8-bit text: the system's ANSI code page, and the byte strings in which a reader library returns its texts.
 #pragma once
 
+#include "platform/SystemPath.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -14,6 +16,9 @@ namespace acg
 /// "?". Each conversion allocates its result once, so no copy of the text is left behind in freed memory.
 [[nodiscard]] std::string ToAnsi(std::wstring_view Text);
 [[nodiscard]] std::wstring FromAnsi(std::string_view Text);
+
+/// A path in the system's 8-bit text: ANSI on Windows, elsewhere any bytes.
+[[nodiscard]] SystemPath PathFromAnsi(std::string_view Text);
 
 /// True for characters that are the same byte in every code page.
 template <class Char>

@@ -60,6 +60,11 @@ std::wstring FromAnsi(std::string_view Text)
     return wide;
 }
 
+SystemPath PathFromAnsi(std::string_view Text)
+{
+    return SystemPath(Text);
+}
+
 ByteString::~ByteString()
 {
     if (m_bytes != nullptr) {

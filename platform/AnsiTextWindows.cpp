@@ -50,6 +50,11 @@ std::wstring FromAnsi(std::string_view Text)
     return Converted<std::wstring>(Text);
 }
 
+SystemPath PathFromAnsi(std::string_view Text)
+{
+    return FromAnsi(Text);
+}
+
 ByteString::~ByteString()
 {
     if (m_bytes != nullptr) {

@@ -61,7 +61,4 @@ private:
 /// there was.
 [[nodiscard]] std::error_code ReadContents(const SystemPath& File, std::vector<uint8_t>& Contents);
 
-/// A path that is in the system's 8-bit text.
-[[nodiscard]] SystemPath PathFromAnsi(std::string_view Text);
-
 } // namespace acg

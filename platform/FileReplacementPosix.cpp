@@ -144,9 +144,4 @@ std::error_code ReadContents(const SystemPath& File, std::vector<uint8_t>& Conte
     return !file || std::ferror(file.get()) != 0 ? LastError() : std::error_code();
 }
 
-SystemPath PathFromAnsi(std::string_view Text)
-{
-    return SystemPath(Text);
-}
-
 } // namespace acg

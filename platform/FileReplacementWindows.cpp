@@ -1,4 +1,3 @@
-#include "platform/AnsiText.h"
 #include "platform/FileReplacement.h"
 
 #include <random>
@@ -148,11 +147,6 @@ std::error_code ReadContents(const SystemPath& File, std::vector<uint8_t>& Conte
     CloseHandle(file);
     Contents.resize(length);
     return error;
-}
-
-SystemPath PathFromAnsi(std::string_view Text)
-{
-    return FromAnsi(Text);
 }
 
 } // namespace acg

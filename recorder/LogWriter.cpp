@@ -1,5 +1,7 @@
 #include "recorder/LogWriter.h"
 
+#include "platform/SystemPath.h"
+
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -33,8 +35,7 @@ std::string ErrorText(uint32_t error)
 
 void LogWriter::Open(const std::filesystem::path& File)
 {
-    const std::u8string name = File.u8string();
-    m_name.assign(name.begin(), name.end());
+    m_name = acg::Utf8Of(File);
     if (const uint32_t error = m_file.Open(File)) {
         exports::Report("the log can't be written: " + m_name + ": " + ErrorText(error));
     }

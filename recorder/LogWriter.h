@@ -1,5 +1,5 @@
-// Writes a session to its log: a round of calls that repeats is written once, with its count; a line is written
-// whole or not at all.
+// Writes a session to its log: a round of calls that repeats is written once, with its count; a line is
+// written whole or not at all.
 #pragma once
 
 #include "recorder/SessionLog.h"
@@ -15,8 +15,8 @@ namespace recorder
 {
 
 /// Calls that repeat the last lines are held back. After more than LongestRound of them, or a second, a line
-/// with their count replaces them, and one more follows each second. Calls that can't be written are counted, and a line in the log says so as soon as one can be
-/// written again. Used by one thread at a time.
+/// with their count replaces them, and one more follows each second. Calls that can't be written are counted,
+/// and a line in the log says so as soon as one can be written again. Used by one thread at a time.
 class LogWriter
 {
 public:

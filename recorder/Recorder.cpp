@@ -36,12 +36,6 @@ fs::path Beside(const fs::path& file)
     return acg::OwnFolder() / file;
 }
 
-std::string Utf8(const fs::path& path)
-{
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
 fs::path NextLibraryFile()
 {
     const fs::path named = PathVariable("ACG_READER_LIBRARY");
@@ -145,7 +139,7 @@ void Recorder::Load()
     fs::path file;
     try {
         file = NextLibraryFile();
-        m_log.Note(DateText() + ", next library: " + Utf8(file));
+        m_log.Note(DateText() + ", next library: " + acg::Utf8Of(file));
         auto next = std::make_shared<NextLibrary>();
         Bind(file, "OpenComm", next->OpenComm, &::OpenComm);
         Bind(file, "SetCommTimeout", next->SetCommTimeout, &::SetCommTimeout);
@@ -162,7 +156,8 @@ void Recorder::Load()
         Bind(file, "CloseComm", next->CloseComm, &::CloseComm);
         m_next = std::move(next);
     } catch (const std::runtime_error& reason) {
-        const std::string note = "the next library can't be used: " + Utf8(file) + ": " + reason.what();
+        const std::string note =
+            "the next library can't be used: " + acg::Utf8Of(file) + ": " + reason.what();
         m_log.Note(note);
         exports::Report(note);
     }
@@ -184,8 +179,9 @@ void Recorder::End() noexcept
 
 Recorder::Handle Recorder::OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings)
 {
-    return Pass(OpenCommText(Device, Autodetect, Settings),
-                [&](const NextLibrary& next) { return next.OpenComm(Device.CText(), Autodetect, &Settings); });
+    return Pass(OpenCommText(Device, Autodetect, Settings), [&](const NextLibrary& next) {
+        return next.OpenComm(Device.CText(), Autodetect, &Settings);
+    });
 }
 
 int32_t Recorder::SetCommTimeout(Handle Comm, int32_t Timeout)

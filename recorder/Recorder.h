@@ -59,7 +59,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// The result of the call of the next library; `closed` where there is none. Describe makes the text of
+    /// The result of the call of the next library; `closed` if there is none. Describe makes the text of
     /// the result for the log.
     template <class Call, class Describe, class Result = std::invoke_result_t<Call, const NextLibrary&>>
     Result Pass(std::string call, const Call& next, const Describe& describe, Result closed = {});
@@ -77,7 +77,7 @@ private:
     std::atomic<bool> m_isEnding = false;
     Clock::time_point m_start;
     bool m_begun = false;
-    std::shared_ptr<const NextLibrary> m_next; ///< null where it can't be used
+    std::shared_ptr<const NextLibrary> m_next; ///< null if it can't be used
 };
 
 } // namespace recorder

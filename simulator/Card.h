@@ -57,10 +57,10 @@ public:
     /// every access after it is refused.
     [[nodiscard]] bool Login(std::size_t Sector, KeyType Type, std::span<const uint8_t, KeySize> Key) const;
 
-    /// Returns the block as this key reads it, nothing where the card refuses. Key A is never readable.
+    /// Returns the block as this key reads it, nothing if the card refuses. Key A is never readable.
     [[nodiscard]] std::optional<Block> Read(std::size_t Number, KeyType Type) const;
 
-    /// Returns the new block, a trailer with both keys as zeros, and nothing where the card refuses. Of a
+    /// Returns the new block, a trailer with both keys as zeros, and nothing if the card refuses. Of a
     /// trailer only those fields change that this key may write.
     [[nodiscard]] std::optional<Block> Write(std::size_t Number, KeyType Type, const Block& Contents);
 

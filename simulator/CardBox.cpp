@@ -1,5 +1,6 @@
 #include "simulator/CardBox.h"
 
+#include "platform/AnsiText.h"
 #include "platform/FileReplacement.h"
 
 #include <span>
@@ -63,8 +64,7 @@ void SaveImage(const Card& Saved, const std::string& Path)
         error = file.Finish({reinterpret_cast<const char*>(image.data()), image.size_bytes()});
     }
     if (error) {
-        throw Refusal("save=" + Path,
-                      error == acg::NotARegularFile ? "not a regular file" : error.message());
+        throw Refusal("save=" + Path, error == acg::NotARegularFile ? "not a regular file" : error.message());
     }
 }
 

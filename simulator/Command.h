@@ -44,7 +44,7 @@ inline constexpr CommandText CommandTexts[] = {
      2ms} // block, value with its most significant byte first
 };
 
-/// Null where the reader has no such command.
+/// Null if the reader has no such command.
 [[nodiscard]] constexpr const CommandText* FindCommand(std::string_view Name)
 {
     const auto* found = std::ranges::find(CommandTexts, Name, &CommandText::Name);

@@ -14,7 +14,7 @@ namespace simulator
 /// Upper-case digits, two a byte.
 [[nodiscard]] std::string ToHex(std::span<const uint8_t> Bytes);
 
-/// Accepts digits of either case. Returns nothing where the text isn't whole bytes in hexadecimal digits.
+/// Accepts digits of either case. Returns nothing if the text isn't whole bytes in hexadecimal digits.
 [[nodiscard]] std::optional<std::vector<uint8_t>> FromHex(std::string_view Text);
 
 } // namespace simulator

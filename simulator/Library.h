@@ -22,7 +22,7 @@ class Library final : public exports::ReaderLibrary
 public:
     /// Where the answer is 0, a line on the standard error says why.
     Handle OpenComm(Text DeviceText, uint8_t Autodetect, exports::CommSettings& Settings) override;
-    /// Opens a device that has been read already. Throws a Refusal where it can't be.
+    /// Opens a device that has been read already. Throws a Refusal if it can't be.
     Handle Open(const Device& Named, const exports::CommSettings& Settings);
     /// What answers the next call: the replay once a device has named one, else this library. It lives as
     /// long as this.
@@ -68,7 +68,7 @@ private:
     CardBox m_cards;
     std::map<Handle, Line> m_lines;
     std::map<Handle, OpenedReader> m_readers;
-    std::unique_ptr<Replay> m_replay; ///< null where no device has named one
+    std::unique_ptr<Replay> m_replay; ///< null if no device has named one
     Handle m_lastHandle = 0; ///< lines and readers share one count, so that neither is taken for the other
 };
 

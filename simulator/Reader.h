@@ -32,7 +32,7 @@ public:
 
     [[nodiscard]] std::string Send(std::string_view CommandName, std::string_view Data);
 
-    /// How long that exchange takes on the device's line; nothing where it has no speed.
+    /// How long that exchange takes on the device's line; nothing if it has no speed.
     [[nodiscard]] std::chrono::microseconds TimeOf(std::string_view CommandName, std::string_view Data,
                                                    std::string_view Reply) const;
 

@@ -12,7 +12,7 @@ function(add_version_resource target file description)
         set(self_registration "VALUE \"OLESelfRegister\", \"\"")
     endif()
     set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target})
-    configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource}.rc @ONLY)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/version-resource.rc.in ${resource}.rc @ONLY)
     add_custom_command(OUTPUT ${resource}.o COMMAND ${CMAKE_RC_COMPILER} ${resource}.rc ${resource}.o
                        DEPENDS ${resource}.rc ${ARGN} VERBATIM)
     target_sources(${target} PRIVATE ${resource}.o)
