@@ -16,7 +16,7 @@ if [[ $program = *.exe ]]; then
     start_wine >/dev/null
     folder=$wine_folder/here
     mkdir "$folder"
-    native='/dev/|^\\$ timeout |xFF'
+    native='/dev/|^\\$ timeout |xFF|umask|chmod|ulimit|ln -s'
     acg() {
         local argument arguments=()
         for argument; do
