@@ -56,7 +56,6 @@ void LogWriter::Add(LoggedCall Ended)
     if (m_times != 0 && Ended.Start - m_from >= LongestCount) {
         WriteCount();
     }
-    const bool isLast = Ended.Call.starts_with("CloseComm ");
     m_held.push_back(std::move(Ended));
     while (!m_held.empty() && !MayRepeat()) {
         if (m_isCounted) {
@@ -67,9 +66,6 @@ void LogWriter::Add(LoggedCall Ended)
     }
     if (m_isCounted || m_held.size() > LongestRound) {
         Count();
-    }
-    if (isLast) {
-        Flush();
     }
 }
 

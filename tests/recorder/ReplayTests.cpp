@@ -37,18 +37,18 @@ TEST(ReplayTest, ARoundIsAnsweredAsOftenAsItIsAsked)
     const std::filesystem::path path = folder.Path / "log";
     for (const auto& [log, calls, results] : rows) {
         std::ofstream file(path);
-        file << "0.000 OpenComm \"\" 0 0 0 = 1 0.000\n";
+        file << "500000.000 OpenComm \"\" 0 0 0 = 1 0.000\n";
         std::istringstream tokens(log);
         for (std::string token; tokens >> token;) {
             if (token == "#") {
                 file << "# calls missing here: 1, because\n";
             } else if (token[1] == 'x') {
                 const bool isLong = token.back() == 'L';
-                file << "0.000 repeated: calls " << token[0] << ", times "
+                file << "500000.000 repeated: calls " << token[0] << ", times "
                      << token.substr(2, token.size() - 2 - (isLong ? 1 : 0))
                      << (isLong ? " 999000.000\n" : " 0.000\n");
             } else {
-                file << "0.000 GetReaderType " << token[0] - 'A' << " = \"" << token.substr(1)
+                file << "500000.000 GetReaderType " << token[0] - 'A' << " = \"" << token.substr(1)
                      << "\" 0.000\n";
             }
         }

@@ -26,6 +26,7 @@ full() {
     diff - "$folder/error" <<<"ACGReader330: the log can't be written: $1: $2"
 }
 full /dev/full 'No space left on device'
+full "$folder" 'Is a directory'
 (ulimit -f 1 && full "$folder/short.log" 'File too large')
 [ "$(tail -c 1 "$folder/short.log")" = '' ]
 
