@@ -31,11 +31,11 @@ TEST(ToolText, ShowsControlCharactersAndBytesThatAreNoTextAsDigits)
 {
     const std::pair<std::string, std::string> rows[] = {
         {"MultiISO 2.1", "MultiISO 2.1"},
-        {"\x1b[31mred\n\x7f", "\\x1b[31mred\\x0a\\x7f"},
+        {"\x1b[31mred\n\x7f", R"(\x1b[31mred\x0a\x7f)"},
         {"L\xC3\xA9s\xC3\xA9", "L\xC3\xA9s\xC3\xA9"},
         {"\xC2\x9B\xC2\xA0", "\\x9b\xC2\xA0"},
-        {"\xFF\xC3", "\\xff\\xc3"},
-        {std::string("a\0b", 3), "a\\x00b"},
+        {"\xFF\xC3", R"(\xff\xc3)"},
+        {std::string("a\0b", 3), R"(a\x00b)"},
     };
     for (const auto& [text, shown] : rows) {
         EXPECT_EQ(Printable(text), shown);
