@@ -30,7 +30,7 @@ for row in 'write 4 000102030405060708090A0B0C0D0E0F|write block' 'value 5 1000|
     'protect 1 --new-a A0A1A2A3A4A5 --new-b B0B1B2B3B4B5 --levels 13,13,13,12 --keys 2 --yes|write block'; do
     read -ra command <<<"${row%|*}"
     try '' "${command[@]}"
-    for at in {1..28}; do
+    for at in {3..28}; do # an earlier one makes the opening wait for 5 seconds
         try ",remove=$at" "${command[@]}"
         try ",remove=$at,return=$((at + 1))" "${command[@]}"
     done
