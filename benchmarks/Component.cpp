@@ -1,6 +1,6 @@
 // What an operation costs through the component, in each way in which a host calls it. The reader library
 // beside it answers at once.
-#include "tests/boundary/Client.h"
+#include "tests/acg/boundary/Client.h"
 
 #include <algorithm>
 #include <array>

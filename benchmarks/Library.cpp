@@ -1,6 +1,6 @@
 #include "benchmarks/Library.h"
 
-#include "exports/ReaderLibrary.h"
+#include "abi/ReaderLibrary.h"
 
 namespace
 {

@@ -6,10 +6,10 @@
 // texts are ready beforehand. A bare call looks at no reply, keeps no record, looks no function up, and wipes
 // nothing. The library's own side costs both the same, which brings the ratio nearer to 1 and leaves the
 // difference alone.
+#include "abi/ReaderLibrary.h"
+#include "acg/encoder/Encoder.h"
+#include "acg/platform/AnsiText.h"
 #include "benchmarks/Library.h"
-#include "encoder/Encoder.h"
-#include "exports/ReaderLibrary.h"
-#include "platform/AnsiText.h"
 
 #include <benchmark/benchmark.h>
 

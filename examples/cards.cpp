@@ -5,7 +5,7 @@
 //
 // Without parameters five cards are laid on a simulated reader. Ends with status 1 where a step fails, or no
 // other card comes in ten seconds.
-#include "acg/Encoder.h"
+#include "acg/encoder/Encoder.h"
 
 #include <chrono>
 #include <cstdio>

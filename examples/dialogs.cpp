@@ -3,8 +3,8 @@
 //     example-dialogs [configure|test] [english|francais]
 //
 // The settings as they are when the dialog has been closed are written out.
-#include "dialogs/frmTest.h"
-#include "encoder/Encoder.h"
+#include "acg/dialogs/frmTest.h"
+#include "acg/encoder/Encoder.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 //     example-host [PARAMETERS]        as in: example-host 'Device=com1,card=4k'
 //
 // Ends with status 1, and the record shown, where the reader can't be opened or a step fails that shouldn't.
-#include "acg/Encoder.h"
+#include "acg/encoder/Encoder.h"
 
 #include <clocale>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "recorder/LogWriter.h"
 
-#include "platform/SystemPath.h"
+#include "acg/platform/SystemPath.h"
 
 #include <algorithm>
 #include <system_error>

@@ -2,8 +2,8 @@
 // written whole or not at all.
 #pragma once
 
-#include "recorder/SessionLog.h"
 #include "recorder/System.h"
+#include "session/SessionLog.h"
 
 #include <chrono>
 #include <deque>

@@ -1,7 +1,7 @@
 #include "recorder/Recorder.h"
 
-#include "platform/AnsiText.h"
-#include "platform/LibraryFile.h"
+#include "acg/platform/AnsiText.h"
+#include "acg/platform/LibraryFile.h"
 #include "recorder/System.h"
 
 #include <cstdlib>

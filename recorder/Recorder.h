@@ -1,8 +1,8 @@
 // A reader library that passes every call on to the next one and writes it to a log, without keys.
 #pragma once
 
-#include "exports/Functions.h"
-#include "exports/Mutex.h"
+#include "abi/Functions.h"
+#include "abi/Mutex.h"
 #include "recorder/LogWriter.h"
 
 #include <atomic>

@@ -1,7 +1,7 @@
 #include "simulator/CardBox.h"
 
-#include "platform/AnsiText.h"
-#include "platform/FileReplacement.h"
+#include "acg/platform/AnsiText.h"
+#include "acg/platform/FileReplacement.h"
 
 #include <span>
 #include <string>

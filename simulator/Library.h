@@ -1,8 +1,8 @@
 // The simulated reader library: what stands behind its handles.
 #pragma once
 
-#include "exports/Mutex.h"
-#include "exports/ReaderLibrary.h"
+#include "abi/Mutex.h"
+#include "abi/ReaderLibrary.h"
 #include "simulator/CardBox.h"
 #include "simulator/DeviceText.h"
 #include "simulator/Reader.h"

@@ -1,6 +1,6 @@
 #include "simulator/Reader.h"
 
-#include "exports/ReaderLibrary.h"
+#include "abi/ReaderLibrary.h"
 #include "simulator/Hex.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // A reader library that answers from the log of a recorded session.
 #pragma once
 
-#include "exports/Mutex.h"
-#include "exports/ReaderLibrary.h"
-#include "recorder/SessionLog.h"
+#include "abi/Mutex.h"
+#include "abi/ReaderLibrary.h"
+#include "session/SessionLog.h"
 
 #include <chrono>
 #include <istream>

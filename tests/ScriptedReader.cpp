@@ -1,6 +1,6 @@
 #include "ScriptedReader.h"
 
-#include "platform/AnsiText.h"
+#include "acg/platform/AnsiText.h"
 
 namespace acg
 {

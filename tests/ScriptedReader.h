@@ -1,8 +1,8 @@
 // A reader library that answers by script, and what the tests of the encoder have in common.
 #pragma once
 
-#include "encoder/Encoder.h"
-#include "exports/ReaderLibrary.h"
+#include "abi/ReaderLibrary.h"
+#include "acg/encoder/Encoder.h"
 
 #include <gtest/gtest.h>
 

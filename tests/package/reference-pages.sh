@@ -10,12 +10,12 @@ entry() {
         [ "$(grep -lE "${1//NAME/$name}" reference-en.html reference-fr.html | wc -l)" -eq 2 ] || { echo "$name?"; exit 1; }
     done
 }
-idl=$(tr -s '\n ' ' ' <"$repository/boundary/ACG_MultiISO_TV.idl")
+idl=$(tr -s '\n ' ' ' <"$repository/acg/boundary/ACG_MultiISO_TV.idl")
 mapfile -t members < <(grep -oP 'HRESULT \K\w+' <<<"$idl" | sort -u)
 mapfile -t values < <(grep -oP 'sc\w+(?= = \d)' <<<"$idl")
 mapfile -t calls < <(grep -oP 'HRESULT \w+\(\[in.*?\);' <<<"$idl" | grep -v ' Value)' |
     perl -pe 's/HRESULT |\[out, retval.*?(?=\))|\[[^]]*\] [\w ]+\*? (?=\w)|;//g; s/, \)/\\)/; s/\(/\\(/')
-mapfile -t failures < <(grep -oP 'Failure \w+\{\K-\d+' "$repository/encoder/Failures.h"; printf '%s\n' 53 453)
+mapfile -t failures < <(grep -oP 'Failure \w+\{\K-\d+' "$repository/acg/encoder/Failures.h"; printf '%s\n' 53 453)
 [ "${#members[@]}" -ge 26 ] && [ "${#values[@]}" -ge 31 ] && [ "${#calls[@]}" -ge 10 ] && [ "${#failures[@]}" -ge 16 ]
 entry '<h3 id="NAME">|<td><code>NAME</code></td>' "${members[@]}"
 entry '<td><code>NAME</code></td>' "${values[@]}"

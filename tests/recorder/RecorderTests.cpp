@@ -1,7 +1,7 @@
 // The recorder as a library, between a host and the simulated reader, and the replay of what it has written.
-#include "platform/AnsiText.h"
-#include "platform/LibraryFile.h"
-#include "reader/ReaderDLL.h"
+#include "acg/platform/AnsiText.h"
+#include "acg/platform/LibraryFile.h"
+#include "acg/reader/ReaderDLL.h"
 #include "recorder/System.h"
 #include "tests/TemporaryFolder.h"
 

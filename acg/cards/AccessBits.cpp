@@ -1,0 +1,217 @@
+#include "acg/cards/AccessBits.h"
+
+#include "acg/cards/BlockText.h"
+#include "acg/encoder/Enums.h"
+#include "acg/reader/HexText.h"
+
+#include <optional>
+
+namespace acg
+{
+
+namespace
+{
+
+using enum AccessTriple;
+
+// In the comments: r reads, w writes, - neither.
+
+/// Bits 0 and 1 of the level, key A's rights, for a sector that works with key A alone.
+constexpr AccessTriple BlockOfKeyA[] = {
+    Bits111, // 0  -
+    Bits001, // 1  r
+    Bits000, // 2  w
+    Bits000, // 3  rw
+};
+
+constexpr std::optional<AccessTriple> BlockOfBothKeys[HighestLevel + 1] = {
+    //                    key A  key B
+    Bits111,      //  0   -      -
+    std::nullopt, //  1   r      -
+    std::nullopt, //  2   w      -
+    std::nullopt, //  3   rw     -
+    Bits101,      //  4   -      r
+    Bits001,      //  5   r      r
+    std::nullopt, //  6   w      r
+    std::nullopt, //  7   rw     r
+    Bits011,      //  8   -      w
+    Bits100,      //  9   r      w
+    Bits000,      // 10   w      w
+    Bits000,      // 11   rw     w
+    Bits011,      // 12   -      rw
+    Bits100,      // 13   r      rw
+    Bits000,      // 14   w      rw
+    Bits000,      // 15   rw     rw
+};
+
+/// In place of 100, where the block was written as a value block since the opening.
+constexpr AccessTriple OfValueBlock = Bits110;
+
+/// Bits 0 and 1 of the level, what key A may write, for a sector that works with key A alone.
+constexpr AccessTriple TrailerOfKeyA[] = {
+    Bits010, // 0  nothing
+    Bits000, // 1  keys
+    Bits001, // 2  conditions
+    Bits001, // 3  keys and conditions
+};
+
+/// Bits 2 and 3 of the level, what key B may write. A level with rights of key A is refused.
+constexpr AccessTriple TrailerOfBoth[] = {
+    Bits111, //  0  nothing
+    Bits100, //  4  keys
+    Bits101, //  8  conditions
+    Bits011, // 12  keys and conditions
+};
+
+/// What the card grants, in the order of AccessTriple.
+constexpr BlockRights OnBlock[] = {
+    // read       write       increment   decrement
+    {Keys::AOrB, Keys::AOrB, Keys::AOrB, Keys::AOrB}, // 000
+    {Keys::AOrB, Keys::None, Keys::None, Keys::AOrB}, // 001
+    {Keys::AOrB, Keys::None, Keys::None, Keys::None}, // 010
+    {Keys::B, Keys::B, Keys::None, Keys::None},       // 011
+    {Keys::AOrB, Keys::B, Keys::None, Keys::None},    // 100
+    {Keys::B, Keys::None, Keys::None, Keys::None},    // 101
+    {Keys::AOrB, Keys::B, Keys::B, Keys::AOrB},       // 110
+    {Keys::None, Keys::None, Keys::None, Keys::None}, // 111
+};
+
+constexpr TrailerRights OnTrailer[] = {
+    // write keys, conditions; read conditions, key B
+    {Keys::A, Keys::None, Keys::A, Keys::A},          // 000
+    {Keys::A, Keys::A, Keys::A, Keys::A},             // 001
+    {Keys::None, Keys::None, Keys::A, Keys::A},       // 010
+    {Keys::B, Keys::B, Keys::AOrB, Keys::None},       // 011
+    {Keys::B, Keys::None, Keys::AOrB, Keys::None},    // 100
+    {Keys::None, Keys::B, Keys::AOrB, Keys::None},    // 101
+    {Keys::None, Keys::None, Keys::AOrB, Keys::None}, // 110
+    {Keys::None, Keys::None, Keys::AOrB, Keys::None}, // 111
+};
+
+/// Rights as a level: 1 and 2 for key A, 4 and 8 for key B.
+int32_t Level(Keys lower, Keys upper)
+{
+    const auto ofKey = [&](Keys key) { return (Has(lower, key) ? 1 : 0) + (Has(upper, key) ? 2 : 0); };
+    return ofKey(Keys::A) + (ofKey(Keys::B) << 2);
+}
+
+constexpr int32_t RightsOfKeyA = 3;
+constexpr unsigned NibbleBits = 4;
+
+constexpr uint8_t HighNibble(uint8_t mask)
+{
+    return static_cast<uint8_t>(mask << NibbleBits);
+}
+
+/// A byte of a block that the reader sent. A pair that isn't hexadecimal counts as far as it can be read,
+/// with blanks skipped: " 5" is 5, like "5 " and "5G", and "G5" is 0.
+uint8_t ByteOf(std::wstring_view block, size_t byte)
+{
+    unsigned value = 0;
+    for (const wchar_t character : block.substr(byte * DigitsOfByte, DigitsOfByte)) {
+        const std::optional<int> digit = HexDigit(character);
+        if (digit) {
+            value = value << 4 | static_cast<unsigned>(*digit);
+        } else if (character != L' ' && character != L'\t' && character != L'\n') {
+            break;
+        }
+    }
+    return static_cast<uint8_t>(value);
+}
+
+} // namespace
+
+std::optional<AccessTriple> BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
+{
+    if (KeysToUse == KeyAAlone) {
+        return BlockOfKeyA[Level & RightsOfKeyA];
+    }
+    if (Level > HighestLevel) {
+        return std::nullopt;
+    }
+    const std::optional<AccessTriple> triple = BlockOfBothKeys[Level];
+    return IsValueBlock && triple == Bits100 ? OfValueBlock : triple;
+}
+
+std::optional<AccessTriple> TrailerTriple(int32_t Level, uint8_t KeysToUse)
+{
+    if (KeysToUse == KeyAAlone) {
+        return TrailerOfKeyA[Level & RightsOfKeyA];
+    }
+    if (Level > HighestLevel || (Level & RightsOfKeyA) != 0) {
+        return std::nullopt;
+    }
+    return TrailerOfBoth[Level / (RightsOfKeyA + 1)];
+}
+
+void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes)
+{
+    const auto bits = static_cast<unsigned>(Triple);
+    const bool c1 = (bits & 4U) != 0;
+    const bool c2 = (bits & 2U) != 0;
+    const bool c3 = (bits & 1U) != 0;
+    const auto store = [Mask](uint8_t& byte, bool highBit, bool lowBit) {
+        const uint8_t high = HighNibble(Mask);
+        byte = static_cast<uint8_t>((byte & ~(high | Mask)) | (highBit ? high : 0) | (lowBit ? Mask : 0));
+    };
+    store(Bytes[0], /*highBit=*/!c2, /*lowBit=*/!c1);
+    store(Bytes[1], /*highBit=*/c1, /*lowBit=*/!c3);
+    store(Bytes[2], /*highBit=*/c3, /*lowBit=*/c2);
+}
+
+ConditionBytes ConditionBytesOf(std::wstring_view Trailer)
+{
+    constexpr size_t First = 6;
+    return {ByteOf(Trailer, First), ByteOf(Trailer, First + 1), ByteOf(Trailer, First + 2)};
+}
+
+uint8_t UserByteOf(std::wstring_view Trailer)
+{
+    constexpr size_t UserByte = 9;
+    return ByteOf(Trailer, UserByte);
+}
+
+AccessTriple TripleIn(const ConditionBytes& Bytes, unsigned Slot)
+{
+    const auto bit = [Slot](unsigned byte, unsigned nibble) { return byte >> (nibble + Slot) & 1U; };
+    const unsigned c1 = bit(Bytes[1], NibbleBits);
+    const unsigned c2 = bit(Bytes[2], 0);
+    const unsigned c3 = bit(Bytes[2], NibbleBits);
+    return static_cast<AccessTriple>(c1 << 2 | c2 << 1 | c3);
+}
+
+bool InvertedCopiesAgree(const ConditionBytes& Bytes)
+{
+    ConditionBytes stored = Bytes;
+    for (unsigned slot = 0; slot < SectorSlots; ++slot) {
+        StoreAccessBits(TripleIn(Bytes, slot), MaskOf(slot), stored);
+    }
+    return stored == Bytes;
+}
+
+const BlockRights& BlockRightsOf(AccessTriple Triple)
+{
+    return OnBlock[static_cast<size_t>(Triple)];
+}
+
+const TrailerRights& TrailerRightsOf(AccessTriple Triple)
+{
+    return OnTrailer[static_cast<size_t>(Triple)];
+}
+
+int32_t LevelOf(const BlockRights& Rights)
+{
+    return Level(Rights.Read, Rights.Write);
+}
+
+int32_t LevelOf(const TrailerRights& Rights)
+{
+    return Level(Rights.WriteKeys, Rights.WriteConditions);
+}
+
+uint8_t KeysUsedBy(const TrailerRights& Rights)
+{
+    return Rights.ReadKeyB == Keys::None ? BothKeys : KeyAAlone;
+}
+
+} // namespace acg

@@ -1,0 +1,104 @@
+// The login on a sector, and reading and writing one 16-byte block.
+#include "acg/cards/BlockAddress.h"
+#include "acg/cards/BlockText.h"
+#include "acg/encoder/Encoder.h"
+#include "acg/encoder/Failures.h"
+#include "acg/platform/AnsiText.h"
+#include "acg/reader/CommandData.h"
+#include "acg/reader/HexText.h"
+
+namespace acg
+{
+
+namespace
+{
+
+/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut.
+void StoreReply(std::wstring& hostText, std::string_view reply)
+{
+    MakeRoom(hostText, BlockDigits);
+    ReplaceByAnsi(hostText, reply, /*Most=*/BlockDigits);
+    hostText.resize(BlockDigits, L'0');
+}
+
+} // namespace
+
+/// Logs in on the sector of a block. A failure is recorded whole, under the name of the calling operation.
+///
+/// The good reply to "login" is the status letter "L"; a reply of data is a failure of the reader. One type
+/// of reader answers otherwise: there the block command shows whether the login succeeded.
+sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                                   std::wstring_view OperationName)
+{
+    constexpr std::wstring_view ReaderWithSilentLogin = L"multiiso 1.0";
+
+    CommandData data;
+    data.AddByte(LoginSector(BlocNumber)).AddByte(KeyType == KeyTypeB ? 0xBB : 0xAA).AddText(key);
+    ByteString reply;
+    Failure failure = Exchange("login", data, reply);
+    if (m_sReaderType == ReaderWithSilentLogin || failure.Letter == StatusLoggedIn) {
+        return sceSuccess;
+    }
+    if (failure) {
+        failure.Number = AuthenticationFailure.Number;
+        failure.Description = AuthenticationFailure.Description;
+        RecordExchange(failure, "login");
+    } else { // the other fields keep what the selection has set
+        m_oLastError->Number = EncoderFailure.Number;
+        m_oLastError->Description = EncoderFailure.Description;
+    }
+    return FailBelow(OperationName);
+}
+
+sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                                    std::wstring& BlocContents)
+{
+    constexpr std::wstring_view OperationName = L"ReadDataBloc";
+
+    ResetLastError();
+    if (SelectCardInRange()) {
+        return FailBelow(OperationName);
+    }
+    if (SectorLogin(BlocNumber, key, KeyType, OperationName) == sceError) {
+        BlocContents.clear();
+        return sceError;
+    }
+    CommandData data;
+    data.AddByte(BlocNumber);
+    ByteString reply;
+    if (EncoderCommand("read block", data, reply)) {
+        BlocContents.clear();
+        return FailBelow(OperationName);
+    }
+    ResetLastError(OperationName);
+    StoreReply(BlocContents, reply.Bytes());
+    return sceSuccess;
+}
+
+sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                                     std::wstring& BlocContents)
+{
+    constexpr std::wstring_view OperationName = L"WriteDataBloc";
+
+    ResetLastError();
+    if (!IsHexString(BlocContents, BlockDigits)) {
+        return Fail(BadDataBloc, OperationName);
+    }
+    if (SelectCardInRange()) {
+        return FailBelow(OperationName);
+    }
+    if (SectorLogin(BlocNumber, key, KeyType, OperationName) == sceError) {
+        return sceError;
+    }
+    CommandData data;
+    data.AddByte(BlocNumber).AddText(BlocContents);
+    ByteString reply;
+    if (EncoderCommand("write block", data, reply)) {
+        return FailBelow(OperationName);
+    }
+    StoreReply(BlocContents, reply.Bytes());
+    ResetLastError(OperationName);
+    return sceSuccess;
+}
+
+} // namespace acg

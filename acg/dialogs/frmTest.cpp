@@ -1,0 +1,286 @@
+#include "acg/dialogs/frmTest.h"
+
+#include "acg/dialogs/Texts.h"
+#include "acg/encoder/NumberReading.h"
+#include "acg/platform/ThreadObject.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace acg
+{
+
+namespace
+{
+
+const ThreadObject<frmTest> OwnDialog;
+
+constexpr int StartDelay = 1000; // milliseconds
+constexpr Colour LogBackground = {Colour::Source::Own, 0xF8, 0xF8, 0xF0};
+constexpr wchar_t NewLine[] = L"\r\n";
+
+/// Detection returns at most this many readers.
+constexpr size_t MostReaders = 255;
+
+constexpr struct {
+    Translated m_sStart{L"Starting the test.", L"Début du test."};
+    Translated m_sOpening{L"Opening communication port %1, %2...",
+                          L"Ouverture du port de communication %1, %2..."};
+    Translated m_sOpenFailed{L"Failed to open the communication port.",
+                             L"Impossible d'ouvrir le port de communications."};
+    Translated m_sNoAutodetect{L"no autodetect. Baud rate: %1, %2 protocol",
+                               L"pas d'auto-détection. Vitesse : %1 bauds, protocole %2"};
+    Translated m_sNormalDetect{L"normal autodetection", L"auto-détection normale"};
+    Translated m_sFastDetect{L"fast autodetection", L"auto-détection rapide"};
+    Translated m_sAscii{L"ASCII", L"ASCII"};
+    Translated m_sBinary{L"binary", L"binaire"};
+    Translated m_sPortOpen{L"Communication port open. Baud rate: %1, %2 protocol, timeout: %3 ms",
+                           L"Ouvert. Vitesse : %1 bauds, protocole %2, timeout : %3 ms"};
+    Translated m_sDetecting{L"Detecting encoders...", L"Détection des encodeurs..."};
+    Translated m_sNoEncoder{L"No encoder found.", L"Aucun encodeur trouvé."};
+    Translated m_sFound{L"%1 encoder(s) found. Encoder ID to test: %2",
+                        L"%1 encodeur(s) trouvé(s). ID de l'encodeur testé : %2"};
+    Translated m_sOpeningEncoder{L"Opening the communication with encoder...",
+                                 L"Ouverture de communication avec l'encodeur..."};
+    Translated m_sNoAccess{L"Unable to access to the encoder.", L"Impossible d'accéder à l'encodeur."};
+    Translated m_sDeviceID{L"Encoder DeviceID: %1", L"DeviceID de l'encodeur : %1"};
+    Translated m_sEncoderType{L"Encoder type: %1", L"Type de l'encodeur : %1"};
+    Translated m_sClosingEncoder{L"Closing communication with the encoder...",
+                                 L"Fermeture de la communication avec l'encodeur..."};
+    Translated m_sClosingPort{L"Closing the communication port...", L"Fermeture du port de communication..."};
+    Translated m_sSuccess{L"\r\n<< Successful test >>\r\n", L"\r\n<< Test réussi >>\r\n"};
+    Translated m_sFailed{L"\r\n<< Test failed >>\r\n", L"\r\n<< Echec du test >>\r\n"};
+    Translated m_sError{L"Error %1: %2", L"Erreur %1 : %2"};
+} Texts;
+
+} // namespace
+
+/// The form and its controls, created at each opening.
+struct frmTest::Screen {
+    frmTest& Shown;
+    const ReaderDLL& Reader;
+
+    Form Dialog{{.Width = 6735, .Height = 3825, .FontPoints = 8.25}};
+    Control& txtLog = Dialog.Add({"txtLog", ControlKind::Log, {45, 0, 6690, 3150}});
+    Control& cmdOK = Dialog.Add({"cmdOK", ControlKind::Button, {2482, 3285, 1770, 420}});
+
+    Screen(frmTest& Opened, const ReaderDLL& Used) : Shown(Opened), Reader(Used)
+    {
+        constexpr Area Margin = {0, 0, 150, 3150};
+        constexpr Area Separator = {-630, 3150, 7245 + 630, 0};
+        Dialog.Shapes = {{Margin, LogBackground}, {Separator, {Colour::Source::Highlight3D}}};
+        Dialog.DefaultButton = &cmdOK;
+        txtLog.SetBackground(LogBackground);
+        Shown.m_screen = this; // nothing throws any more
+    }
+    ~Screen() { Shown.m_screen = nullptr; }
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+};
+
+/// While it lives the window can't be closed; then the button can be pressed.
+class frmTest::Running
+{
+public:
+    explicit Running(Screen& Tested) : m_screen(Tested) { m_screen.Dialog.EnableCloseBox(false); }
+    ~Running()
+    {
+        m_screen.Dialog.EnableCloseBox(true);
+        m_screen.cmdOK.Enable(true);
+        m_screen.Dialog.SetFocus(m_screen.cmdOK);
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+private:
+    Screen& m_screen;
+};
+
+/// What the test has opened. Whatever of it is still open at its end is closed, the reader first.
+class frmTest::Link
+{
+public:
+    CommHandle Comm = CommHandle::None;
+    ReaderHandle Reader = ReaderHandle::None;
+
+    explicit Link(const ReaderDLL& Used) : m_reader(Used) {}
+    ~Link()
+    {
+        CloseReader();
+        CloseComm();
+    }
+    Link(const Link&) = delete;
+    Link& operator=(const Link&) = delete;
+
+    // That a closing call fails is no failure of the test.
+    void CloseReader()
+    {
+        if (Reader != ReaderHandle::None) {
+            static_cast<void>(m_reader.CloseReader(std::exchange(Reader, ReaderHandle::None)));
+        }
+    }
+    void CloseComm()
+    {
+        if (Comm != CommHandle::None) {
+            static_cast<void>(m_reader.CloseComm(std::exchange(Comm, CommHandle::None)));
+        }
+    }
+
+private:
+    const ReaderDLL& m_reader;
+};
+
+frmTest& frmTest::OfThread()
+{
+    return OwnDialog.Get();
+}
+
+void frmTest::Show(const ReaderDLL& Reader, const Form* Owner)
+{
+    if (m_screen != nullptr) { // one dialog at a time: the thread's is open already
+        return;
+    }
+    Screen screen(*this, Reader);
+    screen.cmdOK.OnPress = [this] { cmdOK_Click(); };
+    screen.Dialog.OnTimer = [this] { tmrTest_Timer(); };
+    Form_Load();
+    screen.Dialog.ShowModal(Owner);
+}
+
+void frmTest::Form_Load()
+{
+    m_french = IsFrench(Language);
+    m_screen->Dialog.Caption = In(m_french, {L"ACG Encoder Test", L"Test de l'encodeur ACG"});
+    m_screen->txtLog.SetText(L"");
+    m_screen->cmdOK.SetText(L"OK");
+    m_screen->Dialog.StartTimer(StartDelay);
+    m_screen->cmdOK.Enable(false);
+}
+
+void frmTest::cmdOK_Click()
+{
+    m_screen->Dialog.Close();
+}
+
+void frmTest::LogLine(std::wstring_view Text)
+{
+    Control& log = m_screen->txtLog;
+    std::wstring content = log.Text();
+    if (!content.empty()) {
+        content += NewLine;
+    }
+    content += Text;
+    log.SetText(content);
+    m_screen->Dialog.ShowNow(log);
+}
+
+void frmTest::tmrTest_Timer()
+{
+    m_screen->Dialog.StopTimer();
+    const Running running(*m_screen);
+    m_screen->txtLog.SetText(L"");
+    LogLine(In(m_french, Texts.m_sStart));
+
+    Link link(m_screen->Reader);
+    if (const Failure failure = RunTest(link)) {
+        LogLine(Fill(In(m_french, Texts.m_sError), {DecimalText(failure.Number), failure.Description}));
+    }
+}
+
+/// Returns a call failure. A link or a reader that is refused ends in the log.
+Failure frmTest::RunTest(Link& Opened)
+{
+    CommHandle& comm = Opened.Comm;
+    LogLine(Fill(In(m_french, Texts.m_sOpening), {Device, ModeText()}));
+    CommSettings settings{.BaudRate = BaudRate, .Protocol = Protocol};
+    if (const Failure failure = m_screen->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
+        return failure;
+    }
+    if (comm == CommHandle::None) {
+        LogLine(In(m_french, Texts.m_sOpenFailed));
+        LogLine(In(m_french, Texts.m_sFailed));
+        return {};
+    }
+    if (const Failure failure = m_screen->Reader.SetCommTimeout(comm, Timeout)) {
+        return failure;
+    }
+    uint8_t protocol = 0;
+    if (const Failure failure = m_screen->Reader.GetCommProtocol(comm, protocol)) {
+        return failure;
+    }
+    int32_t baudRate = 0;
+    if (const Failure failure = m_screen->Reader.GetCommBaudRate(comm, baudRate)) {
+        return failure;
+    }
+    int32_t timeout = 0;
+    if (const Failure failure = m_screen->Reader.GetCommTimeout(comm, timeout)) {
+        return failure;
+    }
+    LogLine(Fill(In(m_french, Texts.m_sPortOpen),
+                 {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
+    return TestReader(Opened);
+}
+
+Failure frmTest::TestReader(Link& Opened)
+{
+    const auto giveUp = [this, &Opened](const wchar_t* reason) -> Failure {
+        Opened.CloseComm();
+        LogLine(reason);
+        LogLine(In(m_french, Texts.m_sFailed));
+        return {};
+    };
+    LogLine(In(m_french, Texts.m_sDetecting));
+    std::string readers;
+    if (const Failure failure = m_screen->Reader.DetectReader(Opened.Comm, readers)) {
+        return failure;
+    }
+    if (readers.empty()) {
+        return giveUp(In(m_french, Texts.m_sNoEncoder));
+    }
+    const auto readerId = static_cast<uint8_t>(readers.front());
+    const auto count = static_cast<int32_t>(std::min(readers.size(), MostReaders));
+    LogLine(Fill(In(m_french, Texts.m_sFound), {DecimalText(count), DecimalText(readerId)}));
+
+    LogLine(In(m_french, Texts.m_sOpeningEncoder));
+    if (const Failure failure = m_screen->Reader.OpenReader(Opened.Comm, readerId, Opened.Reader)) {
+        return failure;
+    }
+    if (Opened.Reader == ReaderHandle::None) {
+        return giveUp(In(m_french, Texts.m_sNoAccess));
+    }
+    std::wstring deviceId;
+    // Without one the line ends behind its label.
+    static_cast<void>(m_screen->Reader.GetDeviceID(Opened.Reader, deviceId));
+    LogLine(Fill(In(m_french, Texts.m_sDeviceID), {deviceId}));
+    std::wstring type;
+    if (const Failure failure = m_screen->Reader.GetReaderType(Opened.Reader, type)) {
+        return failure;
+    }
+    LogLine(Fill(In(m_french, Texts.m_sEncoderType), {type}));
+
+    LogLine(In(m_french, Texts.m_sClosingEncoder));
+    Opened.CloseReader();
+    LogLine(In(m_french, Texts.m_sClosingPort));
+    Opened.CloseComm();
+    LogLine(In(m_french, Texts.m_sSuccess));
+    return {};
+}
+
+std::wstring frmTest::ModeText() const
+{
+    switch (AutoDetect) {
+    case 0:
+        return Fill(In(m_french, Texts.m_sNoAutodetect), {DecimalText(BaudRate), ProtocolName(Protocol)});
+    case 1:
+        return In(m_french, Texts.m_sNormalDetect);
+    default:
+        return In(m_french, Texts.m_sFastDetect);
+    }
+}
+
+const wchar_t* frmTest::ProtocolName(uint8_t Number) const
+{
+    return Number == 0 ? In(m_french, Texts.m_sAscii) : In(m_french, Texts.m_sBinary);
+}
+
+} // namespace acg

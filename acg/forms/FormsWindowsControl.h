@@ -1,0 +1,39 @@
+// The window of a control, in the window layer of Windows: one of the system's own controls.
+#pragma once
+
+#include "acg/forms/FormsWindowsDrawing.h"
+
+namespace acg
+{
+
+/// Stays where it is while its window lives.
+class ControlWindow
+{
+public:
+    /// Handle is null where the window can't be made. FormPoints: the font of the form.
+    ControlWindow(HWND Dialog, int Id, Control& Shown, double FormPoints);
+    ControlWindow(const ControlWindow&) = delete;
+    ControlWindow& operator=(const ControlWindow&) = delete;
+
+    [[nodiscard]] HWND Handle() const { return m_handle; }
+    [[nodiscard]] bool TakesFocus() const;
+
+    /// Shows the state of the model. Notifications that this causes change nothing: the model has changed
+    /// before.
+    void Show() const;
+    /// Updates the model by what a person has done; its handlers run.
+    void Report(int Notification) const;
+    /// The result of a WM_CTLCOLOR message.
+    [[nodiscard]] HBRUSH SetColours(HDC Context) const;
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    void FillList(int height) const;
+
+    Control& m_model;
+    FontPointer m_font;
+    HWND m_handle = nullptr;
+    WNDPROC m_ordinary = nullptr; ///< the window procedure of its class
+};
+
+} // namespace acg

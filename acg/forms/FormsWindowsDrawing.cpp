@@ -1,0 +1,83 @@
+#include "acg/forms/FormsWindowsDrawing.h"
+
+#include <cmath>
+
+namespace acg
+{
+
+namespace
+{
+
+constexpr int TwipsPerInch = 1440;
+constexpr int PointsPerInch = 72;
+
+/// The process has one resolution for all screens.
+int ScreenDpi()
+{
+    const HDC screen = GetDC(nullptr);
+    const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    return dpi;
+}
+
+struct ColourPair {
+    COLORREF Background;
+    COLORREF Text;
+};
+
+/// The system's pairs: its text colours change with its backgrounds.
+ColourPair ColoursOf(const Colour& background)
+{
+    const auto pair = [](int back, int text) { return ColourPair{GetSysColor(back), GetSysColor(text)}; };
+    switch (background.From) {
+    case Colour::Source::Form:
+        return pair(COLOR_BTNFACE, COLOR_BTNTEXT);
+    case Colour::Source::Window:
+        return pair(COLOR_WINDOW, COLOR_WINDOWTEXT);
+    case Colour::Source::Menu:
+        return pair(COLOR_MENU, COLOR_MENUTEXT);
+    case Colour::Source::Highlight3D:
+        return pair(COLOR_3DHIGHLIGHT, COLOR_BTNTEXT);
+    case Colour::Source::Own:
+        break;
+    }
+    return {RGB(background.Red, background.Green, background.Blue), RGB(0, 0, 0)};
+}
+
+HBRUSH Brush(HDC context, COLORREF colour)
+{
+    SetDCBrushColor(context, colour);
+    return static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
+}
+
+} // namespace
+
+RECT Pixels(const Area& Twips)
+{
+    const auto pixels = [dpi = ScreenDpi()](int value) { return LONG{MulDiv(value, dpi, TwipsPerInch)}; };
+    return {pixels(Twips.Left), pixels(Twips.Top), pixels(Twips.Left + Twips.Width),
+            pixels(Twips.Top + Twips.Height)};
+}
+
+FontPointer MakeFont(double Points)
+{
+    const auto height = static_cast<int>(std::lround(Points * ScreenDpi() / PointsPerInch));
+    return FontPointer(CreateFontW(-height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                                   OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
+                                   DEFAULT_PITCH | FF_DONTCARE, L"Tahoma"));
+}
+
+void FillArea(HDC Context, const RECT& Where, const Colour& Background)
+{
+    FillRect(Context, &Where, Brush(Context, ColoursOf(Background).Background));
+}
+
+HBRUSH SetTextColours(HDC Context, const Colour& Background, bool Enabled)
+{
+    const ColourPair colours = ColoursOf(Background);
+    SetTextColor(Context, Enabled ? colours.Text : GetSysColor(COLOR_GRAYTEXT));
+    SetBkColor(Context, colours.Background);
+    return Brush(Context, colours.Background);
+}
+
+} // namespace acg

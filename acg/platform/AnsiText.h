@@ -1,0 +1,65 @@
+// 8-bit text: the system's ANSI code page, and the byte strings in which a reader library returns its texts.
+#pragma once
+
+#include "acg/platform/SystemPath.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace acg
+{
+
+/// ANSI is the system's code page on Windows and Windows-1252 elsewhere. A character that it lacks becomes
+/// "?". Each conversion allocates its result once, so no copy of the text is left behind in freed memory.
+[[nodiscard]] std::string ToAnsi(std::wstring_view Text);
+[[nodiscard]] std::wstring FromAnsi(std::string_view Text);
+
+/// A path in the system's 8-bit text: ANSI on Windows, elsewhere any bytes.
+[[nodiscard]] SystemPath PathFromAnsi(std::string_view Text);
+
+/// True for characters that are the same byte in every code page.
+template <class Char>
+[[nodiscard]] bool IsAscii(std::basic_string_view<Char> Text)
+{
+    std::make_unsigned_t<Char> bits = 0;
+    for (const Char character : Text) {
+        bits |= static_cast<std::make_unsigned_t<Char>>(character);
+    }
+    return bits < 0x80;
+}
+
+/// Replaces Text by a text of the library, which ends at its first NUL and is cut to Most characters. Both
+/// may hold a key.
+void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Most = std::wstring_view::npos);
+
+/// Owner of a length-counted byte string: a pointer to its first byte, with the 32-bit length in bytes
+/// directly before it. Windows: a BSTR made with SysAllocStringByteLen. Elsewhere: one malloc of
+/// 4 + length + 1 bytes. A null pointer is empty text.
+class ByteString
+{
+public:
+    explicit ByteString(char* Bytes = nullptr) : m_bytes(Bytes) {}
+    ByteString(ByteString&& Other) noexcept : m_bytes(std::exchange(Other.m_bytes, nullptr)) {}
+    ByteString& operator=(ByteString&& Other) noexcept
+    {
+        std::swap(m_bytes, Other.m_bytes);
+        return *this;
+    }
+    ByteString(const ByteString&) = delete;
+    ByteString& operator=(const ByteString&) = delete;
+    /// Wipes the bytes, which may hold a key of the card, and frees them.
+    ~ByteString();
+
+    [[nodiscard]] std::string_view Bytes() const;
+
+    /// Passes the ownership on.
+    [[nodiscard]] char* Release() { return std::exchange(m_bytes, nullptr); }
+
+private:
+    char* m_bytes;
+};
+
+} // namespace acg

@@ -1,0 +1,81 @@
+#include "acg/platform/LibraryFile.h"
+
+#include <cstring>
+#include <string>
+#include <windows.h>
+
+namespace acg
+{
+
+namespace
+{
+
+HMODULE Load(const std::wstring& file)
+{
+    // Neither search includes the current directory, nor does the search for the library's dependencies.
+    DWORD causeHere = ERROR_MOD_NOT_FOUND;
+    if (const std::wstring folder = OwnFolder(); !folder.empty()) {
+        HMODULE const module =
+            LoadLibraryExW((folder + file).c_str(), nullptr,
+                           LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+        if (module != nullptr) {
+            return module;
+        }
+        causeHere = GetLastError();
+    }
+    HMODULE const module = LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    if (module == nullptr && causeHere != ERROR_MOD_NOT_FOUND) {
+        SetLastError(causeHere); // the file exists: what is wrong with it says more
+    }
+    return module;
+}
+
+EntryPoint FindIn(HMODULE library, const char* function)
+{
+    const FARPROC address = GetProcAddress(library, function);
+    if (address == nullptr) {
+        return {.LibraryLoaded = true, .SystemError = static_cast<int32_t>(GetLastError())};
+    }
+    return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
+}
+
+} // namespace
+
+SystemPath OwnFolder()
+{
+    HMODULE self = nullptr;
+    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == FALSE) {
+        return {};
+    }
+    constexpr DWORD LongestPath = 32767;
+    std::wstring path(LongestPath, L'\0');
+    path.resize(GetModuleFileNameW(self, path.data(), LongestPath));
+    return path.substr(0, path.rfind(L'\\') + 1);
+}
+
+EntryPoint FindInFile(const SystemPath& File, const char* Function)
+{
+    HMODULE const module = LoadLibraryExW(
+        File.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    if (module == nullptr) {
+        return {.SystemError = static_cast<int32_t>(GetLastError())};
+    }
+    return FindIn(module, Function);
+}
+
+EntryPoint Library::Find(const char* Function)
+{
+    void* handle = m_handle;
+    if (handle == nullptr) {
+        handle = Load(std::wstring(m_name, m_name + std::strlen(m_name)) + L".dll");
+        if (handle == nullptr) {
+            return {.SystemError = static_cast<int32_t>(GetLastError())};
+        }
+        m_handle = handle;
+    }
+    return FindIn(static_cast<HMODULE>(handle), Function);
+}
+
+} // namespace acg

@@ -1,0 +1,106 @@
+// The exchange of one reader command, and the selection of the card.
+#include "acg/encoder/Encoder.h"
+#include "acg/encoder/Failures.h"
+#include "acg/platform/AnsiText.h"
+#include "acg/platform/Secret.h"
+#include "acg/platform/TextCase.h"
+#include "acg/reader/CommandData.h"
+
+namespace acg
+{
+
+namespace
+{
+
+/// The character of a reply that is one character and a NUL; else NUL.
+wchar_t StatusLetter(std::string_view reply)
+{
+    const size_t firstNul = reply.find('\0');
+    if (firstNul == std::string_view::npos) {
+        return L'\0';
+    }
+    if (IsAscii(reply.substr(0, firstNul))) {
+        return firstNul == 1 ? static_cast<wchar_t>(reply.front()) : L'\0';
+    }
+    // One character may be several bytes.
+    const Secret<wchar_t> wide{FromAnsi(reply)};
+    return wide.Text.find(L'\0') == 1 ? wide.Text.front() : L'\0';
+}
+
+} // namespace
+
+/// Sends a command with its data text. A status letter in place of data is failure -5.
+Failure Encoder::Exchange(const char* Command, const CommandData& Data, ByteString& Reply)
+{
+    if (m_hReader == ReaderHandle::None) {
+        return EncoderIsClosed;
+    }
+    if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, Command, Data.Text(), Reply)) {
+        return failure;
+    }
+    const wchar_t letter = StatusLetter(Reply.Bytes());
+    if (letter == L'\0') {
+        return {};
+    }
+    return {EncoderCommandFailed.Number, EncoderCommandFailed.Description, /*LastDllError=*/0, letter};
+}
+
+/// The record holds the command, never its data.
+void Encoder::RecordExchange(const Failure& Failed, const char* Command)
+{
+    SetLastError(Failed, L"EncoderCommand");
+    if (Failed.Number != EncoderIsClosed.Number) {
+        const std::string_view command = Command;
+        std::wstring& path = m_oLastError->RdrCommand;
+        path = L"SendCommandGetData:";
+        path.append(command.begin(), command.end());
+    }
+}
+
+/// An exchange whose every failure is recorded.
+Failure Encoder::EncoderCommand(const char* Command, const CommandData& Data, ByteString& Reply)
+{
+    const Failure failure = Exchange(Command, Data, Reply);
+    if (failure) {
+        RecordExchange(failure, Command);
+    }
+    return failure;
+}
+
+/// Sends "select". An empty field is a failure with a number of its own, and no path.
+Failure Encoder::SelectCard(ByteString& SerialText)
+{
+    const Failure failure = Exchange("select", CommandData(), SerialText);
+    if (failure.Letter == StatusNoCard) {
+        SetLastError(NoCardInEncoder, /*ComFunction=*/{});
+        return NoCardInEncoder;
+    }
+    if (failure) {
+        RecordExchange(failure, "select");
+    }
+    return failure;
+}
+
+/// Sets the reader to ISO 14443 A, switches the antenna on, and selects the card in the field. After a
+/// success the record is that of querying the reader's type: clean, or its call failure, which is also
+/// returned in OfReaderType; then m_sReaderType keeps its value.
+Failure Encoder::SelectCardInRange(Failure* OfReaderType)
+{
+    const CommandData noData;
+    ByteString reply;
+    // The results of these two don't matter: "select" decides.
+    static_cast<void>(Exchange("use iso14443a", noData, reply));
+    static_cast<void>(Exchange("antenna on", noData, reply));
+    if (const Failure failure = SelectCard(reply)) {
+        TraceLastError(L"SelectCardInRange");
+        return failure;
+    }
+    const Failure failure = ReadReaderType(m_sReaderType);
+    MakeLower(m_sReaderType);
+    if (OfReaderType != nullptr) {
+        *OfReaderType = failure;
+    }
+    return {};
+}
+
+} // namespace acg

@@ -1,0 +1,198 @@
+#include "session/KeyMask.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+namespace recorder
+{
+
+namespace
+{
+
+constexpr size_t KeyDigits = 12;
+constexpr size_t BlockDigits = 32;
+
+// A trailer, in digits: key A 0 to 11, access bits and user byte 12 to 19, key B 20 to 31.
+constexpr Part NoKeyInTrailer = {12, 20};
+
+constexpr Parts Nothing = {};
+
+enum class Holds {
+    NoKey,
+    Login, // sector, AA or BB, key
+    Block  // block number, contents if there are any; the reply is the block
+};
+
+struct KnownCommand {
+    std::string_view Name;
+    size_t DataDigits;
+    Holds Kind;
+};
+
+constexpr KnownCommand KnownCommands[] = {
+    {"use iso14443a", 0, Holds::NoKey}, {"antenna on", 0, Holds::NoKey},
+    {"antenna off", 0, Holds::NoKey},   {"select", 0, Holds::NoKey},
+    {"write vblock", 10, Holds::NoKey}, {"login", 4 + KeyDigits, Holds::Login},
+    {"read block", 2, Holds::Block},    {"write block", 2 + BlockDigits, Holds::Block},
+};
+
+constexpr char ToLower(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+/// Null for a command that isn't known. The reader may not mind the case.
+const KnownCommand* Find(std::string_view name)
+{
+    const auto* found = std::ranges::find_if(KnownCommands, [&](const KnownCommand& known) {
+        return std::ranges::equal(name, known.Name, {}, ToLower);
+    });
+    return found == std::end(KnownCommands) ? nullptr : found;
+}
+
+bool IsHexDigit(char character)
+{
+    const char lower = ToLower(character);
+    return (lower >= '0' && lower <= '9') || (lower >= 'a' && lower <= 'f');
+}
+
+bool IsLetter(char character)
+{
+    const char lower = ToLower(character);
+    return lower >= 'a' && lower <= 'z';
+}
+
+bool AreHexDigits(std::string_view text, size_t count)
+{
+    return text.size() == count && std::ranges::all_of(text, IsHexDigit);
+}
+
+bool IsPrintable(std::string_view text)
+{
+    return std::ranges::all_of(text, [](char character) { return character >= ' ' && character <= '~'; });
+}
+
+/// Printable, with fewer hexadecimal digits in a row than half a key. Blanks and signs don't end a row.
+bool HoldsNoHalfKey(std::string_view text)
+{
+    size_t row = 0;
+    return IsPrintable(text) && std::ranges::none_of(text, [&row](char character) {
+               row = IsHexDigit(character) ? row + 1 : IsLetter(character) ? 0 : row;
+               return row >= KeyDigits / 2;
+           });
+}
+
+unsigned ValueOf(std::string_view hexDigits)
+{
+    unsigned value = 0;
+    std::from_chars(hexDigits.data(), hexDigits.data() + hexDigits.size(), value, /*base=*/16);
+    return value;
+}
+
+/// The access bits are three digits C1 to C3 and their complements: ~C2 ~C1 C1 ~C3 C3 C2.
+bool AreAccessBits(std::string_view text)
+{
+    const auto areComplements = [text](size_t one, size_t other) {
+        return ValueOf(text.substr(one, 1)) + ValueOf(text.substr(other, 1)) == 0xF;
+    };
+    return areComplements(0, 5) && areComplements(1, 2) && areComplements(3, 4);
+}
+
+/// The first 32 sectors have 4 blocks, the others 16; the last block of a sector is its trailer.
+bool IsTrailer(std::string_view twoDigits)
+{
+    constexpr unsigned FirstOfLargeSectors = 128;
+    const unsigned block = ValueOf(twoDigits.substr(0, 2));
+    const unsigned blocksInSector = block < FirstOfLargeSectors ? 4 : 16;
+    return block % blocksInSector == blocksInSector - 1;
+}
+
+/// True if the digits of a block number and contents hold access bits, but not where the block has them: then
+/// they may be a trailer's, put in the wrong place, and its keys anywhere.
+bool IsMisplacedTrailer(std::string_view digits)
+{
+    constexpr size_t AccessDigits = 6;
+    bool isMisplaced = false;
+    for (size_t at = 0; at + AccessDigits <= digits.size(); ++at) {
+        if (AreAccessBits(digits.substr(at))) {
+            if (at == 2 + NoKeyInTrailer.Begin && IsTrailer(digits)) {
+                return false;
+            }
+            isMisplaced = true;
+        }
+    }
+    return isMisplaced;
+}
+
+/// Null for a command that isn't known, and for data that isn't what it takes.
+const KnownCommand* FindWith(std::string_view command, std::string_view data)
+{
+    const KnownCommand* const known = Find(command);
+    if (known == nullptr || data.size() != known->DataDigits) {
+        return nullptr;
+    }
+    if (known->Kind == Holds::Login) {
+        const std::string_view keyType = data.substr(2, 2);
+        const bool hasKeyType = std::ranges::equal(keyType, std::string_view("aa"), {}, ToLower) ||
+                                std::ranges::equal(keyType, std::string_view("bb"), {}, ToLower);
+        return AreHexDigits(data.substr(0, 2), 2) && hasKeyType ? known : nullptr;
+    }
+    const bool isUnderstood =
+        AreHexDigits(data, known->DataDigits) && !(known->Kind == Holds::Block && IsMisplacedTrailer(data));
+    return isUnderstood ? known : nullptr;
+}
+
+} // namespace
+
+Parts ShownOfCommand(std::string_view Command)
+{
+    return Find(Command) != nullptr || HoldsNoHalfKey(Command) ? Everything : Nothing;
+}
+
+Parts ShownOfData(std::string_view Command, std::string_view Data)
+{
+    const KnownCommand* const known = FindWith(Command, Data);
+    if (known == nullptr) {
+        return Nothing;
+    }
+    if (known->Kind == Holds::Login) {
+        return {Part{0, 4}}; // the sector and the type of the key
+    }
+    if (known->Kind == Holds::Block && IsTrailer(Data)) {
+        return {Part{0, 2}, {2 + NoKeyInTrailer.Begin, 2 + NoKeyInTrailer.End}};
+    }
+    return Everything;
+}
+
+Part UpToNul(std::string_view Text)
+{
+    return {0, std::min(Text.find('\0'), Text.size()) + 1};
+}
+
+Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_view Reply)
+{
+    const KnownCommand* const known = FindWith(Command, Data);
+    const bool isTrailer = known != nullptr && known->Kind == Holds::Block && IsTrailer(Data);
+    const Part upToNul = UpToNul(Reply);
+    if (known != nullptr && known->Kind != Holds::Login && !isTrailer) {
+        return {upToNul};
+    }
+    std::string_view text = Reply.substr(0, Reply.find('\0'));
+    const bool isLetter = text.size() == 1;
+    while (text.ends_with('\n') || text.ends_with('\r')) {
+        text.remove_suffix(1);
+    }
+    if (isTrailer && AreHexDigits(text, BlockDigits)) {
+        return {NoKeyInTrailer, {BlockDigits, upToNul.End}};
+    }
+    const bool isShown = isTrailer ? HoldsNoHalfKey(text)
+                                   : IsPrintable(text) && std::ranges::count_if(text, IsHexDigit) <
+                                                              static_cast<ptrdiff_t>(KeyDigits);
+    if (isLetter || isShown) {
+        return {upToNul};
+    }
+    return {Part{text.size(), upToNul.End}}; // what ends the line
+}
+
+} // namespace recorder

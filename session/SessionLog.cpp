@@ -1,0 +1,339 @@
+#include "session/SessionLog.h"
+
+#include "session/KeyMask.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace recorder
+{
+
+namespace
+{
+
+constexpr char Masked = '*';
+constexpr std::string_view HexDigits = "0123456789ABCDEF";
+
+/// The arguments of a function and its result: T is a text, N a number.
+struct Shape {
+    std::string_view Function;
+    std::string_view Arguments;
+    char Result;
+};
+constexpr Shape Shapes[] = {
+    {"OpenComm", "TNNN", 'N'},     {"SetCommTimeout", "NN", 'N'},      {"SetCommProtocol", "NN", 'N'},
+    {"GetCommProtocol", "N", 'N'}, {"GetCommBaudRate", "N", 'N'},      {"GetCommTimeout", "N", 'N'},
+    {"DetectReader", "N", 'T'},    {"OpenReader", "NNN", 'N'},         {"GetReaderType", "N", 'T'},
+    {"GetDeviceID", "N", 'T'},     {"SendCommandGetData", "NTT", 'T'}, {"CloseReader", "N", 'N'},
+    {"CloseComm", "N", 'N'},
+};
+
+bool IsPrintable(char character)
+{
+    return character >= ' ' && character <= '~';
+}
+
+bool IsSpecial(char character)
+{
+    return character == '"' || character == '\\' || character == Masked;
+}
+
+/// Between quotes. A backslash stands before each special character, and what can't be printed is a
+/// backslash, x and two digits; so the mask is the only "*" without one.
+std::string Quoted(std::string_view text, const Parts& shown = Everything)
+{
+    const auto isShown = [&](size_t at) {
+        return std::ranges::any_of(shown,
+                                   [at](const Part& part) { return at >= part.Begin && at < part.End; });
+    };
+    std::string quoted = "\"";
+    for (size_t at = 0; at < text.size(); ++at) {
+        const char character = text[at];
+        if (!isShown(at)) {
+            quoted += Masked;
+        } else if (!IsPrintable(character)) {
+            const auto byte = static_cast<uint8_t>(character);
+            quoted += {'\\', 'x', HexDigits[byte >> 4U], HexDigits[byte & 0x0FU]};
+        } else {
+            quoted += IsSpecial(character) ? std::string{'\\', character} : std::string{character};
+        }
+    }
+    return quoted + '"';
+}
+
+/// Takes the next character of a text between quotes off the rest; nothing where it isn't one.
+std::optional<char> TakeCharacter(std::string_view& rest)
+{
+    const auto take = [&rest](size_t count, char character) {
+        rest.remove_prefix(count);
+        return std::optional(character);
+    };
+    if (rest.empty() || !IsPrintable(rest[0]) || rest[0] == '"') {
+        return std::nullopt;
+    }
+    if (rest[0] == Masked) {
+        return take(1, '0');
+    }
+    if (rest[0] != '\\') {
+        return take(1, rest[0]);
+    }
+    if (rest.size() > 1 && IsSpecial(rest[1])) {
+        return take(2, rest[1]);
+    }
+    constexpr size_t Escape = 4; // as in \x0D
+    uint8_t byte = 0;
+    if (rest.size() < Escape || rest[1] != 'x' ||
+        std::from_chars(&rest[2], rest.data() + Escape, byte, /*base=*/16).ptr != rest.data() + Escape) {
+        return std::nullopt;
+    }
+    return take(Escape, static_cast<char>(byte));
+}
+
+bool Take(std::string_view expected, std::string_view& rest)
+{
+    const bool isThere = rest.starts_with(expected);
+    rest.remove_prefix(isThere ? expected.size() : 0);
+    return isThere;
+}
+
+std::optional<std::string> TakeText(std::string_view& rest)
+{
+    std::string text;
+    if (!Take("\"", rest)) {
+        return std::nullopt;
+    }
+    while (const std::optional<char> character = TakeCharacter(rest)) {
+        text += *character;
+    }
+    return Take("\"", rest) ? std::optional(text) : std::nullopt;
+}
+
+std::optional<int64_t> TakeNumber(std::string_view& rest)
+{
+    int64_t number = 0;
+    const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number);
+    if (error != std::errc()) {
+        return std::nullopt;
+    }
+    rest.remove_prefix(static_cast<size_t>(end - rest.data()));
+    return number;
+}
+
+bool TakeValue(char kind, std::string_view& rest)
+{
+    return kind == 'T' ? TakeText(rest).has_value() : TakeNumber(rest).has_value();
+}
+
+/// From least to most.
+std::optional<int64_t> TakeNumber(std::string_view& rest, int64_t least, int64_t most)
+{
+    const std::optional<int64_t> number = TakeNumber(rest);
+    return number && *number >= least && *number <= most ? number : std::nullopt;
+}
+
+constexpr int64_t MaxCount = 1'000'000'000'000; // thirty years, as a time
+
+std::optional<std::chrono::microseconds> TakeTime(std::string_view& rest)
+{
+    const auto milliseconds = TakeNumber(rest, 0, MaxCount);
+    const auto decimals = Take(".", rest) ? TakeNumber(rest, 0, 999) : std::nullopt;
+    if (!milliseconds || !decimals) {
+        return std::nullopt;
+    }
+    return std::chrono::milliseconds(*milliseconds) + std::chrono::microseconds(*decimals);
+}
+
+constexpr std::string_view GapText = "# calls missing here: ";
+constexpr std::string_view RepeatedText = "repeated: calls ";
+constexpr std::string_view TimesText = ", times ";
+
+/// The rest of a line after its start.
+std::optional<Repetition> ParseRepetition(std::string_view rest, std::chrono::microseconds start)
+{
+    const auto calls = Take(RepeatedText, rest) ? TakeNumber(rest, 1, LongestRound) : std::nullopt;
+    const auto times = Take(TimesText, rest) ? TakeNumber(rest, 1, MaxCount) : std::nullopt;
+    const auto duration = Take(" ", rest) ? TakeTime(rest) : std::nullopt;
+    if (!calls || !times || !duration || !rest.empty()) {
+        return std::nullopt;
+    }
+    return Repetition{static_cast<size_t>(*calls), *times, start, *duration};
+}
+
+/// The rest of a line after its start.
+std::optional<LoggedCall> ParseCall(std::string_view rest, std::chrono::microseconds start)
+{
+    const std::string_view call = rest;
+    const auto* const shape =
+        std::ranges::find(Shapes, call.substr(0, std::min(call.find(' '), call.size())), &Shape::Function);
+    if (shape == std::end(Shapes)) {
+        return std::nullopt;
+    }
+    rest.remove_prefix(shape->Function.size());
+    for (const char kind : shape->Arguments) {
+        if (!Take(" ", rest) || !TakeValue(kind, rest)) {
+            return std::nullopt;
+        }
+    }
+    LoggedCall logged{.Call = std::string(call.substr(0, call.size() - rest.size())), .Start = start};
+    if (!Take(" = ", rest)) {
+        return std::nullopt;
+    }
+    const std::string_view result = rest;
+    if (!TakeValue(shape->Result, rest)) {
+        return std::nullopt;
+    }
+    logged.Result = result.substr(0, result.size() - rest.size());
+    const auto duration = Take(" ", rest) ? TakeTime(rest) : std::nullopt;
+    if (!duration || !rest.empty()) {
+        return std::nullopt;
+    }
+    logged.Duration = *duration;
+    return logged;
+}
+
+/// Milliseconds, with three decimals.
+std::string TimeText(std::chrono::microseconds time)
+{
+    constexpr int64_t Thousand = 1000;
+    std::string decimals = std::to_string(Thousand + time.count() % Thousand);
+    decimals.front() = '.';
+    return std::to_string(time.count() / Thousand) + decimals;
+}
+
+/// A run of masked characters is the same as any other characters between the same quotes.
+bool IsSameText(std::string_view masked, std::string_view text)
+{
+    const auto isMask = [&](size_t at) {
+        return masked[at] == Masked && (at == 0 || masked[at - 1] != '\\');
+    };
+    size_t next = 0;
+    size_t behindMask = std::string_view::npos;
+    size_t resume = 0; // where the text goes on behind the last mask, if it ends there
+    for (size_t at = 0; at < text.size();) {
+        if (next < masked.size() && isMask(next)) {
+            behindMask = ++next;
+            resume = at;
+        } else if (next < masked.size() && masked[next] == text[at]) {
+            ++next;
+            ++at;
+        } else if (behindMask != std::string_view::npos && text[resume] != '"') {
+            next = behindMask;
+            at = ++resume;
+        } else {
+            return false;
+        }
+    }
+    while (next < masked.size() && isMask(next)) {
+        ++next;
+    }
+    return next == masked.size();
+}
+
+} // namespace
+
+std::string CallText(std::string_view Function, std::initializer_list<int64_t> Arguments)
+{
+    std::string call(Function);
+    for (const int64_t argument : Arguments) {
+        call += ' ';
+        call += std::to_string(argument);
+    }
+    return call;
+}
+
+std::string OpenCommText(std::string_view Device, uint8_t Autodetect, const exports::CommSettings& Settings)
+{
+    return CallText("OpenComm " + Quoted(Device), {Autodetect, Settings.BaudRate, Settings.Protocol});
+}
+
+std::string CommandText(uint32_t Reader, std::string_view Command, std::string_view Data)
+{
+    return CallText("SendCommandGetData", {Reader}) + ' ' + Quoted(Command, ShownOfCommand(Command)) + ' ' +
+           Quoted(Data, ShownOfData(Command, Data));
+}
+
+std::string ResultText(int64_t Result)
+{
+    return std::to_string(Result);
+}
+
+std::string ResultText(std::string_view Result)
+{
+    return Quoted(Result, {UpToNul(Result)});
+}
+
+std::string ReplyText(std::string_view Command, std::string_view Data, std::string_view Reply)
+{
+    return Quoted(Reply, ShownOfReply(Command, Data, Reply));
+}
+
+std::string LogLine(const LoggedCall& Logged)
+{
+    return TimeText(Logged.Start) + ' ' + Logged.Call + " = " + Logged.Result + ' ' +
+           TimeText(Logged.Duration) + '\n';
+}
+
+std::string LogLine(const Repetition& Logged)
+{
+    return TimeText(Logged.Start) + ' ' + std::string(RepeatedText) + std::to_string(Logged.Calls) +
+           std::string(TimesText) + std::to_string(Logged.Times) + ' ' + TimeText(Logged.Duration) + '\n';
+}
+
+std::string LogLine(const Gap& Logged, std::string_view Reason)
+{
+    return NoteLine(std::string(GapText.substr(2)) + std::to_string(Logged.Calls) + ", " +
+                    std::string(Reason));
+}
+
+std::string NoteLine(std::string_view Note)
+{
+    std::string line = "# ";
+    line += Note;
+    std::ranges::replace_if(
+        line, [](char character) { return character >= '\0' && character < ' '; }, '?');
+    return line + '\n';
+}
+
+std::optional<LoggedLine> ParseLine(std::string_view Line)
+{
+    Take("\xEF\xBB\xBF", Line); // an editor's mark of UTF-8
+    if (Line.ends_with('\r')) {
+        Line.remove_suffix(1);
+    }
+    if (Take(GapText, Line)) {
+        return Gap{TakeNumber(Line, 0, MaxCount).value_or(0)};
+    }
+    if (Line.empty() || Line.starts_with('#')) {
+        return LoggedLine();
+    }
+    const auto start = TakeTime(Line);
+    if (!start || !Take(" ", Line)) {
+        return std::nullopt;
+    }
+    if (Line.starts_with(RepeatedText)) {
+        return ParseRepetition(Line, *start);
+    }
+    return ParseCall(Line, *start);
+}
+
+bool IsSameCall(std::string_view Call, std::string_view Other)
+{
+    const auto behindDevice = [](std::string_view call) {
+        return call.starts_with("OpenComm ") ? call.substr(std::min(call.rfind('"'), call.size())) : call;
+    };
+    return IsSameText(behindDevice(Call), behindDevice(Other));
+}
+
+int64_t NumberOf(const std::string& Result)
+{
+    std::string_view rest = Result;
+    return TakeNumber(rest).value_or(0);
+}
+
+std::string TextOf(const std::string& Result)
+{
+    std::string_view rest = Result;
+    return TakeText(rest).value_or("");
+}
+
+} // namespace recorder

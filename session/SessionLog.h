@@ -1,0 +1,71 @@
+// The log of a session with a reader library, one line a call; recorder/README.md describes it. What writes
+// it and what reads it are both here.
+#pragma once
+
+#include "abi/ReaderLibrary.h"
+
+#include <chrono>
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace recorder
+{
+
+/// A call as it is in the log: no key is in it.
+struct LoggedCall {
+    std::string Call;                   ///< function and arguments
+    std::string Result;                 ///< a number, or a text between quotes
+    std::chrono::microseconds Start{0}; ///< since the session began
+    std::chrono::microseconds Duration{0};
+};
+
+/// The calls of the last lines were made again, in the same order and with the same results.
+struct Repetition {
+    size_t Calls; ///< of that many lines, up to LongestRound
+    int64_t Times;
+    std::chrono::microseconds Start;    ///< of the first time
+    std::chrono::microseconds Duration; ///< of all times
+};
+inline constexpr size_t LongestRound = 8;
+
+/// Calls that couldn't be written.
+struct Gap {
+    int64_t Calls;
+};
+
+/// A line of the log; without a value if it is another note, or empty.
+using LoggedLine = std::variant<std::monostate, LoggedCall, Repetition, Gap>;
+
+/// Of a function that takes numbers only, buffers aside.
+[[nodiscard]] std::string CallText(std::string_view Function, std::initializer_list<int64_t> Arguments);
+[[nodiscard]] std::string OpenCommText(std::string_view Device, uint8_t Autodetect,
+                                       const exports::CommSettings& Settings);
+[[nodiscard]] std::string CommandText(uint32_t Reader, std::string_view Command, std::string_view Data);
+
+[[nodiscard]] std::string ResultText(int64_t Result);
+[[nodiscard]] std::string ResultText(std::string_view Result);
+[[nodiscard]] std::string ReplyText(std::string_view Command, std::string_view Data, std::string_view Reply);
+
+// Lines, each with a line feed at the end.
+[[nodiscard]] std::string LogLine(const LoggedCall& Logged);
+[[nodiscard]] std::string LogLine(const Repetition& Logged);
+[[nodiscard]] std::string LogLine(const Gap& Logged, std::string_view Reason);
+/// A line that is no call. Control characters of the text become "?".
+[[nodiscard]] std::string NoteLine(std::string_view Note);
+
+/// A line without its line feed. Nothing, if it isn't a line of a log.
+[[nodiscard]] std::optional<LoggedLine> ParseLine(std::string_view Line);
+
+/// True if the calls are the same; the device of OpenComm may be another.
+[[nodiscard]] bool IsSameCall(std::string_view Call, std::string_view Other);
+
+// The values of a result; 0 or empty if it is of the other kind.
+[[nodiscard]] int64_t NumberOf(const std::string& Result);
+/// The digits of a masked key are zeros.
+[[nodiscard]] std::string TextOf(const std::string& Result);
+
+} // namespace recorder

@@ -1,0 +1,265 @@
+#include "tool/AccessWords.h"
+
+#include "acg/cards/BlockAddress.h"
+#include "acg/reader/HexText.h"
+#include "tool/Text.h"
+
+#include <algorithm>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+constexpr size_t FirstConditionByte = 6;
+constexpr size_t UserByte = 9;
+constexpr size_t FirstByteOfKeyB = 10;
+
+/// The manufacturer's block can't be written, whatever the access bits say.
+SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
+{
+    SectorRights rights = RightsGranted(bytes);
+    if (sector == 0) {
+        rights.Blocks[0].Write = rights.Blocks[0].Increment = rights.Blocks[0].Decrement = Keys::None;
+    }
+    return rights;
+}
+
+constexpr const char* AccessBits = "access bits"; ///< a row's name
+
+struct NamedRight {
+    const char* Name;
+    Keys Holders;
+};
+
+std::vector<std::string> OfKey(Keys key, const std::vector<NamedRight>& rights)
+{
+    std::vector<std::string> names;
+    for (const auto& [name, holders] : rights) {
+        if (Has(holders, key)) {
+            names.emplace_back(name);
+        }
+    }
+    return names;
+}
+
+AccessRow Row(std::string what, const std::vector<NamedRight>& rights)
+{
+    return {std::move(what), OfKey(Keys::A, rights), OfKey(Keys::B, rights)};
+}
+
+std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
+{
+    std::vector<AccessRow> rows;
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        const BlockRights& block = rights.Blocks[slot];
+        rows.push_back(Row(NameOfSlot(slot, sector), {{"read", block.Read},
+                                                      {"write", block.Write},
+                                                      {"increment", block.Increment},
+                                                      {"decrement", block.Decrement}}));
+    }
+    const TrailerRights& trailer = rights.Trailer;
+    rows.push_back(Row("keys A and B", {{"write", trailer.WriteKeys}}));
+    rows.push_back(Row(AccessBits, {{"read", trailer.ReadConditions}, {"write", trailer.WriteConditions}}));
+    if (trailer.ReadKeyB != Keys::None) {
+        rows.push_back(Row("key B itself", {{"read", trailer.ReadKeyB}}));
+    }
+    return rows;
+}
+
+std::string Joined(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    return text.empty() ? "nothing" : text;
+}
+
+/// For a column of the table.
+std::string InShort(const std::vector<std::string>& names)
+{
+    constexpr size_t AllOfABlock = 4;
+    return names.size() == AllOfABlock ? "everything" : Joined(names);
+}
+
+/// "key A may read and write block 4".
+std::string Sentence(const char* key, const std::vector<std::string>& rights, const std::string& what)
+{
+    const std::string object = (what == AccessBits ? "the " : "") + what;
+    if (rights.empty()) {
+        return Format("%s may do nothing with %s", key, object.c_str());
+    }
+    std::string verbs = Joined(rights);
+    if (const size_t comma = verbs.rfind(", "); comma != std::string::npos) {
+        verbs.replace(comma, 1, " and");
+    }
+    return Format("%s may %s %s", key, verbs.c_str(), object.c_str());
+}
+
+void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, SectorNumber sector,
+                   const char* pattern)
+{
+    for (const AccessRow& row : Rows(rights, sector)) {
+        for (const auto& [name, words] : {std::pair("key A", &row.KeyA), std::pair("key B", &row.KeyB)}) {
+            if (!words->empty()) {
+                lines.push_back(Format(pattern, name, Joined(*words).c_str(), row.What.c_str()));
+            }
+        }
+    }
+}
+
+} // namespace
+
+const char* NameOf(Keys Holders)
+{
+    constexpr const char* Names[] = {"nobody", "key A", "key B", "key A or key B"};
+    return Names[static_cast<size_t>(Holders)];
+}
+
+std::string NameOfSlot(unsigned Slot, SectorNumber Sector)
+{
+    if (!Sector) {
+        return Format("data block %u", Slot);
+    }
+    const int32_t first = TrailerBlock(*Sector - 1) + 1;
+    const int32_t inSlot = (TrailerBlock(*Sector) - first) / static_cast<int32_t>(DataSlots);
+    const int32_t block = first + static_cast<int32_t>(Slot) * inSlot;
+    return inSlot == 1 ? Format("block %d", block) : Format("blocks %d-%d", block, block + inSlot - 1);
+}
+
+std::vector<AccessRow> AccessRows(const ConditionBytes& Bytes, SectorNumber Sector)
+{
+    return Rows(RightsIn(Bytes, Sector), Sector);
+}
+
+std::string AccessBitsText(const ConditionBytes& Bytes)
+{
+    return Format("%02X%02X%02X", Bytes[0], Bytes[1], Bytes[2]);
+}
+
+std::string LevelsInWords(const ConditionBytes& Bytes)
+{
+    std::string levels;
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        levels += std::to_string(LevelOf(BlockRightsOf(TripleIn(Bytes, slot)))) + ",";
+    }
+    const TrailerRights& trailer = TrailerRightsOf(TripleIn(Bytes, TrailerSlot));
+    return levels + std::to_string(LevelOf(trailer)) +
+           (KeysUsedBy(trailer) == KeyAAlone ? " with key A alone" : " with both keys");
+}
+
+std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
+{
+    constexpr const char* Columns = "%-16s%-18s%s\n";
+    std::string text = Format(Columns, "", "key A may", "key B may");
+    for (const AccessRow& row : AccessRows(Bytes, Sector)) {
+        text += Format(Columns, row.What.c_str(), InShort(row.KeyA).c_str(), InShort(row.KeyB).c_str());
+    }
+    const SectorRights rights = RightsIn(Bytes, Sector);
+    const TrailerRights& trailer = rights.Trailer;
+    if (trailer.ReadKeyB != Keys::None) {
+        text += "Key B is only data here: it can be read, and opens nothing.\n";
+    }
+    if (!AreConditionsFixed(trailer)) {
+        return text + Format("All of this can be changed again by %s.\n", NameOf(trailer.WriteConditions));
+    }
+    text += "FOR GOOD: nobody can ever change again what the keys of this sector may do.\n";
+    text += AreKeysFixed(trailer)
+                ? "FOR GOOD: nobody can ever change the keys of this sector again.\n"
+                : Format("The keys can be changed again by %s.\n", NameOf(trailer.WriteKeys));
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        const BlockRights& block = rights.Blocks[slot];
+        const std::string name = NameOfSlot(slot, Sector);
+        if (block.Read == Keys::None) {
+            text += Format("FOR GOOD: %s can never be read again.\n", name.c_str());
+        }
+        if (block.Write == Keys::None) {
+            text += Format("FOR GOOD: %s can never be written again%s.\n", name.c_str(),
+                           block.Decrement != Keys::None ? ", only decremented" : "");
+        }
+    }
+    return text;
+}
+
+std::vector<std::string> Deviations(const SectorLevels& Asked, const ConditionBytes& Bytes,
+                                    SectorNumber Sector)
+{
+    const SectorRights asked = RightsAsked(Asked);
+    const SectorRights granted = RightsIn(Bytes, Sector);
+    std::vector<std::string> lines;
+    AddDeviations(lines, Beyond(granted, asked), Sector, "Beyond what was asked, %s may %s: %s");
+    AddDeviations(lines, Beyond(asked, granted), Sector, "Asked for but not granted, %s may not %s: %s");
+    return lines;
+}
+
+std::string RefusalInWords(const SectorLevels& Asked)
+{
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        if (!BlockTriple(Asked.Levels[slot], Asked.KeysToUse, false)) {
+            return Format(
+                "level %d can't be stored for a data block with both keys: the card can't let key A "
+                "do what key B may not",
+                Asked.Levels[slot]);
+        }
+    }
+    return Format("level %d can't be stored for the trailer with both keys, only 0, 4, 8 and 12: if key B is "
+                  "a key, the card doesn't let key A write the trailer",
+                  Asked.Levels[TrailerSlot]);
+}
+
+ConditionBytes ConditionBytesOf(const Block& Trailer)
+{
+    return {Trailer[FirstConditionByte], Trailer[FirstConditionByte + 1], Trailer[FirstConditionByte + 2]};
+}
+
+uint8_t UserByteOf(const Block& Trailer)
+{
+    return Trailer[UserByte];
+}
+
+std::wstring KeyBOf(const Block& Trailer)
+{
+    std::wstring digits;
+    for (size_t at = FirstByteOfKeyB; at < Trailer.size(); ++at) {
+        digits += TwoHexDigits(Trailer[at]);
+    }
+    return digits;
+}
+
+std::vector<TrailerDifference> TrailerDifferences(const Block& First, const Block& Second, int32_t Sector)
+{
+    std::vector<TrailerDifference> lines;
+    if (!std::equal(First.begin(), First.begin() + FirstConditionByte, Second.begin())) {
+        lines.push_back({' ', "key A differs"});
+    }
+    if (!std::equal(First.begin() + FirstByteOfKeyB, First.end(), Second.begin() + FirstByteOfKeyB)) {
+        lines.push_back({' ', "key B differs"});
+    }
+    const auto add = [&](const std::string& first, const std::string& second) {
+        if (first != second) {
+            lines.push_back({'<', first});
+            lines.push_back({'>', second});
+        }
+    };
+    add(Format("byte 9 is %u", First[UserByte]), Format("byte 9 is %u", Second[UserByte]));
+    const ConditionBytes bytes[] = {ConditionBytesOf(First), ConditionBytesOf(Second)};
+    for (const char mark : {'<', '>'}) {
+        if (!InvertedCopiesAgree(bytes[mark == '<' ? 0 : 1])) {
+            lines.push_back({mark, "the access bits contradict themselves: the card would block the sector"});
+        }
+    }
+    const std::vector<AccessRow> before = AccessRows(bytes[0], Sector);
+    const std::vector<AccessRow> after = AccessRows(bytes[1], Sector);
+    for (size_t row = 0; row < std::max(before.size(), after.size()); ++row) {
+        const AccessRow none = {"key B itself", {}, {}};
+        const AccessRow& first = row < before.size() ? before[row] : none;
+        const AccessRow& second = row < after.size() ? after[row] : none;
+        add(Sentence("key A", first.KeyA, first.What), Sentence("key A", second.KeyA, second.What));
+        add(Sentence("key B", first.KeyB, first.What), Sentence("key B", second.KeyB, second.What));
+    }
+    return lines;
+}
+
+} // namespace acg::tool

@@ -1,0 +1,67 @@
+// Blocks as a person gives and sees them.
+#pragma once
+
+#include "tool/Card.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace acg::tool
+{
+
+/// A block's bytes in two digits each, as hexdump shows them; those whose bit isn't set in Known, bit 0 for
+/// byte 0, as "--".
+[[nodiscard]] std::string Digits(const Block& Bytes, uint16_t Known, std::string_view Between);
+[[nodiscard]] std::string Characters(const Block& Bytes, uint16_t Known);
+/// One line, with the number and without its end.
+[[nodiscard]] std::string HexDump(int32_t Number, const Block& Bytes, uint16_t Known);
+
+inline constexpr uint16_t AllKnown = 0xFFFF;
+inline constexpr uint16_t AllButKeys = 0x03C0; ///< of a sector trailer
+
+[[nodiscard]] bool IsTrailer(int32_t Number);
+
+/// Throws UsageError for a number that no card has.
+[[nodiscard]] int32_t ParseBlockNumber(std::string_view Text);
+/// The data block that a write is meant for; throws UsageError for a trailer and for block 0, too.
+[[nodiscard]] int32_t ParseDataBlock(std::string_view Text);
+
+/// Why a block can't be read, when others of the card still can.
+enum class Refusal {
+    None,
+    WrongKey, ///< or no such sector, or a blocked one
+    NotGranted
+};
+
+/// Contents is changed only for Refusal::None. Throws like ReadBlock if the failure concerns more than this
+/// block: if the card has left, for example.
+[[nodiscard]] Refusal TryReadBlock(Encoder& Opened, int32_t Number, const Key& With, Block& Contents);
+
+/// What a value block holds three times, and its address. The numbers are stored with the lowest byte first.
+class ValueBlock
+{
+public:
+    explicit ValueBlock(const Block& Bytes);
+
+    [[nodiscard]] int32_t Value() const { return static_cast<int32_t>(m_value); }
+    [[nodiscard]] int32_t Inverted() const { return static_cast<int32_t>(~m_inverted); }
+    [[nodiscard]] int32_t Again() const { return static_cast<int32_t>(m_again); }
+    [[nodiscard]] bool HasCopies() const { return m_inverted == ~m_value && m_again == m_value; }
+    /// The block's number, when a reader has written it; none if its four bytes disagree.
+    [[nodiscard]] std::optional<uint8_t> Address() const;
+    [[nodiscard]] bool IsValid() const { return HasCopies() && Address(); }
+
+private:
+    uint32_t m_value;
+    uint32_t m_inverted;
+    uint32_t m_again;
+    std::array<uint8_t, 4> m_address;
+};
+
+/// The command that shows a block, for a person to type. The key itself isn't shown.
+[[nodiscard]] std::string ReadCommand(int32_t Number, const Key& With);
+
+} // namespace acg::tool

@@ -1,0 +1,136 @@
+#include "tool/Card.h"
+
+#include "acg/encoder/NumberReading.h"
+#include "acg/encoder/Parameters.h"
+#include "tool/Failures.h"
+#include "tool/ReplyWatch.h"
+#include "tool/System.h"
+#include "tool/Text.h"
+
+#include <charconv>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+/// The class ignores what it doesn't know, and reads a number as far as it goes; a person wants to be told.
+/// No value is shown, as it may be a key.
+void CheckParameters(std::wstring_view text)
+{
+    for (ParameterEntries entry(text); entry.Next();) {
+        const bool isAutodetect = entry.Key == L"autodetect";
+        const bool isNumber = isAutodetect || entry.Key == L"baud rate" || entry.Key == L"timeout";
+        if ((entry.Key.empty() && !entry.Value) || entry.Key == L"encoding capabilities") {
+            continue;
+        }
+        if (!entry.Value) {
+            throw UsageError{"a setting has no \"=\", as in Device=com1;Timeout=500"};
+        }
+        if (!isNumber && entry.Key != L"device") {
+            throw UsageError{"no such setting: " + ToUtf8(entry.Key) +
+                             "; there are Device, Autodetect, Baud rate, Timeout"};
+        }
+        const bool fits = isAutodetect ? ReadField<uint8_t>(*entry.Value).has_value()
+                                       : ReadField<int32_t>(*entry.Value).has_value();
+        if (isNumber && !(fits && ReadNumber(*entry.Value).IsAll)) {
+            throw UsageError{Format("the setting %s is a number %s, with nothing after it",
+                                    ToUtf8(entry.Key).c_str(),
+                                    isAutodetect ? "from 0 to 255" : "of 32 bits")};
+        }
+    }
+}
+
+/// The fifth field of the information text: the number that OpenEncoder requires.
+int32_t HandleNumber(const std::wstring& information)
+{
+    size_t from = 0;
+    for (int field = 1; field < 5; ++field) {
+        from = information.find(L'|', from) + 1;
+    }
+    return static_cast<int32_t>(std::stol(information.substr(from)));
+}
+
+} // namespace
+
+std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters)
+{
+    // Once interrupted it is an hour later at each look, so that a wait ends.
+    const auto clock = [late = std::chrono::hours(0)]() mutable {
+        late += std::chrono::hours(WasInterrupted() ? 1 : 0);
+        return std::chrono::steady_clock::now() + late;
+    };
+    auto encoder = std::make_unique<Encoder>(WatchedLibrary(), clock);
+    const std::wstring text =
+        ToWide(!Parameters.empty() ? Parameters : EnvironmentVariable("ACG_PARAMETERS").value_or(""));
+    CheckParameters(text);
+    encoder->Parameters(text);
+    return encoder;
+}
+
+void Open(Encoder& Closed)
+{
+    Must(Closed, Closed.OpenEncoder(HandleNumber(Closed.GetInformation())));
+}
+
+std::unique_ptr<Encoder> OpenReader(const std::string& Parameters)
+{
+    auto encoder = MakeEncoder(Parameters);
+    Open(*encoder);
+    return encoder;
+}
+
+void Must(Encoder& Opened, sceReturnCode Result)
+{
+    if (WasInterrupted()) {
+        throw Interruption{};
+    }
+    if (Result == sceError) {
+        throw CardFailure{*Opened.LastError()};
+    }
+}
+
+std::wstring SerialNumberOf(Encoder& Opened)
+{
+    std::wstring serial;
+    Must(Opened, Opened.ReadSerialNumber(serial));
+    if (serial.empty()) {
+        throw OtherFailure{"the reader's reply to selecting the card has no serial number"};
+    }
+    return serial;
+}
+
+Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With)
+{
+    std::wstring contents;
+    Must(Opened, Opened.ReadDataBloc(Number, With.Digits, With.Type, contents));
+    if (!WasWholeBlock()) {
+        throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", Number)};
+    }
+    const std::optional<Block> block = ParseBlock(ToUtf8(contents));
+    if (!block) {
+        throw OtherFailure{Format("the reader's reply to reading block %d isn't hexadecimal", Number)};
+    }
+    return *block;
+}
+
+std::optional<Block> ParseBlock(std::string_view Digits)
+{
+    std::string dense(Digits);
+    std::erase(dense, ' ');
+    Block block = {};
+    if (dense.size() != 2 * block.size()) {
+        return std::nullopt;
+    }
+    for (size_t at = 0; at < block.size(); ++at) {
+        const char* const pair = &dense[2 * at];
+        const auto [end, error] = std::from_chars(pair, pair + 2, block[at], 16);
+        if (end != pair + 2) {
+            return std::nullopt;
+        }
+    }
+    return block;
+}
+
+} // namespace acg::tool

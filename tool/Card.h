@@ -1,0 +1,48 @@
+// The reader and the card of one command: opened, and every result tested.
+#pragma once
+
+#include "acg/encoder/Encoder.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace acg::tool
+{
+
+/// A key to log in with.
+struct Key {
+    std::wstring Digits; ///< 12 hexadecimal digits, upper case
+    uint8_t Type = KeyTypeA;
+};
+
+inline constexpr int32_t LastBlock = 255; ///< of a 4K card
+inline constexpr int32_t LastSector = 39;
+
+using Block = std::array<uint8_t, 16>;
+
+/// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if that is empty, else with
+/// the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
+[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters);
+
+/// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.
+void Open(Encoder& Closed);
+[[nodiscard]] std::unique_ptr<Encoder> OpenReader(const std::string& Parameters);
+
+/// To be called with the result of each operation: throws CardFailure after sceError, and Interruption after
+/// Ctrl-C.
+void Must(Encoder& Opened, sceReturnCode Result);
+
+/// The serial number of the card in the field. Throws OtherFailure if the reader's reply has none.
+[[nodiscard]] std::wstring SerialNumberOf(Encoder& Opened);
+
+/// Throws OtherFailure if the reader's reply isn't a whole block in hexadecimal.
+[[nodiscard]] Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With);
+
+/// The bytes of 32 hexadecimal digits, blanks anywhere allowed; nothing for any other text.
+[[nodiscard]] std::optional<Block> ParseBlock(std::string_view Digits);
+
+} // namespace acg::tool

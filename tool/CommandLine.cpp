@@ -1,0 +1,241 @@
+#include "tool/CommandLine.h"
+
+#include "tool/Commands.h"
+#include "tool/Failures.h"
+#include "tool/Json.h"
+#include "tool/Text.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+/// The rows of a table in the help; nothing for an empty one.
+using HelpRows = std::vector<std::pair<std::string, std::string>>;
+
+std::string HelpTable(const char* title, const HelpRows& rows)
+{
+    constexpr int Column = 24;
+    std::string text = rows.empty() ? "" : Format("\n%s:\n", title);
+    for (const auto& [name, description] : rows) {
+        text += Format("  %-*s%s\n", Column - 2, name.c_str(), Wrap(description, Column).c_str());
+    }
+    return text;
+}
+
+/// The help of the program or of a command, within 80 columns.
+std::string Help(const CLI::App* app, const std::string& name, CLI::AppFormatMode /*mode*/)
+{
+    HelpRows commands;
+    HelpRows arguments;
+    HelpRows options;
+    std::string usage = "Usage: " + name;
+    for (const CLI::App* const command : app->get_subcommands({})) {
+        commands.emplace_back(command->get_name(), command->get_description());
+    }
+    for (const CLI::App* from = app; from != nullptr; from = from->get_parent()) {
+        for (const CLI::Option* const option : from->get_options()) {
+            const std::string description =
+                option->get_description() + (option->get_required() ? " (required)" : "");
+            if (option->get_positional()) {
+                usage += ' ' + (option->get_required() ? option->get_name() : '[' + option->get_name() + ']');
+                arguments.emplace_back(option->get_name(), description);
+            } else if (from == app || (option != from->get_help_ptr() && option != from->get_version_ptr())) {
+                options.emplace_back(option->get_name(false, true) + ' ' + option->get_type_name(),
+                                     description);
+            }
+        }
+    }
+    usage += commands.empty() ? " [OPTION]..." : " COMMAND ...";
+    return Wrap(app->get_description(), 0) + "\n\n" + usage + '\n' + HelpTable("Commands", commands) +
+           HelpTable("Arguments", arguments) + HelpTable("Options", options) + '\n' + app->get_footer() +
+           '\n';
+}
+
+/// The parser takes an empty argument for one that isn't there.
+void RefuseEmpty(const std::vector<std::string>& arguments)
+{
+    for (size_t at = 0; at < arguments.size(); ++at) {
+        const std::string& argument = arguments[at];
+        const bool isOption = argument.starts_with("--");
+        const std::string before = at == 0 ? "" : arguments[at - 1];
+        if (argument.empty()) {
+            throw UsageError{(before.starts_with("--") ? before : "an argument") + " is empty"};
+        }
+        if (isOption && argument.find('=') == argument.size() - 1) {
+            throw UsageError{argument.substr(0, argument.size() - 1) + " is empty"};
+        }
+    }
+}
+
+void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile)
+{
+    command.Option(
+        "--key", "KEY", key.Text,
+        "The key to log in with, 12 hexadecimal digits. An option stands in the process list and in "
+        "the shell's history; a file or a variable doesn't");
+    command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
+}
+
+} // namespace
+
+void CommandOptions::Argument(const char* Name, std::string& Value, const char* Description, Need Needed)
+{
+    m_app.add_option(Name, Value, Description)->required(Needed == Need::Required);
+}
+
+void CommandOptions::Option(const char* Name, const char* Type, std::string& Value, const char* Description,
+                            Need Needed, std::initializer_list<const char*> Excluded)
+{
+    CLI::Option* const option =
+        m_app.add_option(Name, Value, Description)->type_name(Type)->required(Needed == Need::Required);
+    for (const char* const other : Excluded) {
+        option->excludes(m_app.get_option(other));
+    }
+}
+
+void CommandOptions::Flag(const char* Name, bool& IsGiven, const char* Description)
+{
+    m_app.add_flag(Name, IsGiven, Description);
+}
+
+CommandLine::CommandLine()
+    : m_program(
+          std::make_unique<CLI::App>("Reads and writes contactless cards through an ACG Multi-ISO reader."))
+{
+    m_program->name("acg");
+    m_program->require_subcommand(1);
+    m_program->allow_windows_style_options(false);
+    m_program->formatter_fn(Help);
+    m_program->set_help_flag("-h,--help", "Print this help and end");
+    m_program->option_defaults()->disable_flag_override();
+    m_program->set_version_flag("--version", ACG_VERSION, "Print the version and end");
+    m_program
+        ->add_option("--reader", m_context.Parameters,
+                     "The reader's settings, as in \"Device=com1;Baud rate=9600\"; default: the variable "
+                     "ACG_PARAMETERS")
+        ->type_name("TEXT");
+    m_program->add_flag_callback(
+        "--json", [this] { m_context.Out.UseJson(); }, "Print one JSON object, whatever the end");
+    m_program->footer("Exit status: 0 done, 1 failed or a difference found, 2 wrong use, 130 Ctrl-C.\n"
+                      "acg COMMAND --help shows what a command takes, with an example.");
+    for (const auto add : AllCommands) {
+        add(*this);
+    }
+}
+
+CommandLine::~CommandLine() = default;
+
+CommandOptions CommandLine::Add(const char* Name, const char* Description, const char* Example, Action Run)
+{
+    CLI::App* const added = m_program->add_subcommand(Name, Description);
+    added->fallthrough(); // so that --reader may follow
+    added->footer(std::string("Example:\n  ") + Example);
+    added->callback([this, Run = std::move(Run)] { m_chosen = Run; });
+    return CommandOptions(*added);
+}
+
+int CommandLine::Run(std::vector<std::string> Arguments)
+{
+    Output& out = m_context.Out;
+    if (std::ranges::any_of(Arguments, [](const std::string& argument) {
+            return argument == "--json" || argument.starts_with("--json=");
+        })) { // wrong use is JSON too
+        out.UseJson();
+    }
+    int status = Done;
+    std::string problem;
+    const auto fail = [&](int exitStatus, std::string text, JsonObject failure = {}) {
+        status = exitStatus;
+        // What is typed or written in the wrong place may be a key.
+        problem = exitStatus == WrongUse ? MaskKeys(text) : std::move(text);
+        out.Json()["failure"] = failure.is_null() ? JsonObject{{"description", problem}} : std::move(failure);
+    };
+    try {
+        RefuseEmpty(Arguments);
+        std::ranges::reverse(Arguments); // as the library takes them
+        m_program->parse(std::move(Arguments));
+        status = m_chosen(m_context);
+    } catch (const CLI::Success& ended) {
+        std::ostringstream text;
+        status = m_program->exit(ended, text, text);
+        out.Print(text.str());
+        out.Json()["text"] = text.str();
+    } catch (const CLI::ParseError& error) {
+        fail(WrongUse, Explain(error));
+    } catch (const CardFailure& failure) {
+        fail(Failed, InWords(failure.Record), ToJson(failure.Record));
+    } catch (const OtherFailure& failure) {
+        fail(Failed, failure.Text);
+    } catch (const UsageError& error) {
+        fail(WrongUse, error.Text);
+    } catch (const Interruption&) {
+        fail(Interrupted, "interrupted; the reader is closed");
+    } catch (const std::exception& error) { // no memory
+        fail(Failed, error.what());
+    }
+    out.Json().emplace("failure", nullptr);
+    if (!out.Finish()) {
+        problem += (problem.empty() ? "" : "\n") + std::string("standard output can't be written");
+        status = status == Done ? Failed : status;
+    }
+    if (!problem.empty()) {
+        PrintProblem(problem + out.Outcome());
+    }
+    return status;
+}
+
+// The words that it looks for are CLI11's, of versions 2.1 to 2.4; tests/tool/usage.txt shows if they change.
+std::string CommandLine::Explain(const CLI::Error& error) const
+{
+    const auto chosen = m_program->get_subcommands();
+    const auto extras = m_program->remaining(/*recurse=*/true);
+    const std::string what = error.what();
+    std::string text = what;
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ArgumentMismatch)) {
+        const auto says = [&](const char* word) { return what.find(word) != std::string::npos; };
+        const size_t start = what.find_first_not_of('-');
+        text = "--" + what.substr(start, what.find_first_of(": ", start) - start) +
+               (says("override")  ? " takes no value"
+                : says("missing") ? " requires a value"
+                                  : " may be given only once");
+    } else if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExcludesError)) {
+        text = what.substr(0, what.find(' ')) + " and " + what.substr(what.rfind(' ') + 1) +
+               " can't both be given";
+    } else if (!extras.empty()) {
+        const std::string& word = extras.front();
+        text = word.starts_with('-') ? "there is no option " + word.substr(0, word.find('='))
+               : chosen.empty()      ? "there is no command " + word
+                                     : "an argument too many: " + word;
+    } else if (chosen.empty()) {
+        text = "a command is required";
+    }
+    return text + "; acg " + (chosen.empty() ? "" : chosen.front()->get_name() + ' ') +
+           "--help shows what there is";
+}
+
+void TakesKeys(CommandOptions& Command, KeyOptions& Key)
+{
+    AddKeyOptions(
+        Command, Key,
+        "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
+        "options: the variable ACG_KEY, else FFFFFFFFFFFF");
+}
+
+void TakesKey(CommandOptions& Command, KeyOptions& Key)
+{
+    AddKeyOptions(Command, Key,
+                  "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
+                  "the variable ACG_KEY");
+    Command.Flag("--as-b", Key.AsB, "Log in with it as key B; default: as key A");
+}
+
+} // namespace acg::tool

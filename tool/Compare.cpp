@@ -1,0 +1,107 @@
+// acg compare: where two dumps differ.
+#include "acg/cards/BlockAddress.h"
+#include "tool/AccessWords.h"
+#include "tool/Blocks.h"
+#include "tool/CommandLine.h"
+#include "tool/Commands.h"
+#include "tool/DumpFile.h"
+#include "tool/Failures.h"
+#include "tool/Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string First;
+    std::string Second;
+};
+
+/// Keys are compared, but not shown. What isn't known of both counts as alike, access bits as a whole.
+void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other, Output& out)
+{
+    constexpr Block Factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
+    constexpr unsigned AccessBytes = 0x01C0;
+    unsigned known = one.Known & other.Known;
+    if ((known & AccessBytes) != AccessBytes) {
+        known &= ~AccessBytes;
+    }
+    Block first = one.Bytes;
+    Block second = other.Bytes;
+    for (size_t at = 0; at < first.size(); ++at) {
+        if ((known >> at & 1) == 0) {
+            first[at] = second[at] = Factory[at];
+        }
+    }
+    std::vector<TrailerDifference> differences = TrailerDifferences(first, second, SectorOf(number));
+    if (one.Known != other.Known) {
+        differences.push_back({' ', "not all of it is known in both"});
+    }
+    out.Print(Format("block %d, the trailer of sector %d:", number, SectorOf(number)));
+    JsonObject lines = JsonObject::array();
+    for (const auto& [mark, text] : differences) {
+        out.Print(Format("%c    %s", mark, text.c_str()));
+        lines.push_back(
+            {{"file", mark == ' ' ? JsonObject() : JsonObject(mark == '<' ? 1 : 2)}, {"text", text}});
+    }
+    out.Json()["blocks"].push_back({{"block", number}, {"differences", lines}});
+}
+
+int Compare(const Options& given, Context& context)
+{
+    Output& out = context.Out;
+    const Dump one = ReadDump(given.First);
+    const Dump other = ReadDump(given.Second);
+    const std::string names[] = {MaskKeys(given.First), MaskKeys(given.Second)};
+    out.Print(Format("< %s\n> %s", names[0].c_str(), names[1].c_str()));
+    out.Json()["files"] = names;
+    const int32_t sizes[] = {static_cast<int32_t>(one.size()), static_cast<int32_t>(other.size())};
+    const int32_t common = std::min(sizes[0], sizes[1]);
+    int differences = 0;
+    out.Json()["blocks"] = JsonObject::array();
+    for (int32_t number = 0; number < common; ++number) {
+        const DumpedBlock* const blocks[] = {&one[static_cast<size_t>(number)],
+                                             &other[static_cast<size_t>(number)]};
+        if (*blocks[0] == *blocks[1]) {
+            continue;
+        }
+        ++differences;
+        if (IsTrailer(number)) {
+            ShowTrailer(number, *blocks[0], *blocks[1], out);
+            continue;
+        }
+        out.Print("< " + HexDump(number, blocks[0]->Bytes, blocks[0]->Known));
+        out.Print("> " + HexDump(number, blocks[1]->Bytes, blocks[1]->Known));
+        out.Json()["blocks"].push_back({{"block", number},
+                                        {"hex",
+                                         {Digits(blocks[0]->Bytes, blocks[0]->Known, ""),
+                                          Digits(blocks[1]->Bytes, blocks[1]->Known, "")}}});
+    }
+    if (sizes[0] != sizes[1]) {
+        const size_t larger = sizes[0] > sizes[1] ? 0 : 1;
+        out.Print(Format("blocks %d to %d are only in %s", common, sizes[larger] - 1, names[larger].c_str()));
+    }
+    out.Print(Format("%d of %d blocks differ", differences, common));
+    out.Json()["sizes"] = sizes;
+    return differences == 0 && sizes[0] == sizes[1] ? Done : Failed;
+}
+
+} // namespace
+
+void AddCompare(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CommandOptions command = Commands.Add("compare", "Shows where two dumps differ; exit status 1 if they do",
+                                          "acg compare before.bin after.txt",
+                                          [given](Context& context) { return Compare(*given, context); });
+    command.Argument("FILE1", given->First, "A dump, raw bytes or text; its lines begin with \"<\"");
+    command.Argument("FILE2", given->Second, "Another; its lines begin with \">\"");
+}
+
+} // namespace acg::tool

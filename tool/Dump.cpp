@@ -1,0 +1,299 @@
+// acg dump: the whole card into a file.
+#include "acg/cards/BlockAddress.h"
+#include "tool/AccessWords.h"
+#include "tool/Blocks.h"
+#include "tool/CardSize.h"
+#include "tool/CommandLine.h"
+#include "tool/Commands.h"
+#include "tool/DumpFile.h"
+#include "tool/Failures.h"
+#include "tool/ProgressBar.h"
+#include "tool/Text.h"
+#include "tool/WriteReport.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <optional>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string File;
+    KeyOptions Key;
+    std::string Card;        ///< --card
+    bool MayReplace = false; ///< --force
+};
+
+constexpr uint16_t KeyABytes = 0x003F;
+constexpr uint16_t KeyBBytes = 0xFC00;
+
+/// Which key of the list opens a sector, as the index; nothing where none does.
+struct Opening {
+    std::optional<size_t> A;
+    std::optional<size_t> B;
+    bool ShowsB = false; ///< the trailer shows key B
+
+    bool operator==(const Opening&) const = default;
+};
+
+class CardReading
+{
+public:
+    CardReading(Encoder& opened, std::vector<std::wstring> keys, Output& out)
+        : m_encoder(opened), m_keys(std::move(keys)), m_out(out)
+    {
+    }
+
+    /// Reads the sector that follows those in the dump.
+    void ReadSector(int32_t sector, const ProgressBar& bar);
+
+    [[nodiscard]] const Dump& Result() const { return m_dump; }
+    [[nodiscard]] const std::vector<Opening>& Openings() const { return m_openings; }
+    [[nodiscard]] bool IsComplete() const { return m_isComplete; }
+
+private:
+    Refusal Read(int32_t number, const Key& key, DumpedBlock& block);
+    std::optional<size_t> FindKey(int32_t trailer, uint8_t type, DumpedBlock& block);
+    void ReadDataBlock(const Opening& opening, DumpedBlock& block, const ProgressBar& bar);
+    void PutKey(const std::optional<size_t>& key, size_t at, uint16_t bytes, DumpedBlock& trailer);
+    void Miss(const ProgressBar& bar, const std::string& what)
+    {
+        m_isComplete = false;
+        bar.Erase();
+        m_out.Problem(what);
+    }
+
+    Encoder& m_encoder;
+    std::vector<std::wstring> m_keys;
+    Output& m_out;
+    Dump m_dump;
+    std::vector<Opening> m_openings;
+    bool m_isComplete = true;
+};
+
+Refusal CardReading::Read(int32_t number, const Key& key, DumpedBlock& block)
+{
+    const Refusal refusal = TryReadBlock(m_encoder, number, key, block.Bytes);
+    block.Known = refusal == Refusal::None ? AllKnown : block.Known;
+    return refusal;
+}
+
+/// The first key that opens the sector. What it reads of the trailer goes to the block.
+std::optional<size_t> CardReading::FindKey(int32_t trailer, uint8_t type, DumpedBlock& block)
+{
+    for (size_t at = 0; at < m_keys.size(); ++at) {
+        const Refusal refusal = Read(trailer, {m_keys[at], type}, block);
+        if (refusal == Refusal::None || refusal == Refusal::NotGranted) {
+            return at;
+        }
+    }
+    return std::nullopt;
+}
+
+void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
+{
+    const int32_t last = TrailerBlock(sector);
+    DumpedBlock trailer;
+    Opening opening;
+    opening.A = FindKey(last, KeyTypeA, trailer);
+    const TrailerRights rights = RightsGranted(ConditionBytesOf(trailer.Bytes)).Trailer;
+    opening.ShowsB = trailer.Known != 0 && KeysUsedBy(rights) == KeyAAlone;
+    if (!opening.ShowsB) {
+        DumpedBlock asB;
+        opening.B = FindKey(last, KeyTypeB, asB);
+        trailer = trailer.Known != 0 ? trailer : asB;
+    }
+    m_openings.push_back(opening);
+
+    const auto first = static_cast<int32_t>(m_dump.size());
+    const bool isOpen = opening.A || opening.B;
+    if (!isOpen) {
+        Miss(bar, Format("blocks %d to %d, sector %d: not read, as no key opens it", first, last, sector));
+    }
+    while (std::ssize(m_dump) < last) {
+        DumpedBlock block;
+        if (isOpen) {
+            ReadDataBlock(opening, block, bar);
+        }
+        m_dump.push_back(block);
+        bar.Show(static_cast<int>(m_dump.size()));
+    }
+    if (isOpen && trailer.Known == 0) {
+        Miss(bar, Format("block %d, the trailer of sector %d: not read", last, sector));
+    }
+    PutKey(opening.A, 0, KeyABytes, trailer);
+    if (!opening.ShowsB) {
+        PutKey(opening.B, 10, KeyBBytes, trailer);
+    }
+    for (const auto& [name, bytes] : {std::pair{'A', KeyABytes}, std::pair{'B', KeyBBytes}}) {
+        if (isOpen && (trailer.Known & bytes) == 0) {
+            Miss(bar, Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
+        }
+    }
+    m_dump.push_back(trailer);
+    bar.Show(static_cast<int>(m_dump.size()));
+}
+
+/// Reads the block behind those that are in the dump.
+void CardReading::ReadDataBlock(const Opening& opening, DumpedBlock& block, const ProgressBar& bar)
+{
+    const auto number = static_cast<int32_t>(m_dump.size());
+    Refusal refusal = Refusal::NotGranted;
+    if (opening.A) {
+        refusal = Read(number, {m_keys[*opening.A], KeyTypeA}, block);
+    }
+    if (opening.B && refusal != Refusal::None) {
+        refusal = Read(number, {m_keys[*opening.B], KeyTypeB}, block);
+    }
+    if (refusal != Refusal::None) {
+        const auto record = m_encoder.LastError();
+        const Remedy* const remedy = FindRemedy(*record);
+        Miss(bar, Format("block %d: not read: ", number) +
+                      (remedy != nullptr ? std::string(remedy->Meaning) : ToUtf8(record->Description)));
+    }
+}
+
+/// Puts the key that was used in place of what the trailer shows of it.
+void CardReading::PutKey(const std::optional<size_t>& key, size_t at, uint16_t bytes, DumpedBlock& trailer)
+{
+    trailer.Known = static_cast<uint16_t>(trailer.Known & ~bytes);
+    if (key) {
+        const std::string digits = ToUtf8(m_keys[*key]) + std::string(20, '0');
+        std::copy_n(ParseBlock(digits).value_or(Block{}).begin(), 6,
+                    trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
+        trailer.Known = static_cast<uint16_t>(trailer.Known | bytes);
+    }
+}
+
+/// Where the keys come from, and what a key of that list is called.
+struct KeyList {
+    std::vector<std::wstring> Keys;
+    bool AreNumbered;
+
+    [[nodiscard]] std::string Name(const std::optional<size_t>& key) const
+    {
+        if (!key) {
+            return "unknown";
+        }
+        return AreNumbered ? Format("key %d of the file", static_cast<int>(*key) + 1) : "the key";
+    }
+};
+
+KeyList KeysOf(const Options& given)
+{
+    if (!given.Key.File.empty()) {
+        return {ReadKeys(given.Key.File), /*AreNumbered=*/true};
+    }
+    return {{IsKeyGiven(given.Key) ? TheKey(given.Key).Digits : L"FFFFFFFFFFFF"}, /*AreNumbered=*/false};
+}
+
+/// A line for each run of sectors with the same keys.
+void ShowOpenings(const std::vector<Opening>& openings, const KeyList& keys, Output& out)
+{
+    for (auto from = openings.begin(); from != openings.end();) {
+        const auto end =
+            std::find_if(from, openings.end(), [&](const Opening& other) { return other != *from; });
+        const auto first = static_cast<int>(from - openings.begin());
+        const auto last = static_cast<int>(end - openings.begin()) - 1;
+        const std::string keyA = keys.Name(from->A);
+        const std::string keyB = from->ShowsB ? "shown by the card" : keys.Name(from->B);
+        out.Print(Format("sectors %2d to %2d  key A %s, key B %s", first, last, keyA.c_str(), keyB.c_str()));
+        out.Json()["sectors"].push_back({{"first", first}, {"last", last}, {"keyA", keyA}, {"keyB", keyB}});
+        from = end;
+    }
+}
+
+/// Of a trailer, what it shows.
+bool IsRead(const DumpedBlock& block, int32_t number)
+{
+    const uint16_t shown = IsTrailer(number) ? AllButKeys : AllKnown;
+    return (block.Known & shown) == shown;
+}
+
+/// After a sector; throws OtherFailure if the card isn't the one with which the dump began.
+void RequireCard(Encoder& encoder, const std::wstring& first, int32_t sector)
+{
+    const std::wstring now = SerialNumberOf(encoder);
+    if (now != first) {
+        const std::string known = sector == 0
+                                      ? "no block is surely"
+                                      : Format("only blocks 0 to %d are surely", TrailerBlock(sector - 1));
+        throw OtherFailure{
+            Format("the dump began with card %s, and %s lies in the field now; %s of the first",
+                   ToUtf8(first).c_str(), ToUtf8(now).c_str(), known.c_str())};
+    }
+}
+
+int DumpCard(const Options& given, Context& context)
+{
+    Output& out = context.Out;
+    const std::string& name = given.File;
+    const KeyList keys = KeysOf(given);
+    const std::optional<CardSize> asked = ParseCardSize(given.Card);
+    CardSize size = asked.value_or(CardSize{"1k", LastSector1K, {}});
+    const ExistingFile existing = given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
+    RequireWritable(name, existing);
+    WriteReport report(out);
+    report.Add(MaskKeys(name), /*Look=*/{});
+    const auto encoder = OpenReader(context.Parameters);
+    const std::wstring serial = SerialNumberOf(*encoder);
+    out.Json()["card"] = ToUtf8(serial);
+    CardReading reading(*encoder, keys.Keys, out);
+    {
+        ProgressBar bar(TrailerBlock(size.LastSector) + 1);
+        for (int32_t sector = 0; sector <= size.LastSector; ++sector) {
+            reading.ReadSector(sector, bar);
+            if (sector == LastSector1K && !asked) {
+                try {
+                    size = FindCardSize(*encoder, keys.Keys);
+                } catch (const CardFailure&) {
+                    bar.Erase();
+                    out.Problem("whether the card has a sector 16 isn't known; --card 1k doesn't ask");
+                    throw;
+                }
+                bar.SetSteps(TrailerBlock(size.LastSector) + 1);
+            }
+            RequireCard(*encoder, serial, sector);
+        }
+    }
+    WriteDump(name, reading.Result(), existing);
+    report.Complete();
+    ShowOpenings(reading.Openings(), keys, out);
+    int blocks = 0;
+    int read = 0;
+    for (const DumpedBlock& block : reading.Result()) {
+        read += IsRead(block, blocks++) ? 1 : 0;
+    }
+    out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read; the file is %s",
+                     ToUtf8(serial).c_str(), size.LastSector == LastSector1K ? "1K" : "4K",
+                     size.Reason.c_str(), read, blocks, MaskKeys(name).c_str()));
+    out.Json()["size"] = size.Name;
+    out.Json()["sizeReason"] = size.Reason;
+    out.Json()["blocks"] = blocks;
+    out.Json()["blocksRead"] = read;
+    return reading.IsComplete() ? Done : Failed;
+}
+
+} // namespace
+
+void AddDump(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CommandOptions command =
+        Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --key-file keys.txt",
+                     [given](Context& context) { return DumpCard(*given, context); });
+    command.Argument("FILE", given->File,
+                     "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "
+                     "doesn't show is filled in from the one that opened the sector");
+    TakesKeys(command, given->Key);
+    command.Option("--card", "1k|4k", given->Card,
+                   "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
+    command.Flag("--force", given->MayReplace, "Replace FILE if it exists");
+}
+
+} // namespace acg::tool

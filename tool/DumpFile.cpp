@@ -1,0 +1,127 @@
+#include "tool/DumpFile.h"
+
+#include "acg/platform/AnsiText.h"
+#include "acg/platform/TextCase.h"
+#include "tool/Blocks.h"
+#include "tool/Failures.h"
+#include "tool/Text.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <system_error>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+bool IsText(const std::filesystem::path& file)
+{
+    return std::ranges::equal(file.extension().u8string(), std::wstring_view(L".txt"),
+                              [](char8_t one, wchar_t other) { return AsciiToLower(one) == other; });
+}
+
+/// A line of text: 32 digits, of which "--" stands for a byte that isn't known.
+DumpedBlock ParseLine(std::string line, const std::string& place)
+{
+    DumpedBlock block{.Known = AllKnown};
+    for (size_t at = 0; at < block.Bytes.size() && 2 * at + 1 < line.size(); ++at) {
+        if (line.compare(2 * at, 2, "--") == 0) {
+            line.replace(2 * at, 2, "00");
+            block.Known = static_cast<uint16_t>(block.Known & ~(1U << at));
+        }
+    }
+    const std::optional<Block> bytes = ParseBlock(line);
+    if (!bytes) {
+        throw UsageError{place + " isn't 32 hexadecimal digits"};
+    }
+    block.Bytes = *bytes;
+    return block;
+}
+
+std::string InWords(const std::error_code& error, const std::string& file)
+{
+    if (error == std::errc::file_exists) {
+        return file + " exists; --force replaces it";
+    }
+    return "can't write " + file + ": " +
+           (error == NotARegularFile ? "not a regular file" : ToUtf8(FromAnsi(error.message())));
+}
+
+} // namespace
+
+Dump ReadDump(const std::string& File)
+{
+    const std::filesystem::path path = ToPath(File);
+    std::ifstream file(path, std::ios::binary);
+    // More than any dump has, so that a longer file is noticed.
+    constexpr size_t Most = size_t{LastBlock + 1} * 40;
+    std::string bytes(Most, '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<size_t>(file.gcount()));
+    if (!file.is_open() || file.bad() || bytes.empty()) {
+        throw UsageError{"can't read " + File + ", or it is empty"};
+    }
+
+    Dump dump;
+    if (IsText(path)) {
+        for (size_t at = 0; at < bytes.size();) {
+            const size_t end = std::min(bytes.find('\n', at), bytes.size());
+            std::string line = bytes.substr(at, end - at);
+            at = end + 1;
+            if (line.ends_with('\r')) {
+                line.pop_back();
+            }
+            dump.push_back(
+                ParseLine(line, Format("%s, line %d,", File.c_str(), static_cast<int>(dump.size()) + 1)));
+        }
+    } else {
+        for (size_t at = 0; at + std::size(Block()) <= bytes.size(); at += std::size(Block())) {
+            DumpedBlock& block = dump.emplace_back(DumpedBlock{.Known = AllKnown});
+            std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), block.Bytes.size(),
+                        block.Bytes.begin());
+        }
+    }
+    const bool isWhole = IsText(path) || bytes.size() % std::size(Block()) == 0;
+    if (!isWhole || dump.size() > LastBlock + 1) {
+        throw UsageError{File + " isn't the dump of a card: " +
+                         (isWhole ? "it is longer than that of a 4K card" : "its last block isn't whole")};
+    }
+    return dump;
+}
+
+void RequireWritable(const std::string& File, ExistingFile Existing)
+{
+    FileReplacement attempt; // removed at once, so that nothing is left if the program is killed meanwhile
+    const std::error_code error = attempt.Create(ToPath(File).native(), Existing);
+    if (error) {
+        throw UsageError{InWords(error, File)};
+    }
+}
+
+void WriteDump(const std::string& File, const Dump& Card, ExistingFile Existing)
+{
+    const std::filesystem::path path = ToPath(File);
+    std::string contents;
+    for (const DumpedBlock& block : Card) {
+        if (IsText(path)) {
+            contents += Digits(block.Bytes, block.Known, "") + '\n';
+        } else {
+            contents.append(block.Bytes.begin(), block.Bytes.end());
+        }
+    }
+    FileReplacement replacement;
+    std::error_code error = replacement.Create(path.native(), Existing);
+    if (!error) {
+        error = replacement.Finish(contents);
+    }
+    if (error) {
+        throw OtherFailure{InWords(error, MaskKeys(File))};
+    }
+}
+
+} // namespace acg::tool

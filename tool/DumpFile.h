@@ -1,0 +1,35 @@
+// A card in a file: its raw bytes, or, in a file that ends in ".txt", 32 digits a line.
+#pragma once
+
+#include "acg/platform/FileReplacement.h"
+#include "tool/Card.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace acg::tool
+{
+
+/// In text an unknown byte is "--", in raw bytes 00, which reads as known.
+struct DumpedBlock {
+    Block Bytes = {};   ///< of those that aren't known, anything; from a file, 0
+    uint16_t Known = 0; ///< bit 0 for byte 0
+
+    bool operator==(const DumpedBlock&) const = default;
+};
+
+/// The blocks of a card, from block 0 on.
+using Dump = std::vector<DumpedBlock>;
+
+/// Throws UsageError if the file can't be read or isn't a dump.
+[[nodiscard]] Dump ReadDump(const std::string& File);
+
+/// Throws UsageError if the file can't be created or replaced, or if it exists and is to be kept. Creates
+/// nothing that stays.
+void RequireWritable(const std::string& File, ExistingFile Existing);
+
+/// Writes the file in one step. Throws OtherFailure if it can't be written; the file is then unchanged.
+void WriteDump(const std::string& File, const Dump& Card, ExistingFile Existing);
+
+} // namespace acg::tool

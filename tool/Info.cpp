@@ -1,0 +1,104 @@
+// acg info: the reader, and the card in its field.
+#include "tool/CommandLine.h"
+#include "tool/Commands.h"
+#include "tool/Failures.h"
+#include "tool/System.h"
+#include "tool/Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+/// The settings as --reader takes them.
+std::string SettingsOf(Encoder& encoder)
+{
+    std::string text = ToUtf8(encoder.Parameters());
+    text.erase(0, text.find("Device="));
+    for (size_t at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n")) {
+        text = text.substr(0, at) + ';' + text.substr(at + 2);
+    }
+    return text;
+}
+
+std::string TypeOf(Encoder& encoder)
+{
+    try {
+        return ToUtf8(encoder.ReaderType());
+    } catch (const RaisedFailure&) {
+        throw CardFailure{*encoder.LastError()};
+    }
+}
+
+const char* StateOf(Encoder& encoder)
+{
+    switch (encoder.EncoderState()) {
+    case sceClosed:
+        return "closed";
+    case sceOpened:
+        return "opened, no card in the field";
+    case sceReady:
+        return "ready";
+    default:
+        return "unknown";
+    }
+}
+
+/// The reader library that is loaded, whichever of its functions it has.
+LoadedLibrary LibraryInUse()
+{
+    for (int function = 0; function < ReaderFunctionCount; ++function) {
+        const EntryPoint entry = FindInLibrary(static_cast<ReaderFunction>(function));
+        if (entry.Address != nullptr) {
+            return LibraryOf(entry.Address);
+        }
+    }
+    return {};
+}
+
+void Show(const char* name, const char* member, const std::string& value, Output& out)
+{
+    out.Print(Format("%-12s %s", name, value.empty() ? "-" : Printable(value).c_str()));
+    out.Json()[member] = value.empty() ? JsonObject() : JsonObject(value);
+}
+
+int Info(Context& context)
+{
+    const auto encoder = MakeEncoder(context.Parameters);
+    std::string type;
+    std::string serial;
+    std::optional<CardFailure> failed;
+    try {
+        Open(*encoder);
+        type = TypeOf(*encoder);
+        std::wstring text;
+        Must(*encoder, encoder->ReadSerialNumber(text));
+        serial = ToUtf8(text);
+    } catch (const CardFailure& failure) {
+        failed = failure;
+    }
+    const LoadedLibrary library = LibraryInUse();
+    Show("Library", "libraryPath", library.Path, context.Out);
+    Show("Description", "libraryDescription", library.Description, context.Out);
+    Show("Version", "libraryVersion", library.Version, context.Out);
+    Show("Settings", "settings", MaskKeys(SettingsOf(*encoder)), context.Out);
+    Show("Reader type", "readerType", type, context.Out);
+    Show("State", "state", StateOf(*encoder), context.Out);
+    Show("Serial", "serial", serial, context.Out);
+    return failed ? throw *std::move(failed) : Done;
+}
+
+} // namespace
+
+void AddInfo(CommandLine& Commands)
+{
+    Commands.Add("info", "Shows the reader, its type and state, and the card's serial number",
+                 "acg info --reader \"Device=com3;Baud rate=19200\"", Info);
+}
+
+} // namespace acg::tool

@@ -1,0 +1,104 @@
+#include "tool/Keys.h"
+
+#include "acg/reader/HexText.h"
+#include "tool/Failures.h"
+#include "tool/System.h"
+#include "tool/Text.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+/// The bytes of a file of keys. Throws UsageError.
+std::string ReadText(const std::string& name)
+{
+    const std::filesystem::path path = ToPath(name);
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (std::filesystem::is_directory(status)) {
+        throw UsageError{name + " is a folder, not a file"};
+    }
+    if (!std::filesystem::exists(status)) {
+        throw UsageError{"there is no file " + name};
+    }
+    constexpr size_t Most = 1 << 20; // a file of the wrong kind may have no end
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes(Most, '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<size_t>(file.gcount()));
+    if (!file.is_open() || file.bad()) {
+        throw UsageError{"can't read " + name};
+    }
+    if (bytes.size() == Most) {
+        throw UsageError{name + " is too long for a file of keys"};
+    }
+    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
+        (bytes.size() > 1 && (bytes[0] == '\0') != (bytes[1] == '\0'))) {
+        throw UsageError{name + " is UTF-16; save it as UTF-8"};
+    }
+    return bytes;
+}
+
+} // namespace
+
+std::wstring ParseKey(std::string_view Text, std::string_view What)
+{
+    constexpr size_t KeyDigits = 12;
+    std::wstring digits(Text.begin(), Text.end()); // whatever isn't a digit won't pass
+    if (!IsHexString(digits, KeyDigits)) {
+        throw UsageError{std::string(What) + " isn't 12 hexadecimal digits"};
+    }
+    return digits;
+}
+
+Key TheKey(const KeyOptions& Options)
+{
+    const uint8_t type = Options.AsB ? KeyTypeB : KeyTypeA;
+    if (!Options.Text.empty()) {
+        return {ParseKey(Options.Text, "--key"), type};
+    }
+    if (!Options.File.empty()) {
+        return {ReadKeys(Options.File).front(), type};
+    }
+    if (const auto key = EnvironmentVariable("ACG_KEY")) {
+        return {ParseKey(*key, "the key in ACG_KEY"), type};
+    }
+    throw UsageError{"a key is required: --key, --key-file, or the variable ACG_KEY"};
+}
+
+bool IsKeyGiven(const KeyOptions& Options)
+{
+    return !Options.Text.empty() || !Options.File.empty() || EnvironmentVariable("ACG_KEY");
+}
+
+std::vector<std::wstring> ReadKeys(const std::string& File)
+{
+    constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
+
+    const std::string bytes = ReadText(File);
+    std::string_view text = bytes;
+    text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
+    std::vector<std::wstring> keys;
+    for (int number = 1; !text.empty(); ++number) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        std::string key(line.substr(0, line.find('#')));
+        std::ranges::replace_if(
+            key, [](char blank) { return blank == '\t' || blank == '\r'; }, ' ');
+        if (key.find_first_not_of(' ') != std::string::npos) {
+            keys.push_back(ParseKey(key, Format("%s, line %d", File.c_str(), number)));
+        }
+    }
+    if (keys.empty()) {
+        throw UsageError{File + " has no key"};
+    }
+    return keys;
+}
+
+} // namespace acg::tool

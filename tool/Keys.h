@@ -1,0 +1,33 @@
+// Where a command's keys come from. A key is never part of a message.
+#pragma once
+
+#include "tool/Card.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace acg::tool
+{
+
+/// How the user gives a key.
+struct KeyOptions {
+    std::string Text; ///< --key; empty: not given
+    std::string File; ///< --key-file
+    bool AsB = false; ///< --as-b
+};
+
+/// 12 hexadecimal digits in either case, blanks around them allowed, in upper case. Throws UsageError, whose
+/// text calls the key What.
+[[nodiscard]] std::wstring ParseKey(std::string_view Text, std::string_view What);
+
+/// From --key, else the first key of --key-file, else the variable ACG_KEY. Throws UsageError where there is
+/// none, or it isn't a key.
+[[nodiscard]] Key TheKey(const KeyOptions& Options);
+[[nodiscard]] bool IsKeyGiven(const KeyOptions& Options);
+
+/// The keys of a file, one a line, with blanks and tabs around them; "#" begins a comment. Throws UsageError
+/// where the file can't be read, isn't UTF-8, or has no key or a line that isn't one.
+[[nodiscard]] std::vector<std::wstring> ReadKeys(const std::string& File);
+
+} // namespace acg::tool

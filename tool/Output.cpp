@@ -1,0 +1,69 @@
+#include "tool/Output.h"
+
+#include "tool/System.h"
+#include "tool/Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+/// Each line with its end.
+std::string PrintableLines(std::string_view text)
+{
+    std::string lines;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find('\n', at), text.size());
+        lines += Printable(text.substr(at, end - at)) + '\n';
+        at = end + 1;
+    }
+    return lines;
+}
+
+} // namespace
+
+Output::Output() : m_json(std::make_unique<JsonObject>(JsonObject::object())) {}
+Output::~Output() = default;
+
+void Output::Print(std::string_view Text) const
+{
+    if (!m_isJson) {
+        std::fputs(PrintableLines(Text).c_str(), stdout);
+    }
+}
+
+void Output::Problem(std::string_view Text)
+{
+    PrintProblem(Text);
+    (*m_json)["problems"].push_back(Text);
+}
+
+bool Output::Finish() const
+{
+    if (m_isJson) {
+        // In ASCII, so that a terminal takes nothing in it for a command; what isn't UTF-8 is replaced.
+        std::puts(
+            m_json->dump(/*indent=*/-1, ' ', /*ensure_ascii=*/true, JsonObject::error_handler_t::replace)
+                .c_str());
+    }
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+void PrintProblem(std::string_view Text)
+{
+    std::fflush(stdout);
+    const bool isColoured = IsColourTerminal(stderr);
+    const std::string name = isColoured ? "\033[31macg:\033[0m " : "acg: ";
+    const std::string_view first = Text.substr(0, Text.find('\n'));
+    const std::string wrapped = IsTerminal(stderr) ? Wrap(first, /*Indent=*/5) : std::string(first);
+    std::fputs((name + PrintableLines(wrapped + std::string(Text.substr(first.size())))).c_str(), stderr);
+    std::fflush(stderr); // some systems buffer it
+}
+
+} // namespace acg::tool

@@ -1,0 +1,394 @@
+// acg protect: new keys and levels for a sector, with all that can't be undone said before it is done.
+#include "acg/cards/BlockAddress.h"
+#include "tool/AccessWords.h"
+#include "tool/Blocks.h"
+#include "tool/CommandLine.h"
+#include "tool/Commands.h"
+#include "tool/Failures.h"
+#include "tool/Json.h"
+#include "tool/SectorTrailer.h"
+#include "tool/System.h"
+#include "tool/Text.h"
+#include "tool/WriteReport.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string Sector;
+    KeyOptions Key;
+    LevelOptions Levels;
+    std::string ValueBlocks; ///< --value
+    std::string NewA;        ///< --new-a
+    std::string NewB;        ///< --new-b
+    std::string NewKeysFile; ///< --new-keys
+    std::string BX;          ///< --bx
+    bool IsForGood = false;  ///< --for-good
+    bool IsDryRun = false;   ///< --dry-run
+    bool IsAgreedTo = false; ///< --yes
+};
+
+struct NewKeys {
+    std::wstring A;
+    std::wstring B;
+};
+
+struct Request {
+    int32_t Sector;
+    Key Login;
+    std::optional<NewKeys> Keys; ///< none: they stay as they are
+    SectorLevels Levels;         ///< KeysToUse: KeysAsOnCard if it isn't given
+    std::optional<uint8_t> BX;
+};
+
+/// All that goes into the trailer, but for the keys. Nothing of it comes from what the class reads on
+/// writing.
+struct NewTrailer {
+    SectorLevels Levels;
+    ConditionBytes Bytes;
+    uint8_t BX;
+};
+
+/// A value block that is written again before the trailer, so that the class stores the rights of a purse.
+struct Purse {
+    int32_t Block;
+    int32_t Value;
+};
+
+std::optional<std::wstring> NewKey(const std::string& text, const char* option, const char* variable)
+{
+    if (!text.empty()) {
+        return ParseKey(text, option);
+    }
+    if (const auto key = EnvironmentVariable(variable)) {
+        return ParseKey(*key, Format("the key in %s", variable));
+    }
+    return std::nullopt;
+}
+
+std::optional<NewKeys> ParseNewKeys(const Options& given)
+{
+    if (!given.NewKeysFile.empty()) {
+        const std::vector<std::wstring> keys = ReadKeys(given.NewKeysFile);
+        if (keys.size() != 2) {
+            throw UsageError{given.NewKeysFile + " has to have two keys: A, then B"};
+        }
+        return NewKeys{keys.front(), keys.back()};
+    }
+    const auto keyA = NewKey(given.NewA, "--new-a", "ACG_NEW_A");
+    const auto keyB = NewKey(given.NewB, "--new-b", "ACG_NEW_B");
+    if (keyA.has_value() != keyB.has_value()) {
+        throw UsageError{keyA ? "there is a new key A, but no new key B: --new-b, or the variable ACG_NEW_B"
+                              : "there is a new key B, but no new key A: --new-a, or the variable ACG_NEW_A"};
+    }
+    return keyA ? std::optional(NewKeys{*keyA, *keyB}) : std::nullopt;
+}
+
+Request Parse(const Options& given, bool canAsk)
+{
+    Request asked{.Sector = ParseSector(given.Sector),
+                  .Login = TheKey(given.Key),
+                  .Keys = ParseNewKeys(given),
+                  .Levels = {.Levels = ParseLevels(given.Levels.Levels), .KeysToUse = KeysAsOnCard}};
+    if (!given.ValueBlocks.empty()) {
+        ParseValueBlocks(given.ValueBlocks, asked.Levels);
+    }
+    if (asked.Sector == 0 && asked.Levels.IsValueBlock[0]) {
+        throw UsageError{"block 0 is the manufacturer's and can't be written: --value 0 isn't for sector 0"};
+    }
+    if (!given.Levels.KeysToUse.empty()) {
+        asked.Levels.KeysToUse = ParseKeysToUse(given.Levels.KeysToUse);
+        static_cast<void>(EncodeOrRefuse(asked.Levels));
+    }
+    if (!given.BX.empty()) {
+        asked.BX =
+            static_cast<uint8_t>(ParseNumber(given.BX, 0, UINT8_MAX, "--bx is a number from 0 to 255"));
+    }
+    if (!given.IsDryRun && !given.IsAgreedTo && !canAsk) {
+        throw UsageError{"there is nobody to ask: give --yes to write, or --dry-run to look"};
+    }
+    return asked;
+}
+
+/// The class stores a purse's rights for a slot by these blocks, also in a sector of 16 blocks.
+int32_t PurseBlock(const Request& asked, unsigned slot)
+{
+    return TrailerBlock(asked.Sector) - static_cast<int32_t>(DataSlots - slot);
+}
+
+/// The slot whose access bits hold for that block.
+unsigned SlotOfPurse(const Request& asked, unsigned slot)
+{
+    const bool isLarge = TrailerBlock(asked.Sector) - TrailerBlock(asked.Sector - 1) > int32_t{SectorSlots};
+    return isLarge ? DataSlots - 1 : slot;
+}
+
+void AddParts(const Request& asked, WriteReport& report)
+{
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        if (asked.Levels.IsValueBlock[slot]) {
+            const int32_t block = PurseBlock(asked, slot);
+            report.Add(Format("block %d", block), ReadCommand(block, asked.Login));
+        }
+    }
+    const bool isAsB = asked.Login.Type == KeyTypeB;
+    const char* with = isAsB ? " --as-b" : "";
+    if (asked.Keys) {
+        with = isAsB ? ", with the new key A, or if that fails with the old key and --as-b"
+                     : ", with the new key A, or if that fails with the old key";
+    } else if (asked.Levels.KeysToUse == KeyAAlone) {
+        with = ", with key A";
+    }
+    const std::string look = Format("acg trailer %d --key KEY%s", asked.Sector, with);
+    report.Add(
+        Format(asked.Keys ? "the keys and the access bits of sector %d" : "the access bits of sector %d",
+               asked.Sector),
+        look);
+}
+
+NewTrailer MakeTrailer(const Request& asked, const Block& onCard)
+{
+    NewTrailer wanted{.Levels = asked.Levels, .BX = asked.BX.value_or(UserByteOf(onCard))};
+    if (wanted.Levels.KeysToUse == KeysAsOnCard) {
+        wanted.Levels.KeysToUse = KeysUsedBy(RightsGranted(ConditionBytesOf(onCard)).Trailer);
+    }
+    wanted.Bytes = EncodeOrRefuse(wanted.Levels);
+    return wanted;
+}
+
+/// Key B is a key once the trailer is written.
+bool IsKeyB(const NewTrailer& wanted)
+{
+    return KeysUsedBy(RightsGranted(wanted.Bytes).Trailer) == BothKeys;
+}
+
+/// The class stores the rights of a purse only for a block that it has written as a value block itself.
+void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int32_t sector, Output& out)
+{
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        if (TripleIn(before, slot) == AccessTriple::Bits110 &&
+            TripleIn(after, slot) == AccessTriple::Bits100) {
+            out.Print(Format("Taken away: a value in %s can no longer be incremented or decremented; "
+                             "--value %u keeps that.",
+                             NameOfSlot(slot, sector).c_str(), slot));
+        }
+    }
+}
+
+void ShowChange(int32_t sector, const Block& onCard, const NewTrailer& wanted, Output& out)
+{
+    const ConditionBytes before = ConditionBytesOf(onCard);
+    const std::vector<std::string> deviations = Deviations(wanted.Levels, wanted.Bytes, sector);
+    out.Json()["before"] = ToJson(ShownAccess{sector, before, UserByteOf(onCard), {}});
+    out.Json()["after"] = ToJson(ShownAccess{sector, wanted.Bytes, wanted.BX, deviations});
+    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, LevelsInWords(before).c_str(),
+                     UserByteOf(onCard), AccessTable(before, sector).c_str()));
+    out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
+                     LevelsInWords(wanted.Bytes).c_str(), wanted.BX,
+                     AccessTable(wanted.Bytes, sector).c_str()));
+    for (const std::string& line : deviations) {
+        out.Print(line);
+    }
+    WarnOfPurses(before, wanted.Bytes, sector, out);
+}
+
+/// The class sends a whole trailer, of which the card silently takes what the key may write.
+void RequireRights(const Request& asked, const TrailerRights& rights, bool changesConditions)
+{
+    const Keys key = asked.Login.Type == KeyTypeB ? Keys::B : Keys::A;
+    const bool mayWriteKeys = Has(rights.WriteKeys, key);
+    const bool mayWriteConditions = Has(rights.WriteConditions, key);
+    if (!mayWriteKeys && (asked.Keys || !mayWriteConditions)) {
+        throw OtherFailure{
+            Format("%s may not write the keys of this sector%s", NameOf(key),
+                   mayWriteConditions ? ": without new keys, the access bits alone are written" : "")};
+    }
+    if (mayWriteKeys && !asked.Keys) {
+        throw UsageError{
+            Format("%s may write the keys of this sector, so they have to be given, new or as they "
+                   "are: --new-a and --new-b, --new-keys, or the variables ACG_NEW_A and ACG_NEW_B",
+                   NameOf(key))};
+    }
+    if (changesConditions && !mayWriteConditions) {
+        throw OtherFailure{Format("%s may not write the access bits and byte 9 of this sector", NameOf(key))};
+    }
+}
+
+Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const ConditionBytes& before,
+                Output& out)
+{
+    const int32_t number = PurseBlock(asked, slot);
+    const Keys writers = RightsGranted(before).Blocks[SlotOfPurse(asked, slot)].Write;
+    if (!Has(writers, asked.Login.Type == KeyTypeB ? Keys::B : Keys::A)) {
+        throw OtherFailure{
+            Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
+    }
+    const ValueBlock block(ReadBlock(encoder, number, asked.Login));
+    if (!block.IsValid()) {
+        throw OtherFailure{
+            Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
+                   number, asked.Login.Type == KeyTypeB ? " --as-b" : "")};
+    }
+    out.Json()["values"].push_back({{"block", number}, {"value", block.Value()}});
+    const std::string others =
+        SlotOfPurse(asked, slot) != slot ? Format(", for %s,", NameOfSlot(slot, asked.Sector).c_str()) : "";
+    std::string line = Format("Block %d%s is written first, as a value block; its value stays %d", number,
+                              others.c_str(), block.Value());
+    const int address = block.Address().value_or(0); // it is a value block
+    line += address != number ? Format(", its address %d becomes %d", address, number) : "";
+    out.Print(line + ".");
+    return {number, block.Value()};
+}
+
+bool IsAgreedTo()
+{
+    std::fflush(stdout);
+    std::fputs("Write this? Type yes: ", stderr);
+    char answer[8] = {};
+    const bool isAnswered = std::fgets(answer, sizeof answer, stdin) != nullptr;
+    if (WasInterrupted()) {
+        throw Interruption{};
+    }
+    return isAnswered && std::string_view(answer) == "yes\n";
+}
+
+void Write(Encoder& encoder, const Purse& purse, const Key& key, WriteReport& report)
+{
+    report.Sent(encoder, encoder.WriteValueBloc(purse.Block, key.Digits, key.Type, purse.Value));
+    const ValueBlock block(report.ReadBack(encoder, [&] { return ReadBlock(encoder, purse.Block, key); }));
+    const bool isTaken = block.HasCopies() && block.Value() == purse.Value && block.Address() == purse.Block;
+    report.Found(isTaken);
+    report.RequireSameCard(encoder);
+    if (!isTaken) {
+        throw OtherFailure{Format("block %d reads back as something other than was written", purse.Block)};
+    }
+}
+
+void Write(Encoder& encoder, const Request& asked, const NewTrailer& wanted, WriteReport& report)
+{
+    const auto level = [&](size_t slot) {
+        return static_cast<SCBS_SecurityLevelEnum>(wanted.Levels.Levels[slot]);
+    };
+    // Without new ones the card ignores the keys, by the rights that RequireRights has seen. The key of the
+    // login would be the least harm if it took them.
+    const NewKeys keys = asked.Keys.value_or(NewKeys{asked.Login.Digits, asked.Login.Digits});
+    report.Sent(encoder,
+                encoder.WriteSectorTrailer(
+                    asked.Sector, asked.Login.Digits, asked.Login.Type, keys.A, keys.B,
+                    wanted.Levels.KeysToUse, level(0), level(1), level(2),
+                    static_cast<SCSS_SecurityLevelEnum>(wanted.Levels.Levels[TrailerSlot]), wanted.BX));
+}
+
+/// Logs in with each key that the sector then has, and compares what reads back.
+bool IsTaken(Encoder& encoder, const Request& asked, const NewTrailer& wanted)
+{
+    std::vector<Key> logins = {asked.Login};
+    if (asked.Keys) {
+        logins = {{asked.Keys->A, KeyTypeA}};
+        if (IsKeyB(wanted)) {
+            logins.push_back({asked.Keys->B, KeyTypeB});
+        }
+    }
+    return std::ranges::all_of(logins, [&](const Key& key) {
+        const Block trailer = ReadTrailer(encoder, asked.Sector, key);
+        return ConditionBytesOf(trailer) == wanted.Bytes && UserByteOf(trailer) == wanted.BX &&
+               (!asked.Keys || IsKeyB(wanted) || KeyBOf(trailer) == asked.Keys->B);
+    });
+}
+
+int Protect(const Options& given, Context& context)
+{
+    Output& out = context.Out;
+    const Request asked = Parse(given, /*canAsk=*/!out.IsJson() && IsTerminal(stdin));
+    WriteReport report(out);
+    AddParts(asked, report);
+    const auto encoder = OpenReader(context.Parameters);
+    report.BeginCard(*encoder);
+    const Block onCard = ReadTrailer(*encoder, asked.Sector, asked.Login);
+    const ConditionBytes before = ConditionBytesOf(onCard);
+    const TrailerRights rights = RightsGranted(before).Trailer;
+    const NewTrailer wanted = MakeTrailer(asked, onCard);
+    ShowChange(asked.Sector, onCard, wanted, out);
+
+    RequireRights(asked, rights, before != wanted.Bytes || UserByteOf(onCard) != wanted.BX);
+    const bool canBeReadBack = asked.Keys || IsKeyB(wanted);
+    if (!asked.Keys) {
+        out.Print(Format("The keys stay as they are, since %s may not write them.",
+                         NameOf(asked.Login.Type == KeyTypeB ? Keys::B : Keys::A)));
+    }
+    if (!canBeReadBack) {
+        out.Print("Key B opens nothing afterwards, so this can't be read back with it.");
+    }
+    std::vector<Purse> purses;
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        if (asked.Levels.IsValueBlock[slot]) {
+            purses.push_back(ReadPurse(*encoder, asked, slot, before, out));
+        }
+    }
+    if (AreConditionsFixed(RightsGranted(wanted.Bytes).Trailer) && !AreConditionsFixed(rights) &&
+        !given.IsForGood) {
+        throw UsageError{"this freezes the sector for good. Give --for-good if it is meant"};
+    }
+    if (given.IsDryRun) {
+        out.Print("Nothing was written: --dry-run.");
+        return Done;
+    }
+    if (!given.IsAgreedTo && !IsAgreedTo()) {
+        throw OtherFailure{"not agreed to"};
+    }
+    report.RequireSameCard(*encoder);
+    for (const Purse& purse : purses) {
+        Write(*encoder, purse, asked.Login, report);
+    }
+    Write(*encoder, asked, wanted, report);
+    if (!canBeReadBack) {
+        throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
+    }
+    const bool isTaken = report.ReadBack(*encoder, [&] { return IsTaken(*encoder, asked, wanted); });
+    report.Found(isTaken);
+    report.RequireSameCard(*encoder);
+    if (!isTaken) {
+        throw OtherFailure{"the card holds something other than was written"};
+    }
+    out.Print(asked.Keys ? "Written, and read back with the new keys." : "Written, and read back.");
+    return Done;
+}
+
+} // namespace
+
+void AddProtect(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CommandOptions command =
+        Commands.Add("protect", "Writes new keys and levels for a sector, and says first what that means",
+                     "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2",
+                     [given](Context& context) { return Protect(*given, context); });
+    TakesSector(command, given->Sector);
+    TakesKey(command, given->Key);
+    TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys; default: as on the card");
+    command.Option("--value", "0,1,2", given->ValueBlocks,
+                   "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
+                   "written again with its value, and "
+                   "levels 9 and 13 grant the rights of a purse");
+    command.Option(
+        "--new-a", "KEY", given->NewA,
+        "The new key A; default: the variable ACG_NEW_A. New keys are required unless the key that "
+        "logs in may not write them");
+    command.Option("--new-b", "KEY", given->NewB, "The new key B; default: the variable ACG_NEW_B");
+    command.Option("--new-keys", "FILE", given->NewKeysFile, "A file with the new key A, then the new key B",
+                   Need::Optional, {"--new-a", "--new-b"});
+    command.Option("--bx", "N", given->BX, "Byte 9 of the trailer, 0 to 255; default: as on the card");
+    command.Flag("--dry-run", given->IsDryRun, "Only show what would happen");
+    command.Flag("--yes", given->IsAgreedTo, "Don't ask");
+    command.Flag("--for-good", given->IsForGood, "Allow what can never be changed again");
+}
+
+} // namespace acg::tool

@@ -1,0 +1,65 @@
+// acg read: blocks in hexadecimal and as characters.
+#include "tool/Blocks.h"
+#include "tool/CommandLine.h"
+#include "tool/Commands.h"
+#include "tool/Failures.h"
+#include "tool/Text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string Blocks;
+    KeyOptions Key;
+};
+
+struct BlockRange {
+    int32_t First;
+    int32_t Last;
+};
+
+BlockRange ParseBlocks(const std::string& text)
+{
+    const size_t sign = text.find('-', 1);
+    const int32_t first = ParseBlockNumber(text.substr(0, sign));
+    const int32_t last = sign == std::string::npos ? first : ParseBlockNumber(text.substr(sign + 1));
+    if (last < first) {
+        throw UsageError{"BLOCK-BLOCK ends before it begins"};
+    }
+    return {first, last};
+}
+
+int Read(const Options& given, Context& context)
+{
+    const BlockRange range = ParseBlocks(given.Blocks);
+    const Key key = TheKey(given.Key);
+    JsonObject& blocks = context.Out.Json()["blocks"] = JsonObject::array();
+    const auto encoder = OpenReader(context.Parameters);
+    for (int32_t number = range.First; number <= range.Last; ++number) {
+        const Block block = ReadBlock(*encoder, number, key);
+        const uint16_t known = IsTrailer(number) ? AllButKeys : AllKnown;
+        context.Out.Print(HexDump(number, block, known));
+        blocks.push_back(
+            {{"block", number}, {"hex", Digits(block, known, "")}, {"characters", Characters(block, known)}});
+    }
+    return Done;
+}
+
+} // namespace
+
+void AddRead(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CommandOptions command = Commands.Add("read", "Shows blocks in hexadecimal and as characters",
+                                          "acg read 4-6 --key FFFFFFFFFFFF",
+                                          [given](Context& context) { return Read(*given, context); });
+    command.Argument("BLOCK", given->Blocks, "A block, or the first and the last one: BLOCK-BLOCK");
+    TakesKey(command, given->Key);
+}
+
+} // namespace acg::tool

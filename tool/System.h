@@ -1,0 +1,38 @@
+// What the program needs of the system: its arguments and variables, the terminal, and Ctrl-C. All text is
+// UTF-8.
+#pragma once
+
+#include "acg/platform/Library.h"
+
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace acg::tool
+{
+
+/// The arguments behind the program's name.
+[[nodiscard]] std::vector<std::string> Arguments(int Count, char** Values);
+
+/// An environment variable; nothing where it isn't set, or is empty.
+[[nodiscard]] std::optional<std::string> EnvironmentVariable(const char* Name);
+
+[[nodiscard]] bool IsTerminal(std::FILE* Stream);
+/// True for a terminal that understands the escape sequences of colour.
+[[nodiscard]] bool IsColourTerminal(std::FILE* Stream);
+
+struct LoadedLibrary {
+    std::string Path;        ///< full
+    std::string Description; ///< by the library itself; empty where it has none
+    std::string Version;     ///< the same
+};
+/// The library that a function is in.
+[[nodiscard]] LoadedLibrary LibraryOf(EntryPoint::Function Function);
+
+/// Prepares the terminal for UTF-8, and has the first Ctrl-C noted; a second one ends the program at once.
+void PrepareConsole();
+/// True once Ctrl-C was pressed, or the system asked the program to end.
+[[nodiscard]] bool WasInterrupted();
+
+} // namespace acg::tool

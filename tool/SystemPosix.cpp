@@ -1,0 +1,86 @@
+#include "tool/System.h"
+
+#include "acg/platform/LibraryFile.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <string_view>
+#include <unistd.h>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+volatile std::sig_atomic_t interrupted = 0;
+
+extern "C" void NoteInterrupt(int /*signal*/)
+{
+    interrupted = 1;
+}
+
+} // namespace
+
+std::vector<std::string> Arguments(int Count, char** Values)
+{
+    return Count > 0 ? std::vector<std::string>(Values + 1, Values + Count) : std::vector<std::string>();
+}
+
+std::optional<std::string> EnvironmentVariable(const char* Name)
+{
+    const char* const value = std::getenv(Name); // NOLINT(concurrency-mt-unsafe): there is one thread
+    return value != nullptr && *value != '\0' ? std::optional<std::string>(value) : std::nullopt;
+}
+
+bool IsTerminal(std::FILE* Stream)
+{
+    return isatty(fileno(Stream)) == 1;
+}
+
+bool IsColourTerminal(std::FILE* Stream)
+{
+    return IsTerminal(Stream) && !EnvironmentVariable("NO_COLOR") &&
+           EnvironmentVariable("TERM").value_or("dumb") != "dumb";
+}
+
+LoadedLibrary LibraryOf(EntryPoint::Function Function)
+{
+    Dl_info info = {};
+    if (dladdr(reinterpret_cast<void*>(Function), &info) == 0) {
+        return {};
+    }
+    LoadedLibrary library{.Path = std::filesystem::absolute(info.dli_fname)};
+    // docs/reader-library.md: the version, a blank, and the description.
+    if (const EntryPoint entry = FindInFile(info.dli_fname, "ACGReaderLibraryVersion");
+        entry.Address != nullptr) {
+        const char* const told = reinterpret_cast<const char* (*)()>(entry.Address)();
+        const std::string text = told != nullptr ? told : "";
+        library.Version = text.substr(0, text.find(' '));
+        library.Description = text.substr(std::min(library.Version.size() + 1, text.size()));
+    }
+    return library;
+}
+
+void PrepareConsole()
+{
+    struct sigaction action = {};
+    action.sa_handler = NoteInterrupt;
+    // Without SA_RESTART, so that a question on the terminal ends as well.
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        sigaction(signal, &action, nullptr);
+    }
+    action.sa_handler = SIG_IGN; // a reader that has gone is a failure of writing, which is reported
+    sigaction(SIGPIPE, &action, nullptr);
+}
+
+bool WasInterrupted()
+{
+    return interrupted != 0;
+}
+
+} // namespace acg::tool

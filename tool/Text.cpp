@@ -1,0 +1,162 @@
+#include "tool/Text.h"
+
+#include "acg/reader/HexText.h"
+#include "tool/Failures.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdarg>
+#include <cstdio>
+#include <system_error>
+#include <type_traits>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+// A path converts these from and to UTF-8 whatever the locale, which wchar_t isn't.
+using WideUnit = std::conditional_t<sizeof(wchar_t) == sizeof(char16_t), char16_t, char32_t>;
+
+bool IsUtf8(std::string_view text)
+{
+    try {
+        static_cast<void>(ToWide(text));
+        return true;
+    } catch (const UsageError&) {
+        return false;
+    }
+}
+
+bool IsHexDigit(char character)
+{
+    return HexDigit(static_cast<unsigned char>(character)).has_value();
+}
+
+bool IsOfWord(char character)
+{
+    return (character >= '0' && character <= '9') ||
+           ((character | 0x20) >= 'a' && (character | 0x20) <= 'z') ||
+           static_cast<unsigned char>(character) >= 0x80;
+}
+
+bool IsOfSpacedDigits(char character)
+{
+    return IsHexDigit(character) || character == ' ' || character == ':' || character == '-';
+}
+
+/// Masks each run of such characters that has enough digits for a key. A run doesn't begin inside a word.
+void MaskRuns(std::string& text, bool (*isOfRun)(char))
+{
+    constexpr std::ptrdiff_t LeastDigits = 10;
+    for (auto from = text.begin(); from != text.end();) {
+        from = std::find_if(from, text.end(), isOfRun);
+        if (from != text.begin() && IsOfWord(*(from - 1))) {
+            from = std::find_if_not(from, text.end(), IsOfWord);
+        }
+        const auto end = std::find_if_not(from, text.end(), isOfRun);
+        if (std::count_if(from, end, IsHexDigit) >= LeastDigits) {
+            std::replace_if(from, end, IsHexDigit, '*');
+        }
+        from = end;
+    }
+}
+
+} // namespace
+
+std::string Printable(std::string_view Text)
+{
+    const bool isUtf8 = IsUtf8(Text);
+    std::string shown;
+    for (size_t at = 0; at < Text.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(Text[at]);
+        // The control characters from U+0080 to U+009F are two bytes.
+        const auto next = static_cast<unsigned char>(at + 1 < Text.size() ? Text[at + 1] : '\0');
+        if (isUtf8 && byte == 0xC2 && next < 0xA0) {
+            shown += Format("\\x%02x", next);
+            ++at;
+        } else if (byte < 0x20 || byte == 0x7F || (!isUtf8 && byte >= 0x80)) {
+            shown += Format("\\x%02x", byte);
+        } else {
+            shown += Text[at];
+        }
+    }
+    return shown;
+}
+
+std::string MaskKeys(std::string_view Text)
+{
+    std::string masked(Text);
+    MaskRuns(masked, IsOfSpacedDigits);
+    MaskRuns(masked, IsOfWord);
+    return masked;
+}
+
+std::string Wrap(std::string_view Text, size_t Indent)
+{
+    constexpr size_t Columns = 80;
+    std::string wrapped;
+    for (std::string_view rest = Text;;) {
+        size_t end = rest.size();
+        if (Indent + end > Columns) {
+            const size_t blank = rest.rfind(' ', Columns - Indent);
+            end = blank != std::string_view::npos ? blank : std::min(rest.find(' '), end);
+        }
+        wrapped += rest.substr(0, end);
+        if (end == rest.size()) {
+            return wrapped;
+        }
+        rest.remove_prefix(end + 1);
+        wrapped += '\n' + std::string(Indent, ' ');
+    }
+}
+
+std::wstring ToWide(std::string_view Text)
+{
+    try {
+        const auto wide = ToPath(Text).string<WideUnit>();
+        return {wide.begin(), wide.end()};
+    } catch (const std::system_error&) {
+        throw UsageError{"an argument isn't UTF-8"};
+    }
+}
+
+std::string ToUtf8(std::wstring_view Text)
+{
+    const std::basic_string<WideUnit> wide(Text.begin(), Text.end());
+    const std::u8string bytes = std::filesystem::path(wide).u8string();
+    return {bytes.begin(), bytes.end()};
+}
+
+std::filesystem::path ToPath(std::string_view Text)
+{
+    return {std::u8string(Text.begin(), Text.end())};
+}
+
+std::string Format(const char* Pattern, ...)
+{
+    std::va_list arguments; // NOLINT(cppcoreguidelines-init-variables)
+    va_start(arguments, Pattern);
+    std::va_list again; // NOLINT(cppcoreguidelines-init-variables)
+    va_copy(again, arguments);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start has initialised it
+    const int length = std::vsnprintf(nullptr, 0, Pattern, arguments);
+    std::string text(static_cast<size_t>(length), '\0');
+    std::vsnprintf(text.data(), text.size() + 1, Pattern, again);
+    va_end(again);
+    va_end(arguments);
+    return text;
+}
+
+int32_t ParseNumber(std::string_view Text, int32_t Least, int32_t Most, std::string_view What)
+{
+    int32_t number = 0;
+    const auto [end, error] = std::from_chars(Text.data(), Text.data() + Text.size(), number);
+    if (error != std::errc() || end != Text.data() + Text.size() || number < Least || number > Most) {
+        throw UsageError{std::string(What)};
+    }
+    return number;
+}
+
+} // namespace acg::tool

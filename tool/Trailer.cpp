@@ -1,0 +1,49 @@
+// acg trailer: what the keys of a sector may do.
+#include "tool/AccessWords.h"
+#include "tool/CommandLine.h"
+#include "tool/Commands.h"
+#include "tool/Failures.h"
+#include "tool/Json.h"
+#include "tool/SectorTrailer.h"
+#include "tool/Text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string Sector;
+    KeyOptions Key;
+};
+
+int Trailer(const Options& given, Context& context)
+{
+    const int32_t sector = ParseSector(given.Sector);
+    const Key key = TheKey(given.Key);
+    const auto encoder = OpenReader(context.Parameters);
+    const Block trailer = ReadTrailer(*encoder, sector, key);
+    const ConditionBytes bytes = ConditionBytesOf(trailer);
+    context.Out.Json() = ToJson(ShownAccess{sector, bytes, UserByteOf(trailer), {}});
+    context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
+                             AccessBitsText(bytes).c_str(), UserByteOf(trailer), LevelsInWords(bytes).c_str(),
+                             AccessTable(bytes, sector).c_str()));
+    return Done;
+}
+
+} // namespace
+
+void AddTrailer(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CommandOptions command =
+        Commands.Add("trailer", "Shows what each key of a sector may do", "acg trailer 1 --key FFFFFFFFFFFF",
+                     [given](Context& context) { return Trailer(*given, context); });
+    TakesSector(command, given->Sector);
+    TakesKey(command, given->Key);
+}
+
+} // namespace acg::tool

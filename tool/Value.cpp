@@ -1,0 +1,88 @@
+// acg value: a value block.
+#include "tool/Blocks.h"
+#include "tool/CommandLine.h"
+#include "tool/Commands.h"
+#include "tool/Failures.h"
+#include "tool/Text.h"
+#include "tool/WriteReport.h"
+
+#include <nlohmann/json.hpp>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string Block;
+    std::string Number;
+    KeyOptions Key;
+};
+
+void Show(const ValueBlock& block, Output& out)
+{
+    const std::string copies =
+        block.HasCopies() ? "agree"
+                          : Format("disagree: inverted %d, again %d", block.Inverted(), block.Again());
+    const std::optional<uint8_t> address = block.Address();
+    out.Print(Format("Value    %d\nCopies   %s\nAddress  %s", block.Value(), copies.c_str(),
+                     address ? std::to_string(*address).c_str() : "its four bytes disagree"));
+    JsonObject& json = out.Json();
+    json["value"] = block.Value();
+    json["isValueBlock"] = block.IsValid();
+    json["address"] = address ? JsonObject(*address) : JsonObject();
+}
+
+int Value(const Options& given, Context& context)
+{
+    const int32_t number = ParseDataBlock(given.Block);
+    std::optional<int32_t> wanted;
+    if (!given.Number.empty()) {
+        wanted = ParseNumber(given.Number, INT32_MIN, INT32_MAX,
+                             "NUMBER is a whole number from -2^31 to 2^31 - 1");
+    }
+    const Key key = TheKey(given.Key);
+    WriteReport report(context.Out);
+    if (wanted) {
+        report.Add(Format("block %d", number), ReadCommand(number, key));
+    }
+    const auto encoder = OpenReader(context.Parameters);
+    if (wanted) {
+        report.BeginCard(*encoder);
+        report.Sent(*encoder, encoder->WriteValueBloc(number, key.Digits, key.Type, *wanted));
+    }
+    const auto read = [&] { return ReadBlock(*encoder, number, key); };
+    const ValueBlock block(wanted ? report.ReadBack(*encoder, read) : read());
+    const bool isAsWanted = block.IsValid() && block.Value() == wanted.value_or(block.Value());
+    if (wanted) {
+        report.Found(isAsWanted);
+        report.RequireSameCard(*encoder);
+    }
+    context.Out.Json()["block"] = number;
+    Show(block, context.Out);
+    if (wanted && !isAsWanted) {
+        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
+    }
+    if (!isAsWanted) {
+        throw OtherFailure{Format("block %d isn't a value block", number)};
+    }
+    return Done;
+}
+
+} // namespace
+
+void AddValue(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CommandOptions command = Commands.Add("value", "Checks a value block, or writes one and checks it",
+                                          "acg value 5 1000 --key FFFFFFFFFFFF",
+                                          [given](Context& context) { return Value(*given, context); });
+    command.Argument("BLOCK", given->Block,
+                     "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
+    command.Argument("NUMBER", given->Number, "The value to write, from -2147483648 to 2147483647",
+                     Need::Optional);
+    TakesKey(command, given->Key);
+}
+
+} // namespace acg::tool

@@ -1,0 +1,63 @@
+// acg write: a data block.
+#include "tool/Blocks.h"
+#include "tool/CommandLine.h"
+#include "tool/Commands.h"
+#include "tool/Failures.h"
+#include "tool/Text.h"
+#include "tool/WriteReport.h"
+
+#include <nlohmann/json.hpp>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string Block;
+    std::string Contents;
+    KeyOptions Key;
+};
+
+int Write(const Options& given, Context& context)
+{
+    const int32_t number = ParseDataBlock(given.Block);
+    const std::optional<Block> wanted = ParseBlock(given.Contents);
+    if (!wanted) {
+        throw UsageError{"HEX isn't 32 hexadecimal digits"};
+    }
+    const Key key = TheKey(given.Key);
+    WriteReport report(context.Out);
+    report.Add(Format("block %d", number), ReadCommand(number, key));
+    const auto encoder = OpenReader(context.Parameters);
+    report.BeginCard(*encoder);
+    std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
+    report.Sent(*encoder, encoder->WriteDataBloc(number, key.Digits, key.Type, contents));
+    const Block written = report.ReadBack(*encoder, [&] { return ReadBlock(*encoder, number, key); });
+    report.Found(written == *wanted);
+    report.RequireSameCard(*encoder);
+    context.Out.Print(HexDump(number, written, AllKnown));
+    context.Out.Json()["block"] = number;
+    context.Out.Json()["hex"] = Digits(written, AllKnown, "");
+    if (written != *wanted) {
+        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
+    }
+    return Done;
+}
+
+} // namespace
+
+void AddWrite(CommandLine& Commands)
+{
+    const auto given = std::make_shared<Options>();
+    CommandOptions command = Commands.Add("write", "Writes a data block, reads it back, and compares",
+                                          "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF",
+                                          [given](Context& context) { return Write(*given, context); });
+    command.Argument("BLOCK", given->Block,
+                     "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
+    command.Argument("HEX", given->Contents, "Its 16 bytes, in 32 hexadecimal digits");
+    TakesKey(command, given->Key);
+}
+
+} // namespace acg::tool

@@ -1,0 +1,138 @@
+#include "tool/WriteReport.h"
+
+#include "tool/Failures.h"
+#include "tool/System.h"
+#include "tool/Text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+/// Whether the operation with this record may have changed the card: what a reader's letter says of a write
+/// that was sent isn't known, and a call that failed as such sent nothing.
+bool MayHaveWritten(const CError& record)
+{
+    return record.Number < 0 &&
+           (record.RdrCommand.ends_with(L"write block") || record.RdrCommand.ends_with(L"write vblock"));
+}
+
+} // namespace
+
+void WriteReport::Add(std::string What, std::string Look)
+{
+    m_parts.push_back({std::move(What), std::move(Look)});
+    Tell();
+}
+
+void WriteReport::BeginCard(Encoder& Opened)
+{
+    m_first = SerialNumberOf(Opened);
+    m_out.Json()["card"] = ToUtf8(m_first);
+}
+
+void WriteReport::Sent(Encoder& Opened, sceReturnCode Result)
+{
+    if (Result != sceError || MayHaveWritten(*Opened.LastError())) {
+        m_parts.at(m_at).Now = State::Sent;
+        Tell();
+    }
+    Must(Opened, Result);
+}
+
+void WriteReport::Found(bool IsSame)
+{
+    m_parts.at(m_at++).Now = IsSame ? State::Holds : State::Differs;
+    Tell();
+}
+
+void WriteReport::RequireSameCard(Encoder& Opened)
+{
+    RequireFirst(SerialNumberOf(Opened));
+    for (Part& part : m_parts) {
+        part.Now = part.Now == State::Holds     ? State::SurelyHolds
+                   : part.Now == State::Differs ? State::SurelyDiffers
+                                                : part.Now;
+    }
+    Tell();
+}
+
+void WriteReport::Complete()
+{
+    for (Part& part : m_parts) {
+        part.Now = State::SurelyHolds;
+    }
+    Tell();
+}
+
+void WriteReport::LookForAnotherCard(Encoder& Opened)
+{
+    std::wstring now;
+    if (!WasInterrupted() && Opened.ReadSerialNumber(now) != sceError && !now.empty()) {
+        RequireFirst(now);
+    }
+}
+
+void WriteReport::RequireFirst(const std::wstring& Now)
+{
+    if (Now != m_first) {
+        m_other = Now;
+        Tell();
+        throw OtherFailure{Format("another card lies in the field: %s; the first one was %s",
+                                  ToUtf8(Now).c_str(), ToUtf8(m_first).c_str())};
+    }
+}
+
+std::string WriteReport::InWords(State Now) const
+{
+    const std::string first = ToUtf8(m_first);
+    const std::string which =
+        m_other.empty() ? "" : Format(", on card %s or on %s", first.c_str(), ToUtf8(m_other).c_str());
+    switch (Now) {
+    case State::Sent:
+    case State::Differs:
+        return "not known" + which;
+    case State::Holds:
+        return m_other.empty() ? Format("yes, but perhaps on another card than %s", first.c_str())
+                               : "yes" + which;
+    case State::SurelyHolds:
+        return "yes";
+    case State::SurelyDiffers:
+        return "not known; it reads back as something else";
+    default:
+        return "no";
+    }
+}
+
+void WriteReport::Tell()
+{
+    std::string lines;
+    JsonObject writes = JsonObject::array();
+    size_t confirmed = 0;
+    const Part* unknown = nullptr;
+    for (const Part& part : m_parts) {
+        lines += Format("\n  written   %s: %s", InWords(part.Now).c_str(), part.What.c_str());
+        const bool isKnown = part.Now == State::SurelyHolds || part.Now == State::NotWritten;
+        confirmed += part.Now == State::SurelyHolds ? 1 : 0;
+        unknown = unknown == nullptr && !isKnown ? &part : unknown;
+        writes.push_back({{"what", part.What},
+                          {"written", !isKnown                         ? "unknown"
+                                      : part.Now == State::SurelyHolds ? "yes"
+                                                                       : "no"}});
+    }
+    JsonObject& json = m_out.Json();
+    json["written"] = unknown != nullptr            ? "unknown"
+                      : confirmed == 0              ? "no"
+                      : confirmed == m_parts.size() ? "yes"
+                                                    : "partly";
+    if (m_parts.size() > 1) {
+        json["writes"] = writes;
+    }
+    json["next"] = unknown != nullptr ? JsonObject(unknown->Look) : JsonObject();
+    m_out.SetOutcome(lines + (unknown != nullptr ? "\n  next      " + unknown->Look : ""));
+}
+
+} // namespace acg::tool
