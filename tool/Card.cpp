@@ -3,7 +3,6 @@
 #include "acg/encoder/NumberReading.h"
 #include "acg/encoder/Parameters.h"
 #include "tool/Failures.h"
-#include "tool/ReplyWatch.h"
 #include "tool/System.h"
 #include "tool/Text.h"
 
@@ -61,7 +60,7 @@ std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters)
         late += std::chrono::hours(WasInterrupted() ? 1 : 0);
         return std::chrono::steady_clock::now() + late;
     };
-    auto encoder = std::make_unique<Encoder>(WatchedLibrary(), clock);
+    auto encoder = std::make_unique<Encoder>(ReaderDLL(), clock);
     const std::wstring text =
         ToWide(!Parameters.empty() ? Parameters : EnvironmentVariable("ACG_PARAMETERS").value_or(""));
     CheckParameters(text);
@@ -105,7 +104,7 @@ Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With)
 {
     std::wstring contents;
     Must(Opened, Opened.ReadDataBloc(Number, With.Digits, With.Type, contents));
-    if (!WasWholeBlock()) {
+    if (!Opened.LastReplyWasWhole()) {
         throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", Number)};
     }
     const std::optional<Block> block = ParseBlock(ToUtf8(contents));

@@ -13,12 +13,14 @@ namespace acg
 namespace
 {
 
-/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut.
-void StoreReply(std::wstring& hostText, std::string_view reply)
+/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut. True if it was
+/// neither.
+[[nodiscard]] bool StoreReply(std::wstring& hostText, std::string_view reply)
 {
     MakeRoom(hostText, BlockDigits);
     ReplaceByAnsi(hostText, reply, /*Most=*/BlockDigits);
     hostText.resize(BlockDigits, L'0');
+    return reply.substr(0, reply.find('\0')).size() == BlockDigits;
 }
 
 } // namespace
@@ -71,7 +73,7 @@ sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, std::wstring_view key, u
         return FailBelow(OperationName);
     }
     ResetLastError(OperationName);
-    StoreReply(BlocContents, reply.Bytes());
+    m_bReplyIsWhole = StoreReply(BlocContents, reply.Bytes());
     return sceSuccess;
 }
 
@@ -96,7 +98,7 @@ sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, std::wstring_view key, 
     if (EncoderCommand("write block", data, reply)) {
         return FailBelow(OperationName);
     }
-    StoreReply(BlocContents, reply.Bytes());
+    m_bReplyIsWhole = StoreReply(BlocContents, reply.Bytes());
     ResetLastError(OperationName);
     return sceSuccess;
 }
