@@ -112,52 +112,52 @@ void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, 
 
 } // namespace
 
-const char* NameOf(Keys Holders)
+const char* NameOf(Keys holders)
 {
     constexpr const char* Names[] = {"nobody", "key A", "key B", "key A or key B"};
-    return Names[static_cast<size_t>(Holders)];
+    return Names[static_cast<size_t>(holders)];
 }
 
-std::string NameOfSlot(unsigned Slot, SectorNumber Sector)
+std::string NameOfSlot(unsigned slot, SectorNumber sector)
 {
-    if (!Sector) {
-        return Format("data block %u", Slot);
+    if (!sector) {
+        return Format("data block %u", slot);
     }
-    const int32_t first = TrailerBlock(*Sector - 1) + 1;
-    const int32_t inSlot = (TrailerBlock(*Sector) - first) / static_cast<int32_t>(DataSlots);
-    const int32_t block = first + static_cast<int32_t>(Slot) * inSlot;
+    const int32_t first = TrailerBlock(*sector - 1) + 1;
+    const int32_t inSlot = (TrailerBlock(*sector) - first) / static_cast<int32_t>(DataSlots);
+    const int32_t block = first + static_cast<int32_t>(slot) * inSlot;
     return inSlot == 1 ? Format("block %d", block) : Format("blocks %d-%d", block, block + inSlot - 1);
 }
 
-std::vector<AccessRow> AccessRows(const ConditionBytes& Bytes, SectorNumber Sector)
+std::vector<AccessRow> AccessRows(const ConditionBytes& bytes, SectorNumber sector)
 {
-    return Rows(RightsIn(Bytes, Sector), Sector);
+    return Rows(RightsIn(bytes, sector), sector);
 }
 
-std::string AccessBitsText(const ConditionBytes& Bytes)
+std::string AccessBitsText(const ConditionBytes& bytes)
 {
-    return Format("%02X%02X%02X", Bytes[0], Bytes[1], Bytes[2]);
+    return Format("%02X%02X%02X", bytes[0], bytes[1], bytes[2]);
 }
 
-std::string LevelsInWords(const ConditionBytes& Bytes)
+std::string LevelsInWords(const ConditionBytes& bytes)
 {
     std::string levels;
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        levels += std::to_string(LevelOf(BlockRightsOf(TripleIn(Bytes, slot)))) + ",";
+        levels += std::to_string(LevelOf(BlockRightsOf(TripleIn(bytes, slot)))) + ",";
     }
-    const TrailerRights& trailer = TrailerRightsOf(TripleIn(Bytes, TrailerSlot));
+    const TrailerRights& trailer = TrailerRightsOf(TripleIn(bytes, TrailerSlot));
     return levels + std::to_string(LevelOf(trailer)) +
            (KeysUsedBy(trailer) == KeyAAlone ? " with key A alone" : " with both keys");
 }
 
-std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
+std::string AccessTable(const ConditionBytes& bytes, SectorNumber sector)
 {
     constexpr const char* Columns = "%-16s%-18s%s\n";
     std::string text = Format(Columns, "", "key A may", "key B may");
-    for (const AccessRow& row : AccessRows(Bytes, Sector)) {
+    for (const AccessRow& row : AccessRows(bytes, sector)) {
         text += Format(Columns, row.What.c_str(), InShort(row.KeyA).c_str(), InShort(row.KeyB).c_str());
     }
-    const SectorRights rights = RightsIn(Bytes, Sector);
+    const SectorRights rights = RightsIn(bytes, sector);
     const TrailerRights& trailer = rights.Trailer;
     if (trailer.ReadKeyB != Keys::None) {
         text += "Key B is only data here: it can be read, and opens nothing.\n";
@@ -171,7 +171,7 @@ std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
                 : Format("The keys can be changed again by %s.\n", NameOf(trailer.WriteKeys));
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         const BlockRights& block = rights.Blocks[slot];
-        const std::string name = NameOfSlot(slot, Sector);
+        const std::string name = NameOfSlot(slot, sector);
         if (block.Read == Keys::None) {
             text += Format("FOR GOOD: %s can never be read again.\n", name.c_str());
         }
@@ -183,81 +183,81 @@ std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
     return text;
 }
 
-std::vector<std::string> Deviations(const SectorLevels& Asked, const ConditionBytes& Bytes,
-                                    SectorNumber Sector)
+std::vector<std::string> Deviations(const SectorLevels& levels, const ConditionBytes& bytes,
+                                    SectorNumber sector)
 {
-    const SectorRights asked = RightsAsked(Asked);
-    const SectorRights granted = RightsIn(Bytes, Sector);
+    const SectorRights asked = RightsAsked(levels);
+    const SectorRights granted = RightsIn(bytes, sector);
     std::vector<std::string> lines;
-    AddDeviations(lines, Beyond(granted, asked), Sector, "Beyond what was asked, %s may %s: %s");
-    AddDeviations(lines, Beyond(asked, granted), Sector, "Asked for but not granted, %s may not %s: %s");
+    AddDeviations(lines, Beyond(granted, asked), sector, "Beyond what was asked, %s may %s: %s");
+    AddDeviations(lines, Beyond(asked, granted), sector, "Asked for but not granted, %s may not %s: %s");
     return lines;
 }
 
-std::string RefusalInWords(const SectorLevels& Asked)
+std::string RefusalInWords(const SectorLevels& levels)
 {
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (!BlockTriple(Asked.Levels[slot], Asked.KeysToUse, false)) {
+        if (!BlockTriple(levels.Levels[slot], levels.KeysToUse, false)) {
             return Format(
                 "level %d can't be stored for a data block with both keys: the card can't let key A "
                 "do what key B may not",
-                Asked.Levels[slot]);
+                levels.Levels[slot]);
         }
     }
     return Format("level %d can't be stored for the trailer with both keys, only 0, 4, 8 and 12: if key B is "
                   "a key, the card doesn't let key A write the trailer",
-                  Asked.Levels[TrailerSlot]);
+                  levels.Levels[TrailerSlot]);
 }
 
-ConditionBytes ConditionBytesOf(const Block& Trailer)
+ConditionBytes ConditionBytesOf(const Block& trailer)
 {
-    return {Trailer[FirstConditionByte], Trailer[FirstConditionByte + 1], Trailer[FirstConditionByte + 2]};
+    return {trailer[FirstConditionByte], trailer[FirstConditionByte + 1], trailer[FirstConditionByte + 2]};
 }
 
-uint8_t UserByteOf(const Block& Trailer)
+uint8_t UserByteOf(const Block& trailer)
 {
-    return Trailer[UserByte];
+    return trailer[UserByte];
 }
 
-std::wstring KeyBOf(const Block& Trailer)
+std::wstring KeyBOf(const Block& trailer)
 {
     std::wstring digits;
-    for (size_t at = FirstByteOfKeyB; at < Trailer.size(); ++at) {
-        digits += TwoHexDigits(Trailer[at]);
+    for (size_t at = FirstByteOfKeyB; at < trailer.size(); ++at) {
+        digits += TwoHexDigits(trailer[at]);
     }
     return digits;
 }
 
-std::vector<TrailerDifference> TrailerDifferences(const Block& First, const Block& Second, int32_t Sector)
+std::vector<TrailerDifference> TrailerDifferences(const Block& first, const Block& second, int32_t sector)
 {
     std::vector<TrailerDifference> lines;
-    if (!std::equal(First.begin(), First.begin() + FirstConditionByte, Second.begin())) {
+    if (!std::equal(first.begin(), first.begin() + FirstConditionByte, second.begin())) {
         lines.push_back({' ', "key A differs"});
     }
-    if (!std::equal(First.begin() + FirstByteOfKeyB, First.end(), Second.begin() + FirstByteOfKeyB)) {
+    if (!std::equal(first.begin() + FirstByteOfKeyB, first.end(), second.begin() + FirstByteOfKeyB)) {
         lines.push_back({' ', "key B differs"});
     }
-    const auto add = [&](const std::string& first, const std::string& second) {
-        if (first != second) {
-            lines.push_back({'<', first});
-            lines.push_back({'>', second});
+    const auto add = [&](const std::string& one, const std::string& other) {
+        if (one != other) {
+            lines.push_back({'<', one});
+            lines.push_back({'>', other});
         }
     };
-    add(Format("byte 9 is %u", First[UserByte]), Format("byte 9 is %u", Second[UserByte]));
-    const ConditionBytes bytes[] = {ConditionBytesOf(First), ConditionBytesOf(Second)};
+    add(Format("byte 9 is %u", first[UserByte]), Format("byte 9 is %u", second[UserByte]));
+    const ConditionBytes bytes[] = {ConditionBytesOf(first), ConditionBytesOf(second)};
     for (const char mark : {'<', '>'}) {
         if (!InvertedCopiesAgree(bytes[mark == '<' ? 0 : 1])) {
             lines.push_back({mark, "the access bits contradict themselves: the card would block the sector"});
         }
     }
-    const std::vector<AccessRow> before = AccessRows(bytes[0], Sector);
-    const std::vector<AccessRow> after = AccessRows(bytes[1], Sector);
+    const std::vector<AccessRow> before = AccessRows(bytes[0], sector);
+    const std::vector<AccessRow> after = AccessRows(bytes[1], sector);
     for (size_t row = 0; row < std::max(before.size(), after.size()); ++row) {
         const AccessRow none = {"key B itself", {}, {}};
-        const AccessRow& first = row < before.size() ? before[row] : none;
-        const AccessRow& second = row < after.size() ? after[row] : none;
-        add(Sentence("key A", first.KeyA, first.What), Sentence("key A", second.KeyA, second.What));
-        add(Sentence("key B", first.KeyB, first.What), Sentence("key B", second.KeyB, second.What));
+        const AccessRow& one = row < before.size() ? before[row] : none;
+        const AccessRow& other = row < after.size() ? after[row] : none;
+        add(Sentence("key A", one.KeyA, one.What), Sentence("key A", other.KeyA, other.What));
+        add(Sentence("key B", one.KeyB, one.What), Sentence("key B", other.KeyB, other.What));
     }
     return lines;
 }

@@ -53,7 +53,7 @@ int32_t HandleNumber(const std::wstring& information)
 
 } // namespace
 
-std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters)
+std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters)
 {
     // Once interrupted it is an hour later at each look, so that a wait ends.
     const auto clock = [late = std::chrono::hours(0)]() mutable {
@@ -62,61 +62,61 @@ std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters)
     };
     auto encoder = std::make_unique<Encoder>(ReaderDLL(), clock);
     const std::wstring text =
-        ToWide(!Parameters.empty() ? Parameters : EnvironmentVariable("ACG_PARAMETERS").value_or(""));
+        ToWide(!parameters.empty() ? parameters : EnvironmentVariable("ACG_PARAMETERS").value_or(""));
     CheckParameters(text);
     encoder->Parameters(text);
     return encoder;
 }
 
-void Open(Encoder& Closed)
+void Open(Encoder& encoder)
 {
-    Must(Closed, Closed.OpenEncoder(HandleNumber(Closed.GetInformation())));
+    Must(encoder, encoder.OpenEncoder(HandleNumber(encoder.GetInformation())));
 }
 
-std::unique_ptr<Encoder> OpenReader(const std::string& Parameters)
+std::unique_ptr<Encoder> OpenReader(const std::string& parameters)
 {
-    auto encoder = MakeEncoder(Parameters);
+    auto encoder = MakeEncoder(parameters);
     Open(*encoder);
     return encoder;
 }
 
-void Must(Encoder& Opened, sceReturnCode Result)
+void Must(Encoder& encoder, sceReturnCode result)
 {
     if (WasInterrupted()) {
         throw Interruption{};
     }
-    if (Result == sceError) {
-        throw CardFailure{*Opened.LastError()};
+    if (result == sceError) {
+        throw CardFailure{*encoder.LastError()};
     }
 }
 
-std::wstring SerialNumberOf(Encoder& Opened)
+std::wstring SerialNumberOf(Encoder& encoder)
 {
     std::wstring serial;
-    Must(Opened, Opened.ReadSerialNumber(serial));
+    Must(encoder, encoder.ReadSerialNumber(serial));
     if (serial.empty()) {
         throw OtherFailure{"the reader's reply to selecting the card has no serial number"};
     }
     return serial;
 }
 
-Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With)
+Block ReadBlock(Encoder& encoder, int32_t number, const Key& key)
 {
     std::wstring contents;
-    Must(Opened, Opened.ReadDataBloc(Number, With.Digits, With.Type, contents));
-    if (!Opened.LastReplyWasWhole()) {
-        throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", Number)};
+    Must(encoder, encoder.ReadDataBloc(number, key.Digits, key.Type, contents));
+    if (!encoder.LastReplyWasWhole()) {
+        throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", number)};
     }
     const std::optional<Block> block = ParseBlock(ToUtf8(contents));
     if (!block) {
-        throw OtherFailure{Format("the reader's reply to reading block %d isn't hexadecimal", Number)};
+        throw OtherFailure{Format("the reader's reply to reading block %d isn't hexadecimal", number)};
     }
     return *block;
 }
 
-std::optional<Block> ParseBlock(std::string_view Digits)
+std::optional<Block> ParseBlock(std::string_view digits)
 {
-    std::string dense(Digits);
+    std::string dense(digits);
     std::erase(dense, ' ');
     Block block = {};
     if (dense.size() != 2 * block.size()) {

@@ -26,23 +26,23 @@ using Block = std::array<uint8_t, 16>;
 
 /// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if that is empty, else with
 /// the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
-[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters);
+[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters);
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.
-void Open(Encoder& Closed);
-[[nodiscard]] std::unique_ptr<Encoder> OpenReader(const std::string& Parameters);
+void Open(Encoder& encoder);
+[[nodiscard]] std::unique_ptr<Encoder> OpenReader(const std::string& parameters);
 
 /// To be called with the result of each operation: throws CardFailure after sceError, and Interruption after
 /// Ctrl-C.
-void Must(Encoder& Opened, sceReturnCode Result);
+void Must(Encoder& encoder, sceReturnCode result);
 
 /// The serial number of the card in the field. Throws OtherFailure if the reader's reply has none.
-[[nodiscard]] std::wstring SerialNumberOf(Encoder& Opened);
+[[nodiscard]] std::wstring SerialNumberOf(Encoder& encoder);
 
 /// Throws OtherFailure if the reader's reply isn't a whole block in hexadecimal.
-[[nodiscard]] Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With);
+[[nodiscard]] Block ReadBlock(Encoder& encoder, int32_t number, const Key& key);
 
 /// The bytes of 32 hexadecimal digits, blanks anywhere allowed; nothing for any other text.
-[[nodiscard]] std::optional<Block> ParseBlock(std::string_view Digits);
+[[nodiscard]] std::optional<Block> ParseBlock(std::string_view digits);
 
 } // namespace acg::tool

@@ -94,10 +94,10 @@ int Compare(const Options& given, Context& context)
 
 } // namespace
 
-void AddCompare(CommandLine& Commands)
+void AddCompare(CommandLine& commands)
 {
     const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("compare", "Shows where two dumps differ; exit status 1 if they do",
+    CommandOptions command = commands.Add("compare", "Shows where two dumps differ; exit status 1 if they do",
                                           "acg compare before.bin after.txt",
                                           [given](Context& context) { return Compare(*given, context); });
     command.Argument("FILE1", given->First, "A dump, raw bytes or text; its lines begin with \"<\"");

@@ -44,8 +44,8 @@ struct Opening {
 class CardReading
 {
 public:
-    CardReading(Encoder& opened, std::vector<std::wstring> keys, Output& out)
-        : m_encoder(opened), m_keys(std::move(keys)), m_out(out)
+    CardReading(Encoder& encoder, std::vector<std::wstring> keys, Output& out)
+        : m_encoder(encoder), m_keys(std::move(keys)), m_out(out)
     {
     }
 
@@ -281,11 +281,11 @@ int DumpCard(const Options& given, Context& context)
 
 } // namespace
 
-void AddDump(CommandLine& Commands)
+void AddDump(CommandLine& commands)
 {
     const auto given = std::make_shared<Options>();
     CommandOptions command =
-        Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --key-file keys.txt",
+        commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --key-file keys.txt",
                      [given](Context& context) { return DumpCard(*given, context); });
     command.Argument("FILE", given->File,
                      "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "

@@ -51,12 +51,12 @@ struct Remedy {
 [[nodiscard]] std::span<const Remedy> Remedies();
 
 /// The row of a record; null where there is none.
-[[nodiscard]] const Remedy* FindRemedy(const CError& Record);
+[[nodiscard]] const Remedy* FindRemedy(const CError& record);
 
 /// The action of a remedy, and what is known of this machine beside it.
-[[nodiscard]] std::string ActionOf(const Remedy& Row);
+[[nodiscard]] std::string ActionOf(const Remedy& row);
 
 /// A record in words: several lines, the last one without its end.
-[[nodiscard]] std::string InWords(const CError& Record);
+[[nodiscard]] std::string InWords(const CError& record);
 
 } // namespace acg::tool

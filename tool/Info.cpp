@@ -95,9 +95,9 @@ int Info(Context& context)
 
 } // namespace
 
-void AddInfo(CommandLine& Commands)
+void AddInfo(CommandLine& commands)
 {
-    Commands.Add("info", "Shows the reader, its type and state, and the card's serial number",
+    commands.Add("info", "Shows the reader, its type and state, and the card's serial number",
                  "acg info --reader \"Device=com3;Baud rate=19200\"", Info);
 }
 

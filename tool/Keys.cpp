@@ -47,24 +47,24 @@ std::string ReadText(const std::string& name)
 
 } // namespace
 
-std::wstring ParseKey(std::string_view Text, std::string_view What)
+std::wstring ParseKey(std::string_view text, std::string_view what)
 {
     constexpr size_t KeyDigits = 12;
-    std::wstring digits(Text.begin(), Text.end()); // whatever isn't a digit won't pass
+    std::wstring digits(text.begin(), text.end()); // whatever isn't a digit won't pass
     if (!IsHexString(digits, KeyDigits)) {
-        throw UsageError{std::string(What) + " isn't 12 hexadecimal digits"};
+        throw UsageError{std::string(what) + " isn't 12 hexadecimal digits"};
     }
     return digits;
 }
 
-Key TheKey(const KeyOptions& Options)
+Key TheKey(const KeyOptions& options)
 {
-    const uint8_t type = Options.AsB ? KeyTypeB : KeyTypeA;
-    if (!Options.Text.empty()) {
-        return {ParseKey(Options.Text, "--key"), type};
+    const uint8_t type = options.AsB ? KeyTypeB : KeyTypeA;
+    if (!options.Text.empty()) {
+        return {ParseKey(options.Text, "--key"), type};
     }
-    if (!Options.File.empty()) {
-        return {ReadKeys(Options.File).front(), type};
+    if (!options.File.empty()) {
+        return {ReadKeys(options.File).front(), type};
     }
     if (const auto key = EnvironmentVariable("ACG_KEY")) {
         return {ParseKey(*key, "the key in ACG_KEY"), type};
@@ -72,16 +72,16 @@ Key TheKey(const KeyOptions& Options)
     throw UsageError{"a key is required: --key, --key-file, or the variable ACG_KEY"};
 }
 
-bool IsKeyGiven(const KeyOptions& Options)
+bool IsKeyGiven(const KeyOptions& options)
 {
-    return !Options.Text.empty() || !Options.File.empty() || EnvironmentVariable("ACG_KEY");
+    return !options.Text.empty() || !options.File.empty() || EnvironmentVariable("ACG_KEY");
 }
 
-std::vector<std::wstring> ReadKeys(const std::string& File)
+std::vector<std::wstring> ReadKeys(const std::string& file)
 {
     constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 
-    const std::string bytes = ReadText(File);
+    const std::string bytes = ReadText(file);
     std::string_view text = bytes;
     text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
     std::vector<std::wstring> keys;
@@ -92,11 +92,11 @@ std::vector<std::wstring> ReadKeys(const std::string& File)
         std::ranges::replace_if(
             key, [](char blank) { return blank == '\t' || blank == '\r'; }, ' ');
         if (key.find_first_not_of(' ') != std::string::npos) {
-            keys.push_back(ParseKey(key, Format("%s, line %d", File.c_str(), number)));
+            keys.push_back(ParseKey(key, Format("%s, line %d", file.c_str(), number)));
         }
     }
     if (keys.empty()) {
-        throw UsageError{File + " has no key"};
+        throw UsageError{file + " has no key"};
     }
     return keys;
 }

@@ -23,12 +23,12 @@ struct Options {
 int Preview(const Options& given, Context& context)
 {
     Output& out = context.Out;
-    SectorLevels asked{ParseLevels(given.Levels.Levels), ParseKeysToUse(given.Levels.KeysToUse)};
+    SectorLevels levels{ParseLevels(given.Levels.Levels), ParseKeysToUse(given.Levels.KeysToUse)};
     if (!given.ValueBlocks.empty()) {
-        ParseValueBlocks(given.ValueBlocks, asked);
+        ParseValueBlocks(given.ValueBlocks, levels);
     }
-    const ConditionBytes bytes = EncodeOrRefuse(asked);
-    const std::vector<std::string> deviations = Deviations(asked, bytes, /*Sector=*/{});
+    const ConditionBytes bytes = EncodeOrRefuse(levels);
+    const std::vector<std::string> deviations = Deviations(levels, bytes, /*Sector=*/{});
     out.Json() = ToJson(ShownAccess{{}, bytes, {}, deviations});
     out.Print(Format("Access bits %s\nThese levels read back as %s\n\n%s", AccessBitsText(bytes).c_str(),
                      LevelsInWords(bytes).c_str(), AccessTable(bytes, /*Sector=*/{}).c_str()));
@@ -40,10 +40,10 @@ int Preview(const Options& given, Context& context)
 
 } // namespace
 
-void AddPreview(CommandLine& Commands)
+void AddPreview(CommandLine& commands)
 {
     const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("preview", "Shows what levels let each key do, without a card",
+    CommandOptions command = commands.Add("preview", "Shows what levels let each key do, without a card",
                                           "acg preview --levels 13,13,13,12 --keys 2 --value 0",
                                           [given](Context& context) { return Preview(*given, context); });
     TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys", Need::Required);

@@ -364,11 +364,11 @@ int Protect(const Options& given, Context& context)
 
 } // namespace
 
-void AddProtect(CommandLine& Commands)
+void AddProtect(CommandLine& commands)
 {
     const auto given = std::make_shared<Options>();
     CommandOptions command =
-        Commands.Add("protect", "Writes new keys and levels for a sector, and says first what that means",
+        commands.Add("protect", "Writes new keys and levels for a sector, and says first what that means",
                      "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2",
                      [given](Context& context) { return Protect(*given, context); });
     TakesSector(command, given->Sector);

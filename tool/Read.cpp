@@ -52,10 +52,10 @@ int Read(const Options& given, Context& context)
 
 } // namespace
 
-void AddRead(CommandLine& Commands)
+void AddRead(CommandLine& commands)
 {
     const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("read", "Shows blocks in hexadecimal and as characters",
+    CommandOptions command = commands.Add("read", "Shows blocks in hexadecimal and as characters",
                                           "acg read 4-6 --key FFFFFFFFFFFF",
                                           [given](Context& context) { return Read(*given, context); });
     command.Argument("BLOCK", given->Blocks, "A block, or the first and the last one: BLOCK-BLOCK");

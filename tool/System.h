@@ -13,14 +13,14 @@ namespace acg::tool
 {
 
 /// The arguments behind the program's name.
-[[nodiscard]] std::vector<std::string> Arguments(int Count, char** Values);
+[[nodiscard]] std::vector<std::string> Arguments(int count, char** values);
 
 /// An environment variable; nothing where it isn't set, or is empty.
-[[nodiscard]] std::optional<std::string> EnvironmentVariable(const char* Name);
+[[nodiscard]] std::optional<std::string> EnvironmentVariable(const char* name);
 
-[[nodiscard]] bool IsTerminal(std::FILE* Stream);
+[[nodiscard]] bool IsTerminal(std::FILE* stream);
 /// True for a terminal that understands the escape sequences of colour.
-[[nodiscard]] bool IsColourTerminal(std::FILE* Stream);
+[[nodiscard]] bool IsColourTerminal(std::FILE* stream);
 
 struct LoadedLibrary {
     std::string Path;        ///< full
@@ -28,7 +28,7 @@ struct LoadedLibrary {
     std::string Version;     ///< the same
 };
 /// The library that a function is in.
-[[nodiscard]] LoadedLibrary LibraryOf(EntryPoint::Function Function);
+[[nodiscard]] LoadedLibrary LibraryOf(EntryPoint::Function function);
 
 /// Prepares the terminal for UTF-8, and has the first Ctrl-C noted; a second one ends the program at once.
 void PrepareConsole();

@@ -25,32 +25,32 @@ extern "C" void NoteInterrupt(int /*signal*/)
 
 } // namespace
 
-std::vector<std::string> Arguments(int Count, char** Values)
+std::vector<std::string> Arguments(int count, char** values)
 {
-    return Count > 0 ? std::vector<std::string>(Values + 1, Values + Count) : std::vector<std::string>();
+    return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
 }
 
-std::optional<std::string> EnvironmentVariable(const char* Name)
+std::optional<std::string> EnvironmentVariable(const char* name)
 {
-    const char* const value = std::getenv(Name); // NOLINT(concurrency-mt-unsafe): there is one thread
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): there is one thread
     return value != nullptr && *value != '\0' ? std::optional<std::string>(value) : std::nullopt;
 }
 
-bool IsTerminal(std::FILE* Stream)
+bool IsTerminal(std::FILE* stream)
 {
-    return isatty(fileno(Stream)) == 1;
+    return isatty(fileno(stream)) == 1;
 }
 
-bool IsColourTerminal(std::FILE* Stream)
+bool IsColourTerminal(std::FILE* stream)
 {
-    return IsTerminal(Stream) && !EnvironmentVariable("NO_COLOR") &&
+    return IsTerminal(stream) && !EnvironmentVariable("NO_COLOR") &&
            EnvironmentVariable("TERM").value_or("dumb") != "dumb";
 }
 
-LoadedLibrary LibraryOf(EntryPoint::Function Function)
+LoadedLibrary LibraryOf(EntryPoint::Function function)
 {
     Dl_info info = {};
-    if (dladdr(reinterpret_cast<void*>(Function), &info) == 0) {
+    if (dladdr(reinterpret_cast<void*>(function), &info) == 0) {
         return {};
     }
     LoadedLibrary library{.Path = std::filesystem::absolute(info.dli_fname)};

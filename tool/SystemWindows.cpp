@@ -52,7 +52,7 @@ HANDLE HandleOf(std::FILE* stream)
 
 } // namespace
 
-std::vector<std::string> Arguments(int /*Count*/, char** /*Values*/)
+std::vector<std::string> Arguments(int /*count*/, char** /*values*/)
 {
     int count = 0;
     const std::unique_ptr<wchar_t*, decltype(&LocalFree)> values(
@@ -64,32 +64,32 @@ std::vector<std::string> Arguments(int /*Count*/, char** /*Values*/)
     return arguments;
 }
 
-std::optional<std::string> EnvironmentVariable(const char* Name)
+std::optional<std::string> EnvironmentVariable(const char* name)
 {
-    const wchar_t* const value = _wgetenv(ToWide(Name).c_str());
+    const wchar_t* const value = _wgetenv(ToWide(name).c_str());
     return value != nullptr && *value != L'\0' ? std::optional(ToUtf8(value)) : std::nullopt;
 }
 
-bool IsTerminal(std::FILE* Stream)
+bool IsTerminal(std::FILE* stream)
 {
     DWORD mode = 0;
-    return GetConsoleMode(HandleOf(Stream), &mode) != FALSE;
+    return GetConsoleMode(HandleOf(stream), &mode) != FALSE;
 }
 
-bool IsColourTerminal(std::FILE* Stream)
+bool IsColourTerminal(std::FILE* stream)
 {
     constexpr DWORD escapeSequences = 0x0004; // since Windows 10
     DWORD mode = 0;
-    return GetConsoleMode(HandleOf(Stream), &mode) != FALSE && !EnvironmentVariable("NO_COLOR") &&
-           SetConsoleMode(HandleOf(Stream), mode | escapeSequences) != FALSE;
+    return GetConsoleMode(HandleOf(stream), &mode) != FALSE && !EnvironmentVariable("NO_COLOR") &&
+           SetConsoleMode(HandleOf(stream), mode | escapeSequences) != FALSE;
 }
 
-LoadedLibrary LibraryOf(EntryPoint::Function Function)
+LoadedLibrary LibraryOf(EntryPoint::Function function)
 {
     HMODULE module = nullptr;
     if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
                                GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           reinterpret_cast<LPCWSTR>(Function), &module) == FALSE) {
+                           reinterpret_cast<LPCWSTR>(function), &module) == FALSE) {
         return {};
     }
     constexpr DWORD LongestPath = 32767;

@@ -36,11 +36,11 @@ int Trailer(const Options& given, Context& context)
 
 } // namespace
 
-void AddTrailer(CommandLine& Commands)
+void AddTrailer(CommandLine& commands)
 {
     const auto given = std::make_shared<Options>();
     CommandOptions command =
-        Commands.Add("trailer", "Shows what each key of a sector may do", "acg trailer 1 --key FFFFFFFFFFFF",
+        commands.Add("trailer", "Shows what each key of a sector may do", "acg trailer 1 --key FFFFFFFFFFFF",
                      [given](Context& context) { return Trailer(*given, context); });
     TakesSector(command, given->Sector);
     TakesKey(command, given->Key);

@@ -72,10 +72,10 @@ int Value(const Options& given, Context& context)
 
 } // namespace
 
-void AddValue(CommandLine& Commands)
+void AddValue(CommandLine& commands)
 {
     const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("value", "Checks a value block, or writes one and checks it",
+    CommandOptions command = commands.Add("value", "Checks a value block, or writes one and checks it",
                                           "acg value 5 1000 --key FFFFFFFFFFFF",
                                           [given](Context& context) { return Value(*given, context); });
     command.Argument("BLOCK", given->Block,

@@ -48,10 +48,10 @@ int Write(const Options& given, Context& context)
 
 } // namespace
 
-void AddWrite(CommandLine& Commands)
+void AddWrite(CommandLine& commands)
 {
     const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("write", "Writes a data block, reads it back, and compares",
+    CommandOptions command = commands.Add("write", "Writes a data block, reads it back, and compares",
                                           "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF",
                                           [given](Context& context) { return Write(*given, context); });
     command.Argument("BLOCK", given->Block,
