@@ -1,7 +1,7 @@
 #include "tool/AccessWords.h"
 
 #include "acg/cards/BlockAddress.h"
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 #include "tool/Text.h"
 
 #include <algorithm>

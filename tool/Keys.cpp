@@ -1,6 +1,6 @@
 #include "tool/Keys.h"
 
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 #include "tool/Failures.h"
 #include "tool/System.h"
 #include "tool/Text.h"

@@ -1,6 +1,6 @@
 #include "tool/Text.h"
 
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 #include "tool/Failures.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "acg/cards/BlockText.h"
 #include "acg/encoder/Enums.h"
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 
 #include <optional>
 

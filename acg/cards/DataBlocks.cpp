@@ -4,8 +4,8 @@
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/Failures.h"
 #include "acg/platform/AnsiText.h"
+#include "acg/platform/HexText.h"
 #include "acg/reader/CommandData.h"
-#include "acg/reader/HexText.h"
 
 namespace acg
 {

@@ -7,7 +7,7 @@
 #include "acg/cards/BlockText.h"
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/Failures.h"
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 
 #include <algorithm>
 #include <utility>
