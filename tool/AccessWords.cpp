@@ -21,7 +21,7 @@ SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
 {
     SectorRights rights = RightsGranted(bytes);
     if (sector == 0) {
-        rights.Blocks[0].Write = rights.Blocks[0].Increment = rights.Blocks[0].Decrement = Keys::None;
+        rights.Blocks[0].Write = rights.Blocks[0].Increment = rights.Blocks[0].Decrement = KeySet::None;
     }
     return rights;
 }
@@ -30,10 +30,10 @@ constexpr const char* AccessBits = "access bits"; ///< a row's name
 
 struct NamedRight {
     const char* Name;
-    Keys Holders;
+    KeySet Holders;
 };
 
-std::vector<std::string> OfKey(Keys key, const std::vector<NamedRight>& rights)
+std::vector<std::string> OfKey(KeySet key, const std::vector<NamedRight>& rights)
 {
     std::vector<std::string> names;
     for (const auto& [name, holders] : rights) {
@@ -46,14 +46,14 @@ std::vector<std::string> OfKey(Keys key, const std::vector<NamedRight>& rights)
 
 AccessRow Row(std::string what, const std::vector<NamedRight>& rights)
 {
-    return {std::move(what), OfKey(Keys::A, rights), OfKey(Keys::B, rights)};
+    return {std::move(what), OfKey(KeySet::A, rights), OfKey(KeySet::B, rights)};
 }
 
 std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
 {
     std::vector<AccessRow> rows;
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        const BlockRights& block = rights.Blocks[slot];
+        const DataRights& block = rights.Blocks[slot];
         rows.push_back(Row(NameOfSlot(slot, sector), {{"read", block.Read},
                                                       {"write", block.Write},
                                                       {"increment", block.Increment},
@@ -62,7 +62,7 @@ std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
     const TrailerRights& trailer = rights.Trailer;
     rows.push_back(Row("keys A and B", {{"write", trailer.WriteKeys}}));
     rows.push_back(Row(AccessBits, {{"read", trailer.ReadConditions}, {"write", trailer.WriteConditions}}));
-    if (trailer.ReadKeyB != Keys::None) {
+    if (trailer.ReadKeyB != KeySet::None) {
         rows.push_back(Row("key B itself", {{"read", trailer.ReadKeyB}}));
     }
     return rows;
@@ -112,7 +112,7 @@ void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, 
 
 } // namespace
 
-const char* NameOf(Keys holders)
+const char* NameOf(KeySet holders)
 {
     constexpr const char* Names[] = {"nobody", "key A", "key B", "key A or key B"};
     return Names[static_cast<size_t>(holders)];
@@ -139,7 +139,7 @@ std::string AccessBitsText(const ConditionBytes& bytes)
     return Format("%02X%02X%02X", bytes[0], bytes[1], bytes[2]);
 }
 
-std::string LevelsInWords(const ConditionBytes& bytes)
+std::string FormatLevels(const ConditionBytes& bytes)
 {
     std::string levels;
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
@@ -159,7 +159,7 @@ std::string AccessTable(const ConditionBytes& bytes, SectorNumber sector)
     }
     const SectorRights rights = RightsIn(bytes, sector);
     const TrailerRights& trailer = rights.Trailer;
-    if (trailer.ReadKeyB != Keys::None) {
+    if (trailer.ReadKeyB != KeySet::None) {
         text += "Key B is only data here: it can be read, and opens nothing.\n";
     }
     if (!AreConditionsFixed(trailer)) {
@@ -170,14 +170,14 @@ std::string AccessTable(const ConditionBytes& bytes, SectorNumber sector)
                 ? "FOR GOOD: nobody can ever change the keys of this sector again.\n"
                 : Format("The keys can be changed again by %s.\n", NameOf(trailer.WriteKeys));
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        const BlockRights& block = rights.Blocks[slot];
+        const DataRights& block = rights.Blocks[slot];
         const std::string name = NameOfSlot(slot, sector);
-        if (block.Read == Keys::None) {
+        if (block.Read == KeySet::None) {
             text += Format("FOR GOOD: %s can never be read again.\n", name.c_str());
         }
-        if (block.Write == Keys::None) {
+        if (block.Write == KeySet::None) {
             text += Format("FOR GOOD: %s can never be written again%s.\n", name.c_str(),
-                           block.Decrement != Keys::None ? ", only decremented" : "");
+                           block.Decrement != KeySet::None ? ", only decremented" : "");
         }
     }
     return text;
@@ -189,8 +189,8 @@ std::vector<std::string> Deviations(const SectorLevels& levels, const ConditionB
     const SectorRights asked = RightsAsked(levels);
     const SectorRights granted = RightsIn(bytes, sector);
     std::vector<std::string> lines;
-    AddDeviations(lines, Beyond(granted, asked), sector, "Beyond what was asked, %s may %s: %s");
-    AddDeviations(lines, Beyond(asked, granted), sector, "Asked for but not granted, %s may not %s: %s");
+    AddDeviations(lines, RightsNotIn(asked, granted), sector, "Beyond what was asked, %s may %s: %s");
+    AddDeviations(lines, RightsNotIn(granted, asked), sector, "Asked for but not granted, %s may not %s: %s");
     return lines;
 }
 

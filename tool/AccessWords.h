@@ -1,8 +1,8 @@
 // A sector's access in words.
 #pragma once
 
-#include "acg/cards/SectorAccess.h"
 #include "tool/Card.h"
+#include "tool/SectorAccess.h"
 
 #include <optional>
 #include <string>
@@ -22,7 +22,7 @@ struct AccessRow {
 using SectorNumber = std::optional<int32_t>;
 
 /// "nobody", "key A", "key B" or "key A or key B".
-[[nodiscard]] const char* NameOf(Keys holders);
+[[nodiscard]] const char* NameOf(KeySet holders);
 
 [[nodiscard]] std::vector<AccessRow> AccessRows(const ConditionBytes& bytes, SectorNumber sector);
 
@@ -30,7 +30,7 @@ using SectorNumber = std::optional<int32_t>;
 [[nodiscard]] std::string AccessBitsText(const ConditionBytes& bytes);
 
 /// As --levels and --keys take it: "13,13,13,12 with both keys".
-[[nodiscard]] std::string LevelsInWords(const ConditionBytes& bytes);
+[[nodiscard]] std::string FormatLevels(const ConditionBytes& bytes);
 
 /// The table, and below it who can change what again. Each thing that can never be changed again has a line
 /// that begins with "FOR GOOD".

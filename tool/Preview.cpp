@@ -31,7 +31,7 @@ int Preview(const Options& given, Context& context)
     const std::vector<std::string> deviations = Deviations(levels, bytes, /*Sector=*/{});
     out.Json() = ToJson(ShownAccess{{}, bytes, {}, deviations});
     out.Print(Format("Access bits %s\nThese levels read back as %s\n\n%s", AccessBitsText(bytes).c_str(),
-                     LevelsInWords(bytes).c_str(), AccessTable(bytes, /*Sector=*/{}).c_str()));
+                     FormatLevels(bytes).c_str(), AccessTable(bytes, /*Sector=*/{}).c_str()));
     for (const std::string& line : deviations) {
         out.Print(line);
     }

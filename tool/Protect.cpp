@@ -189,10 +189,10 @@ void ShowChange(int32_t sector, const Block& onCard, const NewTrailer& wanted, O
     const std::vector<std::string> deviations = Deviations(wanted.Levels, wanted.Bytes, sector);
     out.Json()["before"] = ToJson(ShownAccess{sector, before, UserByteOf(onCard), {}});
     out.Json()["after"] = ToJson(ShownAccess{sector, wanted.Bytes, wanted.BX, deviations});
-    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, LevelsInWords(before).c_str(),
+    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, FormatLevels(before).c_str(),
                      UserByteOf(onCard), AccessTable(before, sector).c_str()));
     out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
-                     LevelsInWords(wanted.Bytes).c_str(), wanted.BX,
+                     FormatLevels(wanted.Bytes).c_str(), wanted.BX,
                      AccessTable(wanted.Bytes, sector).c_str()));
     for (const std::string& line : deviations) {
         out.Print(line);
@@ -203,7 +203,7 @@ void ShowChange(int32_t sector, const Block& onCard, const NewTrailer& wanted, O
 /// The class sends a whole trailer, of which the card silently takes what the key may write.
 void RequireRights(const Request& asked, const TrailerRights& rights, bool changesConditions)
 {
-    const Keys key = asked.Login.Type == KeyTypeB ? Keys::B : Keys::A;
+    const KeySet key = asked.Login.Type == KeyTypeB ? KeySet::B : KeySet::A;
     const bool mayWriteKeys = Has(rights.WriteKeys, key);
     const bool mayWriteConditions = Has(rights.WriteConditions, key);
     if (!mayWriteKeys && (asked.Keys || !mayWriteConditions)) {
@@ -226,8 +226,8 @@ Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const Con
                 Output& out)
 {
     const int32_t number = PurseBlock(asked, slot);
-    const Keys writers = RightsGranted(before).Blocks[SlotOfPurse(asked, slot)].Write;
-    if (!Has(writers, asked.Login.Type == KeyTypeB ? Keys::B : Keys::A)) {
+    const KeySet writers = RightsGranted(before).Blocks[SlotOfPurse(asked, slot)].Write;
+    if (!Has(writers, asked.Login.Type == KeyTypeB ? KeySet::B : KeySet::A)) {
         throw OtherFailure{
             Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
     }
@@ -322,7 +322,7 @@ int Protect(const Options& given, Context& context)
     const bool canBeReadBack = asked.Keys || IsKeyB(wanted);
     if (!asked.Keys) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
-                         NameOf(asked.Login.Type == KeyTypeB ? Keys::B : Keys::A)));
+                         NameOf(asked.Login.Type == KeyTypeB ? KeySet::B : KeySet::A)));
     }
     if (!canBeReadBack) {
         out.Print("Key B opens nothing afterwards, so this can't be read back with it.");

@@ -1,9 +1,9 @@
 // A sector's trailer as it is read, and the access that the command line asks for.
 #pragma once
 
-#include "acg/cards/SectorAccess.h"
 #include "tool/Card.h"
 #include "tool/CommandLine.h"
+#include "tool/SectorAccess.h"
 
 #include <array>
 #include <cstdint>

@@ -29,7 +29,7 @@ int Trailer(const Options& given, Context& context)
     const ConditionBytes bytes = ConditionBytesOf(trailer);
     context.Out.Json() = ToJson(ShownAccess{sector, bytes, UserByteOf(trailer), {}});
     context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
-                             AccessBitsText(bytes).c_str(), UserByteOf(trailer), LevelsInWords(bytes).c_str(),
+                             AccessBitsText(bytes).c_str(), UserByteOf(trailer), FormatLevels(bytes).c_str(),
                              AccessTable(bytes, sector).c_str()));
     return Done;
 }

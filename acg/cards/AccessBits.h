@@ -66,42 +66,32 @@ void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes);
 /// The triple of the slot, 0 to 3, by its plain bits. The inverted copies aren't compared.
 [[nodiscard]] AccessTriple TripleIn(const ConditionBytes& Bytes, unsigned Slot);
 
-/// False: the card has blocked the sector for good, or will once these bytes are written.
-[[nodiscard]] bool InvertedCopiesAgree(const ConditionBytes& Bytes);
-
 /// The keys that have a right, as a set.
-enum class Keys : uint8_t {
+enum class KeySet : uint8_t {
     None = 0,
     A = 1,
     B = 2,
     AOrB = A | B, ///< either of them
 };
 
-[[nodiscard]] constexpr Keys Without(Keys Set, Keys Other)
-{
-    return static_cast<Keys>(static_cast<unsigned>(Set) & ~static_cast<unsigned>(Other));
-}
-
 /// Key: one of them.
-[[nodiscard]] constexpr bool Has(Keys Set, Keys Key)
+[[nodiscard]] constexpr bool Has(KeySet Set, KeySet Key)
 {
     return (static_cast<unsigned>(Set) & static_cast<unsigned>(Key)) != 0;
 }
 
-/// What may be done with a data block. Decrement includes transfer and restore.
+/// What may be done with a data block, but for incrementing and decrementing.
 struct BlockRights {
-    Keys Read;
-    Keys Write;
-    Keys Increment;
-    Keys Decrement;
+    KeySet Read;
+    KeySet Write;
 };
 
 /// What may be done with a trailer. Key A can never be read.
 struct TrailerRights {
-    Keys WriteKeys;
-    Keys WriteConditions; ///< the access bits of all slots, and BX
-    Keys ReadConditions;
-    Keys ReadKeyB; ///< where it can be read, key B is no key and has no right to anything
+    KeySet WriteKeys;
+    KeySet WriteConditions; ///< the access bits of all slots, and BX
+    KeySet ReadConditions;
+    KeySet ReadKeyB; ///< where it can be read, key B is no key and has no right to anything
 };
 
 /// What the card grants for a triple of a data slot, were key B a key.
