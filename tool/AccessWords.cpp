@@ -1,7 +1,6 @@
 #include "tool/AccessWords.h"
 
 #include "acg/cards/BlockAddress.h"
-#include "acg/platform/HexText.h"
 #include "tool/Text.h"
 
 #include <algorithm>
@@ -11,10 +10,6 @@ namespace acg::tool
 
 namespace
 {
-
-constexpr size_t FirstConditionByte = 6;
-constexpr size_t UserByte = 9;
-constexpr size_t FirstByteOfKeyB = 10;
 
 /// The manufacturer's block can't be written, whatever the access bits say.
 SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
@@ -209,32 +204,13 @@ std::string RefusalInWords(const SectorLevels& levels)
                   levels.Levels[TrailerSlot]);
 }
 
-ConditionBytes ConditionBytesOf(const Block& trailer)
-{
-    return {trailer[FirstConditionByte], trailer[FirstConditionByte + 1], trailer[FirstConditionByte + 2]};
-}
-
-uint8_t UserByteOf(const Block& trailer)
-{
-    return trailer[UserByte];
-}
-
-std::wstring KeyBOf(const Block& trailer)
-{
-    std::wstring digits;
-    for (size_t at = FirstByteOfKeyB; at < trailer.size(); ++at) {
-        digits += TwoHexDigits(trailer[at]);
-    }
-    return digits;
-}
-
-std::vector<TrailerDifference> TrailerDifferences(const Block& first, const Block& second, int32_t sector)
+std::vector<TrailerDifference> TrailerDifferences(const Trailer& first, const Trailer& second, int32_t sector)
 {
     std::vector<TrailerDifference> lines;
-    if (!std::equal(first.begin(), first.begin() + FirstConditionByte, second.begin())) {
+    if (first.KeyA != second.KeyA) {
         lines.push_back({' ', "key A differs"});
     }
-    if (!std::equal(first.begin() + FirstByteOfKeyB, first.end(), second.begin() + FirstByteOfKeyB)) {
+    if (first.KeyB != second.KeyB) {
         lines.push_back({' ', "key B differs"});
     }
     const auto add = [&](const std::string& one, const std::string& other) {
@@ -243,8 +219,8 @@ std::vector<TrailerDifference> TrailerDifferences(const Block& first, const Bloc
             lines.push_back({'>', other});
         }
     };
-    add(Format("byte 9 is %u", first[UserByte]), Format("byte 9 is %u", second[UserByte]));
-    const ConditionBytes bytes[] = {ConditionBytesOf(first), ConditionBytesOf(second)};
+    add(Format("byte 9 is %u", first.UserByte), Format("byte 9 is %u", second.UserByte));
+    const ConditionBytes bytes[] = {first.Conditions, second.Conditions};
     for (const char mark : {'<', '>'}) {
         if (!InvertedCopiesAgree(bytes[mark == '<' ? 0 : 1])) {
             lines.push_back({mark, "the access bits contradict themselves: the card would block the sector"});

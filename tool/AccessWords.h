@@ -46,17 +46,13 @@ using SectorNumber = std::optional<int32_t>;
 /// The level that can't be stored, and why.
 [[nodiscard]] std::string RefusalInWords(const SectorLevels& levels);
 
-[[nodiscard]] ConditionBytes ConditionBytesOf(const Block& trailer);
-[[nodiscard]] uint8_t UserByteOf(const Block& trailer);
-[[nodiscard]] std::wstring KeyBOf(const Block& trailer);
-
 struct TrailerDifference {
     char Mark; ///< '<' for the first trailer, '>' for the second, ' ' for both
     std::string Text;
 };
 
 /// Where two trailers of a sector differ. No text holds a key.
-[[nodiscard]] std::vector<TrailerDifference> TrailerDifferences(const Block& first, const Block& second,
+[[nodiscard]] std::vector<TrailerDifference> TrailerDifferences(const Trailer& first, const Trailer& second,
                                                                 int32_t sector);
 
 } // namespace acg::tool

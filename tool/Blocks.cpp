@@ -67,7 +67,7 @@ int32_t ParseDataBlock(std::string_view text)
     return number;
 }
 
-Refusal TryReadBlock(Encoder& encoder, int32_t number, const Key& key, Block& contents)
+Refusal TryReadBlock(Encoder& encoder, int32_t number, const LoginKey& key, Block& contents)
 {
     try {
         contents = ReadBlock(encoder, number, key);
@@ -97,9 +97,9 @@ std::optional<uint8_t> ValueBlock::Address() const
     return isConsistent ? std::optional(m_address[0]) : std::nullopt;
 }
 
-std::string ReadCommand(int32_t number, const Key& key)
+std::string ReadCommand(int32_t number, const LoginKey& key)
 {
-    return Format("acg read %d --key KEY%s", number, key.Type == KeyTypeB ? " --as-b" : "");
+    return Format("acg read %d --key KEY%s", number, key.IsB() ? " --as-b" : "");
 }
 
 } // namespace acg::tool

@@ -19,8 +19,16 @@ namespace acg::tool
 /// One line, with the number and without its end.
 [[nodiscard]] std::string HexDump(int32_t number, const Block& bytes, uint16_t known);
 
+/// The bits of so many bytes.
+[[nodiscard]] constexpr uint16_t BitsOf(size_t first, size_t count)
+{
+    return static_cast<uint16_t>(((1U << count) - 1) << first);
+}
 inline constexpr uint16_t AllKnown = 0xFFFF;
-inline constexpr uint16_t AllButKeys = 0x03C0; ///< of a sector trailer
+// Of a sector trailer.
+inline constexpr uint16_t KeyABits = BitsOf(0, KeySize);
+inline constexpr uint16_t KeyBBits = BitsOf(KeyBAt, KeySize);
+inline constexpr uint16_t AllButKeys = AllKnown & ~(KeyABits | KeyBBits);
 
 [[nodiscard]] bool IsTrailer(int32_t number);
 
@@ -38,7 +46,7 @@ enum class Refusal {
 
 /// contents is changed only for Refusal::None. Throws like ReadBlock if the failure concerns more than this
 /// block: if the card has left, for example.
-[[nodiscard]] Refusal TryReadBlock(Encoder& encoder, int32_t number, const Key& key, Block& contents);
+[[nodiscard]] Refusal TryReadBlock(Encoder& encoder, int32_t number, const LoginKey& key, Block& contents);
 
 /// What a value block holds three times, and its address. The numbers are stored with the lowest byte first.
 class ValueBlock
@@ -62,6 +70,6 @@ private:
 };
 
 /// The command that shows a block, for a person to type. The key itself isn't shown.
-[[nodiscard]] std::string ReadCommand(int32_t number, const Key& key);
+[[nodiscard]] std::string ReadCommand(int32_t number, const LoginKey& key);
 
 } // namespace acg::tool

@@ -2,11 +2,12 @@
 
 #include "acg/encoder/NumberReading.h"
 #include "acg/encoder/Parameters.h"
+#include "acg/platform/HexText.h"
 #include "tool/Failures.h"
 #include "tool/System.h"
 #include "tool/Text.h"
 
-#include <charconv>
+#include <algorithm>
 
 namespace acg::tool
 {
@@ -52,6 +53,23 @@ int32_t HandleNumber(const std::wstring& information)
 }
 
 } // namespace
+
+Secret<wchar_t> DigitsOf(const Key& key)
+{
+    std::wstring digits;
+    digits.reserve(2 * key.size());
+    for (const uint8_t byte : key) {
+        digits += TwoHexDigits(byte);
+    }
+    return Secret<wchar_t>(std::move(digits));
+}
+
+Trailer::Trailer(const Block& block) : UserByte(block[UserByteAt])
+{
+    std::copy_n(block.begin(), KeySize, KeyA.begin());
+    std::copy_n(block.begin() + AccessBitsAt, Conditions.size(), Conditions.begin());
+    std::copy_n(block.begin() + KeyBAt, KeySize, KeyB.begin());
+}
 
 std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters)
 {
@@ -100,10 +118,10 @@ std::wstring SerialNumberOf(Encoder& encoder)
     return serial;
 }
 
-Block ReadBlock(Encoder& encoder, int32_t number, const Key& key)
+Block ReadBlock(Encoder& encoder, int32_t number, const LoginKey& key)
 {
     std::wstring contents;
-    Must(encoder, encoder.ReadDataBloc(number, key.Digits, key.Type, contents));
+    Must(encoder, encoder.ReadDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
     if (!encoder.LastReplyWasWhole()) {
         throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", number)};
     }
@@ -118,17 +136,12 @@ std::optional<Block> ParseBlock(std::string_view digits)
 {
     std::string dense(digits);
     std::erase(dense, ' ');
+    const std::optional<std::vector<uint8_t>> bytes = FromHex(dense);
     Block block = {};
-    if (dense.size() != 2 * block.size()) {
+    if (!bytes || bytes->size() != block.size()) {
         return std::nullopt;
     }
-    for (size_t at = 0; at < block.size(); ++at) {
-        const char* const pair = &dense[2 * at];
-        const auto [end, error] = std::from_chars(pair, pair + 2, block[at], 16);
-        if (end != pair + 2) {
-            return std::nullopt;
-        }
-    }
+    std::ranges::copy(*bytes, block.begin());
     return block;
 }
 

@@ -11,7 +11,7 @@ namespace acg::tool
 namespace
 {
 
-bool Opens(Encoder& encoder, int32_t sector, const std::wstring& key)
+bool Opens(Encoder& encoder, int32_t sector, const Key& key)
 {
     Block trailer;
     return TryReadBlock(encoder, TrailerBlock(sector), {key, KeyTypeA}, trailer) == Refusal::None ||
@@ -32,10 +32,10 @@ std::optional<CardSize> ParseCardSize(std::string_view text)
                         : CardSize{"4k", LastSector, "--card says so"};
 }
 
-CardSize FindCardSize(Encoder& encoder, const std::vector<std::wstring>& keys)
+CardSize FindCardSize(Encoder& encoder, const std::vector<Key>& keys)
 {
     for (int32_t sector = LastSector1K + 1; sector <= LastSector; ++sector) {
-        for (const std::wstring& key : keys) {
+        for (const Key& key : keys) {
             if (Opens(encoder, sector, key)) {
                 return {"4k", LastSector, Format("a key opens sector %d", sector)};
             }

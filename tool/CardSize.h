@@ -25,6 +25,6 @@ struct CardSize {
 
 /// A card has 4K if one of the keys opens a sector that a card of 1K lacks, and otherwise counts as one of
 /// 1K. Throws CardFailure if a reply concerns more than the sector: if the card has left, for example.
-[[nodiscard]] CardSize FindCardSize(Encoder& encoder, const std::vector<std::wstring>& keys);
+[[nodiscard]] CardSize FindCardSize(Encoder& encoder, const std::vector<Key>& keys);
 
 } // namespace acg::tool

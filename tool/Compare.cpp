@@ -27,7 +27,7 @@ struct Options {
 void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other, Output& out)
 {
     constexpr Block Factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
-    constexpr unsigned AccessBytes = 0x01C0;
+    constexpr unsigned AccessBytes = BitsOf(AccessBitsAt, std::tuple_size_v<ConditionBytes>);
     unsigned known = one.Known & other.Known;
     if ((known & AccessBytes) != AccessBytes) {
         known &= ~AccessBytes;
@@ -39,7 +39,8 @@ void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& othe
             first[at] = second[at] = Factory[at];
         }
     }
-    std::vector<TrailerDifference> differences = TrailerDifferences(first, second, SectorOf(number));
+    std::vector<TrailerDifference> differences =
+        TrailerDifferences(Trailer(first), Trailer(second), SectorOf(number));
     if (one.Known != other.Known) {
         differences.push_back({' ', "not all of it is known in both"});
     }

@@ -29,9 +29,6 @@ struct Options {
     bool MayReplace = false; ///< --force
 };
 
-constexpr uint16_t KeyABytes = 0x003F;
-constexpr uint16_t KeyBBytes = 0xFC00;
-
 /// Which key of the list opens a sector, as the index; nothing where none does.
 struct Opening {
     std::optional<size_t> A;
@@ -44,7 +41,7 @@ struct Opening {
 class CardReading
 {
 public:
-    CardReading(Encoder& encoder, std::vector<std::wstring> keys, Output& out)
+    CardReading(Encoder& encoder, std::vector<Key> keys, Output& out)
         : m_encoder(encoder), m_keys(std::move(keys)), m_out(out)
     {
     }
@@ -57,7 +54,7 @@ public:
     [[nodiscard]] bool IsComplete() const { return m_isComplete; }
 
 private:
-    Refusal Read(int32_t number, const Key& key, DumpedBlock& block);
+    Refusal Read(int32_t number, const LoginKey& key, DumpedBlock& block);
     std::optional<size_t> FindKey(int32_t trailer, uint8_t type, DumpedBlock& block);
     void ReadDataBlock(const Opening& opening, DumpedBlock& block, const ProgressBar& bar);
     void PutKey(const std::optional<size_t>& key, size_t at, uint16_t bytes, DumpedBlock& trailer);
@@ -69,14 +66,14 @@ private:
     }
 
     Encoder& m_encoder;
-    std::vector<std::wstring> m_keys;
+    std::vector<Key> m_keys;
     Output& m_out;
     Dump m_dump;
     std::vector<Opening> m_openings;
     bool m_isComplete = true;
 };
 
-Refusal CardReading::Read(int32_t number, const Key& key, DumpedBlock& block)
+Refusal CardReading::Read(int32_t number, const LoginKey& key, DumpedBlock& block)
 {
     const Refusal refusal = TryReadBlock(m_encoder, number, key, block.Bytes);
     block.Known = refusal == Refusal::None ? AllKnown : block.Known;
@@ -101,7 +98,7 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     DumpedBlock trailer;
     Opening opening;
     opening.A = FindKey(last, KeyTypeA, trailer);
-    const TrailerRights rights = RightsGranted(ConditionBytesOf(trailer.Bytes)).Trailer;
+    const TrailerRights rights = RightsGranted(Trailer(trailer.Bytes).Conditions).Trailer;
     opening.ShowsB = trailer.Known != 0 && KeysUsedBy(rights) == KeyAAlone;
     if (!opening.ShowsB) {
         DumpedBlock asB;
@@ -126,11 +123,11 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     if (isOpen && trailer.Known == 0) {
         Miss(bar, Format("block %d, the trailer of sector %d: not read", last, sector));
     }
-    PutKey(opening.A, 0, KeyABytes, trailer);
+    PutKey(opening.A, 0, KeyABits, trailer);
     if (!opening.ShowsB) {
-        PutKey(opening.B, 10, KeyBBytes, trailer);
+        PutKey(opening.B, KeyBAt, KeyBBits, trailer);
     }
-    for (const auto& [name, bytes] : {std::pair{'A', KeyABytes}, std::pair{'B', KeyBBytes}}) {
+    for (const auto& [name, bytes] : {std::pair{'A', KeyABits}, std::pair{'B', KeyBBits}}) {
         if (isOpen && (trailer.Known & bytes) == 0) {
             Miss(bar, Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
         }
@@ -163,16 +160,14 @@ void CardReading::PutKey(const std::optional<size_t>& key, size_t at, uint16_t b
 {
     trailer.Known = static_cast<uint16_t>(trailer.Known & ~bytes);
     if (key) {
-        const std::string digits = ToUtf8(m_keys[*key]) + std::string(20, '0');
-        std::copy_n(ParseBlock(digits).value_or(Block{}).begin(), 6,
-                    trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
+        std::ranges::copy(m_keys[*key], trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
         trailer.Known = static_cast<uint16_t>(trailer.Known | bytes);
     }
 }
 
 /// Where the keys come from, and what a key of that list is called.
 struct KeyList {
-    std::vector<std::wstring> Keys;
+    std::vector<Key> Keys;
     bool AreNumbered;
 
     [[nodiscard]] std::string Name(const std::optional<size_t>& key) const
@@ -189,7 +184,8 @@ KeyList KeysOf(const Options& given)
     if (!given.Key.File.empty()) {
         return {ReadKeys(given.Key.File), /*AreNumbered=*/true};
     }
-    return {{IsKeyGiven(given.Key) ? TheKey(given.Key).Digits : L"FFFFFFFFFFFF"}, /*AreNumbered=*/false};
+    return {{IsKeyGiven(given.Key) ? TheKey(given.Key).Bytes : ParseKey("FFFFFFFFFFFF", {})},
+            /*AreNumbered=*/false};
 }
 
 /// A line for each run of sectors with the same keys.

@@ -47,17 +47,24 @@ std::string ReadText(const std::string& name)
 
 } // namespace
 
-std::wstring ParseKey(std::string_view text, std::string_view what)
+Key ParseKey(std::string_view text, std::string_view what)
 {
-    constexpr size_t KeyDigits = 12;
-    std::wstring digits(text.begin(), text.end()); // whatever isn't a digit won't pass
-    if (!IsHexString(digits, KeyDigits)) {
+    Key key;
+    const size_t from = std::min(text.find_first_not_of(' '), text.size());
+    const std::string_view digits = text.substr(from, text.find_last_not_of(' ') + 1 - from);
+    bool isKey = digits.size() == 2 * key.size();
+    for (size_t at = 0; isKey && at < digits.size(); ++at) {
+        const std::optional<int> digit = HexDigit(digits[at]);
+        isKey = digit.has_value();
+        key[at / 2] = static_cast<uint8_t>(key[at / 2] << 4 | digit.value_or(0));
+    }
+    if (!isKey) {
         throw UsageError{std::string(what) + " isn't 12 hexadecimal digits"};
     }
-    return digits;
+    return key;
 }
 
-Key TheKey(const KeyOptions& options)
+LoginKey TheKey(const KeyOptions& options)
 {
     const uint8_t type = options.AsB ? KeyTypeB : KeyTypeA;
     if (!options.Text.empty()) {
@@ -77,14 +84,14 @@ bool IsKeyGiven(const KeyOptions& options)
     return !options.Text.empty() || !options.File.empty() || EnvironmentVariable("ACG_KEY");
 }
 
-std::vector<std::wstring> ReadKeys(const std::string& file)
+std::vector<Key> ReadKeys(const std::string& file)
 {
     constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 
     const std::string bytes = ReadText(file);
     std::string_view text = bytes;
     text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
-    std::vector<std::wstring> keys;
+    std::vector<Key> keys;
     for (int number = 1; !text.empty(); ++number) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));

@@ -37,13 +37,13 @@ struct Options {
 };
 
 struct NewKeys {
-    std::wstring A;
-    std::wstring B;
+    Key A;
+    Key B;
 };
 
 struct Request {
     int32_t Sector;
-    Key Login;
+    LoginKey Login;
     std::optional<NewKeys> Keys; ///< none: they stay as they are
     SectorLevels Levels;         ///< KeysToUse: KeysAsOnCard if it isn't given
     std::optional<uint8_t> BX;
@@ -63,7 +63,7 @@ struct Purse {
     int32_t Value;
 };
 
-std::optional<std::wstring> NewKey(const std::string& text, const char* option, const char* variable)
+std::optional<Key> NewKey(const std::string& text, const char* option, const char* variable)
 {
     if (!text.empty()) {
         return ParseKey(text, option);
@@ -77,7 +77,7 @@ std::optional<std::wstring> NewKey(const std::string& text, const char* option, 
 std::optional<NewKeys> ParseNewKeys(const Options& given)
 {
     if (!given.NewKeysFile.empty()) {
-        const std::vector<std::wstring> keys = ReadKeys(given.NewKeysFile);
+        const std::vector<Key> keys = ReadKeys(given.NewKeysFile);
         if (keys.size() != 2) {
             throw UsageError{given.NewKeysFile + " has to have two keys: A, then B"};
         }
@@ -139,7 +139,7 @@ void AddParts(const Request& asked, WriteReport& report)
             report.Add(Format("block %d", block), ReadCommand(block, asked.Login));
         }
     }
-    const bool isAsB = asked.Login.Type == KeyTypeB;
+    const bool isAsB = asked.Login.IsB();
     const char* with = isAsB ? " --as-b" : "";
     if (asked.Keys) {
         with = isAsB ? ", with the new key A, or if that fails with the old key and --as-b"
@@ -154,11 +154,11 @@ void AddParts(const Request& asked, WriteReport& report)
         look);
 }
 
-NewTrailer MakeTrailer(const Request& asked, const Block& onCard)
+NewTrailer MakeTrailer(const Request& asked, const Trailer& onCard)
 {
-    NewTrailer wanted{.Levels = asked.Levels, .BX = asked.BX.value_or(UserByteOf(onCard))};
+    NewTrailer wanted{.Levels = asked.Levels, .BX = asked.BX.value_or(onCard.UserByte)};
     if (wanted.Levels.KeysToUse == KeysAsOnCard) {
-        wanted.Levels.KeysToUse = KeysUsedBy(RightsGranted(ConditionBytesOf(onCard)).Trailer);
+        wanted.Levels.KeysToUse = KeysUsedBy(RightsGranted(onCard.Conditions).Trailer);
     }
     wanted.Bytes = EncodeOrRefuse(wanted.Levels);
     return wanted;
@@ -183,14 +183,14 @@ void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int
     }
 }
 
-void ShowChange(int32_t sector, const Block& onCard, const NewTrailer& wanted, Output& out)
+void ShowChange(int32_t sector, const Trailer& onCard, const NewTrailer& wanted, Output& out)
 {
-    const ConditionBytes before = ConditionBytesOf(onCard);
+    const ConditionBytes before = onCard.Conditions;
     const std::vector<std::string> deviations = Deviations(wanted.Levels, wanted.Bytes, sector);
-    out.Json()["before"] = ToJson(ShownAccess{sector, before, UserByteOf(onCard), {}});
+    out.Json()["before"] = ToJson(ShownAccess{sector, before, onCard.UserByte, {}});
     out.Json()["after"] = ToJson(ShownAccess{sector, wanted.Bytes, wanted.BX, deviations});
     out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, FormatLevels(before).c_str(),
-                     UserByteOf(onCard), AccessTable(before, sector).c_str()));
+                     onCard.UserByte, AccessTable(before, sector).c_str()));
     out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
                      FormatLevels(wanted.Bytes).c_str(), wanted.BX,
                      AccessTable(wanted.Bytes, sector).c_str()));
@@ -203,7 +203,7 @@ void ShowChange(int32_t sector, const Block& onCard, const NewTrailer& wanted, O
 /// The class sends a whole trailer, of which the card silently takes what the key may write.
 void RequireRights(const Request& asked, const TrailerRights& rights, bool changesConditions)
 {
-    const KeySet key = asked.Login.Type == KeyTypeB ? KeySet::B : KeySet::A;
+    const KeySet key = asked.Login.IsB() ? KeySet::B : KeySet::A;
     const bool mayWriteKeys = Has(rights.WriteKeys, key);
     const bool mayWriteConditions = Has(rights.WriteConditions, key);
     if (!mayWriteKeys && (asked.Keys || !mayWriteConditions)) {
@@ -227,7 +227,7 @@ Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const Con
 {
     const int32_t number = PurseBlock(asked, slot);
     const KeySet writers = RightsGranted(before).Blocks[SlotOfPurse(asked, slot)].Write;
-    if (!Has(writers, asked.Login.Type == KeyTypeB ? KeySet::B : KeySet::A)) {
+    if (!Has(writers, asked.Login.IsB() ? KeySet::B : KeySet::A)) {
         throw OtherFailure{
             Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
     }
@@ -235,7 +235,7 @@ Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const Con
     if (!block.IsValid()) {
         throw OtherFailure{
             Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
-                   number, asked.Login.Type == KeyTypeB ? " --as-b" : "")};
+                   number, asked.Login.IsB() ? " --as-b" : "")};
     }
     out.Json()["values"].push_back({{"block", number}, {"value", block.Value()}});
     const std::string others =
@@ -260,9 +260,10 @@ bool IsAgreedTo()
     return isAnswered && std::string_view(answer) == "yes\n";
 }
 
-void Write(Encoder& encoder, const Purse& purse, const Key& key, WriteReport& report)
+void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteReport& report)
 {
-    report.Sent(encoder, encoder.WriteValueBloc(purse.Block, key.Digits, key.Type, purse.Value));
+    report.Sent(encoder,
+                encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text, key.Type, purse.Value));
     const ValueBlock block(report.ReadBack(encoder, [&] { return ReadBlock(encoder, purse.Block, key); }));
     const bool isTaken = block.HasCopies() && block.Value() == purse.Value && block.Address() == purse.Block;
     report.Found(isTaken);
@@ -279,28 +280,28 @@ void Write(Encoder& encoder, const Request& asked, const NewTrailer& wanted, Wri
     };
     // Without new ones the card ignores the keys, by the rights that RequireRights has seen. The key of the
     // login would be the least harm if it took them.
-    const NewKeys keys = asked.Keys.value_or(NewKeys{asked.Login.Digits, asked.Login.Digits});
+    const NewKeys keys = asked.Keys.value_or(NewKeys{asked.Login.Bytes, asked.Login.Bytes});
     report.Sent(encoder,
                 encoder.WriteSectorTrailer(
-                    asked.Sector, asked.Login.Digits, asked.Login.Type, keys.A, keys.B,
-                    wanted.Levels.KeysToUse, level(0), level(1), level(2),
+                    asked.Sector, DigitsOf(asked.Login.Bytes).Text, asked.Login.Type, DigitsOf(keys.A).Text,
+                    DigitsOf(keys.B).Text, wanted.Levels.KeysToUse, level(0), level(1), level(2),
                     static_cast<SCSS_SecurityLevelEnum>(wanted.Levels.Levels[TrailerSlot]), wanted.BX));
 }
 
 /// Logs in with each key that the sector then has, and compares what reads back.
 bool IsTaken(Encoder& encoder, const Request& asked, const NewTrailer& wanted)
 {
-    std::vector<Key> logins = {asked.Login};
+    std::vector<LoginKey> logins = {asked.Login};
     if (asked.Keys) {
         logins = {{asked.Keys->A, KeyTypeA}};
         if (IsKeyB(wanted)) {
             logins.push_back({asked.Keys->B, KeyTypeB});
         }
     }
-    return std::ranges::all_of(logins, [&](const Key& key) {
-        const Block trailer = ReadTrailer(encoder, asked.Sector, key);
-        return ConditionBytesOf(trailer) == wanted.Bytes && UserByteOf(trailer) == wanted.BX &&
-               (!asked.Keys || IsKeyB(wanted) || KeyBOf(trailer) == asked.Keys->B);
+    return std::ranges::all_of(logins, [&](const LoginKey& key) {
+        const Trailer trailer = ReadTrailer(encoder, asked.Sector, key);
+        return trailer.Conditions == wanted.Bytes && trailer.UserByte == wanted.BX &&
+               (!asked.Keys || IsKeyB(wanted) || trailer.KeyB == asked.Keys->B);
     });
 }
 
@@ -312,17 +313,17 @@ int Protect(const Options& given, Context& context)
     AddParts(asked, report);
     const auto encoder = OpenReader(context.Parameters);
     report.BeginCard(*encoder);
-    const Block onCard = ReadTrailer(*encoder, asked.Sector, asked.Login);
-    const ConditionBytes before = ConditionBytesOf(onCard);
+    const Trailer onCard = ReadTrailer(*encoder, asked.Sector, asked.Login);
+    const ConditionBytes before = onCard.Conditions;
     const TrailerRights rights = RightsGranted(before).Trailer;
     const NewTrailer wanted = MakeTrailer(asked, onCard);
     ShowChange(asked.Sector, onCard, wanted, out);
 
-    RequireRights(asked, rights, before != wanted.Bytes || UserByteOf(onCard) != wanted.BX);
+    RequireRights(asked, rights, before != wanted.Bytes || onCard.UserByte != wanted.BX);
     const bool canBeReadBack = asked.Keys || IsKeyB(wanted);
     if (!asked.Keys) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
-                         NameOf(asked.Login.Type == KeyTypeB ? KeySet::B : KeySet::A)));
+                         NameOf(asked.Login.IsB() ? KeySet::B : KeySet::A)));
     }
     if (!canBeReadBack) {
         out.Print("Key B opens nothing afterwards, so this can't be read back with it.");

@@ -37,7 +37,7 @@ BlockRange ParseBlocks(const std::string& text)
 int Read(const Options& given, Context& context)
 {
     const BlockRange range = ParseBlocks(given.Blocks);
-    const Key key = TheKey(given.Key);
+    const LoginKey key = TheKey(given.Key);
     JsonObject& blocks = context.Out.Json()["blocks"] = JsonObject::array();
     const auto encoder = OpenReader(context.Parameters);
     for (int32_t number = range.First; number <= range.Last; ++number) {

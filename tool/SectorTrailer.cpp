@@ -68,15 +68,14 @@ ConditionBytes EncodeOrRefuse(const SectorLevels& levels)
     return *bytes;
 }
 
-Block ReadTrailer(Encoder& encoder, int32_t sector, const Key& key)
+Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key)
 {
-    const Block trailer = ReadBlock(encoder, TrailerBlock(sector), key);
-    const ConditionBytes bytes = ConditionBytesOf(trailer);
-    if (!InvertedCopiesAgree(bytes)) {
+    const Trailer trailer(ReadBlock(encoder, TrailerBlock(sector), key));
+    if (!InvertedCopiesAgree(trailer.Conditions)) {
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "
                    "copies: don't write this sector",
-                   sector, AccessBitsText(bytes).c_str())};
+                   sector, AccessBitsText(trailer.Conditions).c_str())};
     }
     return trailer;
 }

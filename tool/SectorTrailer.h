@@ -39,6 +39,6 @@ void ParseValueBlocks(std::string_view text, SectorLevels& levels);
 [[nodiscard]] ConditionBytes EncodeOrRefuse(const SectorLevels& levels);
 
 /// Throws OtherFailure where the reply isn't a whole block, or the access bits contradict themselves.
-[[nodiscard]] Block ReadTrailer(Encoder& encoder, int32_t sector, const Key& key);
+[[nodiscard]] Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key);
 
 } // namespace acg::tool

@@ -42,7 +42,7 @@ int Value(const Options& given, Context& context)
         wanted = ParseNumber(given.Number, INT32_MIN, INT32_MAX,
                              "NUMBER is a whole number from -2^31 to 2^31 - 1");
     }
-    const Key key = TheKey(given.Key);
+    const LoginKey key = TheKey(given.Key);
     WriteReport report(context.Out);
     if (wanted) {
         report.Add(Format("block %d", number), ReadCommand(number, key));
@@ -50,7 +50,7 @@ int Value(const Options& given, Context& context)
     const auto encoder = OpenReader(context.Parameters);
     if (wanted) {
         report.BeginCard(*encoder);
-        report.Sent(*encoder, encoder->WriteValueBloc(number, key.Digits, key.Type, *wanted));
+        report.Sent(*encoder, encoder->WriteValueBloc(number, DigitsOf(key.Bytes).Text, key.Type, *wanted));
     }
     const auto read = [&] { return ReadBlock(*encoder, number, key); };
     const ValueBlock block(wanted ? report.ReadBack(*encoder, read) : read());

@@ -27,13 +27,13 @@ int Write(const Options& given, Context& context)
     if (!wanted) {
         throw UsageError{"HEX isn't 32 hexadecimal digits"};
     }
-    const Key key = TheKey(given.Key);
+    const LoginKey key = TheKey(given.Key);
     WriteReport report(context.Out);
     report.Add(Format("block %d", number), ReadCommand(number, key));
     const auto encoder = OpenReader(context.Parameters);
     report.BeginCard(*encoder);
     std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
-    report.Sent(*encoder, encoder->WriteDataBloc(number, key.Digits, key.Type, contents));
+    report.Sent(*encoder, encoder->WriteDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
     const Block written = report.ReadBack(*encoder, [&] { return ReadBlock(*encoder, number, key); });
     report.Found(written == *wanted);
     report.RequireSameCard(*encoder);

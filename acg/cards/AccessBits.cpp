@@ -1,6 +1,7 @@
 #include "acg/cards/AccessBits.h"
 
 #include "acg/cards/BlockText.h"
+#include "acg/cards/TrailerLayout.h"
 #include "acg/encoder/Enums.h"
 #include "acg/platform/HexText.h"
 
@@ -161,14 +162,13 @@ void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes)
 
 ConditionBytes ConditionBytesOf(std::wstring_view Trailer)
 {
-    constexpr size_t First = 6;
-    return {ByteOf(Trailer, First), ByteOf(Trailer, First + 1), ByteOf(Trailer, First + 2)};
+    return {ByteOf(Trailer, AccessBitsAt), ByteOf(Trailer, AccessBitsAt + 1),
+            ByteOf(Trailer, AccessBitsAt + 2)};
 }
 
 uint8_t UserByteOf(std::wstring_view Trailer)
 {
-    constexpr size_t UserByte = 9;
-    return ByteOf(Trailer, UserByte);
+    return ByteOf(Trailer, UserByteAt);
 }
 
 AccessTriple TripleIn(const ConditionBytes& Bytes, unsigned Slot)

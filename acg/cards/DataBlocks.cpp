@@ -13,8 +13,8 @@ namespace acg
 namespace
 {
 
-/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut. True if it was
-/// neither.
+/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut. True if it
+/// was neither.
 [[nodiscard]] bool StoreReply(std::wstring& hostText, std::string_view reply)
 {
     MakeRoom(hostText, BlockDigits);

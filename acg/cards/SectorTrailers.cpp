@@ -1,10 +1,8 @@
 // Reading and writing a sector's trailer: its keys, and what they may do.
-//
-//     bytes  0 to 5   6 to 8        9    10 to 15
-//            key A    access bits   BX   key B
 #include "acg/cards/AccessBits.h"
 #include "acg/cards/BlockAddress.h"
 #include "acg/cards/BlockText.h"
+#include "acg/cards/TrailerLayout.h"
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/Failures.h"
 #include "acg/platform/HexText.h"
@@ -18,7 +16,7 @@ namespace acg
 namespace
 {
 
-constexpr size_t KeyDigits = 12;
+constexpr size_t KeyDigits = KeySize * DigitsOfByte;
 
 sceReturnCode Store(std::optional<AccessTriple> triple, uint8_t mask, ConditionBytes& bytes)
 {
