@@ -73,14 +73,14 @@ Trailer::Trailer(const Block& block) : UserByte(block[UserByteAt])
 
 std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters)
 {
-    // Once interrupted it is an hour later at each look, so that a wait ends.
+    // After Ctrl-C the clock advances by an hour at each look, so that a wait ends.
     const auto clock = [late = std::chrono::hours(0)]() mutable {
         late += std::chrono::hours(WasInterrupted() ? 1 : 0);
         return std::chrono::steady_clock::now() + late;
     };
     auto encoder = std::make_unique<Encoder>(ReaderDLL(), clock);
     const std::wstring text =
-        ToWide(!parameters.empty() ? parameters : EnvironmentVariable("ACG_PARAMETERS").value_or(""));
+        ToWide(!parameters.empty() ? parameters : Variable("ACG_PARAMETERS").value_or(""));
     CheckParameters(text);
     encoder->Parameters(text);
     return encoder;
@@ -88,7 +88,7 @@ std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters)
 
 void Open(Encoder& encoder)
 {
-    Must(encoder, encoder.OpenEncoder(HandleNumber(encoder.GetInformation())));
+    ThrowIfFailed(encoder, encoder.OpenEncoder(HandleNumber(encoder.GetInformation())));
 }
 
 std::unique_ptr<Encoder> OpenReader(const std::string& parameters)
@@ -98,7 +98,7 @@ std::unique_ptr<Encoder> OpenReader(const std::string& parameters)
     return encoder;
 }
 
-void Must(Encoder& encoder, sceReturnCode result)
+void ThrowIfFailed(Encoder& encoder, sceReturnCode result)
 {
     if (WasInterrupted()) {
         throw Interruption{};
@@ -111,7 +111,7 @@ void Must(Encoder& encoder, sceReturnCode result)
 std::wstring SerialNumberOf(Encoder& encoder)
 {
     std::wstring serial;
-    Must(encoder, encoder.ReadSerialNumber(serial));
+    ThrowIfFailed(encoder, encoder.ReadSerialNumber(serial));
     if (serial.empty()) {
         throw OtherFailure{"the reader's reply to selecting the card has no serial number"};
     }
@@ -121,7 +121,7 @@ std::wstring SerialNumberOf(Encoder& encoder)
 Block ReadBlock(Encoder& encoder, int32_t number, const LoginKey& key)
 {
     std::wstring contents;
-    Must(encoder, encoder.ReadDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
+    ThrowIfFailed(encoder, encoder.ReadDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
     if (!encoder.LastReplyWasWhole()) {
         throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", number)};
     }

@@ -59,7 +59,7 @@ void Open(Encoder& encoder);
 
 /// To be called with the result of each operation: throws CardFailure after sceError, and Interruption after
 /// Ctrl-C.
-void Must(Encoder& encoder, sceReturnCode result);
+void ThrowIfFailed(Encoder& encoder, sceReturnCode result);
 
 /// The serial number of the card in the field. Throws OtherFailure if the reader's reply has none.
 [[nodiscard]] std::wstring SerialNumberOf(Encoder& encoder);

@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace CLI
@@ -60,8 +61,19 @@ public:
     CommandLine(const CommandLine&) = delete;
     CommandLine& operator=(const CommandLine&) = delete;
 
-    /// Adds a command, whose options the caller adds to what is returned. example: a whole command line.
+    /// Adds a command. example: a whole command line.
     CommandOptions Add(const char* name, const char* description, const char* example, Action run);
+    /// Adds a command that is run with the values of its options; returns both, for the caller to add the
+    /// options.
+    template <class Options>
+    std::pair<CommandOptions, Options&> Add(const char* name, const char* description, const char* example,
+                                            int (*run)(const Options&, Context&))
+    {
+        const auto values = std::make_shared<Options>();
+        return {Add(name, description, example,
+                    [values, run](Context& context) { return run(*values, context); }),
+                *values};
+    }
 
     /// Runs what the arguments say. The exit status; every failure has been said.
     int Run(std::vector<std::string> arguments);

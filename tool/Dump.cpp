@@ -29,7 +29,7 @@ struct Options {
     bool MayReplace = false; ///< --force
 };
 
-/// Which key of the list opens a sector, as the index; nothing where none does.
+/// Which key of the list opens a sector, as the index; nothing if none does.
 struct Opening {
     std::optional<size_t> A;
     std::optional<size_t> B;
@@ -136,7 +136,7 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     bar.Show(static_cast<int>(m_dump.size()));
 }
 
-/// Reads the block behind those that are in the dump.
+/// Reads the block after those that are in the dump.
 void CardReading::ReadDataBlock(const Opening& opening, DumpedBlock& block, const ProgressBar& bar)
 {
     const auto number = static_cast<int32_t>(m_dump.size());
@@ -179,12 +179,12 @@ struct KeyList {
     }
 };
 
-KeyList KeysOf(const Options& given)
+KeyList KeysOf(const Options& options)
 {
-    if (!given.Key.File.empty()) {
-        return {ReadKeys(given.Key.File), /*AreNumbered=*/true};
+    if (!options.Key.File.empty()) {
+        return {ReadKeys(options.Key.File), /*AreNumbered=*/true};
     }
-    return {{IsKeyGiven(given.Key) ? TheKey(given.Key).Bytes : ParseKey("FFFFFFFFFFFF", {})},
+    return {{IsKeyGiven(options.Key) ? TheKey(options.Key).Bytes : ParseKey("FFFFFFFFFFFF", {})},
             /*AreNumbered=*/false};
 }
 
@@ -225,14 +225,14 @@ void RequireCard(Encoder& encoder, const std::wstring& first, int32_t sector)
     }
 }
 
-int DumpCard(const Options& given, Context& context)
+int DumpCard(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    const std::string& name = given.File;
-    const KeyList keys = KeysOf(given);
-    const std::optional<CardSize> asked = ParseCardSize(given.Card);
+    const std::string& name = options.File;
+    const KeyList keys = KeysOf(options);
+    const std::optional<CardSize> asked = ParseCardSize(options.Card);
     CardSize size = asked.value_or(CardSize{"1k", LastSector1K, {}});
-    const ExistingFile existing = given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
+    const ExistingFile existing = options.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
     RequireWritable(name, existing);
     WriteReport report(out);
     report.Add(MaskKeys(name), /*Look=*/{});
@@ -279,17 +279,15 @@ int DumpCard(const Options& given, Context& context)
 
 void AddDump(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command =
-        commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --key-file keys.txt",
-                     [given](Context& context) { return DumpCard(*given, context); });
-    command.Argument("FILE", given->File,
+    auto [command, options] = commands.Add("dump", "Reads the whole card into a file",
+                                           "acg dump card.txt --key-file keys.txt", DumpCard);
+    command.Argument("FILE", options.File,
                      "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "
                      "doesn't show is filled in from the one that opened the sector");
-    TakesKeys(command, given->Key);
-    command.Option("--card", "1k|4k", given->Card,
+    TakesKeys(command, options.Key);
+    command.Option("--card", "1k|4k", options.Card,
                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
-    command.Flag("--force", given->MayReplace, "Replace FILE if it exists");
+    command.Flag("--force", options.MayReplace, "Replace FILE if it exists");
 }
 
 } // namespace acg::tool

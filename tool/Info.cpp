@@ -77,7 +77,7 @@ int Info(Context& context)
         Open(*encoder);
         type = TypeOf(*encoder);
         std::wstring text;
-        Must(*encoder, encoder->ReadSerialNumber(text));
+        ThrowIfFailed(*encoder, encoder->ReadSerialNumber(text));
         serial = ToUtf8(text);
     } catch (const CardFailure& failure) {
         failed = failure;

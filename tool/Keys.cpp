@@ -73,7 +73,7 @@ LoginKey TheKey(const KeyOptions& options)
     if (!options.File.empty()) {
         return {ReadKeys(options.File).front(), type};
     }
-    if (const auto key = EnvironmentVariable("ACG_KEY")) {
+    if (const auto key = Variable("ACG_KEY")) {
         return {ParseKey(*key, "the key in ACG_KEY"), type};
     }
     throw UsageError{"a key is required: --key, --key-file, or the variable ACG_KEY"};
@@ -81,7 +81,7 @@ LoginKey TheKey(const KeyOptions& options)
 
 bool IsKeyGiven(const KeyOptions& options)
 {
-    return !options.Text.empty() || !options.File.empty() || EnvironmentVariable("ACG_KEY");
+    return !options.Text.empty() || !options.File.empty() || Variable("ACG_KEY");
 }
 
 std::vector<Key> ReadKeys(const std::string& file)

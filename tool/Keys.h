@@ -21,13 +21,13 @@ struct KeyOptions {
 /// key `what`.
 [[nodiscard]] Key ParseKey(std::string_view text, std::string_view what);
 
-/// From --key, else the first key of --key-file, else the variable ACG_KEY. Throws UsageError where there is
+/// From --key, else the first key of --key-file, else the variable ACG_KEY. Throws UsageError if there is
 /// none, or it isn't a key.
 [[nodiscard]] LoginKey TheKey(const KeyOptions& options);
 [[nodiscard]] bool IsKeyGiven(const KeyOptions& options);
 
 /// The keys of a file, one a line, with blanks and tabs around them; "#" begins a comment. Throws UsageError
-/// where the file can't be read, isn't UTF-8, or has no key or a line that isn't one.
+/// if the file can't be read, isn't UTF-8, or has no key or a line that isn't one.
 [[nodiscard]] std::vector<Key> ReadKeys(const std::string& file);
 
 } // namespace acg::tool

@@ -7,7 +7,7 @@
 namespace acg::tool
 {
 
-/// One line on standard error, where that is a terminal; else nothing is shown.
+/// One line on standard error, if that is a terminal; else nothing is shown.
 class ProgressBar
 {
 public:

@@ -38,7 +38,7 @@ void ParseValueBlocks(std::string_view text, SectorLevels& levels);
 /// The access bits; throws UsageError for levels that can't be stored.
 [[nodiscard]] ConditionBytes EncodeOrRefuse(const SectorLevels& levels);
 
-/// Throws OtherFailure where the reply isn't a whole block, or the access bits contradict themselves.
+/// Throws OtherFailure if the reply isn't a whole block, or the access bits contradict themselves.
 [[nodiscard]] Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key);
 
 } // namespace acg::tool

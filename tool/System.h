@@ -1,22 +1,18 @@
-// What the program needs of the system: its arguments and variables, the terminal, and Ctrl-C. All text is
+// What the program needs of the system: its arguments, the terminal, and Ctrl-C. All text is
 // UTF-8.
 #pragma once
 
 #include "acg/platform/Library.h"
 
 #include <cstdio>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace acg::tool
 {
 
-/// The arguments behind the program's name.
+/// The arguments after the program's name.
 [[nodiscard]] std::vector<std::string> Arguments(int count, char** values);
-
-/// An environment variable; nothing where it isn't set, or is empty.
-[[nodiscard]] std::optional<std::string> EnvironmentVariable(const char* name);
 
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
 /// True for a terminal that understands the escape sequences of colour.
@@ -24,7 +20,7 @@ namespace acg::tool
 
 struct LoadedLibrary {
     std::string Path;        ///< full
-    std::string Description; ///< by the library itself; empty where it has none
+    std::string Description; ///< by the library itself; empty if it has none
     std::string Version;     ///< the same
 };
 /// The library that a function is in.

@@ -1,6 +1,7 @@
 #include "tool/System.h"
 
 #include "acg/platform/LibraryFile.h"
+#include "tool/Text.h"
 
 #include <algorithm>
 #include <csignal>
@@ -30,12 +31,6 @@ std::vector<std::string> Arguments(int count, char** values)
     return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
 }
 
-std::optional<std::string> EnvironmentVariable(const char* name)
-{
-    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): there is one thread
-    return value != nullptr && *value != '\0' ? std::optional<std::string>(value) : std::nullopt;
-}
-
 bool IsTerminal(std::FILE* stream)
 {
     return isatty(fileno(stream)) == 1;
@@ -43,8 +38,7 @@ bool IsTerminal(std::FILE* stream)
 
 bool IsColourTerminal(std::FILE* stream)
 {
-    return IsTerminal(stream) && !EnvironmentVariable("NO_COLOR") &&
-           EnvironmentVariable("TERM").value_or("dumb") != "dumb";
+    return IsTerminal(stream) && !Variable("NO_COLOR") && Variable("TERM").value_or("dumb") != "dumb";
 }
 
 LoadedLibrary LibraryOf(EntryPoint::Function function)

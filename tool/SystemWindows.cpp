@@ -26,7 +26,7 @@ BOOL WINAPI NoteInterrupt(DWORD /*event*/)
     return interrupted.exchange(true) ? FALSE : TRUE;
 }
 
-/// A text of a file's version resource, in the first of its languages; empty where there is none.
+/// A text of a file's version resource, in the first of its languages; empty if there is none.
 std::string VersionText(const std::vector<char>& resource, const char* name)
 {
     const WORD* language = nullptr; // and the code page
@@ -64,12 +64,6 @@ std::vector<std::string> Arguments(int /*count*/, char** /*values*/)
     return arguments;
 }
 
-std::optional<std::string> EnvironmentVariable(const char* name)
-{
-    const wchar_t* const value = _wgetenv(ToWide(name).c_str());
-    return value != nullptr && *value != L'\0' ? std::optional(ToUtf8(value)) : std::nullopt;
-}
-
 bool IsTerminal(std::FILE* stream)
 {
     DWORD mode = 0;
@@ -80,7 +74,7 @@ bool IsColourTerminal(std::FILE* stream)
 {
     constexpr DWORD escapeSequences = 0x0004; // since Windows 10
     DWORD mode = 0;
-    return GetConsoleMode(HandleOf(stream), &mode) != FALSE && !EnvironmentVariable("NO_COLOR") &&
+    return GetConsoleMode(HandleOf(stream), &mode) != FALSE && !Variable("NO_COLOR") &&
            SetConsoleMode(HandleOf(stream), mode | escapeSequences) != FALSE;
 }
 

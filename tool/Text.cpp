@@ -1,6 +1,7 @@
 #include "tool/Text.h"
 
 #include "acg/platform/HexText.h"
+#include "acg/platform/Process.h"
 #include "tool/Failures.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace acg::tool
 namespace
 {
 
-// A path converts these from and to UTF-8 whatever the locale, which wchar_t isn't.
+// A path converts these from and to UTF-8 in any locale; wchar_t by the locale.
 using WideUnit = std::conditional_t<sizeof(wchar_t) == sizeof(char16_t), char16_t, char32_t>;
 
 bool IsUtf8(std::string_view text)
@@ -132,6 +133,12 @@ std::string ToUtf8(std::wstring_view text)
 std::filesystem::path ToPath(std::string_view text)
 {
     return {std::u8string(text.begin(), text.end())};
+}
+
+std::optional<std::string> Variable(const char* name)
+{
+    const SystemPath value = EnvironmentVariable(name);
+    return value.empty() ? std::nullopt : std::optional(Utf8Of(value));
 }
 
 std::string Format(const char* pattern, ...)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,9 @@ namespace acg::tool
 /// The text, broken at blanks so that no line passes column 80; lines after the first begin at column indent,
 /// as the first one is to do.
 [[nodiscard]] std::string Wrap(std::string_view text, size_t indent);
+
+/// An environment variable; nothing if it isn't set, or is empty.
+[[nodiscard]] std::optional<std::string> Variable(const char* name);
 
 /// As printf, without the conversions that Windows lacks, such as z.
 [[gnu::format(printf, 1, 2)]] [[nodiscard]] std::string Format(const char* pattern, ...);

@@ -20,10 +20,10 @@ struct Options {
     KeyOptions Key;
 };
 
-int ShowTrailer(const Options& given, Context& context)
+int ShowTrailer(const Options& options, Context& context)
 {
-    const int32_t sector = ParseSector(given.Sector);
-    const LoginKey key = TheKey(given.Key);
+    const int32_t sector = ParseSector(options.Sector);
+    const LoginKey key = TheKey(options.Key);
     const auto encoder = OpenReader(context.Parameters);
     const Trailer trailer = ReadTrailer(*encoder, sector, key);
     const ConditionBytes& bytes = trailer.Conditions;
@@ -38,12 +38,10 @@ int ShowTrailer(const Options& given, Context& context)
 
 void AddTrailer(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command =
-        commands.Add("trailer", "Shows what each key of a sector may do", "acg trailer 1 --key FFFFFFFFFFFF",
-                     [given](Context& context) { return ShowTrailer(*given, context); });
-    TakesSector(command, given->Sector);
-    TakesKey(command, given->Key);
+    auto [command, options] = commands.Add("trailer", "Shows what each key of a sector may do",
+                                           "acg trailer 1 --key FFFFFFFFFFFF", ShowTrailer);
+    TakesSector(command, options.Sector);
+    TakesKey(command, options.Key);
 }
 
 } // namespace acg::tool

@@ -20,14 +20,14 @@ struct Options {
     KeyOptions Key;
 };
 
-int Write(const Options& given, Context& context)
+int Write(const Options& options, Context& context)
 {
-    const int32_t number = ParseDataBlock(given.Block);
-    const std::optional<Block> wanted = ParseBlock(given.Contents);
+    const int32_t number = ParseDataBlock(options.Block);
+    const std::optional<Block> wanted = ParseBlock(options.Contents);
     if (!wanted) {
         throw UsageError{"HEX isn't 32 hexadecimal digits"};
     }
-    const LoginKey key = TheKey(given.Key);
+    const LoginKey key = TheKey(options.Key);
     WriteReport report(context.Out);
     report.Add(Format("block %d", number), ReadCommand(number, key));
     const auto encoder = OpenReader(context.Parameters);
@@ -50,14 +50,13 @@ int Write(const Options& given, Context& context)
 
 void AddWrite(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command = commands.Add("write", "Writes a data block, reads it back, and compares",
-                                          "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF",
-                                          [given](Context& context) { return Write(*given, context); });
-    command.Argument("BLOCK", given->Block,
+    auto [command, options] =
+        commands.Add("write", "Writes a data block, reads it back, and compares",
+                     "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF", Write);
+    command.Argument("BLOCK", options.Block,
                      "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
-    command.Argument("HEX", given->Contents, "Its 16 bytes, in 32 hexadecimal digits");
-    TakesKey(command, given->Key);
+    command.Argument("HEX", options.Contents, "Its 16 bytes, in 32 hexadecimal digits");
+    TakesKey(command, options.Key);
 }
 
 } // namespace acg::tool

@@ -40,7 +40,7 @@ void WriteReport::Sent(Encoder& encoder, sceReturnCode result)
         m_parts.at(m_at).Now = State::Sent;
         Tell();
     }
-    Must(encoder, result);
+    ThrowIfFailed(encoder, result);
 }
 
 void WriteReport::Found(bool isSame)

@@ -30,7 +30,7 @@ public:
     /// Remembers the card in the field. Throws as SerialNumberOf does.
     void BeginCard(Encoder& encoder);
 
-    /// To be called with the result of the operation that writes the next part. Throws as Must does.
+    /// To be called with the result of the operation that writes the next part. Throws as ThrowIfFailed does.
     void Sent(Encoder& encoder, sceReturnCode result);
 
     /// Runs what reads the part back. If that fails and another card lies in the field, throws OtherFailure
