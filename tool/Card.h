@@ -44,7 +44,7 @@ struct Trailer {
     explicit Trailer(const Block& block);
 
     Key KeyA; ///< zeros as it is read, since the card doesn't show it
-    ConditionBytes Conditions;
+    ConditionBytes Conditions = {};
     uint8_t UserByte; ///< byte 9, or BX
     Key KeyB;         ///< zeros if it is a key
 };

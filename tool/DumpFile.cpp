@@ -59,8 +59,8 @@ Dump ReadDump(const std::string& name)
     const std::filesystem::path path = ToPath(name);
     std::ifstream file(path, std::ios::binary);
     // More than any dump has, so that a longer file is noticed.
-    constexpr size_t Most = size_t{LastBlock + 1} * 40;
-    std::string bytes(Most, '\0');
+    constexpr size_t MaxSize = size_t{LastBlock + 1} * 40;
+    std::string bytes(MaxSize, '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<size_t>(file.gcount()));
     if (!file.is_open() || file.bad() || bytes.empty()) {

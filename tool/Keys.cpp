@@ -27,15 +27,15 @@ std::string ReadText(const std::string& name)
     if (!std::filesystem::exists(status)) {
         throw UsageError{"there is no file " + name};
     }
-    constexpr size_t Most = 1 << 20; // a file of the wrong kind may have no end
+    constexpr size_t MaxSize = 1 << 20; // a file of the wrong kind may have no end
     std::ifstream file(path, std::ios::binary);
-    std::string bytes(Most, '\0');
+    std::string bytes(MaxSize, '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<size_t>(file.gcount()));
     if (!file.is_open() || file.bad()) {
         throw UsageError{"can't read " + name};
     }
-    if (bytes.size() == Most) {
+    if (bytes.size() == MaxSize) {
         throw UsageError{name + " is too long for a file of keys"};
     }
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
