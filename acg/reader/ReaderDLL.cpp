@@ -21,7 +21,7 @@ constexpr int32_t EntryPointNotFound = 453;
 
 struct FunctionTexts {
     const char* Name;
-    const wchar_t* NotFound;
+    LiteralText NotFound;
 };
 
 // clang-format off
