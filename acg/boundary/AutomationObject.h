@@ -70,11 +70,12 @@ protected:
         });
     }
 
-    /// Runs a member with a result, which is 0, or no text, where it fails. The work receives copies of the
-    /// variables; texts come first among these, so that none has changed where there is no memory for one.
+    /// Runs a member with a result, which is 0, or no text, if it fails. The work receives copies of the
+    /// variables. A text comes first: if there is no memory to copy it back, no variable has changed.
     template <class Callers, class Body, class... Variables>
     HRESULT Answer(Callers* Result, const Body& Work, Variables*... InOut) noexcept
     {
+        static_assert(IsTextFirst<Variables...>);
         const Microsoft::WRL::ComPtr<Interface> alive(this);
         return Guarded([&] {
             if (Result == nullptr) {
@@ -96,6 +97,9 @@ protected:
     }
 
 private:
+    template <class First = void, class... Others>
+    static constexpr bool IsTextFirst = !(std::is_same_v<Others, BSTR> || ...);
+
     template <class Body>
     HRESULT Described(REFIID reserved, const Body& use) noexcept
     {
