@@ -191,7 +191,7 @@ private:
 
     // Opening and closing: acg/encoder/Opening.cpp.
     void DrawHandleNumber();
-    [[nodiscard]] sceReturnCode OpenFirstReader();
+    Failure OpenFirstReader();
     /// Closes whatever is open, and ignores what fails. Both closing functions are called also with a handle
     /// of 0, which the library accepts; so an encoder that is never opened loads it at its destruction.
     void ReleaseDevice() noexcept;
@@ -203,15 +203,17 @@ private:
     Failure SelectCard(ByteString& SerialText);
     Failure SelectCardInRange(Failure* OfReaderType = nullptr);
 
-    // The login of the card operations: acg/cards/DataBlocks.cpp.
-    [[nodiscard]] sceReturnCode SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
-                                            std::wstring_view OperationName);
+    // Login and block commands: acg/cards/DataBlocks.cpp.
+    Failure SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                        std::wstring_view OperationName);
+    Failure BlockCommand(const char* Command, const CommandData& Data, ByteString& Reply, int32_t BlocNumber,
+                         std::wstring_view key, uint8_t KeyType, std::wstring_view OperationName,
+                         bool* IsSelected = nullptr);
 
-    // Encoding a level: acg/cards/SectorTrailers.cpp. sceError: the level is refused, and nothing was stored.
-    [[nodiscard]] sceReturnCode SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
-                                               int32_t BlocNumber, ConditionBytes& Bytes) const;
-    [[nodiscard]] static sceReturnCode SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
-                                                        ConditionBytes& Bytes);
+    // Encoding a level: acg/cards/SectorTrailers.cpp. After a failure nothing was stored.
+    Failure SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, int32_t BlocNumber,
+                           ConditionBytes& Bytes) const;
+    static Failure SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, ConditionBytes& Bytes);
 
     ReaderDLL m_oReaderDLL;
     Clock m_oClock;
@@ -221,9 +223,9 @@ private:
     uint8_t m_bAutodetect = 1;
     int32_t m_lBaudRate = 9600;
     int32_t m_lTimeout = 2200; ///< milliseconds
-    /// The blocks written as value blocks since OpenEncoder was called, duplicates included; no list before
-    /// its first call and after closing.
-    std::optional<std::vector<int32_t>> m_colValueBlocks;
+    /// The blocks written as value blocks since OpenEncoder was called, duplicates included; empty while the
+    /// encoder is closed.
+    std::vector<int32_t> m_colValueBlocks;
     int32_t m_lHandleNumber = 0;
     CommHandle m_hComm = CommHandle::None;
     ReaderHandle m_hReader = ReaderHandle::None;

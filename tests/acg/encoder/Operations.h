@@ -120,7 +120,7 @@ protected:
         EXPECT_TRUE(text == std::wstring(WriteReply, WriteReply + 32));
         EXPECT_EQ(encoder.CloseEncoder(), sceSuccess);
         EXPECT_EQ(Last(), Clean(L"CloseEncoder"));
-        EXPECT_FALSE(EncoderInside::ValueBlocks(encoder));
+        EXPECT_TRUE(EncoderInside::ValueBlocks(encoder).empty());
     }
 };
 
