@@ -14,9 +14,10 @@ namespace acg
 /// it. A script passes references to variants: its variable receives the value of an in/out argument when the
 /// call has completed, whatever result the operation returns. BX, which is a variant, is passed unchanged.
 ///
-/// If an argument is refused, BadArgument is its index, and nothing was called: DISP_E_TYPEMISMATCH and
+/// If an argument is refused, badArgument is its index, and nothing was called: DISP_E_TYPEMISMATCH and
 /// DISP_E_OVERFLOW, DISP_E_PARAMNOTOPTIONAL, E_POINTER for a reference that leads nowhere.
-HRESULT CallByName(const InterfaceDescription& Interface, void* Object, DISPID Id, LCID Language, WORD Flags,
-                   const DISPPARAMS* Given, VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument);
+HRESULT CallByName(const InterfaceDescription& description, void* object, DISPID id, LCID language,
+                   WORD flags, const DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                   UINT* badArgument);
 
 } // namespace acg

@@ -17,15 +17,15 @@ namespace acg
 
 /// The number of a block's sector in the reader's "login": the sector's first block divided by
 /// 4. Below sector 33 that is the sector itself.
-[[nodiscard]] int32_t LoginSector(int32_t BlocNumber);
+[[nodiscard]] int32_t LoginSector(int32_t blocNumber);
 
 /// The sector that a block lies in.
-[[nodiscard]] int32_t SectorOf(int32_t BlocNumber);
+[[nodiscard]] int32_t SectorOf(int32_t blocNumber);
 
 /// The last block of a sector.
-[[nodiscard]] int32_t TrailerBlock(int32_t SectorNumber);
+[[nodiscard]] int32_t TrailerBlock(int32_t sectorNumber);
 
 /// The block that many blocks before another.
-[[nodiscard]] int32_t BlockBefore(int32_t BlocNumber, uint32_t Blocks);
+[[nodiscard]] int32_t BlockBefore(int32_t blocNumber, uint32_t blocks);
 
 } // namespace acg

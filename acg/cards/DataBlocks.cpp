@@ -54,21 +54,21 @@ Failure Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t 
 
 /// Selects the card, logs in on the block's sector and sends a command. Success or failure is recorded under
 /// the name of the calling operation. IsSelected becomes true once the card is selected.
-Failure Encoder::BlockCommand(const char* Command, const CommandData& Data, ByteString& Reply,
+Failure Encoder::BlockCommand(const char* command, const CommandData& data, ByteString& reply,
                               int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
-                              std::wstring_view OperationName, bool* IsSelected)
+                              std::wstring_view OperationName, bool* isSelected)
 {
     if (const Failure failure = SelectCardInRange()) {
         TraceLastError(OperationName);
         return failure;
     }
-    if (IsSelected != nullptr) {
-        *IsSelected = true;
+    if (isSelected != nullptr) {
+        *isSelected = true;
     }
     if (const Failure failure = SectorLogin(BlocNumber, key, KeyType, OperationName)) {
         return failure;
     }
-    if (const Failure failure = EncoderCommand(Command, Data, Reply)) {
+    if (const Failure failure = EncoderCommand(command, data, reply)) {
         TraceLastError(OperationName);
         return failure;
     }

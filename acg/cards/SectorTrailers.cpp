@@ -1,7 +1,9 @@
 // Reading and writing a sector's trailer: its keys, and what they may do.
 //
-//     bytes  0 to 5   6 to 8        9    10 to 15
-//            key A    access bits   BX   key B
+//     bytes  0 to 5   6 to 8            9           10 to 15
+//            key A    condition bytes   user byte   key B
+//
+// BX is what the interface calls the user byte.
 #include "acg/cards/AccessBits.h"
 #include "acg/cards/BlockAddress.h"
 #include "acg/cards/BlockText.h"
@@ -125,18 +127,18 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
 }
 
 Failure Encoder::SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, int32_t BlocNumber,
-                                ConditionBytes& Bytes) const
+                                ConditionBytes& bytes) const
 {
     if (Level < 0) {
         return {};
     }
     const bool isValueBlock = std::ranges::find(m_colValueBlocks, BlocNumber) != m_colValueBlocks.end();
-    return Store(BlockTriple(Level, KeysToUse, isValueBlock), Mask, Bytes);
+    return Store(BlockTriple(Level, KeysToUse, isValueBlock), Mask, bytes);
 }
 
-Failure Encoder::SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, ConditionBytes& Bytes)
+Failure Encoder::SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, ConditionBytes& bytes)
 {
-    return Level < 0 ? Failure() : Store(TrailerTriple(Level, KeysToUse), Mask, Bytes);
+    return Level < 0 ? Failure() : Store(TrailerTriple(Level, KeysToUse), Mask, bytes);
 }
 
 } // namespace acg

@@ -67,7 +67,7 @@ public:
     /// An encoder on the reader library of this process and the system's clock, with the default settings.
     Encoder();
     /// On a reader library and a clock of the caller's own: for tests, or for another library.
-    Encoder(ReaderDLL Reader, Clock Now);
+    Encoder(ReaderDLL reader, Clock clock);
     ~Encoder();
     Encoder(const Encoder&) = delete;
     Encoder& operator=(const Encoder&) = delete;
@@ -80,7 +80,7 @@ public:
     /// Nothing is reported. An unknown or misspelt key is ignored. Device is everything after "=",
     /// blanks and a bare LF included. A number is read as far as it goes: "Timeout=500 ms" stores 500,
     /// "Autodetect=x" 0. One that doesn't fit its field leaves it unchanged.
-    void Parameters(std::wstring Text);
+    void Parameters(std::wstring text);
     /// The settings as five lines; setting them again changes nothing.
     [[nodiscard]] std::wstring Parameters();
 
@@ -177,17 +177,17 @@ private:
     friend struct EncoderInside; // the tests look inside
 
     // Record keeping: acg/encoder/Encoder.cpp.
-    void SetLastError(const Failure& Failed, std::wstring_view ComFunction,
+    void SetLastError(const Failure& failure, std::wstring_view ComFunction,
                       std::wstring_view RdrCommand = {});
     void ResetLastError(std::wstring_view ComFunction = {});
     void TraceLastError(std::wstring_view FunctionName);
     // How an operation ends that has found a failure itself, and one below which a failure is recorded.
-    [[nodiscard]] sceReturnCode Fail(const Failure& Found, std::wstring_view OperationName,
+    [[nodiscard]] sceReturnCode Fail(const Failure& failure, std::wstring_view OperationName,
                                      std::wstring_view RdrCommand = {});
     [[nodiscard]] sceReturnCode FailBelow(std::wstring_view OperationName);
 
-    Failure ReadReaderType(std::wstring& Type);
-    [[noreturn]] void RaiseNotSupported(std::wstring_view Property);
+    Failure ReadReaderType(std::wstring& type);
+    [[noreturn]] void RaiseNotSupported(std::wstring_view property);
 
     // Opening and closing: acg/encoder/Opening.cpp.
     void DrawHandleNumber();
@@ -197,23 +197,23 @@ private:
     void ReleaseDevice() noexcept;
 
     // The exchange of one command and the card selection: acg/reader/CommandExchange.cpp.
-    Failure Exchange(const char* Command, const CommandData& Data, ByteString& Reply);
-    void RecordExchange(const Failure& Failed, const char* Command);
-    Failure EncoderCommand(const char* Command, const CommandData& Data, ByteString& Reply);
-    Failure SelectCard(ByteString& SerialText);
-    Failure SelectCardInRange(Failure* OfReaderType = nullptr);
+    Failure Exchange(const char* command, const CommandData& data, ByteString& reply);
+    void RecordExchange(const Failure& failure, const char* command);
+    Failure EncoderCommand(const char* command, const CommandData& data, ByteString& reply);
+    Failure SelectCard(ByteString& serialText);
+    Failure SelectCardInRange(Failure* readerTypeFailure = nullptr);
 
     // Login and block commands: acg/cards/DataBlocks.cpp.
     Failure SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                         std::wstring_view OperationName);
-    Failure BlockCommand(const char* Command, const CommandData& Data, ByteString& Reply, int32_t BlocNumber,
+    Failure BlockCommand(const char* command, const CommandData& data, ByteString& reply, int32_t BlocNumber,
                          std::wstring_view key, uint8_t KeyType, std::wstring_view OperationName,
-                         bool* IsSelected = nullptr);
+                         bool* isSelected = nullptr);
 
     // Encoding a level: acg/cards/SectorTrailers.cpp. After a failure nothing was stored.
     Failure SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, int32_t BlocNumber,
-                           ConditionBytes& Bytes) const;
-    static Failure SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, ConditionBytes& Bytes);
+                           ConditionBytes& bytes) const;
+    static Failure SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, ConditionBytes& bytes);
 
     ReaderDLL m_oReaderDLL;
     Clock m_oClock;

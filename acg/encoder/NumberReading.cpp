@@ -20,12 +20,12 @@ constexpr int64_t Beyond = 1'000'000'000'000;
 class Reading
 {
 public:
-    explicit Reading(std::wstring_view Text) : m_rest(Text) { SkipBlanks(); }
+    explicit Reading(std::wstring_view text) : m_rest(text) { SkipBlanks(); }
 
     /// Steps over the next character if it is one of those.
-    bool Take(std::wstring_view OneOf)
+    bool Take(std::wstring_view characters)
     {
-        if (m_rest.empty() || OneOf.find(m_rest.front()) == std::wstring_view::npos) {
+        if (m_rest.empty() || characters.find(m_rest.front()) == std::wstring_view::npos) {
             return false;
         }
         Step();
@@ -33,13 +33,13 @@ public:
     }
 
     /// Steps over the next character if it is a digit to that base.
-    std::optional<int> TakeDigit(int Base)
+    std::optional<int> TakeDigit(int base)
     {
         if (m_rest.empty()) {
             return std::nullopt;
         }
         const std::optional<int> digit = HexDigit(m_rest.front());
-        if (!digit || *digit >= Base) {
+        if (!digit || *digit >= base) {
             return std::nullopt;
         }
         Step();
@@ -155,16 +155,16 @@ int64_t ReadWhole(Reading& reading)
 
 } // namespace
 
-NumberRead ReadNumber(std::wstring_view Text)
+NumberRead ReadNumber(std::wstring_view text)
 {
-    Reading reading(Text);
+    Reading reading(text);
     const int64_t number = ReadWhole(reading);
     return {number, reading.IsComplete()};
 }
 
-std::wstring DecimalText(int32_t Number)
+std::wstring DecimalText(int32_t number)
 {
-    const std::string digits = std::to_string(Number); // std::to_wstring would link the printf family
+    const std::string digits = std::to_string(number); // std::to_wstring would link the printf family
     return {digits.begin(), digits.end()};
 }
 

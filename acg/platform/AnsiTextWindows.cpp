@@ -40,19 +40,19 @@ To Converted(From text)
 
 } // namespace
 
-std::string ToAnsi(std::wstring_view Text)
+std::string ToAnsi(std::wstring_view text)
 {
-    return Converted<std::string>(Text);
+    return Converted<std::string>(text);
 }
 
-std::wstring FromAnsi(std::string_view Text)
+std::wstring FromAnsi(std::string_view text)
 {
-    return Converted<std::wstring>(Text);
+    return Converted<std::wstring>(text);
 }
 
-SystemPath PathFromAnsi(std::string_view Text)
+SystemPath PathFromAnsi(std::string_view text)
 {
-    return FromAnsi(Text);
+    return FromAnsi(text);
 }
 
 ByteString::~ByteString()
