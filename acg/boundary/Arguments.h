@@ -105,7 +105,7 @@ HRESULT Dereference(VARIANT*& value);
 /// No byte has this value.
 inline constexpr int32_t NoByte = -1;
 
-/// The caller's BX, as the system converts it: nothing where it is left out, NoByte where the system can't
+/// The caller's BX, as the system converts it: nothing if it is left out, NoByte if the system can't
 /// convert it. The caller's variable is unchanged.
 std::optional<int32_t> ConvertToByte(VARIANT* value);
 

@@ -14,7 +14,7 @@ namespace
 /// An argument as it is passed to the member.
 struct Passed {
     VARIANTARG Argument{};
-    OwnVariant Converted;        ///< a value of the declared type, where the caller's isn't one
+    OwnVariant Converted;        ///< a value of the declared type, if the caller's isn't one
     VARIANT* Variable = nullptr; ///< of the script, if any: receives the value after the call
 };
 
@@ -48,7 +48,7 @@ HRESULT Pass(const Member::Parameter& parameter, VARIANTARG& argument, LCID lang
     const HRESULT converted = passed.Converted.Convert(*value, parameter.Type, language);
     if (parameter.IsReference) {
         passed.Variable = value == &argument ? nullptr : value; // nothing is returned to a mere value
-        PassReference(passed, parameter.Type, &V_BYREF(&passed.Converted)); // where a variant has its value
+        PassReference(passed, parameter.Type, &V_BYREF(&passed.Converted)); // a variant's value itself
     } else {
         passed.Argument = passed.Converted;
     }

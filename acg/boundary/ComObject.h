@@ -83,7 +83,7 @@ HRESULT Create(REFIID id, void** created) noexcept
     // memory for them then. An object stays on the thread that creates it, so they are allocated here.
     static_cast<void>(std::uncaught_exceptions());
     return Guarded([&] {
-        static_cast<void>(NoObject(created, S_OK)); // so it is null where there is no memory
+        static_cast<void>(NoObject(created, S_OK)); // so it is null if there is no memory
         auto* const object = new Object;
         const HRESULT result = object->QueryInterface(id, created);
         object->Release();

@@ -1,4 +1,4 @@
-// The four functions that a host's component loader calls, and the factories behind them.
+// The four functions that a host's component loader calls, and the class factories.
 #include <initguid.h> // defines the identifiers of the type library
 
 #include "acg/boundary/AutomationEncoder.h"

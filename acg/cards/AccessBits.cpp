@@ -44,7 +44,7 @@ constexpr std::optional<AccessTriple> BlockOfBothKeys[HighestLevel + 1] = {
     Bits000,      // 15   rw     rw
 };
 
-/// In place of 100, where the block was written as a value block since the opening.
+/// In place of 100, if the block was written as a value block since the opening.
 constexpr AccessTriple OfValueBlock = Bits110;
 
 /// Bits 0 and 1 of the level, what key A may write, for a sector that works with key A alone.

@@ -2,8 +2,8 @@
 // for them.
 //
 // What the card does with each combination of bits is published in the data sheets MF1S50yyX and MF1S70yyX,
-// chapter 8.7. Which level becomes which combination, which levels are refused, and which level a combination
-// reads back as are this component's decisions: docs/access-levels.md.
+// Rev. 3.2, chapter 8.7. Which level becomes which combination, which levels are refused, and which level a
+// combination reads back as are this component's decisions: docs/access-levels.md.
 //
 // Bytes 6, 7 and 8 of the trailer; bit i of each nibble belongs to slot i, and ~ marks the inverted copies:
 //
@@ -101,7 +101,7 @@ struct TrailerRights {
     Keys WriteKeys;
     Keys WriteConditions; ///< the access bits of all slots, and byte 9
     Keys ReadConditions;
-    Keys ReadKeyB; ///< where it can be read, key B is no key and has no right to anything
+    Keys ReadKeyB; ///< if it can be read, key B is no key and has no rights
 };
 
 /// What the card grants for a triple of a data slot, were key B a key.
@@ -113,7 +113,7 @@ struct TrailerRights {
 [[nodiscard]] int32_t LevelOf(const BlockRights& rights);
 /// The SCSS level as which a trailer with these rights reads back.
 [[nodiscard]] int32_t LevelOf(const TrailerRights& rights);
-/// The key mode as which it reads back: KeyAAlone where key B can be read out, else BothKeys.
+/// The key mode as which it reads back: KeyAAlone if key B can be read out, else BothKeys.
 [[nodiscard]] uint8_t KeysUsedBy(const TrailerRights& rights);
 
 } // namespace acg

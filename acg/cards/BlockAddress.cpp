@@ -31,10 +31,10 @@ int32_t SectorOf(int32_t blocNumber)
 int32_t TrailerBlock(int32_t sectorNumber)
 {
     const auto sector = static_cast<uint32_t>(sectorNumber);
-    const uint32_t firstBehind = sectorNumber < FirstLargeSector
-                                     ? (sector + 1) * SmallSectorBlocks
-                                     : (sector + 1 - FirstLargeSector) * LargeSectorBlocks + FirstLargeBlock;
-    return static_cast<int32_t>(firstBehind - 1);
+    const uint32_t next = sectorNumber < FirstLargeSector
+                              ? (sector + 1) * SmallSectorBlocks
+                              : (sector + 1 - FirstLargeSector) * LargeSectorBlocks + FirstLargeBlock;
+    return static_cast<int32_t>(next - 1);
 }
 
 int32_t BlockBefore(int32_t blocNumber, uint32_t blocks)

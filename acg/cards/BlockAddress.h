@@ -1,6 +1,7 @@
 // The addresses of blocks and sectors.
 //
-// Memory organisation of the Mifare Classic 1K and 4K card (data sheets MF1S50yyX and MF1S70yyX, chapter 8):
+// Memory organisation of the Mifare Classic 1K and 4K card (data sheets MF1S50yyX and MF1S70yyX, Rev. 3.2,
+// chapter 8):
 //
 //     blocks   0 to 127   sectors  0 to 31, of 4 blocks
 //     blocks 128 to 255   sectors 32 to 39, of 16 blocks (4K only)

@@ -53,7 +53,7 @@ Failure Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t 
 }
 
 /// Selects the card, logs in on the block's sector and sends a command. Success or failure is recorded under
-/// the name of the calling operation. IsSelected becomes true once the card is selected.
+/// the name of the calling operation. isSelected becomes true once the card is selected.
 Failure Encoder::BlockCommand(const char* command, const CommandData& data, ByteString& reply,
                               int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                               std::wstring_view OperationName, bool* isSelected)

@@ -6,7 +6,8 @@
 namespace acg
 {
 
-/// The reader formats the value block itself: it is sent the block number and the value.
+/// The reader formats the value block itself (data sheet MF1S50yyX, Rev. 3.2, chapter 8.6.2.1): it is sent
+/// the block number and the value.
 sceReturnCode Encoder::WriteValueBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                       int32_t value)
 {

@@ -58,7 +58,7 @@ constexpr Area FieldArea(int row, int width = FieldWidth)
     return InFrame({FieldLeft, RowTop(row), width, RowHeight});
 }
 
-/// The position of the selected line; the field is unchanged where none is selected.
+/// The position of the selected line; the field is unchanged if none is selected.
 void TakePosition(const Control& list, uint8_t& field)
 {
     if (list.SelectedLine() != Control::NoLine) {
@@ -66,7 +66,7 @@ void TakePosition(const Control& list, uint8_t& field)
     }
 }
 
-/// The whole number in the text, blanks and tabs around it ignored; the field is unchanged where there is
+/// The whole number in the text, blanks and tabs around it ignored; the field is unchanged if there is
 /// none, or it is too large.
 void TakeNumber(std::wstring_view text, int32_t& field)
 {
@@ -79,7 +79,7 @@ void TakeNumber(std::wstring_view text, int32_t& field)
     }
 }
 
-/// The position of the line that is that text; NoLine where there is none.
+/// The position of the line that is that text; NoLine if there is none.
 int FindLine(const std::vector<std::wstring>& lines, std::wstring_view text)
 {
     const auto found = std::ranges::find(lines, text);
@@ -200,7 +200,7 @@ void frmConfigure::cboAutoDetect_Change()
     cboAutoDetect_Click();
 }
 
-/// The detection rule: baud rate and protocol are the user's choice only where nothing is detected.
+/// The detection rule: baud rate and protocol are the user's choice only if nothing is detected.
 void frmConfigure::cboAutoDetect_Click()
 {
     const bool disabled = m_screen->cboAutoDetect.SelectedLine() == DetectionDisabled;

@@ -112,7 +112,7 @@ public:
     Link(const Link&) = delete;
     Link& operator=(const Link&) = delete;
 
-    // That a closing call fails is no failure of the test.
+    // The test succeeds even if a closing call fails.
     void CloseReader()
     {
         if (Reader != ReaderHandle::None) {
@@ -249,7 +249,7 @@ Failure frmTest::TestReader(Link& link)
         return giveUp(In(m_french, Texts.m_sNoAccess));
     }
     std::wstring deviceId;
-    // Without one the line ends behind its label.
+    // Without one the line ends after its label.
     static_cast<void>(m_screen->Reader.GetDeviceID(link.Reader, deviceId));
     LogLine(Fill(In(m_french, Texts.m_sDeviceID), {deviceId}));
     std::wstring type;

@@ -30,7 +30,7 @@ public:
     int32_t Timeout = 0;  ///< milliseconds
 
     /// Shows the dialog, on top of its owner if it has one, and returns when it has been closed, or at once
-    /// where it can't be shown. One dialog at a time.
+    /// if it can't be shown. One dialog at a time.
     void Show(const ReaderDLL& reader, const Form* owner = nullptr);
 
 private:

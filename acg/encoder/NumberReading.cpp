@@ -47,7 +47,7 @@ public:
         return digit;
     }
 
-    /// True where digits were read, and nothing is left.
+    /// True if digits were read, and nothing is left.
     [[nodiscard]] bool IsComplete() const { return m_hasDigits && m_rest.empty(); }
 
 private:
@@ -107,7 +107,7 @@ Written ReadWritten(Reading& reading)
         if (counts) {
             number.Digits += static_cast<char>(*digit);
         }
-        // A leading zero behind the point moves it to the left of the digits to come.
+        // A leading zero after the point moves it to the left of the digits to come.
         if (counts && !pointSeen) {
             ++number.BeforePoint;
         } else if (!counts && pointSeen) {
@@ -134,10 +134,10 @@ int64_t Round(const Written& number)
         whole = Grow(whole, Decimal, digitAt(place));
     }
     constexpr int Half = 5;
-    const int firstBehind = digitAt(number.BeforePoint);
-    const bool moreBehind = std::cmp_greater(number.Digits.size(), number.BeforePoint + 1);
+    const int firstDropped = digitAt(number.BeforePoint);
+    const bool moreDropped = std::cmp_greater(number.Digits.size(), number.BeforePoint + 1);
     const bool isOdd = whole % 2 != 0;
-    return firstBehind > Half || (firstBehind == Half && (moreBehind || isOdd)) ? whole + 1 : whole;
+    return firstDropped > Half || (firstDropped == Half && (moreDropped || isOdd)) ? whole + 1 : whole;
 }
 
 int64_t ReadWhole(Reading& reading)

@@ -27,7 +27,7 @@ struct NumberRead {
 /// result is some number beyond them.
 [[nodiscard]] NumberRead ReadNumber(std::wstring_view text);
 
-/// The same, and nothing where the number doesn't fit the field's type of at most 32 bits.
+/// The same, and nothing if the number doesn't fit the field's type of at most 32 bits.
 template <std::integral Field>
 [[nodiscard]] std::optional<Field> ReadField(std::wstring_view text)
 {
@@ -35,7 +35,7 @@ template <std::integral Field>
     return std::in_range<Field>(number) ? std::optional(static_cast<Field>(number)) : std::nullopt;
 }
 
-/// The number in decimal digits, with a minus where it is negative.
+/// The number in decimal digits, with a minus if it is negative.
 [[nodiscard]] std::wstring DecimalText(int32_t number);
 
 } // namespace acg

@@ -85,7 +85,7 @@ public:
     void SetLines(std::initializer_list<std::wstring_view> lines); ///< with none selected
     void AddLine(std::wstring_view line) { m_lines.emplace_back(line); }
     [[nodiscard]] int SelectedLine() const { return m_selectedLine; }
-    /// Selects as a person would, OnPick included; nothing happens where there is no such line.
+    /// Selects as a person would, OnPick included; nothing happens if there is no such line.
     void Select(int line);
 
     std::function<void()> OnPress;                    ///< of a button
@@ -99,7 +99,7 @@ public:
     void Edit(std::wstring_view newText);
 
 private:
-    void Show() const; ///< updates the screen, where there is one; the layer's
+    void Show() const; ///< updates the screen, if there is one; the layer's
 
     Form& m_form;
     std::wstring m_text;

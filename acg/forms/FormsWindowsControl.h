@@ -10,7 +10,7 @@ namespace acg
 class ControlWindow
 {
 public:
-    /// Handle is null where the window can't be made. formPoints: the font of the form.
+    /// Handle is null if the window can't be made. formPoints: the font of the form.
     ControlWindow(HWND dialog, int id, Control& control, double formPoints);
     ControlWindow(const ControlWindow&) = delete;
     ControlWindow& operator=(const ControlWindow&) = delete;

@@ -13,7 +13,7 @@ namespace acg
 {
 
 /// ANSI is the system's code page on Windows and Windows-1252 elsewhere. A character that it lacks becomes
-/// "?". Each conversion allocates its result once, so no copy of the text is left behind in freed memory.
+/// "?". Each conversion allocates its result once, so no copy of the text is left in freed memory.
 [[nodiscard]] std::string ToAnsi(std::wstring_view text);
 [[nodiscard]] std::wstring FromAnsi(std::string_view text);
 

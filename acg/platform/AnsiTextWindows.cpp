@@ -16,7 +16,7 @@ BSTR Bstr(char* bytes)
     return reinterpret_cast<BSTR>(bytes);
 }
 
-/// One of the system's two conversions: fills the buffer, or only counts where there is none.
+/// One of the system's two conversions: fills the buffer, or only counts if there is none.
 int Convert(std::wstring_view text, char* buffer, int size)
 {
     // A code page that has every character accepts neither the flag nor the "?".

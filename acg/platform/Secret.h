@@ -8,7 +8,7 @@
 namespace acg
 {
 
-/// Fills memory with zeros, also where nothing reads it afterwards.
+/// Fills memory with zeros, even if nothing reads it afterwards.
 void Wipe(void* memory, std::size_t bytes);
 
 /// Wipes the whole capacity of a text, characters that were cut off included, and empties it.
@@ -23,7 +23,7 @@ void Wipe(std::basic_string<Char>& text)
 /// Reserves room for that many characters. The former memory is wiped.
 void MakeRoom(std::wstring& text, std::size_t room);
 
-/// Assigns a text. Where that needs new memory, the former is wiped.
+/// Assigns a text. If that needs new memory, the former is wiped.
 void Replace(std::wstring& text, std::wstring_view replacement);
 
 /// A text of the component's own, wiped at its end. MakeRoom before it grows: std::basic_string wouldn't wipe

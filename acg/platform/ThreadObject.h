@@ -8,7 +8,7 @@ namespace acg
 {
 
 /// A thread-local pointer, null at first, in the system's own thread storage: a compiler's thread_local ends
-/// the process where its memory can't be allocated.
+/// the process if its memory can't be allocated.
 class ThreadPointer
 {
 public:

@@ -9,7 +9,7 @@
 namespace acg
 {
 
-/// Built in 8-bit, piece by piece, where its parts are known. It may hold keys: it wipes itself, and
+/// Built in 8-bit, piece by piece. It may hold keys: it wipes itself, and
 /// memory that it has outgrown.
 class CommandData
 {

@@ -34,7 +34,7 @@ void ExpectOperations(Way way, const wchar_t* serial, BYTE card)
         std::vector<_variant_t> Given;
         std::vector<_variant_t> Expected; ///< from the last argument backwards
         LONG Number = 0;                  ///< of the record
-        const wchar_t* Source = nullptr;  ///< where it is raised
+        const wchar_t* Source = nullptr;  ///< if it is raised
     } rows[] = {
         {L"ReaderType", {}, {}, -1, L"ACG_MultiISO_TV.Encoder"},
         {L"ATRString", {}, {}, -16, L""},
