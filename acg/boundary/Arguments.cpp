@@ -6,21 +6,21 @@
 namespace acg
 {
 
-BSTR NewText(std::wstring_view Text)
+BSTR NewText(std::wstring_view text)
 {
-    const BSTR text = SysAllocStringLen(Text.data(), static_cast<UINT>(Text.size()));
-    if (text == nullptr) {
+    const BSTR copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    if (copy == nullptr) {
         throw std::bad_alloc();
     }
-    return text;
+    return copy;
 }
 
-void Variable<BSTR>::GiveBack()
+void InOut<BSTR>::CopyBack()
 {
     const BSTR text = NewText(Copy);
-    Wipe(m_ofCaller, SysStringByteLen(m_ofCaller));
-    SysFreeString(m_ofCaller);
-    m_ofCaller = text;
+    Wipe(m_variable, SysStringByteLen(m_variable));
+    SysFreeString(m_variable);
+    m_variable = text;
 }
 
 OwnVariant::~OwnVariant()
@@ -31,16 +31,16 @@ OwnVariant::~OwnVariant()
     VariantClear(this);
 }
 
-HRESULT OwnVariant::Convert(const VARIANT& From, VARTYPE Type, LCID Language)
+HRESULT OwnVariant::Convert(const VARIANT& from, VARTYPE type, LCID language)
 {
     OwnVariant converted;
-    const bool isText = (V_VT(&From) & ~VT_BYREF) == VT_BSTR;
-    if (isText && Type == VT_BSTR) { // the system would copy it twice, and not wipe the first
-        V_BSTR(&converted) = NewText(TextOf(V_ISBYREF(&From) ? *V_BSTRREF(&From) : V_BSTR(&From)));
+    const bool isText = (V_VT(&from) & ~VT_BYREF) == VT_BSTR;
+    if (isText && type == VT_BSTR) { // the system would copy it twice, and not wipe the first
+        V_BSTR(&converted) = NewText(ViewOf(V_ISBYREF(&from) ? *V_BSTRREF(&from) : V_BSTR(&from)));
         V_VT(&converted) = VT_BSTR;
     } else {
         const HRESULT result =
-            VariantChangeTypeEx(&converted, const_cast<VARIANT*>(&From), Language, 0, Type);
+            VariantChangeTypeEx(&converted, const_cast<VARIANT*>(&from), language, 0, type);
         if (FAILED(result)) {
             const bool isTelling = result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY;
             return isTelling ? result : DISP_E_TYPEMISMATCH;
@@ -50,32 +50,32 @@ HRESULT OwnVariant::Convert(const VARIANT& From, VARTYPE Type, LCID Language)
     return S_OK;
 }
 
-HRESULT Follow(VARIANT*& Value)
+HRESULT Dereference(VARIANT*& value)
 {
-    for (int depth = 0; depth < 2 && V_VT(Value) == VariantReference; ++depth) {
-        Value = V_VARIANTREF(Value);
-        if (Value == nullptr) {
+    for (int depth = 0; depth < 2 && V_VT(value) == VariantReference; ++depth) {
+        value = V_VARIANTREF(value);
+        if (value == nullptr) {
             return E_POINTER;
         }
     }
-    if (V_VT(Value) == VariantReference) {
+    if (V_VT(value) == VariantReference) {
         return DISP_E_TYPEMISMATCH;
     }
-    return V_ISBYREF(Value) && V_BYREF(Value) == nullptr ? E_POINTER : S_OK;
+    return V_ISBYREF(value) && V_BYREF(value) == nullptr ? E_POINTER : S_OK;
 }
 
-std::optional<int32_t> ConvertToByte(VARIANT* Value)
+std::optional<int32_t> ConvertToByte(VARIANT* value)
 {
-    if (Value == nullptr) {
+    if (value == nullptr) {
         return std::nullopt;
     }
-    HRESULT result = Follow(Value);
+    HRESULT result = Dereference(value);
     OwnVariant converted;
     if (SUCCEEDED(result)) {
-        if (IsLeftOut(*Value)) {
+        if (IsLeftOut(*value)) {
             return std::nullopt;
         }
-        result = converted.Convert(*Value, VT_UI1, LOCALE_USER_DEFAULT);
+        result = converted.Convert(*value, VT_UI1, LOCALE_USER_DEFAULT);
     }
     if (result == E_OUTOFMEMORY) {
         throw std::bad_alloc();

@@ -16,22 +16,22 @@ namespace acg
 {
 
 /// The caller's own text, including what follows a NUL in it; null is empty text.
-inline std::wstring_view TextOf(BSTR Text)
+inline std::wstring_view ViewOf(BSTR text)
 {
-    return {Text, SysStringLen(Text)};
+    return {text, SysStringLen(text)};
 }
 
 /// A text that the caller will own.
-BSTR NewText(std::wstring_view Text);
+BSTR NewText(std::wstring_view text);
 
 /// A result in the caller's type.
 template <class Callers, class Own>
-Callers ForCaller(const Own& Result)
+Callers ForCaller(const Own& result)
 {
     if constexpr (std::is_same_v<Callers, BSTR>) {
-        return NewText(Result);
+        return NewText(result);
     } else {
-        return static_cast<Callers>(Result);
+        return static_cast<Callers>(result);
     }
 }
 
@@ -42,41 +42,40 @@ using OwnType = std::conditional_t<
     std::conditional_t<std::is_same_v<Callers, ::SCSS_SecurityLevelEnum>, SCSS_SecurityLevelEnum,
                        std::conditional_t<std::is_same_v<Callers, LONG>, int32_t, Callers>>>;
 
-/// A copy of a caller's variable for the class to work on. Only GiveBack changes the variable, so an aborted
+/// A copy of a caller's variable for the class to work on. Only CopyBack changes the variable, so an aborted
 /// call leaves it unchanged.
 template <class Callers>
-class Variable
+class InOut
 {
 public:
-    explicit Variable(Callers* OfCaller)
-        : Copy(static_cast<OwnType<Callers>>(*OfCaller)), m_ofCaller(*OfCaller)
+    explicit InOut(Callers* variable) : Copy(static_cast<OwnType<Callers>>(*variable)), m_variable(*variable)
     {
     }
-    void GiveBack() { m_ofCaller = static_cast<Callers>(Copy); }
+    void CopyBack() { m_variable = static_cast<Callers>(Copy); }
 
     OwnType<Callers> Copy;
 
 private:
-    Callers& m_ofCaller;
+    Callers& m_variable;
 };
 
 /// The same for a text, which may hold the keys of a sector.
 template <>
-class Variable<BSTR>
+class InOut<BSTR>
 {
 public:
-    explicit Variable(BSTR* OfCaller) : Copy(TextOf(*OfCaller)), m_ofCaller(*OfCaller) {}
-    ~Variable() { Wipe(Copy); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
+    explicit InOut(BSTR* variable) : Copy(ViewOf(*variable)), m_variable(*variable) {}
+    ~InOut() { Wipe(Copy); }
+    InOut(const InOut&) = delete;
+    InOut& operator=(const InOut&) = delete;
     /// Frees the caller's text and puts the new one in its place. If there is no memory for that, the
-    /// variable is unchanged; texts are therefore returned before other variables.
-    void GiveBack();
+    /// variable is unchanged; a text is therefore copied back before other variables.
+    void CopyBack();
 
     std::wstring Copy;
 
 private:
-    BSTR& m_ofCaller;
+    BSTR& m_variable;
 };
 
 /// A variant of our own. A text in it may be a key.
@@ -87,27 +86,27 @@ struct OwnVariant : VARIANT {
     OwnVariant& operator=(const OwnVariant&) = delete;
 
     /// Becomes the value as the system converts it to that type, or is unchanged.
-    HRESULT Convert(const VARIANT& From, VARTYPE Type, LCID Language);
+    HRESULT Convert(const VARIANT& from, VARTYPE type, LCID language);
 };
 
 /// An argument that the caller has marked as left out.
-inline bool IsLeftOut(const VARIANT& Value)
+inline bool IsLeftOut(const VARIANT& value)
 {
-    return V_VT(&Value) == VT_ERROR && V_ERROR(&Value) == DISP_E_PARAMNOTFOUND;
+    return V_VT(&value) == VT_ERROR && V_ERROR(&value) == DISP_E_PARAMNOTFOUND;
 }
 
 /// How a script passes a variable.
 inline constexpr VARTYPE VariantReference = VT_BYREF | VT_VARIANT;
 
-/// Follows a script's reference to its variable, and a second one where that is a parameter of its procedure.
+/// Follows a script's reference to its variable, and a second one if that is a parameter of its procedure.
 /// The result may be a typed reference. E_POINTER: a reference is null.
-HRESULT Follow(VARIANT*& Value);
+HRESULT Dereference(VARIANT*& value);
 
 /// No byte has this value.
 inline constexpr int32_t NoByte = -1;
 
-/// The caller's BX, as the system converts it: nothing where it is left out, NoByte where the system can't
+/// The caller's BX, as the system converts it: nothing if it is left out, NoByte if the system can't
 /// convert it. The caller's variable is unchanged.
-std::optional<int32_t> ConvertToByte(VARIANT* Value);
+std::optional<int32_t> ConvertToByte(VARIANT* value);
 
 } // namespace acg

@@ -13,27 +13,27 @@ namespace acg
 {
 
 // The type library declares the enums for hosts; the class has its own.
-constexpr bool Same(std::initializer_list<int32_t> forHosts, std::initializer_list<int32_t> ofTheClass)
+constexpr bool SameValues(std::initializer_list<int32_t> forHosts, std::initializer_list<int32_t> ofTheClass)
 {
     return std::ranges::equal(forHosts, ofTheClass);
 }
-static_assert(Same({::sceSuccess, ::sceCanceled, ::sceError}, {sceSuccess, sceCanceled, sceError}));
-static_assert(Same({::sceUnknown, ::sceClosed, ::sceOpened, ::sceReady},
-                   {sceUnknown, sceClosed, sceOpened, sceReady}));
-static_assert(Same({::sceUnhandled, ::sceUnknownType, ::sceMifare1K, ::sceMifare4K, ::sceMifareUltralight,
-                    ::sceDESFire, ::sceRfid125KHz, ::scePicoPass2KS},
-                   {sceUnhandled, sceUnknownType, sceMifare1K, sceMifare4K, sceMifareUltralight, sceDESFire,
-                    sceRfid125KHz, scePicoPass2KS}));
-static_assert(Same({::scbs_A_Nothing, ::scbs_A_Read, ::scbs_A_Write, ::scbs_A_ReadWrite},
-                   {scbs_A_Nothing, scbs_A_Read, scbs_A_Write, scbs_A_ReadWrite}));
-static_assert(Same({::scbs_B_Nothing, ::scbs_B_Read, ::scbs_B_Write, ::scbs_B_ReadWrite},
-                   {scbs_B_Nothing, scbs_B_Read, scbs_B_Write, scbs_B_ReadWrite}));
-static_assert(Same({::scss_A_Nothing, ::scss_A_WriteKeys, ::scss_A_WriteConditions,
-                    ::scss_A_WriteKeysConditions},
-                   {scss_A_Nothing, scss_A_WriteKeys, scss_A_WriteConditions, scss_A_WriteKeysConditions}));
-static_assert(Same({::scss_B_Nothing, ::scss_B_WriteKeys, ::scss_B_WriteConditions,
-                    ::scss_B_WriteKeysConditions},
-                   {scss_B_Nothing, scss_B_WriteKeys, scss_B_WriteConditions, scss_B_WriteKeysConditions}));
+static_assert(SameValues({::sceSuccess, ::sceCanceled, ::sceError}, {sceSuccess, sceCanceled, sceError}));
+static_assert(SameValues({::sceUnknown, ::sceClosed, ::sceOpened, ::sceReady},
+                         {sceUnknown, sceClosed, sceOpened, sceReady}));
+static_assert(SameValues({::sceUnhandled, ::sceUnknownType, ::sceMifare1K, ::sceMifare4K,
+                          ::sceMifareUltralight, ::sceDESFire, ::sceRfid125KHz, ::scePicoPass2KS},
+                         {sceUnhandled, sceUnknownType, sceMifare1K, sceMifare4K, sceMifareUltralight,
+                          sceDESFire, sceRfid125KHz, scePicoPass2KS}));
+static_assert(SameValues({::scbs_A_Nothing, ::scbs_A_Read, ::scbs_A_Write, ::scbs_A_ReadWrite},
+                         {scbs_A_Nothing, scbs_A_Read, scbs_A_Write, scbs_A_ReadWrite}));
+static_assert(SameValues({::scbs_B_Nothing, ::scbs_B_Read, ::scbs_B_Write, ::scbs_B_ReadWrite},
+                         {scbs_B_Nothing, scbs_B_Read, scbs_B_Write, scbs_B_ReadWrite}));
+static_assert(
+    SameValues({::scss_A_Nothing, ::scss_A_WriteKeys, ::scss_A_WriteConditions, ::scss_A_WriteKeysConditions},
+               {scss_A_Nothing, scss_A_WriteKeys, scss_A_WriteConditions, scss_A_WriteKeysConditions}));
+static_assert(
+    SameValues({::scss_B_Nothing, ::scss_B_WriteKeys, ::scss_B_WriteConditions, ::scss_B_WriteKeysConditions},
+               {scss_B_Nothing, scss_B_WriteKeys, scss_B_WriteConditions, scss_B_WriteKeysConditions}));
 
 /// An Encoder as hosts see it. Members convert their arguments and call the class.
 class AutomationEncoder final : public AutomationObject<::Encoder, _Encoder>
@@ -47,73 +47,73 @@ public:
 
     STDMETHODIMP put_Parameters(BSTR Value) override
     {
-        return Run([&] { m_encoder.Parameters(std::wstring(TextOf(Value))); });
+        return Run([&] { m_encoder.Parameters(std::wstring(ViewOf(Value))); });
     }
     STDMETHODIMP get_Parameters(BSTR* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.Parameters(); });
+        return CallWithResult(Result, [&] { return m_encoder.Parameters(); });
     }
     STDMETHODIMP get_LastError(_CError** Result) override
     {
-        return Answer(Result, [&] { return Microsoft::WRL::ComPtr<_CError>(m_lastError).Detach(); });
+        return CallWithResult(Result, [&] { return Microsoft::WRL::ComPtr<_CError>(m_lastError).Detach(); });
     }
     STDMETHODIMP get_EncoderState(::sceEncoderState* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.EncoderState(); });
+        return CallWithResult(Result, [&] { return m_encoder.EncoderState(); });
     }
     STDMETHODIMP get_ReaderType(BSTR* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.ReaderType(); });
+        return CallWithResult(Result, [&] { return m_encoder.ReaderType(); });
     }
     STDMETHODIMP get_ATRString(BSTR* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.ATRString(); });
+        return CallWithResult(Result, [&] { return m_encoder.ATRString(); });
     }
     STDMETHODIMP get_CardType(::sceCardTypes* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.CardType(); });
+        return CallWithResult(Result, [&] { return m_encoder.CardType(); });
     }
     STDMETHODIMP get_SerialNumberLength(LONG* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.SerialNumberLength(); });
+        return CallWithResult(Result, [&] { return m_encoder.SerialNumberLength(); });
     }
     STDMETHODIMP GetInformation(BSTR* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.GetInformation(); });
+        return CallWithResult(Result, [&] { return m_encoder.GetInformation(); });
     }
     STDMETHODIMP Configure(BSTR Language, ::sceReturnCode* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.Configure(std::wstring(TextOf(Language))); });
+        return CallWithResult(Result, [&] { return m_encoder.Configure(std::wstring(ViewOf(Language))); });
     }
     STDMETHODIMP OpenEncoder(LONG Handle, ::sceReturnCode* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.OpenEncoder(Handle); });
+        return CallWithResult(Result, [&] { return m_encoder.OpenEncoder(Handle); });
     }
     STDMETHODIMP CloseEncoder(::sceReturnCode* Result) override
     {
-        return Answer(Result, [&] { return m_encoder.CloseEncoder(); });
+        return CallWithResult(Result, [&] { return m_encoder.CloseEncoder(); });
     }
     STDMETHODIMP ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result) override
     {
         const auto read = [&](std::wstring& text) { return m_encoder.ReadSerialNumber(text); };
-        return Answer(Result, read, SerialNumber);
+        return CallWithResult(Result, read, SerialNumber);
     }
     STDMETHODIMP ReadDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, BSTR* BlocContents,
                               ::sceReturnCode* Result) override
     {
         const auto read = [&](std::wstring& contents) {
-            return m_encoder.ReadDataBloc(BlocNumber, TextOf(key), KeyType, contents);
+            return m_encoder.ReadDataBloc(BlocNumber, ViewOf(key), KeyType, contents);
         };
-        return Answer(Result, read, BlocContents);
+        return CallWithResult(Result, read, BlocContents);
     }
     STDMETHODIMP ReadManufacturerCode(BSTR key, unsigned char KeyType, LONG* SerialNumber,
                                       unsigned char* CheckSum, BSTR* ManufacturerInfo,
                                       ::sceReturnCode* Result) override
     {
         const auto read = [&](std::wstring& info, int32_t& serialNumber, uint8_t& checkSum) {
-            return m_encoder.ReadManufacturerCode(TextOf(key), KeyType, serialNumber, checkSum, info);
+            return m_encoder.ReadManufacturerCode(ViewOf(key), KeyType, serialNumber, checkSum, info);
         };
-        return Answer(Result, read, ManufacturerInfo, SerialNumber, CheckSum);
+        return CallWithResult(Result, read, ManufacturerInfo, SerialNumber, CheckSum);
     }
     STDMETHODIMP ReadSectorTrailer(LONG SectorNumber, BSTR key, unsigned char KeyType,
                                    unsigned char* KeysUsed, ::SCBS_SecurityLevelEnum* Security0,
@@ -122,23 +122,23 @@ public:
                                    ::sceReturnCode* Result) override
     {
         const auto read = [&](auto&... parts) {
-            return m_encoder.ReadSectorTrailer(SectorNumber, TextOf(key), KeyType, parts...);
+            return m_encoder.ReadSectorTrailer(SectorNumber, ViewOf(key), KeyType, parts...);
         };
-        return Answer(Result, read, KeysUsed, Security0, Security1, Security2, Conditions, BX);
+        return CallWithResult(Result, read, KeysUsed, Security0, Security1, Security2, Conditions, BX);
     }
     STDMETHODIMP WriteDataBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, BSTR* BlocContents,
                                ::sceReturnCode* Result) override
     {
         const auto write = [&](std::wstring& contents) {
-            return m_encoder.WriteDataBloc(BlocNumber, TextOf(key), KeyType, contents);
+            return m_encoder.WriteDataBloc(BlocNumber, ViewOf(key), KeyType, contents);
         };
-        return Answer(Result, write, BlocContents);
+        return CallWithResult(Result, write, BlocContents);
     }
     STDMETHODIMP WriteValueBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, LONG value,
                                 ::sceReturnCode* Result) override
     {
-        return Answer(Result,
-                      [&] { return m_encoder.WriteValueBloc(BlocNumber, TextOf(key), KeyType, value); });
+        return CallWithResult(
+            Result, [&] { return m_encoder.WriteValueBloc(BlocNumber, ViewOf(key), KeyType, value); });
     }
     STDMETHODIMP WriteSectorTrailer(LONG SectorNumber, BSTR key, unsigned char KeyType, BSTR KeyA, BSTR KeyB,
                                     unsigned char KeysToUse, ::SCBS_SecurityLevelEnum Security0,
@@ -148,21 +148,21 @@ public:
     {
         const auto write = [&] {
             return m_encoder.WriteSectorTrailer(
-                SectorNumber, TextOf(key), KeyType, TextOf(KeyA), TextOf(KeyB), KeysToUse,
+                SectorNumber, ViewOf(key), KeyType, ViewOf(KeyA), ViewOf(KeyB), KeysToUse,
                 static_cast<SCBS_SecurityLevelEnum>(Security0),
                 static_cast<SCBS_SecurityLevelEnum>(Security1),
                 static_cast<SCBS_SecurityLevelEnum>(Security2),
                 static_cast<SCSS_SecurityLevelEnum>(Conditions), ConvertToByte(BX));
         };
-        return Answer(Result, write);
+        return CallWithResult(Result, write);
     }
     STDMETHODIMP WriteBytesInBloc(LONG BlocNumber, BSTR key, unsigned char KeyType, unsigned char FromByte,
                                   unsigned char ToByte, BSTR* BlocContents, ::sceReturnCode* Result) override
     {
         const auto write = [&](std::wstring& contents) {
-            return m_encoder.WriteBytesInBloc(BlocNumber, TextOf(key), KeyType, FromByte, ToByte, contents);
+            return m_encoder.WriteBytesInBloc(BlocNumber, ViewOf(key), KeyType, FromByte, ToByte, contents);
         };
-        return Answer(Result, write, BlocContents);
+        return CallWithResult(Result, write, BlocContents);
     }
     STDMETHODIMP ReOpenEncoder() override
     {

@@ -16,7 +16,7 @@ class AutomationError final : public AutomationObject<::CError, _CError>
 {
 public:
     AutomationError() : AutomationError(std::make_shared<CError>()) {}
-    explicit AutomationError(std::shared_ptr<CError> Record) : m_record(std::move(Record)) {}
+    explicit AutomationError(std::shared_ptr<CError> record) : m_record(std::move(record)) {}
 
     STDMETHODIMP get_Number(LONG* Value) override { return Get(&CError::Number, Value); }
     STDMETHODIMP put_Number(LONG Value) override { return Put(&CError::Number, Value); }
@@ -33,17 +33,17 @@ public:
 
 private:
     template <class Field, class Callers>
-    HRESULT Get(Field CError::*Wanted, Callers* Result)
+    HRESULT Get(Field CError::*field, Callers* result)
     {
-        return Answer(Result, [&]() -> const Field& { return (*m_record).*Wanted; });
+        return CallWithResult(result, [&]() -> const Field& { return (*m_record).*field; });
     }
-    HRESULT Put(int32_t CError::*Changed, LONG Value)
+    HRESULT Put(int32_t CError::*field, LONG value)
     {
-        return Run([&] { (*m_record).*Changed = Value; });
+        return Run([&] { (*m_record).*field = value; });
     }
-    HRESULT Put(std::wstring CError::*Changed, BSTR Value)
+    HRESULT Put(std::wstring CError::*field, BSTR value)
     {
-        return Run([&] { (*m_record).*Changed = TextOf(Value); });
+        return Run([&] { (*m_record).*field = ViewOf(value); });
     }
 
     const std::shared_ptr<CError> m_record;

@@ -15,87 +15,91 @@ namespace acg
 {
 
 /// An object of a class of the type library, with its default interface. Members of the interface run their
-/// work through Run or Answer; calls by name reach them through the type library.
+/// work through Run or CallWithResult; calls by name reach them through the type library.
 template <class Class, class Interface>
 class AutomationObject : public ComObject<Interface, IProvideClassInfo, ISupportErrorInfo>
 {
     using Base = ComObject<Interface, IProvideClassInfo, ISupportErrorInfo>;
 
 public:
-    STDMETHODIMP QueryInterface(REFIID Wanted, void** Object) override
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override
     {
-        return Base::QueryInterface(Wanted == __uuidof(IDispatch) ? __uuidof(Interface) : Wanted, Object);
+        return Base::QueryInterface(id == __uuidof(IDispatch) ? __uuidof(Interface) : id, object);
     }
 
-    STDMETHODIMP GetTypeInfoCount(UINT* Count) override
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override
     {
-        return Answer(Count, [] { return 1; });
+        return CallWithResult(count, [] { return 1; });
     }
-    STDMETHODIMP GetTypeInfo(UINT Index, LCID /*language*/, ITypeInfo** Info) override
+    STDMETHODIMP GetTypeInfo(UINT index, LCID /*language*/, ITypeInfo** info) override
     {
-        const HRESULT refused = NoObject(reinterpret_cast<void**>(Info), Index == 0 ? S_OK : DISP_E_BADINDEX);
-        return FAILED(refused) ? refused : Described(IID{}, [&] { return m_description.Info.CopyTo(Info); });
+        const HRESULT refused = NoObject(reinterpret_cast<void**>(info), index == 0 ? S_OK : DISP_E_BADINDEX);
+        return FAILED(refused) ? refused : Described(IID{}, [&] { return m_description.Info.CopyTo(info); });
     }
-    STDMETHODIMP GetIDsOfNames(REFIID Reserved, LPOLESTR* Names, UINT Count, LCID /*language*/,
-                               DISPID* Ids) override
+    STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*language*/,
+                               DISPID* ids) override
     {
-        return Described(Reserved, [&] { return m_description.Info->GetIDsOfNames(Names, Count, Ids); });
+        return Described(reserved, [&] { return m_description.Info->GetIDsOfNames(names, count, ids); });
     }
-    STDMETHODIMP Invoke(DISPID Member, REFIID Reserved, LCID Language, WORD Flags, DISPPARAMS* Arguments,
-                        VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument) override
+    STDMETHODIMP Invoke(DISPID member, REFIID reserved, LCID language, WORD flags, DISPPARAMS* arguments,
+                        VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override
     {
-        return Described(Reserved, [&] {
-            return CallByName(m_description, static_cast<Interface*>(this), Member, Language, Flags,
-                              Arguments, Result, Exception, BadArgument);
+        return Described(reserved, [&] {
+            return CallByName(m_description, static_cast<Interface*>(this), member, language, flags,
+                              arguments, result, exception, badArgument);
         });
     }
 
-    STDMETHODIMP GetClassInfo(ITypeInfo** Info) override { return TypeInfoOf(__uuidof(Class), Info); }
+    STDMETHODIMP GetClassInfo(ITypeInfo** info) override { return TypeInfoOf(__uuidof(Class), info); }
 
-    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID Id) override
+    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override
     {
-        return Id == __uuidof(Interface) ? S_OK : S_FALSE;
+        return id == __uuidof(Interface) ? S_OK : S_FALSE;
     }
 
 protected:
     /// Runs a member without a result. The object outlives the call, whatever its host releases meanwhile: a
     /// dialog, and the default value of an object, let the host's code run.
     template <class Body>
-    HRESULT Run(const Body& Work) noexcept
+    HRESULT Run(const Body& body) noexcept
     {
         const Microsoft::WRL::ComPtr<Interface> alive(this);
         return Guarded([&] {
-            Work();
+            body();
             return S_OK;
         });
     }
 
-    /// Runs a member with a result, which is 0, or no text, where it fails. The work receives copies of the
-    /// variables; texts come first among these, so that none has changed where there is no memory for one.
+    /// Runs a member with a result, which is 0, or no text, if it fails. It receives copies of the variables.
+    /// A text comes first: if there is no memory to copy it back, no variable has changed.
     template <class Callers, class Body, class... Variables>
-    HRESULT Answer(Callers* Result, const Body& Work, Variables*... InOut) noexcept
+    HRESULT CallWithResult(Callers* result, const Body& body, Variables*... callers) noexcept
     {
+        static_assert(IsTextFirst<Variables...>);
         const Microsoft::WRL::ComPtr<Interface> alive(this);
         return Guarded([&] {
-            if (Result == nullptr) {
+            if (result == nullptr) {
                 return E_POINTER;
             }
-            *Result = Callers();
-            if (((InOut == nullptr) || ...)) {
+            *result = Callers();
+            if (((callers == nullptr) || ...)) {
                 return E_POINTER;
             }
-            std::tuple<Variable<Variables>...> variables(InOut...);
-            const auto work = [&](auto&... one) {
-                const auto result = Work(one.Copy...);
-                (one.GiveBack(), ...);
-                return ForCaller<Callers>(result);
+            std::tuple<InOut<Variables>...> variables(callers...);
+            const auto call = [&](auto&... one) {
+                const auto own = body(one.Copy...);
+                (one.CopyBack(), ...);
+                return ForCaller<Callers>(own);
             };
-            *Result = std::apply(work, variables);
+            *result = std::apply(call, variables);
             return S_OK;
         });
     }
 
 private:
+    template <class First = void, class... Others>
+    static constexpr bool IsTextFirst = !(std::is_same_v<Others, BSTR> || ...);
+
     template <class Body>
     HRESULT Described(REFIID reserved, const Body& use) noexcept
     {

@@ -14,7 +14,7 @@ namespace
 /// An argument as it is passed to the member.
 struct Passed {
     VARIANTARG Argument{};
-    OwnVariant Converted;        ///< a value of the declared type, where the caller's isn't one
+    OwnVariant Converted;        ///< a value of the declared type, if the caller's isn't one
     VARIANT* Variable = nullptr; ///< of the script, if any: receives the value after the call
 };
 
@@ -24,31 +24,31 @@ void PassReference(Passed& passed, VARTYPE type, void* variable)
     V_BYREF(&passed.Argument) = variable;
 }
 
-HRESULT Pass(const Member::Parameter& parameter, VARIANTARG& given, LCID language, Passed& passed)
+HRESULT Pass(const Member::Parameter& parameter, VARIANTARG& argument, LCID language, Passed& passed)
 {
-    if (IsLeftOut(given) && !parameter.IsOptional) {
+    if (IsLeftOut(argument) && !parameter.IsOptional) {
         return DISP_E_PARAMNOTOPTIONAL;
     }
     if (parameter.Type == VT_VARIANT) { // the member follows the references, as when it is called by slot
-        PassReference(passed, VT_VARIANT, &given);
+        PassReference(passed, VT_VARIANT, &argument);
         return S_OK;
     }
-    VARIANT* value = &given;
-    if (const HRESULT followed = Follow(value); FAILED(followed)) {
-        return followed;
+    VARIANT* value = &argument;
+    if (const HRESULT dereferenced = Dereference(value); FAILED(dereferenced)) {
+        return dereferenced;
     }
     if (parameter.IsReference && V_ISBYREF(value)) { // a variable with a type, as a compiled host names it
         passed.Argument = *value;
         return V_VT(value) == (VT_BYREF | parameter.Type) ? S_OK : DISP_E_TYPEMISMATCH;
     }
-    if (!parameter.IsReference && V_VT(&given) == parameter.Type) {
-        passed.Argument = given;
+    if (!parameter.IsReference && V_VT(&argument) == parameter.Type) {
+        passed.Argument = argument;
         return S_OK;
     }
     const HRESULT converted = passed.Converted.Convert(*value, parameter.Type, language);
     if (parameter.IsReference) {
-        passed.Variable = value == &given ? nullptr : value; // nothing is returned to a mere value
-        PassReference(passed, parameter.Type, &V_BYREF(&passed.Converted)); // where a variant has its value
+        passed.Variable = value == &argument ? nullptr : value; // nothing is returned to a mere value
+        PassReference(passed, parameter.Type, &V_BYREF(&passed.Converted)); // a variant's value itself
     } else {
         passed.Argument = passed.Converted;
     }
@@ -69,25 +69,25 @@ HRESULT PassNothing(const Member::Parameter& parameter, Passed& passed)
 }
 
 /// Named arguments come first; the others follow in reverse order.
-size_t ParameterOf(UINT argument, const DISPPARAMS& given, const Member& member)
+size_t ParameterOf(UINT index, const DISPPARAMS& arguments, const Member& member)
 {
-    if (argument >= given.cNamedArgs) {
-        return given.cArgs - 1 - argument;
+    if (index >= arguments.cNamedArgs) {
+        return arguments.cArgs - 1 - index;
     }
-    const DISPID name = given.rgdispidNamedArgs[argument];
+    const DISPID name = arguments.rgdispidNamedArgs[index];
     return name == DISPID_PROPERTYPUT ? member.Parameters.size() - 1 : static_cast<size_t>(name);
 }
 
-HRESULT PassAll(const Member& member, const DISPPARAMS& given, LCID language, std::vector<Passed>& all,
+HRESULT PassAll(const Member& member, const DISPPARAMS& arguments, LCID language, std::vector<Passed>& all,
                 UINT* badArgument)
 {
-    for (UINT at = 0; at < given.cArgs; ++at) {
-        const size_t index = ParameterOf(at, given, member);
+    for (UINT at = 0; at < arguments.cArgs; ++at) {
+        const size_t index = ParameterOf(at, arguments, member);
         if (index >= all.size() || member.Parameters[index].IsResult ||
             V_VT(&all[index].Argument) != VT_EMPTY) {
             return DISP_E_BADPARAMCOUNT;
         }
-        const HRESULT result = Pass(member.Parameters[index], given.rgvarg[at], language, all[index]);
+        const HRESULT result = Pass(member.Parameters[index], arguments.rgvarg[at], language, all[index]);
         if (FAILED(result)) {
             if (badArgument != nullptr) {
                 *badArgument = at;
@@ -116,7 +116,7 @@ void FillIn(EXCEPINFO& exception, HRESULT result)
 }
 
 /// Returns values to the script's variables and the result to the caller.
-void GiveBack(const Member& member, std::vector<Passed>& all, VARIANT* result)
+void CopyBack(const Member& member, std::vector<Passed>& all, VARIANT* result)
 {
     for (size_t at = 0; at < all.size(); ++at) {
         OwnVariant& value = all[at].Converted;
@@ -134,45 +134,47 @@ void GiveBack(const Member& member, std::vector<Passed>& all, VARIANT* result)
 
 } // namespace
 
-HRESULT CallByName(const InterfaceDescription& Interface, void* Object, DISPID Id, LCID Language, WORD Flags,
-                   const DISPPARAMS* Given, VARIANT* Result, EXCEPINFO* Exception, UINT* BadArgument)
+HRESULT CallByName(const InterfaceDescription& description, void* object, DISPID id, LCID language,
+                   WORD flags, const DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                   UINT* badArgument)
 {
-    if (Given == nullptr) {
+    if (arguments == nullptr) {
         return E_POINTER;
     }
-    if ((Given->cArgs > 0 && Given->rgvarg == nullptr) || Given->cNamedArgs > Given->cArgs ||
-        (Given->cNamedArgs > 0 && Given->rgdispidNamedArgs == nullptr)) {
+    if ((arguments->cArgs > 0 && arguments->rgvarg == nullptr) || arguments->cNamedArgs > arguments->cArgs ||
+        (arguments->cNamedArgs > 0 && arguments->rgdispidNamedArgs == nullptr)) {
         return E_INVALIDARG;
     }
     const auto member = std::ranges::find_if(
-        Interface.Members, [&](const Member& one) { return one.Id == Id && (one.Kind & Flags) != 0; });
-    if (member == Interface.Members.end()) {
+        description.Members, [&](const Member& one) { return one.Id == id && (one.Kind & flags) != 0; });
+    if (member == description.Members.end()) {
         return DISP_E_MEMBERNOTFOUND;
     }
     std::vector<Passed> all(member->Parameters.size());
-    HRESULT result = PassAll(*member, *Given, Language, all, BadArgument);
-    if (FAILED(result)) {
-        return result;
+    const HRESULT passed = PassAll(*member, *arguments, language, all, badArgument);
+    if (FAILED(passed)) {
+        return passed;
     }
     std::vector<VARTYPE> types;
-    std::vector<VARIANTARG*> arguments;
+    std::vector<VARIANTARG*> values;
     for (Passed& one : all) {
         types.push_back(V_VT(&one.Argument));
-        arguments.push_back(&one.Argument);
+        values.push_back(&one.Argument);
     }
     VARIANT returned;
-    result = DispCallFunc(Object, member->Slot, CC_STDCALL, VT_ERROR, static_cast<UINT>(all.size()),
-                          types.data(), arguments.data(), &returned);
-    if (FAILED(result)) {
-        return result;
+    const HRESULT called =
+        DispCallFunc(object, member->Slot, CC_STDCALL, VT_ERROR, static_cast<UINT>(all.size()), types.data(),
+                     values.data(), &returned);
+    if (FAILED(called)) {
+        return called;
     }
     if (FAILED(V_ERROR(&returned))) {
-        if (Exception != nullptr) {
-            FillIn(*Exception, V_ERROR(&returned));
+        if (exception != nullptr) {
+            FillIn(*exception, V_ERROR(&returned));
         }
         return DISP_E_EXCEPTION;
     }
-    GiveBack(*member, all, Result);
+    CopyBack(*member, all, result);
     return S_OK;
 }
 

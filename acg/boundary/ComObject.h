@@ -11,16 +11,16 @@ namespace acg
 {
 
 /// The number of living objects and of locks on factories: the library can't be unloaded while it isn't 0.
-inline std::atomic<long> Uses = 0;
+inline std::atomic<long> ModuleReferences = 0;
 
 /// Sets a null object; returns the reason.
-inline HRESULT NoObject(void** Object, HRESULT Reason)
+inline HRESULT NoObject(void** object, HRESULT reason)
 {
-    if (Object == nullptr) {
+    if (object == nullptr) {
         return E_POINTER;
     }
-    *Object = nullptr;
-    return Reason;
+    *object = nullptr;
+    return reason;
 }
 
 #pragma GCC diagnostic push
@@ -36,9 +36,9 @@ public:
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
 
-    STDMETHODIMP QueryInterface(REFIID Wanted, void** Object) override
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override
     {
-        if (Object == nullptr) {
+        if (object == nullptr) {
             return E_POINTER;
         }
         const struct {
@@ -46,13 +46,13 @@ public:
             IUnknown* Interface;
         } offered[] = {{__uuidof(Interfaces), static_cast<Interfaces*>(this)}...};
         for (const auto& one : offered) {
-            if (Wanted == __uuidof(IUnknown) || Wanted == one.Id) {
+            if (id == __uuidof(IUnknown) || id == one.Id) {
                 AddRef();
-                *Object = one.Interface;
+                *object = one.Interface;
                 return S_OK;
             }
         }
-        return NoObject(Object, E_NOINTERFACE);
+        return NoObject(object, E_NOINTERFACE);
     }
     STDMETHODIMP_(ULONG) AddRef() override { return ++m_references; }
     STDMETHODIMP_(ULONG) Release() override
@@ -65,8 +65,8 @@ public:
     }
 
 protected:
-    ComObject() { ++Uses; }
-    virtual ~ComObject() { --Uses; }
+    ComObject() { ++ModuleReferences; }
+    virtual ~ComObject() { --ModuleReferences; }
 
 private:
     std::atomic<ULONG> m_references = 1;
@@ -77,15 +77,15 @@ private:
 /// Creates an object and returns the wanted interface of it: no object, and null, if it has no such
 /// interface.
 template <class Object>
-HRESULT Create(REFIID Wanted, void** Created) noexcept
+HRESULT Create(REFIID id, void** created) noexcept
 {
     // The runtime allocates a few bytes for each thread that throws, and ends the process if there is no
     // memory for them then. An object stays on the thread that creates it, so they are allocated here.
     static_cast<void>(std::uncaught_exceptions());
     return Guarded([&] {
-        static_cast<void>(NoObject(Created, S_OK)); // so it is null where there is no memory
+        static_cast<void>(NoObject(created, S_OK)); // so it is null if there is no memory
         auto* const object = new Object;
-        const HRESULT result = object->QueryInterface(Wanted, Created);
+        const HRESULT result = object->QueryInterface(id, created);
         object->Release();
         return result;
     });

@@ -1,4 +1,4 @@
-// The four functions that a host's component loader calls, and the factories behind them.
+// The four functions that a host's component loader calls, and the class factories.
 #include <initguid.h> // defines the identifiers of the type library
 
 #include "acg/boundary/AutomationEncoder.h"
@@ -17,13 +17,13 @@ template <class Class>
 class Factory final : public ComObject<IClassFactory>
 {
 public:
-    STDMETHODIMP CreateInstance(IUnknown* Outer, REFIID Wanted, void** Object) override
+    STDMETHODIMP CreateInstance(IUnknown* outer, REFIID id, void** object) override
     {
-        return Outer != nullptr ? NoObject(Object, CLASS_E_NOAGGREGATION) : Create<Class>(Wanted, Object);
+        return outer != nullptr ? NoObject(object, CLASS_E_NOAGGREGATION) : Create<Class>(id, object);
     }
-    STDMETHODIMP LockServer(BOOL Lock) override
+    STDMETHODIMP LockServer(BOOL isLocked) override
     {
-        Uses += Lock != FALSE ? 1 : -1;
+        ModuleReferences += isLocked != FALSE ? 1 : -1;
         return S_OK;
     }
 };
@@ -32,20 +32,20 @@ public:
 
 } // namespace acg
 
-STDAPI DllGetClassObject(REFCLSID Class, REFIID Wanted, LPVOID* Object)
+STDAPI DllGetClassObject(REFCLSID classId, REFIID id, LPVOID* object)
 {
-    if (Class == __uuidof(Encoder)) {
-        return acg::Create<acg::Factory<acg::AutomationEncoder>>(Wanted, Object);
+    if (classId == __uuidof(Encoder)) {
+        return acg::Create<acg::Factory<acg::AutomationEncoder>>(id, object);
     }
-    if (Class == __uuidof(CError)) {
-        return acg::Create<acg::Factory<acg::AutomationError>>(Wanted, Object);
+    if (classId == __uuidof(CError)) {
+        return acg::Create<acg::Factory<acg::AutomationError>>(id, object);
     }
-    return acg::NoObject(Object, CLASS_E_CLASSNOTAVAILABLE);
+    return acg::NoObject(object, CLASS_E_CLASSNOTAVAILABLE);
 }
 
 STDAPI DllCanUnloadNow()
 {
-    return acg::Uses == 0 ? S_OK : S_FALSE;
+    return acg::ModuleReferences == 0 ? S_OK : S_FALSE;
 }
 
 STDAPI DllRegisterServer()

@@ -77,7 +77,7 @@ HRESULT Load(TypeLibrary& library)
     return result;
 }
 
-/// E_ACCESSDENIED where the system denies access; for any other failure the code of the part that failed.
+/// E_ACCESSDENIED if the system denies access; for any other failure the code of the part that failed.
 HRESULT ResultOf(LSTATUS status, HRESULT failed)
 {
     return status == ERROR_SUCCESS ? S_OK : status == ERROR_ACCESS_DENIED ? E_ACCESSDENIED : failed;
@@ -134,7 +134,7 @@ HRESULT UnregisterAll()
             result = ResultOf(status, SELFREG_E_CLASS);
         }
     }
-    // The key of all versions stays where it has another version.
+    // The key of all versions stays if it has another version.
     RegDeleteKeyW(HKEY_CLASSES_ROOT, (L"TypeLib\\" + IdText(library.guid)).c_str());
     return result;
 }

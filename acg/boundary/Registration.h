@@ -10,11 +10,11 @@ namespace acg
 inline constexpr wchar_t EncoderName[] = L"ACG_MultiISO_TV.Encoder";
 inline constexpr wchar_t ErrorName[] = L"ACG_MultiISO_TV.CError";
 
-/// Registers the classes, and the type library with its interfaces. Where it fails, nothing stays
+/// Registers the classes, and the type library with its interfaces. If it fails, nothing stays
 /// registered.
 HRESULT Register() noexcept;
 
-/// Removes all of that. What isn't there is no failure.
+/// Removes all of that. It doesn't fail if there is nothing to remove.
 HRESULT Unregister() noexcept;
 
 } // namespace acg

@@ -15,10 +15,10 @@ HRESULT ResultOfException() noexcept;
 
 /// Runs a member. No C++ exception leaves it, and error information of an earlier call is cleared.
 template <class Body>
-HRESULT Guarded(const Body& Run) noexcept
+HRESULT Guarded(const Body& body) noexcept
 {
     try {
-        const HRESULT result = Run();
+        const HRESULT result = body();
         if (FAILED(result)) {
             SetErrorInfo(0, nullptr);
         }

@@ -48,28 +48,28 @@ std::wstring OwnPath()
     return path;
 }
 
-HRESULT LoadOwnTypeLibrary(ITypeLib** Library)
+HRESULT LoadOwnTypeLibrary(ITypeLib** library)
 {
-    return LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, Library);
+    return LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, library);
 }
 
-HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info) noexcept
+HRESULT TypeInfoOf(REFGUID id, ITypeInfo** info) noexcept
 {
     return Guarded([&] {
-        if (Info == nullptr) {
+        if (info == nullptr) {
             return E_POINTER;
         }
-        *Info = nullptr;
+        *info = nullptr;
         Microsoft::WRL::ComPtr<ITypeLib> library;
         const HRESULT loaded = LoadOwnTypeLibrary(library.GetAddressOf());
-        return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(Id, Info);
+        return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(id, info);
     });
 }
 
-HRESULT Describe(REFIID Interface, InterfaceDescription& Description)
+HRESULT Describe(REFIID id, InterfaceDescription& description)
 {
     InterfaceDescription described;
-    HRESULT result = TypeInfoOf(Interface, described.Info.GetAddressOf());
+    HRESULT result = TypeInfoOf(id, described.Info.GetAddressOf());
     // That is the dispinterface, as a script sees it. The vtable interface is behind it.
     constexpr UINT behindDispatch = static_cast<UINT>(-1);
     HREFTYPE reference = 0;
@@ -85,7 +85,7 @@ HRESULT Describe(REFIID Interface, InterfaceDescription& Description)
         FUNCDESC* function = nullptr;
         result = slots->GetFuncDesc(at, &function);
         if (result == TYPE_E_ELEMENTNOTFOUND) {
-            std::swap(Description, described);
+            std::swap(description, described);
             return S_OK;
         }
         if (SUCCEEDED(result)) {

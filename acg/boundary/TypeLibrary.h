@@ -14,10 +14,10 @@ namespace acg
 /// The path of the DLL, or of the program, that this code is linked into.
 std::wstring OwnPath();
 
-HRESULT LoadOwnTypeLibrary(ITypeLib** Library);
+HRESULT LoadOwnTypeLibrary(ITypeLib** library);
 
 /// The description of an interface or a class.
-HRESULT TypeInfoOf(REFGUID Id, ITypeInfo** Info) noexcept;
+HRESULT TypeInfoOf(REFGUID id, ITypeInfo** info) noexcept;
 
 /// A member of an interface, as far as a call by name needs it.
 struct Member {
@@ -39,6 +39,6 @@ struct InterfaceDescription {
     std::vector<Member> Members;
 };
 
-HRESULT Describe(REFIID Interface, InterfaceDescription& Description);
+HRESULT Describe(REFIID id, InterfaceDescription& description);
 
 } // namespace acg

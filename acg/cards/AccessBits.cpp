@@ -45,7 +45,7 @@ constexpr std::optional<AccessTriple> BlockOfBothKeys[HighestLevel + 1] = {
     Bits000,      // 15   rw     rw
 };
 
-/// In place of 100, where the block was written as a value block since the opening.
+/// In place of 100, if the block was written as a value block since the opening.
 constexpr AccessTriple OfValueBlock = Bits110;
 
 /// Bits 0 and 1 of the level, what key A may write, for a sector that works with key A alone.
@@ -122,87 +122,87 @@ uint8_t ByteOf(std::wstring_view block, size_t byte)
 
 } // namespace
 
-std::optional<AccessTriple> BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock)
+std::optional<AccessTriple> BlockTriple(int32_t level, uint8_t keysToUse, bool isValueBlock)
 {
-    if (KeysToUse == KeyAAlone) {
-        return BlockOfKeyA[Level & RightsOfKeyA];
+    if (keysToUse == KeyAAlone) {
+        return BlockOfKeyA[level & RightsOfKeyA];
     }
-    if (Level > HighestLevel) {
+    if (level > HighestLevel) {
         return std::nullopt;
     }
-    const std::optional<AccessTriple> triple = BlockOfBothKeys[Level];
-    return IsValueBlock && triple == Bits100 ? OfValueBlock : triple;
+    const std::optional<AccessTriple> triple = BlockOfBothKeys[level];
+    return isValueBlock && triple == Bits100 ? OfValueBlock : triple;
 }
 
-std::optional<AccessTriple> TrailerTriple(int32_t Level, uint8_t KeysToUse)
+std::optional<AccessTriple> TrailerTriple(int32_t level, uint8_t keysToUse)
 {
-    if (KeysToUse == KeyAAlone) {
-        return TrailerOfKeyA[Level & RightsOfKeyA];
+    if (keysToUse == KeyAAlone) {
+        return TrailerOfKeyA[level & RightsOfKeyA];
     }
-    if (Level > HighestLevel || (Level & RightsOfKeyA) != 0) {
+    if (level > HighestLevel || (level & RightsOfKeyA) != 0) {
         return std::nullopt;
     }
-    return TrailerOfBoth[Level / (RightsOfKeyA + 1)];
+    return TrailerOfBoth[level / (RightsOfKeyA + 1)];
 }
 
-void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes)
+void StoreAccessBits(AccessTriple triple, uint8_t mask, ConditionBytes& bytes)
 {
-    const auto bits = static_cast<unsigned>(Triple);
+    const auto bits = static_cast<unsigned>(triple);
     const bool c1 = (bits & 4U) != 0;
     const bool c2 = (bits & 2U) != 0;
     const bool c3 = (bits & 1U) != 0;
-    const auto store = [Mask](uint8_t& byte, bool highBit, bool lowBit) {
-        const uint8_t high = HighNibble(Mask);
-        byte = static_cast<uint8_t>((byte & ~(high | Mask)) | (highBit ? high : 0) | (lowBit ? Mask : 0));
+    const auto store = [mask](uint8_t& byte, bool highBit, bool lowBit) {
+        const uint8_t high = HighNibble(mask);
+        byte = static_cast<uint8_t>((byte & ~(high | mask)) | (highBit ? high : 0) | (lowBit ? mask : 0));
     };
-    store(Bytes[0], /*highBit=*/!c2, /*lowBit=*/!c1);
-    store(Bytes[1], /*highBit=*/c1, /*lowBit=*/!c3);
-    store(Bytes[2], /*highBit=*/c3, /*lowBit=*/c2);
+    store(bytes[0], /*highBit=*/!c2, /*lowBit=*/!c1);
+    store(bytes[1], /*highBit=*/c1, /*lowBit=*/!c3);
+    store(bytes[2], /*highBit=*/c3, /*lowBit=*/c2);
 }
 
-ConditionBytes ConditionBytesOf(std::wstring_view Trailer)
+ConditionBytes ConditionBytesOf(std::wstring_view trailer)
 {
-    return {ByteOf(Trailer, AccessBitsAt), ByteOf(Trailer, AccessBitsAt + 1),
-            ByteOf(Trailer, AccessBitsAt + 2)};
+    return {ByteOf(trailer, AccessBitsAt), ByteOf(trailer, AccessBitsAt + 1),
+            ByteOf(trailer, AccessBitsAt + 2)};
 }
 
-uint8_t UserByteOf(std::wstring_view Trailer)
+uint8_t UserByteOf(std::wstring_view trailer)
 {
-    return ByteOf(Trailer, UserByteAt);
+    return ByteOf(trailer, UserByteAt);
 }
 
-AccessTriple TripleIn(const ConditionBytes& Bytes, unsigned Slot)
+AccessTriple TripleIn(const ConditionBytes& bytes, unsigned slot)
 {
-    const auto bit = [Slot](unsigned byte, unsigned nibble) { return byte >> (nibble + Slot) & 1U; };
-    const unsigned c1 = bit(Bytes[1], NibbleBits);
-    const unsigned c2 = bit(Bytes[2], 0);
-    const unsigned c3 = bit(Bytes[2], NibbleBits);
+    const auto bit = [slot](unsigned byte, unsigned nibble) { return byte >> (nibble + slot) & 1U; };
+    const unsigned c1 = bit(bytes[1], NibbleBits);
+    const unsigned c2 = bit(bytes[2], 0);
+    const unsigned c3 = bit(bytes[2], NibbleBits);
     return static_cast<AccessTriple>(c1 << 2 | c2 << 1 | c3);
 }
 
-const BlockRights& BlockRightsOf(AccessTriple Triple)
+const BlockRights& BlockRightsOf(AccessTriple triple)
 {
-    return OnBlock[static_cast<size_t>(Triple)];
+    return OnBlock[static_cast<size_t>(triple)];
 }
 
-const TrailerRights& TrailerRightsOf(AccessTriple Triple)
+const TrailerRights& TrailerRightsOf(AccessTriple triple)
 {
-    return OnTrailer[static_cast<size_t>(Triple)];
+    return OnTrailer[static_cast<size_t>(triple)];
 }
 
-int32_t LevelOf(const BlockRights& Rights)
+int32_t LevelOf(const BlockRights& rights)
 {
-    return Level(Rights.Read, Rights.Write);
+    return Level(rights.Read, rights.Write);
 }
 
-int32_t LevelOf(const TrailerRights& Rights)
+int32_t LevelOf(const TrailerRights& rights)
 {
-    return Level(Rights.WriteKeys, Rights.WriteConditions);
+    return Level(rights.WriteKeys, rights.WriteConditions);
 }
 
-uint8_t KeysUsedBy(const TrailerRights& Rights)
+uint8_t KeysUsedBy(const TrailerRights& rights)
 {
-    return Rights.ReadKeyB == KeySet::None ? BothKeys : KeyAAlone;
+    return rights.ReadKeyB == KeySet::None ? BothKeys : KeyAAlone;
 }
 
 } // namespace acg

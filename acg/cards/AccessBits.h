@@ -2,8 +2,8 @@
 // for them.
 //
 // What the card does with each combination of bits is published in the data sheets MF1S50yyX and MF1S70yyX,
-// chapter 8.7. Which level becomes which combination, which levels are refused, and which level a combination
-// reads back as are this component's decisions: docs/access-levels.md.
+// Rev. 3.2, chapter 8.7. Which level becomes which combination, which levels are refused, and which level a
+// combination reads back as are this component's decisions: docs/access-levels.md.
 //
 // Bytes 6, 7 and 8 of the trailer; bit i of each nibble belongs to slot i, and ~ marks the inverted copies:
 //
@@ -44,27 +44,27 @@ inline constexpr unsigned TrailerSlot = DataSlots;
 inline constexpr unsigned SectorSlots = DataSlots + 1;
 
 /// The bit of a slot in each nibble of the condition bytes.
-[[nodiscard]] constexpr uint8_t MaskOf(unsigned Slot)
+[[nodiscard]] constexpr uint8_t MaskOf(unsigned slot)
 {
-    return static_cast<uint8_t>(1U << Slot);
+    return static_cast<uint8_t>(1U << slot);
 }
 
 /// The triple of a data block's level, which is at least 0; nothing for a level that can't be stored.
-[[nodiscard]] std::optional<AccessTriple> BlockTriple(int32_t Level, uint8_t KeysToUse, bool IsValueBlock);
+[[nodiscard]] std::optional<AccessTriple> BlockTriple(int32_t level, uint8_t keysToUse, bool isValueBlock);
 
 /// The triple of the trailer's level, which is at least 0; nothing for a level that can't be stored.
-[[nodiscard]] std::optional<AccessTriple> TrailerTriple(int32_t Level, uint8_t KeysToUse);
+[[nodiscard]] std::optional<AccessTriple> TrailerTriple(int32_t level, uint8_t keysToUse);
 
 /// Stores the triple in the slot with that mask (1, 2, 4 or 8), inverted copies included.
-void StoreAccessBits(AccessTriple Triple, uint8_t Mask, ConditionBytes& Bytes);
+void StoreAccessBits(AccessTriple triple, uint8_t mask, ConditionBytes& bytes);
 
-/// Bytes 6 to 8 and byte 9, BX, of a trailer, which has 32 characters. A pair that isn't hexadecimal counts
+/// Bytes 6 to 8 and byte 9 of a trailer, which has 32 characters. A pair that isn't hexadecimal counts
 /// as far as it can be read.
-[[nodiscard]] ConditionBytes ConditionBytesOf(std::wstring_view Trailer);
-[[nodiscard]] uint8_t UserByteOf(std::wstring_view Trailer);
+[[nodiscard]] ConditionBytes ConditionBytesOf(std::wstring_view trailer);
+[[nodiscard]] uint8_t UserByteOf(std::wstring_view trailer);
 
 /// The triple of the slot, 0 to 3, by its plain bits. The inverted copies aren't compared.
-[[nodiscard]] AccessTriple TripleIn(const ConditionBytes& Bytes, unsigned Slot);
+[[nodiscard]] AccessTriple TripleIn(const ConditionBytes& bytes, unsigned slot);
 
 /// The keys that have a right, as a set.
 enum class KeySet : uint8_t {
@@ -74,10 +74,10 @@ enum class KeySet : uint8_t {
     AOrB = A | B, ///< either of them
 };
 
-/// Key: one of them.
-[[nodiscard]] constexpr bool Has(KeySet Set, KeySet Key)
+/// key: one of them.
+[[nodiscard]] constexpr bool Has(KeySet set, KeySet key)
 {
-    return (static_cast<unsigned>(Set) & static_cast<unsigned>(Key)) != 0;
+    return (static_cast<unsigned>(set) & static_cast<unsigned>(key)) != 0;
 }
 
 /// What may be done with a data block, but for incrementing and decrementing.
@@ -89,21 +89,21 @@ struct BlockRights {
 /// What may be done with a trailer. Key A can never be read.
 struct TrailerRights {
     KeySet WriteKeys;
-    KeySet WriteConditions; ///< the access bits of all slots, and BX
+    KeySet WriteConditions; ///< the access bits of all slots, and byte 9
     KeySet ReadConditions;
-    KeySet ReadKeyB; ///< where it can be read, key B is no key and has no right to anything
+    KeySet ReadKeyB; ///< if it can be read, key B is no key and has no rights
 };
 
 /// What the card grants for a triple of a data slot, were key B a key.
-[[nodiscard]] const BlockRights& BlockRightsOf(AccessTriple Triple);
+[[nodiscard]] const BlockRights& BlockRightsOf(AccessTriple triple);
 /// What the card grants for a triple of the trailer's slot.
-[[nodiscard]] const TrailerRights& TrailerRightsOf(AccessTriple Triple);
+[[nodiscard]] const TrailerRights& TrailerRightsOf(AccessTriple triple);
 
 /// The SCBS level as which a data slot with these rights reads back.
-[[nodiscard]] int32_t LevelOf(const BlockRights& Rights);
+[[nodiscard]] int32_t LevelOf(const BlockRights& rights);
 /// The SCSS level as which a trailer with these rights reads back.
-[[nodiscard]] int32_t LevelOf(const TrailerRights& Rights);
-/// The key mode as which it reads back: KeyAAlone where key B can be read out, else BothKeys.
-[[nodiscard]] uint8_t KeysUsedBy(const TrailerRights& Rights);
+[[nodiscard]] int32_t LevelOf(const TrailerRights& rights);
+/// The key mode as which it reads back: KeyAAlone if key B can be read out, else BothKeys.
+[[nodiscard]] uint8_t KeysUsedBy(const TrailerRights& rights);
 
 } // namespace acg

@@ -13,33 +13,33 @@ constexpr int32_t FirstLargeBlock = FirstLargeSector * SmallSectorBlocks;
 
 } // namespace
 
-int32_t LoginSector(int32_t BlocNumber)
+int32_t LoginSector(int32_t blocNumber)
 {
-    const int32_t sector = SectorOf(BlocNumber);
+    const int32_t sector = SectorOf(blocNumber);
     return sector < FirstLargeSector
                ? sector
                : (sector - FirstLargeSector) * (LargeSectorBlocks / SmallSectorBlocks) + FirstLargeSector;
 }
 
-int32_t SectorOf(int32_t BlocNumber)
+int32_t SectorOf(int32_t blocNumber)
 {
-    return BlocNumber < FirstLargeBlock
-               ? BlocNumber / SmallSectorBlocks
-               : (BlocNumber - FirstLargeBlock) / LargeSectorBlocks + FirstLargeSector;
+    return blocNumber < FirstLargeBlock
+               ? blocNumber / SmallSectorBlocks
+               : (blocNumber - FirstLargeBlock) / LargeSectorBlocks + FirstLargeSector;
 }
 
-int32_t TrailerBlock(int32_t SectorNumber)
+int32_t TrailerBlock(int32_t sectorNumber)
 {
-    const auto sector = static_cast<uint32_t>(SectorNumber);
-    const uint32_t firstBehind = SectorNumber < FirstLargeSector
-                                     ? (sector + 1) * SmallSectorBlocks
-                                     : (sector + 1 - FirstLargeSector) * LargeSectorBlocks + FirstLargeBlock;
-    return static_cast<int32_t>(firstBehind - 1);
+    const auto sector = static_cast<uint32_t>(sectorNumber);
+    const uint32_t next = sectorNumber < FirstLargeSector
+                              ? (sector + 1) * SmallSectorBlocks
+                              : (sector + 1 - FirstLargeSector) * LargeSectorBlocks + FirstLargeBlock;
+    return static_cast<int32_t>(next - 1);
 }
 
-int32_t BlockBefore(int32_t BlocNumber, uint32_t Blocks)
+int32_t BlockBefore(int32_t blocNumber, uint32_t blocks)
 {
-    return static_cast<int32_t>(static_cast<uint32_t>(BlocNumber) - Blocks);
+    return static_cast<int32_t>(static_cast<uint32_t>(blocNumber) - blocks);
 }
 
 } // namespace acg

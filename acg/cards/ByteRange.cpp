@@ -24,11 +24,11 @@ sceReturnCode Encoder::WriteBytesInBloc(int32_t BlocNumber, std::wstring_view ke
     }
 
     const size_t from = FromByte * DigitsOfByte;
-    const size_t behind = (ToByte + 1) * DigitsOfByte;
+    const size_t end = (ToByte + 1) * DigitsOfByte;
     BlockText newBlock;
     newBlock.Text = old.substr(0, from);
-    newBlock.Text.append(BlocContents, 0, behind - from).resize(behind, L'0');
-    newBlock.Text += old.substr(behind);
+    newBlock.Text.append(BlocContents, 0, end - from).resize(end, L'0');
+    newBlock.Text += old.substr(end);
     if (WriteDataBloc(BlocNumber, key, KeyType, newBlock.Text) == sceError) {
         Replace(BlocContents, old);
         return FailBelow(OperationName);

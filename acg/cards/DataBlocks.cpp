@@ -29,8 +29,8 @@ namespace
 ///
 /// The good reply to "login" is the status letter "L"; a reply of data is a failure of the reader. One type
 /// of reader answers otherwise: there the block command shows whether the login succeeded.
-sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
-                                   std::wstring_view OperationName)
+Failure Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                             std::wstring_view OperationName)
 {
     constexpr std::wstring_view ReaderWithSilentLogin = L"multiiso 1.0";
 
@@ -39,40 +39,60 @@ sceReturnCode Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, ui
     ByteString reply;
     Failure failure = Exchange("login", data, reply);
     if (m_sReaderType == ReaderWithSilentLogin || failure.Letter == StatusLoggedIn) {
-        return sceSuccess;
+        return {};
     }
     if (failure) {
         failure.Number = AuthenticationFailure.Number;
         failure.Description = AuthenticationFailure.Description;
         RecordExchange(failure, "login");
     } else { // the other fields keep what the selection has set
-        m_oLastError->Number = EncoderFailure.Number;
-        m_oLastError->Description = EncoderFailure.Description;
+        failure = EncoderFailure;
+        m_oLastError->Number = failure.Number;
+        m_oLastError->Description = failure.Description;
     }
-    return FailBelow(OperationName);
+    TraceLastError(OperationName);
+    return failure;
+}
+
+/// Selects the card, logs in on the block's sector and sends a command. Success or failure is recorded under
+/// the name of the calling operation. isSelected becomes true once the card is selected.
+Failure Encoder::BlockCommand(const char* command, const CommandData& data, ByteString& reply,
+                              int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                              std::wstring_view OperationName, bool* isSelected)
+{
+    if (const Failure failure = SelectCardInRange()) {
+        TraceLastError(OperationName);
+        return failure;
+    }
+    if (isSelected != nullptr) {
+        *isSelected = true;
+    }
+    if (const Failure failure = SectorLogin(BlocNumber, key, KeyType, OperationName)) {
+        return failure;
+    }
+    if (const Failure failure = EncoderCommand(command, data, reply)) {
+        TraceLastError(OperationName);
+        return failure;
+    }
+    ResetLastError(OperationName);
+    return {};
 }
 
 sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                     std::wstring& BlocContents)
 {
-    constexpr std::wstring_view OperationName = L"ReadDataBloc";
-
     ResetLastError();
-    if (SelectCardInRange()) {
-        return FailBelow(OperationName);
-    }
-    if (SectorLogin(BlocNumber, key, KeyType, OperationName) == sceError) {
-        BlocContents.clear();
-        return sceError;
-    }
     CommandData data;
     data.AddByte(BlocNumber);
     ByteString reply;
-    if (EncoderCommand("read block", data, reply)) {
-        BlocContents.clear();
-        return FailBelow(OperationName);
+    bool isSelected = false;
+    if (const Failure failure =
+            BlockCommand("read block", data, reply, BlocNumber, key, KeyType, L"ReadDataBloc", &isSelected)) {
+        if (isSelected) {
+            BlocContents.clear();
+        }
+        return sceError;
     }
-    ResetLastError(OperationName);
     m_bReplyIsWhole = StoreReply(BlocContents, reply.Bytes());
     return sceSuccess;
 }
@@ -86,20 +106,14 @@ sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, std::wstring_view key, 
     if (!IsHexString(BlocContents, BlockDigits)) {
         return Fail(BadDataBloc, OperationName);
     }
-    if (SelectCardInRange()) {
-        return FailBelow(OperationName);
-    }
-    if (SectorLogin(BlocNumber, key, KeyType, OperationName) == sceError) {
-        return sceError;
-    }
     CommandData data;
     data.AddByte(BlocNumber).AddText(BlocContents);
     ByteString reply;
-    if (EncoderCommand("write block", data, reply)) {
-        return FailBelow(OperationName);
+    if (const Failure failure =
+            BlockCommand("write block", data, reply, BlocNumber, key, KeyType, OperationName)) {
+        return sceError;
     }
     m_bReplyIsWhole = StoreReply(BlocContents, reply.Bytes());
-    ResetLastError(OperationName);
     return sceSuccess;
 }
 

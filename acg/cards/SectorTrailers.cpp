@@ -18,13 +18,13 @@ namespace
 
 constexpr size_t KeyDigits = KeySize * DigitsOfByte;
 
-sceReturnCode Store(std::optional<AccessTriple> triple, uint8_t mask, ConditionBytes& bytes)
+Failure Store(std::optional<AccessTriple> triple, uint8_t mask, ConditionBytes& bytes)
 {
     if (!triple) {
-        return sceError;
+        return BadSecurity;
     }
     StoreAccessBits(*triple, mask, bytes);
-    return sceSuccess;
+    return {};
 }
 
 } // namespace
@@ -71,7 +71,8 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
     if (!AreHexDigits(KeyA, KeyDigits) || !AreHexDigits(KeyB, KeyDigits)) {
         return Fail(BadKey, OperationName);
     }
-    for (const int32_t level : std::initializer_list<int32_t>{Security0, Security1, Security2, Conditions}) {
+    const int32_t levels[SectorSlots] = {Security0, Security1, Security2, Conditions};
+    for (const int32_t level : levels) {
         if (level < KeepBlockAccess || level > HighestLevel) {
             return Fail(BadSecurity, OperationName);
         }
@@ -98,14 +99,14 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
     const uint8_t keyMode = KeysToUse == KeysAsOnCard ? keysUsed : KeysToUse;
     ConditionBytes bytes = ConditionBytesOf(trailer.Text);
     // In a sector of 16 blocks too, its last three data blocks are looked up as value blocks.
-    const std::initializer_list<sceReturnCode> encoded = {
-        SetBlockAccess(Security0, keyMode, MaskOf(0), BlockBefore(trailerBlock, 3), bytes),
-        SetBlockAccess(Security1, keyMode, MaskOf(1), BlockBefore(trailerBlock, 2), bytes),
-        SetBlockAccess(Security2, keyMode, MaskOf(2), BlockBefore(trailerBlock, 1), bytes),
-        SetTrailerAccess(Conditions, keyMode, MaskOf(TrailerSlot), bytes),
-    };
-    if (std::ranges::find(encoded, sceError) != encoded.end()) {
-        return Fail(BadSecurity, OperationName);
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        const int32_t block = BlockBefore(trailerBlock, DataSlots - slot);
+        if (const Failure failure = SetBlockAccess(levels[slot], keyMode, MaskOf(slot), block, bytes)) {
+            return Fail(failure, OperationName);
+        }
+    }
+    if (const Failure failure = SetTrailerAccess(Conditions, keyMode, MaskOf(TrailerSlot), bytes)) {
+        return Fail(failure, OperationName);
     }
 
     trailer.Text = TrimBlanks(KeyA);
@@ -121,21 +122,19 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
     return sceSuccess;
 }
 
-sceReturnCode Encoder::SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, int32_t BlocNumber,
-                                      ConditionBytes& Bytes) const
+Failure Encoder::SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, int32_t BlocNumber,
+                                ConditionBytes& bytes) const
 {
     if (Level < 0) {
-        return sceSuccess;
+        return {};
     }
-    // WriteSectorTrailer has read the trailer by now, so the encoder is open and has a list.
-    const bool isValueBlock =
-        m_colValueBlocks && std::ranges::find(*m_colValueBlocks, BlocNumber) != m_colValueBlocks->end();
-    return Store(BlockTriple(Level, KeysToUse, isValueBlock), Mask, Bytes);
+    const bool isValueBlock = std::ranges::find(m_colValueBlocks, BlocNumber) != m_colValueBlocks.end();
+    return Store(BlockTriple(Level, KeysToUse, isValueBlock), Mask, bytes);
 }
 
-sceReturnCode Encoder::SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, ConditionBytes& Bytes)
+Failure Encoder::SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, ConditionBytes& bytes)
 {
-    return Level < 0 ? sceSuccess : Store(TrailerTriple(Level, KeysToUse), Mask, Bytes);
+    return Level < 0 ? Failure() : Store(TrailerTriple(Level, KeysToUse), Mask, bytes);
 }
 
 } // namespace acg

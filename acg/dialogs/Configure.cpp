@@ -11,7 +11,7 @@ sceReturnCode Encoder::Configure(std::wstring Language)
 {
     ResetLastError();
     frmConfigure& dialog = frmConfigure::OfThread();
-    // Where the host lets the dialog of another encoder be open already, nothing of it is touched.
+    // If the dialog of another encoder is open on this thread, it is left alone.
     if (!dialog.IsOpen()) {
         dialog.Language = std::move(Language);
         dialog.Device = m_sDevice;

@@ -6,21 +6,21 @@
 namespace acg
 {
 
-bool IsFrench(std::wstring_view Language)
+bool IsFrench(std::wstring_view language)
 {
-    return ToLower(Language) == L"francais";
+    return ToLower(language) == L"francais";
 }
 
-std::wstring Fill(std::wstring Text, std::initializer_list<std::wstring_view> Values)
+std::wstring Fill(std::wstring text, std::initializer_list<std::wstring_view> values)
 {
     int number = 0;
-    for (const std::wstring_view value : Values) {
+    for (const std::wstring_view value : values) {
         const std::wstring placeholder = L"%" + DecimalText(++number);
-        for (size_t at = 0; (at = Text.find(placeholder, at)) != std::wstring::npos; at += value.size()) {
-            Text.replace(at, placeholder.size(), value);
+        for (size_t at = 0; (at = text.find(placeholder, at)) != std::wstring::npos; at += value.size()) {
+            text.replace(at, placeholder.size(), value);
         }
     }
-    return Text;
+    return text;
 }
 
 } // namespace acg

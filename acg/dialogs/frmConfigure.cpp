@@ -58,7 +58,7 @@ constexpr Area FieldArea(int row, int width = FieldWidth)
     return InFrame({FieldLeft, RowTop(row), width, RowHeight});
 }
 
-/// The position of the selected line; the field is unchanged where none is selected.
+/// The position of the selected line; the field is unchanged if none is selected.
 void TakePosition(const Control& list, uint8_t& field)
 {
     if (list.SelectedLine() != Control::NoLine) {
@@ -66,7 +66,7 @@ void TakePosition(const Control& list, uint8_t& field)
     }
 }
 
-/// The whole number in the text, blanks and tabs around it ignored; the field is unchanged where there is
+/// The whole number in the text, blanks and tabs around it ignored; the field is unchanged if there is
 /// none, or it is too large.
 void TakeNumber(std::wstring_view text, int32_t& field)
 {
@@ -79,7 +79,7 @@ void TakeNumber(std::wstring_view text, int32_t& field)
     }
 }
 
-/// The position of the line that is that text; NoLine where there is none.
+/// The position of the line that is that text; NoLine if there is none.
 int FindLine(const std::vector<std::wstring>& lines, std::wstring_view text)
 {
     const auto found = std::ranges::find(lines, text);
@@ -90,7 +90,7 @@ int FindLine(const std::vector<std::wstring>& lines, std::wstring_view text)
 
 /// The form and its controls in tab order, created at each opening.
 struct frmConfigure::Screen {
-    frmConfigure& Shown;
+    frmConfigure& Owner;
     const ReaderDLL& Reader;
 
     Form Dialog{{.Width = 6735, .Height = 3825, .FontPoints = 9}};
@@ -116,13 +116,13 @@ struct frmConfigure::Screen {
     Control& cmdCancel =
         Dialog.Add({"cmdCancel", ControlKind::Button, {4867, BottomButtonTop, 1770, ButtonHeight}});
 
-    Screen(frmConfigure& Opened, const ReaderDLL& Used) : Shown(Opened), Reader(Used)
+    Screen(frmConfigure& form, const ReaderDLL& reader) : Owner(form), Reader(reader)
     {
         Dialog.DefaultButton = &cmdOK;
         Dialog.CancelButton = &cmdCancel;
-        Shown.m_screen = this;
+        Owner.m_screen = this;
     }
-    ~Screen() { Shown.m_screen = nullptr; }
+    ~Screen() { Owner.m_screen = nullptr; }
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 };
@@ -132,12 +132,12 @@ frmConfigure& frmConfigure::OfThread()
     return OwnDialog.Get();
 }
 
-void frmConfigure::Show(const ReaderDLL& Reader)
+void frmConfigure::Show(const ReaderDLL& reader)
 {
     if (IsOpen()) {
         return;
     }
-    Screen screen(*this, Reader);
+    Screen screen(*this, reader);
     screen.cboAutoDetect.OnPick = [this] { cboAutoDetect_Click(); };
     screen.cboAutoDetect.OnEdit = [this] { cboAutoDetect_Change(); };
     screen.txtTimeout.AcceptsTyped = txtTimeout_KeyPress;
@@ -157,7 +157,7 @@ void frmConfigure::Form_Load()
 
     screen.Dialog.Caption = text({L"ACG Encoder Configuration", L"Configuration de l'encodeur ACG"});
     const struct {
-        Control& Named;
+        Control& Labelled;
         Translated Text;
     } captions[] = {
         {screen.fraComm, {L"Communication", L"Communication"}},
@@ -200,7 +200,7 @@ void frmConfigure::cboAutoDetect_Change()
     cboAutoDetect_Click();
 }
 
-/// The detection rule: baud rate and protocol are the user's choice only where nothing is detected.
+/// The detection rule: baud rate and protocol are the user's choice only if nothing is detected.
 void frmConfigure::cboAutoDetect_Click()
 {
     const bool disabled = m_screen->cboAutoDetect.SelectedLine() == DetectionDisabled;
@@ -213,9 +213,9 @@ void frmConfigure::cboAutoDetect_Click()
     }
 }
 
-bool frmConfigure::txtTimeout_KeyPress(wchar_t Character) noexcept
+bool frmConfigure::txtTimeout_KeyPress(wchar_t character) noexcept
 {
-    return Character == Backspace || (Character >= L'0' && Character <= L'9');
+    return character == Backspace || (character >= L'0' && character <= L'9');
 }
 
 void frmConfigure::cmdDefault_Click()

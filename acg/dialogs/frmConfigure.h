@@ -28,9 +28,9 @@ public:
 
     /// One dialog at a time: another can't be shown on top of it.
     [[nodiscard]] bool IsOpen() const { return m_screen != nullptr; }
-    /// Shows the dialog without an owner, and returns when it has been closed, or at once where it can't be
+    /// Shows the dialog without an owner, and returns when it has been closed, or at once if it can't be
     /// shown.
-    void Show(const ReaderDLL& Reader);
+    void Show(const ReaderDLL& reader);
 
 private:
     struct Screen;
@@ -38,7 +38,7 @@ private:
     void Form_Load();
     void cboAutoDetect_Change();
     void cboAutoDetect_Click();
-    [[nodiscard]] static bool txtTimeout_KeyPress(wchar_t Character) noexcept;
+    [[nodiscard]] static bool txtTimeout_KeyPress(wchar_t character) noexcept;
     void cmdDefault_Click();
     void cmdTest_Click();
     void cmdCancel_Click();

@@ -20,7 +20,7 @@ constexpr Colour LogBackground = {Colour::Source::Own, 0xF8, 0xF8, 0xF0};
 constexpr wchar_t NewLine[] = L"\r\n";
 
 /// Detection returns at most this many readers.
-constexpr size_t MostReaders = 255;
+constexpr size_t MaxReaders = 255;
 
 constexpr struct {
     Translated m_sStart{L"Starting the test.", L"Début du test."};
@@ -57,23 +57,23 @@ constexpr struct {
 
 /// The form and its controls, created at each opening.
 struct frmTest::Screen {
-    frmTest& Shown;
+    frmTest& Owner;
     const ReaderDLL& Reader;
 
     Form Dialog{{.Width = 6735, .Height = 3825, .FontPoints = 8.25}};
     Control& txtLog = Dialog.Add({"txtLog", ControlKind::Log, {45, 0, 6690, 3150}});
     Control& cmdOK = Dialog.Add({"cmdOK", ControlKind::Button, {2482, 3285, 1770, 420}});
 
-    Screen(frmTest& Opened, const ReaderDLL& Used) : Shown(Opened), Reader(Used)
+    Screen(frmTest& form, const ReaderDLL& reader) : Owner(form), Reader(reader)
     {
         constexpr Area Margin = {0, 0, 150, 3150};
         constexpr Area Separator = {-630, 3150, 7245 + 630, 0};
         Dialog.Shapes = {{Margin, LogBackground}, {Separator, {Colour::Source::Highlight3D}}};
         Dialog.DefaultButton = &cmdOK;
         txtLog.SetBackground(LogBackground);
-        Shown.m_screen = this; // nothing throws any more
+        Owner.m_screen = this; // nothing throws any more
     }
-    ~Screen() { Shown.m_screen = nullptr; }
+    ~Screen() { Owner.m_screen = nullptr; }
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 };
@@ -82,7 +82,7 @@ struct frmTest::Screen {
 class frmTest::Running
 {
 public:
-    explicit Running(Screen& Tested) : m_screen(Tested) { m_screen.Dialog.EnableCloseBox(false); }
+    explicit Running(Screen& screen) : m_screen(screen) { m_screen.Dialog.EnableCloseBox(false); }
     ~Running()
     {
         m_screen.Dialog.EnableCloseBox(true);
@@ -103,7 +103,7 @@ public:
     CommHandle Comm = CommHandle::None;
     ReaderHandle Reader = ReaderHandle::None;
 
-    explicit Link(const ReaderDLL& Used) : m_reader(Used) {}
+    explicit Link(const ReaderDLL& reader) : m_reader(reader) {}
     ~Link()
     {
         CloseReader();
@@ -112,7 +112,7 @@ public:
     Link(const Link&) = delete;
     Link& operator=(const Link&) = delete;
 
-    // That a closing call fails is no failure of the test.
+    // The test succeeds even if a closing call fails.
     void CloseReader()
     {
         if (Reader != ReaderHandle::None) {
@@ -135,16 +135,16 @@ frmTest& frmTest::OfThread()
     return OwnDialog.Get();
 }
 
-void frmTest::Show(const ReaderDLL& Reader, const Form* Owner)
+void frmTest::Show(const ReaderDLL& reader, const Form* owner)
 {
     if (m_screen != nullptr) { // one dialog at a time: the thread's is open already
         return;
     }
-    Screen screen(*this, Reader);
+    Screen screen(*this, reader);
     screen.cmdOK.OnPress = [this] { cmdOK_Click(); };
     screen.Dialog.OnTimer = [this] { tmrTest_Timer(); };
     Form_Load();
-    screen.Dialog.ShowModal(Owner);
+    screen.Dialog.ShowModal(owner);
 }
 
 void frmTest::Form_Load()
@@ -162,14 +162,14 @@ void frmTest::cmdOK_Click()
     m_screen->Dialog.Close();
 }
 
-void frmTest::LogLine(std::wstring_view Text)
+void frmTest::LogLine(std::wstring_view text)
 {
     Control& log = m_screen->txtLog;
     std::wstring content = log.Text();
     if (!content.empty()) {
         content += NewLine;
     }
-    content += Text;
+    content += text;
     log.SetText(content);
     m_screen->Dialog.ShowNow(log);
 }
@@ -188,9 +188,9 @@ void frmTest::tmrTest_Timer()
 }
 
 /// Returns a call failure. A link or a reader that is refused ends in the log.
-Failure frmTest::RunTest(Link& Opened)
+Failure frmTest::RunTest(Link& link)
 {
-    CommHandle& comm = Opened.Comm;
+    CommHandle& comm = link.Comm;
     LogLine(Fill(In(m_french, Texts.m_sOpening), {Device, ModeText()}));
     CommSettings settings{.BaudRate = BaudRate, .Protocol = Protocol};
     if (const Failure failure = m_screen->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
@@ -218,50 +218,50 @@ Failure frmTest::RunTest(Link& Opened)
     }
     LogLine(Fill(In(m_french, Texts.m_sPortOpen),
                  {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
-    return TestReader(Opened);
+    return TestReader(link);
 }
 
-Failure frmTest::TestReader(Link& Opened)
+Failure frmTest::TestReader(Link& link)
 {
-    const auto giveUp = [this, &Opened](const wchar_t* reason) -> Failure {
-        Opened.CloseComm();
+    const auto giveUp = [this, &link](const wchar_t* reason) -> Failure {
+        link.CloseComm();
         LogLine(reason);
         LogLine(In(m_french, Texts.m_sFailed));
         return {};
     };
     LogLine(In(m_french, Texts.m_sDetecting));
     std::string readers;
-    if (const Failure failure = m_screen->Reader.DetectReader(Opened.Comm, readers)) {
+    if (const Failure failure = m_screen->Reader.DetectReader(link.Comm, readers)) {
         return failure;
     }
     if (readers.empty()) {
         return giveUp(In(m_french, Texts.m_sNoEncoder));
     }
     const auto readerId = static_cast<uint8_t>(readers.front());
-    const auto count = static_cast<int32_t>(std::min(readers.size(), MostReaders));
+    const auto count = static_cast<int32_t>(std::min(readers.size(), MaxReaders));
     LogLine(Fill(In(m_french, Texts.m_sFound), {DecimalText(count), DecimalText(readerId)}));
 
     LogLine(In(m_french, Texts.m_sOpeningEncoder));
-    if (const Failure failure = m_screen->Reader.OpenReader(Opened.Comm, readerId, Opened.Reader)) {
+    if (const Failure failure = m_screen->Reader.OpenReader(link.Comm, readerId, link.Reader)) {
         return failure;
     }
-    if (Opened.Reader == ReaderHandle::None) {
+    if (link.Reader == ReaderHandle::None) {
         return giveUp(In(m_french, Texts.m_sNoAccess));
     }
     std::wstring deviceId;
-    // Without one the line ends behind its label.
-    static_cast<void>(m_screen->Reader.GetDeviceID(Opened.Reader, deviceId));
+    // Without one the line ends after its label.
+    static_cast<void>(m_screen->Reader.GetDeviceID(link.Reader, deviceId));
     LogLine(Fill(In(m_french, Texts.m_sDeviceID), {deviceId}));
     std::wstring type;
-    if (const Failure failure = m_screen->Reader.GetReaderType(Opened.Reader, type)) {
+    if (const Failure failure = m_screen->Reader.GetReaderType(link.Reader, type)) {
         return failure;
     }
     LogLine(Fill(In(m_french, Texts.m_sEncoderType), {type}));
 
     LogLine(In(m_french, Texts.m_sClosingEncoder));
-    Opened.CloseReader();
+    link.CloseReader();
     LogLine(In(m_french, Texts.m_sClosingPort));
-    Opened.CloseComm();
+    link.CloseComm();
     LogLine(In(m_french, Texts.m_sSuccess));
     return {};
 }
@@ -278,9 +278,9 @@ std::wstring frmTest::ModeText() const
     }
 }
 
-const wchar_t* frmTest::ProtocolName(uint8_t Number) const
+const wchar_t* frmTest::ProtocolName(uint8_t number) const
 {
-    return Number == 0 ? In(m_french, Texts.m_sAscii) : In(m_french, Texts.m_sBinary);
+    return number == 0 ? In(m_french, Texts.m_sAscii) : In(m_french, Texts.m_sBinary);
 }
 
 } // namespace acg

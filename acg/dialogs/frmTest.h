@@ -30,8 +30,8 @@ public:
     int32_t Timeout = 0;  ///< milliseconds
 
     /// Shows the dialog, on top of its owner if it has one, and returns when it has been closed, or at once
-    /// where it can't be shown. One dialog at a time.
-    void Show(const ReaderDLL& Reader, const Form* Owner = nullptr);
+    /// if it can't be shown. One dialog at a time.
+    void Show(const ReaderDLL& reader, const Form* owner = nullptr);
 
 private:
     struct Screen;
@@ -40,13 +40,13 @@ private:
 
     void Form_Load();
     void cmdOK_Click();
-    void LogLine(std::wstring_view Text);
+    void LogLine(std::wstring_view text);
     void tmrTest_Timer();
 
     [[nodiscard]] std::wstring ModeText() const;
-    [[nodiscard]] const wchar_t* ProtocolName(uint8_t Number) const;
-    Failure RunTest(Link& Opened);
-    Failure TestReader(Link& Opened);
+    [[nodiscard]] const wchar_t* ProtocolName(uint8_t number) const;
+    Failure RunTest(Link& link);
+    Failure TestReader(Link& link);
 
     bool m_french = false;
     Screen* m_screen = nullptr; ///< while the dialog is open

@@ -10,8 +10,8 @@ namespace acg
 
 Encoder::Encoder() : Encoder(ReaderDLL(), std::chrono::steady_clock::now) {}
 
-Encoder::Encoder(ReaderDLL Reader, Clock Now)
-    : m_oReaderDLL(std::move(Reader)), m_oClock(std::move(Now)),
+Encoder::Encoder(ReaderDLL reader, Clock clock)
+    : m_oReaderDLL(std::move(reader)), m_oClock(std::move(clock)),
       m_oRandom(static_cast<std::minstd_rand::result_type>(m_oClock().time_since_epoch().count()))
 {
     DrawHandleNumber();
@@ -53,13 +53,13 @@ std::wstring Encoder::ReaderType()
     return type;
 }
 
-Failure Encoder::ReadReaderType(std::wstring& Type)
+Failure Encoder::ReadReaderType(std::wstring& type)
 {
     if (m_hReader == ReaderHandle::None) {
         SetLastError(EncoderIsClosed, L"ReaderType");
         return EncoderIsClosed;
     }
-    if (const Failure failure = m_oReaderDLL.GetReaderType(m_hReader, Type)) {
+    if (const Failure failure = m_oReaderDLL.GetReaderType(m_hReader, type)) {
         SetLastError(failure, L"ReaderType", L"GetReaderType");
         return failure;
     }
@@ -82,22 +82,23 @@ int32_t Encoder::SerialNumberLength()
     RaiseNotSupported(L"SerialNumberLength");
 }
 
-void Encoder::RaiseNotSupported(std::wstring_view Property)
+void Encoder::RaiseNotSupported(std::wstring_view property)
 {
-    SetLastError(FeatureNotSupported, Property);
+    SetLastError(FeatureNotSupported, property);
     throw RaisedFailure{FeatureNotSupported.Number, std::wstring(FeatureNotSupported.Description),
                         std::wstring()};
 }
 
-void Encoder::SetLastError(const Failure& Failed, std::wstring_view ComFunction, std::wstring_view RdrCommand)
+void Encoder::SetLastError(const Failure& failure, std::wstring_view ComFunction,
+                           std::wstring_view RdrCommand)
 {
     CError& record = *m_oLastError; // assigned field by field, so that each text keeps its memory
-    record.Number = Failed.Number;
-    record.Description = Failed.Description;
-    record.LastDllError = Failed.LastDllError;
+    record.Number = failure.Number;
+    record.Description = failure.Description;
+    record.LastDllError = failure.LastDllError;
     record.ComFunction = ComFunction;
     record.RdrCommand = RdrCommand;
-    record.RdrRetCode.assign(Failed.Letter != L'\0' ? 1 : 0, Failed.Letter);
+    record.RdrRetCode.assign(failure.Letter != L'\0' ? 1 : 0, failure.Letter);
 }
 
 void Encoder::ResetLastError(std::wstring_view ComFunction)
@@ -125,10 +126,10 @@ void Encoder::TraceLastError(std::wstring_view FunctionName)
     record.ComFunction = FunctionName;
 }
 
-sceReturnCode Encoder::Fail(const Failure& Found, std::wstring_view OperationName,
+sceReturnCode Encoder::Fail(const Failure& failure, std::wstring_view OperationName,
                             std::wstring_view RdrCommand)
 {
-    SetLastError(Found, OperationName, RdrCommand);
+    SetLastError(failure, OperationName, RdrCommand);
     return sceError;
 }
 

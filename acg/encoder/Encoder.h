@@ -49,8 +49,8 @@ using Clock = std::function<std::chrono::steady_clock::time_point()>;
 /// component's interface.
 ///
 /// Every call blocks until the reader library has answered. An Encoder is used by one thread at a time.
-/// Operations that return a sceReturnCode report a failure by sceError and the record behind LastError; they
-/// don't throw. Every access to a block selects the card and logs in again.
+/// Operations that return a sceReturnCode report a failure by sceError and the record that LastError returns;
+/// they don't throw. Every access to a block selects the card and logs in again.
 ///
 /// A success means that the reader refused nothing. No write is read back, a reply that is too short counts
 /// as zeros (LastReplyWasWhole says so), and a card that was swapped between two accesses isn't noticed; so a card can be destroyed by
@@ -67,7 +67,7 @@ public:
     /// An encoder on the reader library of this process and the system's clock, with the default settings.
     Encoder();
     /// On a reader library and a clock of the caller's own: for tests, or for another library.
-    Encoder(ReaderDLL Reader, Clock Now);
+    Encoder(ReaderDLL reader, Clock clock);
     ~Encoder();
     Encoder(const Encoder&) = delete;
     Encoder& operator=(const Encoder&) = delete;
@@ -80,7 +80,7 @@ public:
     /// Nothing is reported. An unknown or misspelt key is ignored. Device is everything after "=",
     /// blanks and a bare LF included. A number is read as far as it goes: "Timeout=500 ms" stores 500,
     /// "Autodetect=x" 0. One that doesn't fit its field leaves it unchanged.
-    void Parameters(std::wstring Text);
+    void Parameters(std::wstring text);
     /// The settings as five lines; setting them again changes nothing.
     [[nodiscard]] std::wstring Parameters();
 
@@ -119,7 +119,7 @@ public:
     /// Reads a 16-byte block as 32 hexadecimal digits. A reply that is shorter or longer is filled with "0"
     /// at its end or cut. key: 12 hexadecimal digits, checked only by the reader. BlocNumber counts the
     /// blocks of the whole card; its low byte is sent. After a failure BlocContents is empty, or unchanged
-    /// where no card was selected.
+    /// if no card was selected.
     [[nodiscard]] sceReturnCode ReadDataBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                              std::wstring& BlocContents);
 
@@ -129,8 +129,8 @@ public:
                                                      int32_t& SerialNumber, uint8_t& CheckSum,
                                                      std::wstring& ManufacturerInfo);
 
-    /// Reads what a sector's trailer lets its keys do. KeysUsed: 1 where the sector works with key A alone
-    /// (key B can be read out), else 2. BX: the byte behind the access bits. What was written doesn't always
+    /// Reads what a sector's trailer lets its keys do. KeysUsed: 1 if the sector works with key A alone
+    /// (key B can be read out), else 2. BX: the user byte, byte 9. What was written doesn't always
     /// read back as the same level: docs/access-levels.md. After a failure the levels are 0, and KeysUsed and
     /// BX unchanged.
     [[nodiscard]] sceReturnCode
@@ -145,15 +145,15 @@ public:
                                               std::wstring& BlocContents);
 
     /// Writes a value block through the reader's own command. The block then counts as a value block until
-    /// the encoder is closed, also where the call fails.
+    /// the encoder is closed, even if the call fails.
     [[nodiscard]] sceReturnCode WriteValueBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                                int32_t value);
 
     /// Writes both keys of a sector, 12 hexadecimal digits each in either case, and what they may do.
     /// KeysToUse: 1 key A alone, 0 as on the card, any other value both keys. A level of -1 keeps the card's
-    /// access bits of that slot, as the trailer is read first: where the reader's reply is too short, that
+    /// access bits of that slot, as the trailer is read first: if the reader's reply is too short, that
     /// makes the card block the sector for good. Not every level can be stored: docs/access-levels.md. BX:
-    /// the byte behind the access bits, 0 to 255; the card's stays where it is left out, and any other number
+    /// the user byte, 0 to 255; the card's stays if it is left out, and any other number
     /// is refused.
     [[nodiscard]] sceReturnCode
     WriteSectorTrailer(int32_t SectorNumber, std::wstring_view key, uint8_t KeyType, std::wstring_view KeyA,
@@ -163,8 +163,8 @@ public:
 
     /// Changes the bytes FromByte to ToByte of a block, 0 to 15, both included. BlocContents: their digits,
     /// filled with "0" or cut to that length. It comes back as the whole block; after a failure as the
-    /// old block, or empty where that couldn't be read. The card is read before the offsets are judged. What
-    /// was read is written back: zeros for the rest of the block where the reply was too short, and on a
+    /// old block, or empty if that couldn't be read. The card is read before the offsets are judged. What
+    /// was read is written back: zeros for the rest of the block if the reply was too short, and on a
     /// sector trailer zeros for key A, which the card doesn't show.
     [[nodiscard]] sceReturnCode WriteBytesInBloc(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                                                  uint8_t FromByte, uint8_t ToByte,
@@ -183,41 +183,43 @@ private:
     friend struct EncoderInside; // the tests look inside
 
     // Record keeping: acg/encoder/Encoder.cpp.
-    void SetLastError(const Failure& Failed, std::wstring_view ComFunction,
+    void SetLastError(const Failure& failure, std::wstring_view ComFunction,
                       std::wstring_view RdrCommand = {});
     void ResetLastError(std::wstring_view ComFunction = {});
     void TraceLastError(std::wstring_view FunctionName);
     // How an operation ends that has found a failure itself, and one below which a failure is recorded.
-    [[nodiscard]] sceReturnCode Fail(const Failure& Found, std::wstring_view OperationName,
+    [[nodiscard]] sceReturnCode Fail(const Failure& failure, std::wstring_view OperationName,
                                      std::wstring_view RdrCommand = {});
     [[nodiscard]] sceReturnCode FailBelow(std::wstring_view OperationName);
 
-    Failure ReadReaderType(std::wstring& Type);
-    [[noreturn]] void RaiseNotSupported(std::wstring_view Property);
+    Failure ReadReaderType(std::wstring& type);
+    [[noreturn]] void RaiseNotSupported(std::wstring_view property);
 
     // Opening and closing: acg/encoder/Opening.cpp.
     void DrawHandleNumber();
-    [[nodiscard]] sceReturnCode OpenFirstReader();
+    Failure OpenFirstReader();
     /// Closes whatever is open, and ignores what fails. Both closing functions are called also with a handle
     /// of 0, which the library accepts; so an encoder that is never opened loads it at its destruction.
     void ReleaseDevice() noexcept;
 
     // The exchange of one command and the card selection: acg/reader/CommandExchange.cpp.
-    Failure Exchange(const char* Command, const CommandData& Data, ByteString& Reply);
-    void RecordExchange(const Failure& Failed, const char* Command);
-    Failure EncoderCommand(const char* Command, const CommandData& Data, ByteString& Reply);
-    Failure SelectCard(ByteString& SerialText);
-    Failure SelectCardInRange(Failure* OfReaderType = nullptr);
+    Failure Exchange(const char* command, const CommandData& data, ByteString& reply);
+    void RecordExchange(const Failure& failure, const char* command);
+    Failure EncoderCommand(const char* command, const CommandData& data, ByteString& reply);
+    Failure SelectCard(ByteString& serialText);
+    Failure SelectCardInRange(Failure* readerTypeFailure = nullptr);
 
-    // The login of the card operations: acg/cards/DataBlocks.cpp.
-    [[nodiscard]] sceReturnCode SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
-                                            std::wstring_view OperationName);
+    // Login and block commands: acg/cards/DataBlocks.cpp.
+    Failure SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
+                        std::wstring_view OperationName);
+    Failure BlockCommand(const char* command, const CommandData& data, ByteString& reply, int32_t BlocNumber,
+                         std::wstring_view key, uint8_t KeyType, std::wstring_view OperationName,
+                         bool* isSelected = nullptr);
 
-    // Encoding a level: acg/cards/SectorTrailers.cpp. sceError: the level is refused, and nothing was stored.
-    [[nodiscard]] sceReturnCode SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
-                                               int32_t BlocNumber, ConditionBytes& Bytes) const;
-    [[nodiscard]] static sceReturnCode SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask,
-                                                        ConditionBytes& Bytes);
+    // Encoding a level: acg/cards/SectorTrailers.cpp. After a failure nothing was stored.
+    Failure SetBlockAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, int32_t BlocNumber,
+                           ConditionBytes& bytes) const;
+    static Failure SetTrailerAccess(int32_t Level, uint8_t KeysToUse, uint8_t Mask, ConditionBytes& bytes);
 
     ReaderDLL m_oReaderDLL;
     Clock m_oClock;
@@ -228,9 +230,9 @@ private:
     bool m_bReplyIsWhole = true;
     int32_t m_lBaudRate = 9600;
     int32_t m_lTimeout = 2200; ///< milliseconds
-    /// The blocks written as value blocks since OpenEncoder was called, duplicates included; no list before
-    /// its first call and after closing.
-    std::optional<std::vector<int32_t>> m_colValueBlocks;
+    /// The blocks written as value blocks since OpenEncoder was called, duplicates included; empty while the
+    /// encoder is closed.
+    std::vector<int32_t> m_colValueBlocks;
     int32_t m_lHandleNumber = 0;
     CommHandle m_hComm = CommHandle::None;
     ReaderHandle m_hReader = ReaderHandle::None;

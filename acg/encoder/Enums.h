@@ -55,14 +55,14 @@ enum SCSS_SecurityLevelEnum : int32_t {
     scss_B_WriteKeysConditions = 12,
 };
 
-constexpr SCBS_SecurityLevelEnum operator+(SCBS_SecurityLevelEnum OfKeyA, SCBS_SecurityLevelEnum OfKeyB)
+constexpr SCBS_SecurityLevelEnum operator+(SCBS_SecurityLevelEnum ofKeyA, SCBS_SecurityLevelEnum ofKeyB)
 {
-    return static_cast<SCBS_SecurityLevelEnum>(int32_t{OfKeyA} + int32_t{OfKeyB});
+    return static_cast<SCBS_SecurityLevelEnum>(int32_t{ofKeyA} + int32_t{ofKeyB});
 }
 
-constexpr SCSS_SecurityLevelEnum operator+(SCSS_SecurityLevelEnum OfKeyA, SCSS_SecurityLevelEnum OfKeyB)
+constexpr SCSS_SecurityLevelEnum operator+(SCSS_SecurityLevelEnum ofKeyA, SCSS_SecurityLevelEnum ofKeyB)
 {
-    return static_cast<SCSS_SecurityLevelEnum>(int32_t{OfKeyA} + int32_t{OfKeyB});
+    return static_cast<SCSS_SecurityLevelEnum>(int32_t{ofKeyA} + int32_t{ofKeyB});
 }
 
 /// In place of a level: the card's access bits are kept.

@@ -20,12 +20,12 @@ constexpr int64_t Beyond = 1'000'000'000'000;
 class Reading
 {
 public:
-    explicit Reading(std::wstring_view Text) : m_rest(Text) { SkipBlanks(); }
+    explicit Reading(std::wstring_view text) : m_rest(text) { SkipBlanks(); }
 
     /// Steps over the next character if it is one of those.
-    bool Take(std::wstring_view OneOf)
+    bool Take(std::wstring_view characters)
     {
-        if (m_rest.empty() || OneOf.find(m_rest.front()) == std::wstring_view::npos) {
+        if (m_rest.empty() || characters.find(m_rest.front()) == std::wstring_view::npos) {
             return false;
         }
         Step();
@@ -33,13 +33,13 @@ public:
     }
 
     /// Steps over the next character if it is a digit to that base.
-    std::optional<int> TakeDigit(int Base)
+    std::optional<int> TakeDigit(int base)
     {
         if (m_rest.empty()) {
             return std::nullopt;
         }
         const std::optional<int> digit = HexDigit(m_rest.front());
-        if (!digit || *digit >= Base) {
+        if (!digit || *digit >= base) {
             return std::nullopt;
         }
         Step();
@@ -47,7 +47,7 @@ public:
         return digit;
     }
 
-    /// True where digits were read, and nothing is left.
+    /// True if digits were read, and nothing is left.
     [[nodiscard]] bool IsComplete() const { return m_hasDigits && m_rest.empty(); }
 
 private:
@@ -107,7 +107,7 @@ Written ReadWritten(Reading& reading)
         if (counts) {
             number.Digits += static_cast<char>(*digit);
         }
-        // A leading zero behind the point moves it to the left of the digits to come.
+        // A leading zero after the point moves it to the left of the digits to come.
         if (counts && !pointSeen) {
             ++number.BeforePoint;
         } else if (!counts && pointSeen) {
@@ -134,10 +134,10 @@ int64_t Round(const Written& number)
         whole = Grow(whole, Decimal, digitAt(place));
     }
     constexpr int Half = 5;
-    const int firstBehind = digitAt(number.BeforePoint);
-    const bool moreBehind = std::cmp_greater(number.Digits.size(), number.BeforePoint + 1);
+    const int firstDropped = digitAt(number.BeforePoint);
+    const bool moreDropped = std::cmp_greater(number.Digits.size(), number.BeforePoint + 1);
     const bool isOdd = whole % 2 != 0;
-    return firstBehind > Half || (firstBehind == Half && (moreBehind || isOdd)) ? whole + 1 : whole;
+    return firstDropped > Half || (firstDropped == Half && (moreDropped || isOdd)) ? whole + 1 : whole;
 }
 
 int64_t ReadWhole(Reading& reading)
@@ -155,16 +155,16 @@ int64_t ReadWhole(Reading& reading)
 
 } // namespace
 
-NumberRead ReadNumber(std::wstring_view Text)
+NumberRead ReadNumber(std::wstring_view text)
 {
-    Reading reading(Text);
+    Reading reading(text);
     const int64_t number = ReadWhole(reading);
     return {number, reading.IsComplete()};
 }
 
-std::wstring DecimalText(int32_t Number)
+std::wstring DecimalText(int32_t number)
 {
-    const std::string digits = std::to_string(Number); // std::to_wstring would link the printf family
+    const std::string digits = std::to_string(number); // std::to_wstring would link the printf family
     return {digits.begin(), digits.end()};
 }
 

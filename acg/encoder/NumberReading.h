@@ -25,17 +25,17 @@ struct NumberRead {
 ///
 /// Letters count in either case. 2.5 becomes 2, 3.5 becomes 4. For a number beyond 32 bits the
 /// result is some number beyond them.
-[[nodiscard]] NumberRead ReadNumber(std::wstring_view Text);
+[[nodiscard]] NumberRead ReadNumber(std::wstring_view text);
 
-/// The same, and nothing where the number doesn't fit the field's type of at most 32 bits.
+/// The same, and nothing if the number doesn't fit the field's type of at most 32 bits.
 template <std::integral Field>
-[[nodiscard]] std::optional<Field> ReadField(std::wstring_view Text)
+[[nodiscard]] std::optional<Field> ReadField(std::wstring_view text)
 {
-    const int64_t number = ReadNumber(Text).Number;
+    const int64_t number = ReadNumber(text).Number;
     return std::in_range<Field>(number) ? std::optional(static_cast<Field>(number)) : std::nullopt;
 }
 
-/// The number in decimal digits, with a minus where it is negative.
-[[nodiscard]] std::wstring DecimalText(int32_t Number);
+/// The number in decimal digits, with a minus if it is negative.
+[[nodiscard]] std::wstring DecimalText(int32_t number);
 
 } // namespace acg

@@ -35,7 +35,7 @@ void Encoder::DrawHandleNumber()
 sceReturnCode Encoder::OpenEncoder(int32_t Handle)
 {
     ResetLastError();
-    m_colValueBlocks.emplace();
+    m_colValueBlocks.clear();
     if (Handle != m_lHandleNumber) {
         return Fail(CannotOpenLink, L"OpenEncoder", L"OpenComm");
     }
@@ -49,13 +49,15 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
         return Fail(failure, L"OpenEncoder", L"OpenComm");
     }
     try {
-        if (OpenFirstReader() == sceError) {
+        if ((failure = OpenFirstReader())) {
             ReleaseDevice();
             return sceError;
         }
         const auto deadline = m_oClock() + WaitForCard;
-        Failure ofReaderType; // the wait continues even without the reader's type
-        while ((SelectCardInRange(&ofReaderType) || ofReaderType) && m_oClock() < deadline) {}
+        Failure ofReaderType; // a pass in which the reader's type can't be queried is repeated, too
+        do {
+            failure = SelectCardInRange(&ofReaderType);
+        } while ((failure || ofReaderType) && m_oClock() < deadline);
         ResetLastError(L"OpenEncoder");
     } catch (...) { // out of memory: a host that receives no result has nothing to close
         ReleaseDevice();
@@ -64,29 +66,30 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
     return sceSuccess;
 }
 
-sceReturnCode Encoder::OpenFirstReader()
+Failure Encoder::OpenFirstReader()
 {
-    constexpr std::wstring_view OperationName = L"OpenEncoder";
-
+    const auto fail = [this](const Failure& failure, std::wstring_view function) {
+        SetLastError(failure, L"OpenEncoder", function);
+        return failure;
+    };
     if (const Failure failure = m_oReaderDLL.SetCommTimeout(m_hComm, m_lTimeout)) {
-        return Fail(failure, OperationName, L"SetCommTimeout");
+        return fail(failure, L"SetCommTimeout");
     }
     if (const Failure failure = m_oReaderDLL.SetCommProtocol(m_hComm, AsciiProtocol)) {
-        return Fail(failure, OperationName, L"SetCommProtocol");
+        return fail(failure, L"SetCommProtocol");
     }
     std::string readers;
     if (const Failure failure = m_oReaderDLL.DetectReader(m_hComm, readers)) {
-        return Fail(failure, OperationName, L"DetectReader");
+        return fail(failure, L"DetectReader");
     }
     if (readers.empty()) {
-        return Fail(NoEncoderFound, OperationName, L"DetectReader");
+        return fail(NoEncoderFound, L"DetectReader");
     }
     const auto first = static_cast<uint8_t>(readers.front());
     if (const Failure failure = m_oReaderDLL.OpenReader(m_hComm, first, m_hReader)) {
-        return Fail(failure, OperationName, L"OpenReader");
+        return fail(failure, L"OpenReader");
     }
-    return m_hReader != ReaderHandle::None ? sceSuccess
-                                           : Fail(CannotOpenReader, OperationName, L"OpenReader");
+    return m_hReader == ReaderHandle::None ? fail(CannotOpenReader, L"OpenReader") : Failure();
 }
 
 sceReturnCode Encoder::CloseEncoder()
@@ -105,7 +108,7 @@ sceReturnCode Encoder::CloseEncoder()
         return fail(failure, L"CloseComm");
     }
     m_hComm = CommHandle::None;
-    m_colValueBlocks.reset();
+    m_colValueBlocks.clear();
     ResetLastError(L"CloseEncoder");
     return sceSuccess;
 }
@@ -129,7 +132,7 @@ void Encoder::ReleaseDevice() noexcept
     m_hReader = ReaderHandle::None;
     ignore([this] { return m_oReaderDLL.CloseComm(m_hComm); });
     m_hComm = CommHandle::None;
-    m_colValueBlocks.reset();
+    m_colValueBlocks.clear();
 }
 
 } // namespace acg

@@ -25,8 +25,8 @@ void Store(std::wstring_view value, Field& field)
 
 } // namespace
 
-ParameterEntries::ParameterEntries(std::wstring_view Text)
-    : m_separator(Text.find(LineEnd) != std::wstring_view::npos ? LineEnd : L";"), m_rest(Text)
+ParameterEntries::ParameterEntries(std::wstring_view text)
+    : m_separator(text.find(LineEnd) != std::wstring_view::npos ? LineEnd : L";"), m_rest(text)
 {
 }
 
@@ -49,10 +49,10 @@ bool ParameterEntries::Next()
 
 // By value: a host may pass a text of the record, which is reset before the text is read.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
-void Encoder::Parameters(std::wstring Text)
+void Encoder::Parameters(std::wstring text)
 {
     ResetLastError();
-    for (ParameterEntries entry(Text); entry.Next();) {
+    for (ParameterEntries entry(text); entry.Next();) {
         const std::wstring& key = entry.Key;
         const std::wstring_view value = entry.Value.value_or(L"");
         if (key == L"device") {

@@ -15,7 +15,7 @@ namespace acg
 class ParameterEntries
 {
 public:
-    explicit ParameterEntries(std::wstring_view Text);
+    explicit ParameterEntries(std::wstring_view text);
 
     /// Steps to the next entry, the first one to begin with. False: there is none.
     [[nodiscard]] bool Next();

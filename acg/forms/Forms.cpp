@@ -5,45 +5,45 @@
 namespace acg
 {
 
-Control::Control(Form& Parent, size_t Position, const ControlLook& Fixed)
-    : Look(Fixed), Index(Position), m_form(Parent)
+Control::Control(Form& parent, size_t position, const ControlLook& look)
+    : Look(look), Index(position), m_form(parent)
 {
     if (Look.Kind != ControlKind::Frame && Look.Kind != ControlKind::Label) {
         m_background = {Colour::Source::Window};
     }
 }
 
-void Control::SetText(std::wstring_view Text)
+void Control::SetText(std::wstring_view text)
 {
-    m_text = Text;
+    m_text = text;
     Show();
 }
 
-void Control::Enable(bool Enabled)
+void Control::Enable(bool enabled)
 {
-    m_enabled = Enabled;
+    m_enabled = enabled;
     Show();
 }
 
-void Control::SetBackground(const Colour& Background)
+void Control::SetBackground(const Colour& background)
 {
-    m_background = Background;
+    m_background = background;
     Show();
 }
 
-void Control::SetLines(std::initializer_list<std::wstring_view> Lines)
+void Control::SetLines(std::initializer_list<std::wstring_view> lines)
 {
-    m_lines.assign(Lines.begin(), Lines.end());
+    m_lines.assign(lines.begin(), lines.end());
     m_selectedLine = NoLine;
 }
 
-void Control::Select(int Line)
+void Control::Select(int line)
 {
-    if (Line < 0 || std::cmp_greater_equal(Line, m_lines.size())) {
+    if (line < 0 || std::cmp_greater_equal(line, m_lines.size())) {
         return;
     }
-    m_text = m_lines[static_cast<size_t>(Line)];
-    m_selectedLine = Line;
+    m_text = m_lines[static_cast<size_t>(line)];
+    m_selectedLine = line;
     Show();
     if (OnPick) {
         OnPick();
@@ -57,17 +57,17 @@ void Control::Press() const
     }
 }
 
-void Control::Pick(int Line)
+void Control::Pick(int line)
 {
     if (m_enabled) {
-        Select(Line);
+        Select(line);
     }
 }
 
-void Control::Edit(std::wstring_view NewText)
+void Control::Edit(std::wstring_view newText)
 {
-    if (m_enabled && NewText != m_text) {
-        m_text = NewText;
+    if (m_enabled && newText != m_text) {
+        m_text = newText;
         m_selectedLine = NoLine;
         if (OnEdit) {
             OnEdit();
@@ -75,9 +75,9 @@ void Control::Edit(std::wstring_view NewText)
     }
 }
 
-void Form::StartTimer(int Milliseconds)
+void Form::StartTimer(int milliseconds)
 {
-    m_timerInterval = Milliseconds;
+    m_timerInterval = milliseconds;
     ShowTimer();
 }
 
@@ -88,9 +88,9 @@ void Form::PressCloseBox()
     }
 }
 
-void Form::EnableCloseBox(bool Enabled)
+void Form::EnableCloseBox(bool enabled)
 {
-    m_hasWorkingCloseBox = Enabled;
+    m_hasWorkingCloseBox = enabled;
     ShowCloseBox();
 }
 

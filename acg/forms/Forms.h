@@ -64,29 +64,29 @@ struct ControlLook {
 class Control
 {
 public:
-    Control(Form& Parent, size_t Position, const ControlLook& Fixed);
+    Control(Form& parent, size_t position, const ControlLook& look);
 
     const ControlLook Look;
     const size_t Index; ///< in the tab order
 
     [[nodiscard]] const std::wstring& Text() const { return m_text; }
-    void SetText(std::wstring_view Text);
+    void SetText(std::wstring_view text);
 
     [[nodiscard]] bool IsEnabled() const { return m_enabled; }
-    void Enable(bool Enabled);
+    void Enable(bool enabled);
 
     [[nodiscard]] const Colour& Background() const { return m_background; }
-    void SetBackground(const Colour& Background);
+    void SetBackground(const Colour& background);
 
     // Of a list: its lines, counted from 0, which don't change while the form is open, and the selected
     // one.
     static constexpr int NoLine = -1;
     [[nodiscard]] const std::vector<std::wstring>& Lines() const { return m_lines; }
-    void SetLines(std::initializer_list<std::wstring_view> Lines); ///< with none selected
-    void AddLine(std::wstring_view Line) { m_lines.emplace_back(Line); }
+    void SetLines(std::initializer_list<std::wstring_view> lines); ///< with none selected
+    void AddLine(std::wstring_view line) { m_lines.emplace_back(line); }
     [[nodiscard]] int SelectedLine() const { return m_selectedLine; }
-    /// Selects as a person would, OnPick included; nothing happens where there is no such line.
-    void Select(int Line);
+    /// Selects as a person would, OnPick included; nothing happens if there is no such line.
+    void Select(int line);
 
     std::function<void()> OnPress;                    ///< of a button
     std::function<void()> OnPick;                     ///< of a list, when a line is selected
@@ -95,11 +95,11 @@ public:
 
     // What a person does, as the window layer reports it. On a disabled control nothing happens.
     void Press() const;
-    void Pick(int Line);
-    void Edit(std::wstring_view NewText);
+    void Pick(int line);
+    void Edit(std::wstring_view newText);
 
 private:
-    void Show() const; ///< updates the screen, where there is one; the layer's
+    void Show() const; ///< updates the screen, if there is one; the layer's
 
     Form& m_form;
     std::wstring m_text;
@@ -127,16 +127,13 @@ struct FormLook {
 class Form
 {
 public:
-    explicit Form(const FormLook& Fixed) : Look(Fixed) {}
+    explicit Form(const FormLook& look) : Look(look) {}
     ~Form() = default;
     Form(const Form&) = delete;
     Form& operator=(const Form&) = delete;
 
     /// Controls are added in tab order.
-    Control& Add(const ControlLook& Fixed)
-    {
-        return m_controls.emplace_back(*this, m_controls.size(), Fixed);
-    }
+    Control& Add(const ControlLook& look) { return m_controls.emplace_back(*this, m_controls.size(), look); }
     [[nodiscard]] std::deque<Control>& Controls() { return m_controls; }
 
     const FormLook Look;
@@ -146,25 +143,25 @@ public:
     Control* CancelButton = nullptr;  ///< pressed by Escape; none: Escape does nothing
 
     std::function<void()> OnTimer;
-    void StartTimer(int Milliseconds);
+    void StartTimer(int milliseconds);
     void StopTimer() { StartTimer(0); }
     [[nodiscard]] int TimerInterval() const { return m_timerInterval; } ///< 0: stopped
 
     /// What the close box does. No handler runs.
     void PressCloseBox();
-    void EnableCloseBox(bool Enabled);
+    void EnableCloseBox(bool enabled);
     [[nodiscard]] bool HasWorkingCloseBox() const { return m_hasWorkingCloseBox; }
 
     // The layer's.
     /// Shows the form and returns when it has been closed. False: it can't be shown.
-    bool ShowModal(const Form* Owner = nullptr);
+    bool ShowModal(const Form* owner = nullptr);
     /// Closes the form. No handler runs.
     void Close();
     /// Moves the input focus to a control.
-    void SetFocus(const Control& Focused);
+    void SetFocus(const Control& control);
     /// Shows the state of a control at once, then lets pending events of all windows run once. A request to
     /// quit that is found is posted again.
-    void ShowNow(const Control& Shown);
+    void ShowNow(const Control& control);
     [[nodiscard]] bool IsOpen() const { return m_window != nullptr; }
 
 private:

@@ -4,7 +4,7 @@
 // procedures, which no exception may leave: it closes the form, and ShowModal rethrows it.
 #include "acg/forms/FormsWindowsControl.h"
 #include "acg/forms/FormsWindowsDrawing.h"
-#include "acg/forms/FormsWindowsOwnerless.h"
+#include "acg/forms/FormsWindowsModalScope.h"
 
 #include <algorithm>
 #include <deque>
@@ -23,7 +23,7 @@ constexpr int FirstId = 100;
 constexpr UINT_PTR TimerId = 1;
 
 /// More events than any form has pending. A window that never paints itself would keep one pending for ever.
-constexpr int MostEvents = 1000;
+constexpr int MaxMessages = 1000;
 
 /// An empty dialog template.
 struct alignas(DWORD) EmptyTemplate {
@@ -38,23 +38,23 @@ struct alignas(DWORD) EmptyTemplate {
 class FormWindow
 {
 public:
-    explicit FormWindow(Form& Shown) : m_model(Shown) { m_model.m_window = this; }
+    explicit FormWindow(Form& form) : m_model(form) { m_model.m_window = this; }
     ~FormWindow() { m_model.m_window = nullptr; }
     FormWindow(const FormWindow&) = delete;
     FormWindow& operator=(const FormWindow&) = delete;
 
     /// Runs until Close. False: no window can be shown.
-    bool RunModal(HWND Owner);
+    bool RunModal(HWND owner);
     void Close() const { EndDialog(m_dialog, 0); }
 
     [[nodiscard]] HWND Handle() const { return m_dialog; }
     /// The window of a control; null for an index that is none.
-    [[nodiscard]] const ControlWindow* At(size_t Index) const
+    [[nodiscard]] const ControlWindow* At(size_t index) const
     {
-        return Index < m_controls.size() ? &m_controls[Index] : nullptr;
+        return index < m_controls.size() ? &m_controls[index] : nullptr;
     }
-    void SetFocus(const ControlWindow& Focused) const;
-    void LetEventsRun() const;
+    void SetFocus(const ControlWindow& control) const;
+    void PumpMessages() const;
 
 private:
     static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
@@ -72,10 +72,10 @@ private:
     std::exception_ptr m_thrown;
 };
 
-bool FormWindow::RunModal(HWND Owner)
+bool FormWindow::RunModal(HWND owner)
 {
     const EmptyTemplate empty;
-    DialogBoxIndirectParamW(nullptr, &empty.Header, Owner, &Procedure, reinterpret_cast<LPARAM>(this));
+    DialogBoxIndirectParamW(nullptr, &empty.Header, owner, &Procedure, reinterpret_cast<LPARAM>(this));
     if (m_thrown) {
         std::rethrow_exception(m_thrown);
     }
@@ -207,15 +207,16 @@ void FormWindow::Paint(HDC context) const
 }
 
 /// Through the dialog manager, which also marks the default button.
-void FormWindow::SetFocus(const ControlWindow& Focused) const
+void FormWindow::SetFocus(const ControlWindow& control) const
 {
-    SendMessageW(m_dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Focused.Handle()), TRUE);
+    SendMessageW(m_dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control.Handle()), TRUE);
 }
 
-void FormWindow::LetEventsRun() const
+void FormWindow::PumpMessages() const
 {
     MSG event{};
-    for (int left = MostEvents; left > 0 && PeekMessageW(&event, nullptr, 0, 0, PM_REMOVE) != FALSE; --left) {
+    for (int left = MaxMessages; left > 0 && PeekMessageW(&event, nullptr, 0, 0, PM_REMOVE) != FALSE;
+         --left) {
         if (event.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(event.wParam)); // for the loops outside
             return;
@@ -237,14 +238,14 @@ void Control::Show() const
     }
 }
 
-bool Form::ShowModal(const Form* Owner)
+bool Form::ShowModal(const Form* owner)
 {
     FormWindow window(*this);
-    if (Owner != nullptr && Owner->IsOpen()) {
-        return window.RunModal(Owner->m_window->Handle());
+    if (owner != nullptr && owner->IsOpen()) {
+        return window.RunModal(owner->m_window->Handle());
     }
-    const Ownerless ownerless;
-    return window.RunModal(ownerless.Handle());
+    const ModalScope scope;
+    return window.RunModal(scope.Handle());
 }
 
 void Form::Close()
@@ -274,18 +275,18 @@ void Form::ShowCloseBox() const
     }
 }
 
-void Form::SetFocus(const Control& Focused)
+void Form::SetFocus(const Control& control)
 {
     if (m_window != nullptr) {
-        m_window->SetFocus(*m_window->At(Focused.Index));
+        m_window->SetFocus(*m_window->At(control.Index));
     }
 }
 
-void Form::ShowNow(const Control& Shown)
+void Form::ShowNow(const Control& control)
 {
     if (m_window != nullptr) {
-        UpdateWindow(m_window->At(Shown.Index)->Handle());
-        m_window->LetEventsRun();
+        UpdateWindow(m_window->At(control.Index)->Handle());
+        m_window->PumpMessages();
     }
 }
 

@@ -12,7 +12,7 @@ constexpr auto FieldOfList = static_cast<WPARAM>(-1);
 /// A drop-down list shows this many lines before it scrolls.
 constexpr int ListLines = 8;
 
-std::wstring TextOf(HWND window)
+std::wstring WindowText(HWND window)
 {
     std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)), L'\0');
     const int length = GetWindowTextW(window, text.data(), static_cast<int>(text.size() + 1));
@@ -32,7 +32,7 @@ void ReportButton(Control& model, HWND /*window*/, int notification)
 void ReportText(Control& model, HWND window, int notification)
 {
     if (notification == EN_CHANGE) {
-        model.Edit(TextOf(window));
+        model.Edit(WindowText(window));
     }
 }
 
@@ -41,7 +41,7 @@ void ReportText(Control& model, HWND window, int notification)
 void ReportList(Control& model, HWND window, int notification)
 {
     const auto line = static_cast<int>(SendMessageW(window, CB_GETCURSEL, 0, 0));
-    const std::wstring text = TextOf(window);
+    const std::wstring text = WindowText(window);
     const bool isShown = line != CB_ERR && model.Lines()[static_cast<size_t>(line)] == text;
     if (notification == CBN_SELCHANGE || (notification == CBN_CLOSEUP && isShown)) {
         model.Pick(line);
@@ -76,8 +76,8 @@ const WindowKind& KindOf(const Control& control)
 
 } // namespace
 
-ControlWindow::ControlWindow(HWND Dialog, int Id, Control& Shown, double FormPoints)
-    : m_model(Shown), m_font(MakeFont(Shown.Look.FontPoints != 0 ? Shown.Look.FontPoints : FormPoints))
+ControlWindow::ControlWindow(HWND dialog, int id, Control& control, double formPoints)
+    : m_model(control), m_font(MakeFont(control.Look.FontPoints != 0 ? control.Look.FontPoints : formPoints))
 {
     const WindowKind& kind = KindOf(m_model);
     const RECT area = Pixels(m_model.Look.Where);
@@ -86,7 +86,7 @@ ControlWindow::ControlWindow(HWND Dialog, int Id, Control& Shown, double FormPoi
     m_handle = CreateWindowExW(kind.ExtendedStyle, kind.Class, L"", kind.Style | WS_CHILD | WS_VISIBLE,
                                area.left, area.top, area.right - area.left,
                                isList ? height * (1 + ListLines) : height, // with its lines
-                               Dialog, reinterpret_cast<HMENU>(INT_PTR{Id}), nullptr, nullptr);
+                               dialog, reinterpret_cast<HMENU>(INT_PTR{id}), nullptr, nullptr);
     if (m_handle == nullptr) {
         return;
     }
@@ -151,14 +151,14 @@ void ControlWindow::Show() const
     InvalidateRect(m_handle, nullptr, TRUE);
 }
 
-void ControlWindow::Report(int Notification) const
+void ControlWindow::Report(int notification) const
 {
-    KindOf(m_model).Report(m_model, m_handle, Notification);
+    KindOf(m_model).Report(m_model, m_handle, notification);
 }
 
-HBRUSH ControlWindow::SetColours(HDC Context) const
+HBRUSH ControlWindow::SetColours(HDC context) const
 {
-    return SetTextColours(Context, m_model.Background(), m_model.IsEnabled());
+    return SetTextColours(context, m_model.Background(), m_model.IsEnabled());
 }
 
 } // namespace acg

@@ -10,8 +10,8 @@ namespace acg
 class ControlWindow
 {
 public:
-    /// Handle is null where the window can't be made. FormPoints: the font of the form.
-    ControlWindow(HWND Dialog, int Id, Control& Shown, double FormPoints);
+    /// Handle is null if the window can't be made. formPoints: the font of the form.
+    ControlWindow(HWND dialog, int id, Control& control, double formPoints);
     ControlWindow(const ControlWindow&) = delete;
     ControlWindow& operator=(const ControlWindow&) = delete;
 
@@ -22,9 +22,9 @@ public:
     /// before.
     void Show() const;
     /// Updates the model by what a person has done; its handlers run.
-    void Report(int Notification) const;
+    void Report(int notification) const;
     /// The result of a WM_CTLCOLOR message.
-    [[nodiscard]] HBRUSH SetColours(HDC Context) const;
+    [[nodiscard]] HBRUSH SetColours(HDC context) const;
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;

@@ -52,32 +52,32 @@ HBRUSH Brush(HDC context, COLORREF colour)
 
 } // namespace
 
-RECT Pixels(const Area& Twips)
+RECT Pixels(const Area& twips)
 {
     const auto pixels = [dpi = ScreenDpi()](int value) { return LONG{MulDiv(value, dpi, TwipsPerInch)}; };
-    return {pixels(Twips.Left), pixels(Twips.Top), pixels(Twips.Left + Twips.Width),
-            pixels(Twips.Top + Twips.Height)};
+    return {pixels(twips.Left), pixels(twips.Top), pixels(twips.Left + twips.Width),
+            pixels(twips.Top + twips.Height)};
 }
 
-FontPointer MakeFont(double Points)
+FontPointer MakeFont(double points)
 {
-    const auto height = static_cast<int>(std::lround(Points * ScreenDpi() / PointsPerInch));
+    const auto height = static_cast<int>(std::lround(points * ScreenDpi() / PointsPerInch));
     return FontPointer(CreateFontW(-height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                                    OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
                                    DEFAULT_PITCH | FF_DONTCARE, L"Tahoma"));
 }
 
-void FillArea(HDC Context, const RECT& Where, const Colour& Background)
+void FillArea(HDC context, const RECT& area, const Colour& background)
 {
-    FillRect(Context, &Where, Brush(Context, ColoursOf(Background).Background));
+    FillRect(context, &area, Brush(context, ColoursOf(background).Background));
 }
 
-HBRUSH SetTextColours(HDC Context, const Colour& Background, bool Enabled)
+HBRUSH SetTextColours(HDC context, const Colour& background, bool enabled)
 {
-    const ColourPair colours = ColoursOf(Background);
-    SetTextColor(Context, Enabled ? colours.Text : GetSysColor(COLOR_GRAYTEXT));
-    SetBkColor(Context, colours.Background);
-    return Brush(Context, colours.Background);
+    const ColourPair colours = ColoursOf(background);
+    SetTextColor(context, enabled ? colours.Text : GetSysColor(COLOR_GRAYTEXT));
+    SetBkColor(context, colours.Background);
+    return Brush(context, colours.Background);
 }
 
 } // namespace acg

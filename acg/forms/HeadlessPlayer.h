@@ -1,4 +1,4 @@
-// The stand-in for a person where forms are headless.
+// The stand-in for a person in a build whose forms are headless.
 #pragma once
 
 #include "acg/forms/Forms.h"

@@ -7,18 +7,19 @@
 namespace acg
 {
 
-void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Most)
+void ReplaceByAnsi(std::wstring& text, std::string_view ansi, size_t maxLength)
 {
-    const std::string_view ascii = By.substr(0, std::min(By.find('\0'), Most));
+    const std::string_view ascii = ansi.substr(0, std::min(ansi.find('\0'), maxLength));
     if (IsAscii(ascii)) {
-        MakeRoom(Text, ascii.size());
-        Text.resize(ascii.size());
-        std::ranges::copy(ascii, Text.begin());
+        MakeRoom(text, ascii.size());
+        text.resize(ascii.size());
+        std::ranges::copy(ascii, text.begin());
         return;
     }
-    const Secret<wchar_t> wide{FromAnsi(By)}; // whole, as a code page may make one character of several bytes
-    const std::wstring_view text = wide.Text;
-    Replace(Text, text.substr(0, std::min(text.find(L'\0'), Most)));
+    const Secret<wchar_t> wide{
+        FromAnsi(ansi)}; // whole, as a code page may make one character of several bytes
+    const std::wstring_view whole = wide.Text;
+    Replace(text, whole.substr(0, std::min(whole.find(L'\0'), maxLength)));
 }
 
 } // namespace acg

@@ -13,27 +13,27 @@ namespace acg
 {
 
 /// ANSI is the system's code page on Windows and Windows-1252 elsewhere. A character that it lacks becomes
-/// "?". Each conversion allocates its result once, so no copy of the text is left behind in freed memory.
-[[nodiscard]] std::string ToAnsi(std::wstring_view Text);
-[[nodiscard]] std::wstring FromAnsi(std::string_view Text);
+/// "?". Each conversion allocates its result once, so no copy of the text is left in freed memory.
+[[nodiscard]] std::string ToAnsi(std::wstring_view text);
+[[nodiscard]] std::wstring FromAnsi(std::string_view text);
 
 /// A path in the system's 8-bit text: ANSI on Windows, elsewhere any bytes.
-[[nodiscard]] SystemPath PathFromAnsi(std::string_view Text);
+[[nodiscard]] SystemPath PathFromAnsi(std::string_view text);
 
 /// True for characters that are the same byte in every code page.
 template <class Char>
-[[nodiscard]] bool IsAscii(std::basic_string_view<Char> Text)
+[[nodiscard]] bool IsAscii(std::basic_string_view<Char> text)
 {
     std::make_unsigned_t<Char> bits = 0;
-    for (const Char character : Text) {
+    for (const Char character : text) {
         bits |= static_cast<std::make_unsigned_t<Char>>(character);
     }
     return bits < 0x80;
 }
 
-/// Replaces Text by a text of the library, which ends at its first NUL and is cut to Most characters. Both
-/// may hold a key.
-void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Most = std::wstring_view::npos);
+/// Replaces a text by one of the library, which ends at its first NUL and is cut to maxLength characters.
+/// Both may hold a key.
+void ReplaceByAnsi(std::wstring& text, std::string_view ansi, size_t maxLength = std::wstring_view::npos);
 
 /// Owner of a length-counted byte string: a pointer to its first byte, with the 32-bit length in bytes
 /// directly before it. Windows: a BSTR made with SysAllocStringByteLen. Elsewhere: one malloc of
@@ -41,8 +41,8 @@ void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Most = std::w
 class ByteString
 {
 public:
-    explicit ByteString(char* Bytes = nullptr) : m_bytes(Bytes) {}
-    ByteString(ByteString&& Other) noexcept : m_bytes(std::exchange(Other.m_bytes, nullptr)) {}
+    explicit ByteString(char* bytes = nullptr) : m_bytes(bytes) {}
+    ByteString(ByteString&& other) noexcept : m_bytes(std::exchange(other.m_bytes, nullptr)) {}
     ByteString& operator=(ByteString&& Other) noexcept
     {
         std::swap(m_bytes, Other.m_bytes);

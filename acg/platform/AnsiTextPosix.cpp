@@ -46,23 +46,23 @@ using Length = uint32_t;
 
 } // namespace
 
-std::string ToAnsi(std::wstring_view Text)
+std::string ToAnsi(std::wstring_view text)
 {
-    std::string ansi(Text.size(), '\0');
-    std::ranges::transform(Text, ansi.begin(), [](wchar_t character) { return ToAnsi(character); });
+    std::string ansi(text.size(), '\0');
+    std::ranges::transform(text, ansi.begin(), [](wchar_t character) { return ToAnsi(character); });
     return ansi;
 }
 
-std::wstring FromAnsi(std::string_view Text)
+std::wstring FromAnsi(std::string_view text)
 {
-    std::wstring wide(Text.size(), L'\0');
-    std::ranges::transform(Text, wide.begin(), [](char character) { return FromAnsi(character); });
+    std::wstring wide(text.size(), L'\0');
+    std::ranges::transform(text, wide.begin(), [](char character) { return FromAnsi(character); });
     return wide;
 }
 
-SystemPath PathFromAnsi(std::string_view Text)
+SystemPath PathFromAnsi(std::string_view text)
 {
-    return SystemPath(Text);
+    return SystemPath(text);
 }
 
 ByteString::~ByteString()

@@ -16,7 +16,7 @@ BSTR Bstr(char* bytes)
     return reinterpret_cast<BSTR>(bytes);
 }
 
-/// One of the system's two conversions: fills the buffer, or only counts where there is none.
+/// One of the system's two conversions: fills the buffer, or only counts if there is none.
 int Convert(std::wstring_view text, char* buffer, int size)
 {
     // A code page that has every character accepts neither the flag nor the "?".
@@ -40,19 +40,19 @@ To Converted(From text)
 
 } // namespace
 
-std::string ToAnsi(std::wstring_view Text)
+std::string ToAnsi(std::wstring_view text)
 {
-    return Converted<std::string>(Text);
+    return Converted<std::string>(text);
 }
 
-std::wstring FromAnsi(std::string_view Text)
+std::wstring FromAnsi(std::string_view text)
 {
-    return Converted<std::wstring>(Text);
+    return Converted<std::wstring>(text);
 }
 
-SystemPath PathFromAnsi(std::string_view Text)
+SystemPath PathFromAnsi(std::string_view text)
 {
-    return FromAnsi(Text);
+    return FromAnsi(text);
 }
 
 ByteString::~ByteString()

@@ -69,10 +69,10 @@ FileReplacement::~FileReplacement()
     }
 }
 
-std::error_code FileReplacement::Create(const SystemPath& File, ExistingFile Existing)
+std::error_code FileReplacement::Create(const SystemPath& path, ExistingFile existing)
 {
-    m_file = File;
-    m_existing = Existing;
+    m_file = path;
+    m_existing = existing;
     HANDLE const former = CreateFileW(m_file.c_str(), /*dwDesiredAccess=*/0, ShareAll, nullptr, OPEN_EXISTING,
                                       FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (former != INVALID_HANDLE_VALUE) {
@@ -98,17 +98,17 @@ std::error_code FileReplacement::Create(const SystemPath& File, ExistingFile Exi
     return {};
 }
 
-std::error_code FileReplacement::Finish(std::string_view Contents)
+std::error_code FileReplacement::Finish(std::string_view contents)
 {
     HANDLE const file = reinterpret_cast<HANDLE>(m_handle);
     DWORD written = 0;
-    if (WriteFile(file, Contents.data(), static_cast<DWORD>(Contents.size()), &written, nullptr) == FALSE ||
+    if (WriteFile(file, contents.data(), static_cast<DWORD>(contents.size()), &written, nullptr) == FALSE ||
         FlushFileBuffers(file) == FALSE) {
         return SystemError(GetLastError());
     }
     m_handle = -1; // an open file can't be renamed
     CloseHandle(file);
-    return written == Contents.size() ? Rename() : SystemError(ERROR_DISK_FULL);
+    return written == contents.size() ? Rename() : SystemError(ERROR_DISK_FULL);
 }
 
 std::error_code FileReplacement::Rename()
@@ -133,19 +133,19 @@ std::error_code FileReplacement::Rename()
     return {};
 }
 
-std::error_code ReadContents(const SystemPath& File, std::vector<uint8_t>& Contents)
+std::error_code ReadContents(const SystemPath& path, std::vector<uint8_t>& contents)
 {
-    HANDLE const file = CreateFileW(File.c_str(), GENERIC_READ, ShareAll, nullptr, OPEN_EXISTING,
+    HANDLE const file = CreateFileW(path.c_str(), GENERIC_READ, ShareAll, nullptr, OPEN_EXISTING,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         return SystemError(GetLastError());
     }
     DWORD length = 0;
     const bool isRead =
-        ReadFile(file, Contents.data(), static_cast<DWORD>(Contents.size()), &length, nullptr) != FALSE;
+        ReadFile(file, contents.data(), static_cast<DWORD>(contents.size()), &length, nullptr) != FALSE;
     const std::error_code error = isRead ? std::error_code() : SystemError(GetLastError());
     CloseHandle(file);
-    Contents.resize(length);
+    contents.resize(length);
     return error;
 }
 

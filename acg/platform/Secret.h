@@ -8,23 +8,23 @@
 namespace acg
 {
 
-/// Fills memory with zeros, also where nothing reads it afterwards.
-void Wipe(void* Memory, std::size_t Bytes);
+/// Fills memory with zeros, even if nothing reads it afterwards.
+void Wipe(void* memory, std::size_t bytes);
 
 /// Wipes the whole capacity of a text, characters that were cut off included, and empties it.
 template <class Char>
-void Wipe(std::basic_string<Char>& Text)
+void Wipe(std::basic_string<Char>& text)
 {
-    Text.resize(Text.capacity());
-    Wipe(Text.data(), Text.size() * sizeof(Char));
-    Text.clear();
+    text.resize(text.capacity());
+    Wipe(text.data(), text.size() * sizeof(Char));
+    text.clear();
 }
 
 /// Reserves room for that many characters. The former memory is wiped.
-void MakeRoom(std::wstring& Text, std::size_t Room);
+void MakeRoom(std::wstring& text, std::size_t room);
 
-/// Assigns a text. Where that needs new memory, the former is wiped.
-void Replace(std::wstring& Text, std::wstring_view By);
+/// Assigns a text. If that needs new memory, the former is wiped.
+void Replace(std::wstring& text, std::wstring_view replacement);
 
 /// A text of the component's own, wiped at its end. MakeRoom before it grows: std::basic_string wouldn't wipe
 /// what it leaves.
@@ -33,10 +33,10 @@ struct Secret {
     std::basic_string<Char> Text;
 
     Secret() = default;
-    explicit Secret(std::basic_string<Char>&& Own)
+    explicit Secret(std::basic_string<Char>&& text)
     {
-        Text.swap(Own);
-        Wipe(Own);
+        Text.swap(text);
+        Wipe(text);
     }
     ~Secret() { Wipe(Text); }
     Secret(const Secret&) = delete;

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 namespace acg
 {
 
 /// A thread-local pointer, null at first, in the system's own thread storage: a compiler's thread_local ends
-/// the process where its memory can't be allocated.
+/// the process if its memory can't be allocated.
 class ThreadPointer
 {
 public:
@@ -17,10 +18,10 @@ public:
     ThreadPointer& operator=(const ThreadPointer&) = delete;
 
     [[nodiscard]] void* Get() const;
-    void Set(void* Pointer) const; ///< throws std::bad_alloc, always where the system had no storage left
+    void Set(void* pointer) const; ///< throws std::bad_alloc, always if the system had no storage left
 
 private:
-    unsigned long m_key = ~0UL; ///< no valid key has this value
+    std::optional<unsigned long> m_key; ///< nothing if the system had no storage left
 };
 
 /// One object for each thread, created at its first Get and never destroyed: the component may have been

@@ -8,25 +8,26 @@ namespace acg
 
 ThreadPointer::ThreadPointer() noexcept
 {
-    pthread_key_t key = 0;
-    if (pthread_key_create(&key, nullptr) == 0) {
+    if (pthread_key_t key = 0; pthread_key_create(&key, nullptr) == 0) {
         m_key = key;
     }
 }
 
 ThreadPointer::~ThreadPointer()
 {
-    pthread_key_delete(static_cast<pthread_key_t>(m_key));
+    if (m_key) {
+        pthread_key_delete(static_cast<pthread_key_t>(*m_key));
+    }
 }
 
 void* ThreadPointer::Get() const
 {
-    return pthread_getspecific(static_cast<pthread_key_t>(m_key));
+    return m_key ? pthread_getspecific(static_cast<pthread_key_t>(*m_key)) : nullptr;
 }
 
-void ThreadPointer::Set(void* Pointer) const
+void ThreadPointer::Set(void* pointer) const
 {
-    if (pthread_setspecific(static_cast<pthread_key_t>(m_key), Pointer) != 0) {
+    if (!m_key || pthread_setspecific(static_cast<pthread_key_t>(*m_key), pointer) != 0) {
         throw std::bad_alloc();
     }
 }

@@ -6,21 +6,28 @@
 namespace acg
 {
 
-ThreadPointer::ThreadPointer() noexcept : m_key(TlsAlloc()) {}
+ThreadPointer::ThreadPointer() noexcept
+{
+    if (const DWORD index = TlsAlloc(); index != TLS_OUT_OF_INDEXES) {
+        m_key = index;
+    }
+}
 
 ThreadPointer::~ThreadPointer()
 {
-    TlsFree(m_key);
+    if (m_key) {
+        TlsFree(*m_key);
+    }
 }
 
 void* ThreadPointer::Get() const
 {
-    return TlsGetValue(m_key);
+    return m_key ? TlsGetValue(*m_key) : nullptr;
 }
 
-void ThreadPointer::Set(void* Pointer) const
+void ThreadPointer::Set(void* pointer) const
 {
-    if (TlsSetValue(m_key, Pointer) == FALSE) {
+    if (!m_key || TlsSetValue(*m_key, pointer) == FALSE) {
         throw std::bad_alloc();
     }
 }

@@ -9,7 +9,7 @@
 namespace acg
 {
 
-/// Built in 8-bit, piece by piece, where its parts are known. It may hold keys: it wipes itself, and
+/// Built in 8-bit, piece by piece. It may hold keys: it wipes itself, and
 /// memory that it has outgrown.
 class CommandData
 {
@@ -20,17 +20,17 @@ public:
     CommandData& operator=(const CommandData&) = delete;
 
     /// The low byte as two upper-case digits: 9 adds "09", 256 adds "00", -1 adds "FF".
-    CommandData& AddByte(int32_t Value);
+    CommandData& AddByte(int32_t value);
     /// All 32 bits as eight upper-case digits, the most significant first: -1 adds "FFFFFFFF".
-    CommandData& AddNumber(int32_t Value);
+    CommandData& AddNumber(int32_t value);
     /// A key or digits, in upper case and ANSI, of any length.
-    CommandData& AddText(std::wstring_view Text);
+    CommandData& AddText(std::wstring_view text);
 
     [[nodiscard]] const char* Text() const { return m_text; }
 
 private:
     /// Extends the text by uninitialized room, which the caller fills.
-    char* Grow(size_t Count);
+    char* Grow(size_t count);
 
     static constexpr size_t OwnRoom = 64; ///< a block with its number, or a login, and a NUL
     char m_own[OwnRoom] = {};

@@ -6,6 +6,8 @@
 #include "acg/platform/TextCase.h"
 #include "acg/reader/CommandData.h"
 
+#include <cstring>
+
 namespace acg
 {
 
@@ -30,15 +32,15 @@ wchar_t StatusLetter(std::string_view reply)
 } // namespace
 
 /// Sends a command with its data text. A status letter in place of data is failure -5.
-Failure Encoder::Exchange(const char* Command, const CommandData& Data, ByteString& Reply)
+Failure Encoder::Exchange(const char* command, const CommandData& data, ByteString& reply)
 {
     if (m_hReader == ReaderHandle::None) {
         return EncoderIsClosed;
     }
-    if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, Command, Data.Text(), Reply)) {
+    if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, command, data.Text(), reply)) {
         return failure;
     }
-    const wchar_t letter = StatusLetter(Reply.Bytes());
+    const wchar_t letter = StatusLetter(reply.Bytes());
     if (letter == L'\0') {
         return {};
     }
@@ -46,31 +48,29 @@ Failure Encoder::Exchange(const char* Command, const CommandData& Data, ByteStri
 }
 
 /// The record holds the command, never its data.
-void Encoder::RecordExchange(const Failure& Failed, const char* Command)
+void Encoder::RecordExchange(const Failure& failure, const char* command)
 {
-    SetLastError(Failed, L"EncoderCommand");
-    if (Failed.Number != EncoderIsClosed.Number) {
-        const std::string_view command = Command;
-        std::wstring& path = m_oLastError->RdrCommand;
-        path = L"SendCommandGetData:";
-        path.append(command.begin(), command.end());
+    SetLastError(failure, L"EncoderCommand");
+    if (failure.Number != EncoderIsClosed.Number) {
+        m_oLastError->RdrCommand = L"SendCommandGetData:";
+        m_oLastError->RdrCommand.append(command, command + std::strlen(command));
     }
 }
 
 /// An exchange whose every failure is recorded.
-Failure Encoder::EncoderCommand(const char* Command, const CommandData& Data, ByteString& Reply)
+Failure Encoder::EncoderCommand(const char* command, const CommandData& data, ByteString& reply)
 {
-    const Failure failure = Exchange(Command, Data, Reply);
+    const Failure failure = Exchange(command, data, reply);
     if (failure) {
-        RecordExchange(failure, Command);
+        RecordExchange(failure, command);
     }
     return failure;
 }
 
 /// Sends "select". An empty field is a failure with a number of its own, and no path.
-Failure Encoder::SelectCard(ByteString& SerialText)
+Failure Encoder::SelectCard(ByteString& serialText)
 {
-    const Failure failure = Exchange("select", CommandData(), SerialText);
+    const Failure failure = Exchange("select", CommandData(), serialText);
     if (failure.Letter == StatusNoCard) {
         SetLastError(NoCardInEncoder, /*ComFunction=*/{});
         return NoCardInEncoder;
@@ -83,8 +83,8 @@ Failure Encoder::SelectCard(ByteString& SerialText)
 
 /// Sets the reader to ISO 14443 A, switches the antenna on, and selects the card in the field. After a
 /// success the record is that of querying the reader's type: clean, or its call failure, which is also
-/// returned in OfReaderType; then m_sReaderType keeps its value.
-Failure Encoder::SelectCardInRange(Failure* OfReaderType)
+/// returned in readerTypeFailure; then m_sReaderType keeps its value.
+Failure Encoder::SelectCardInRange(Failure* readerTypeFailure)
 {
     const CommandData noData;
     ByteString reply;
@@ -97,8 +97,8 @@ Failure Encoder::SelectCardInRange(Failure* OfReaderType)
     }
     const Failure failure = ReadReaderType(m_sReaderType);
     MakeLower(m_sReaderType);
-    if (OfReaderType != nullptr) {
-        *OfReaderType = failure;
+    if (readerTypeFailure != nullptr) {
+        *readerTypeFailure = failure;
     }
     return {};
 }

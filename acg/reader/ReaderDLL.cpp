@@ -15,13 +15,14 @@ namespace
 
 #define ACG_LIBRARY "ACGReader330"
 
-// The numbers of Automation hosts for the two failures of a call as such.
+// "File not found" and "Specified DLL function not found" in Microsoft's list of the trappable errors of
+// Visual Basic, by which Automation hosts number them.
 constexpr int32_t FileNotFound = 53;
 constexpr int32_t EntryPointNotFound = 453;
 
 struct FunctionTexts {
     const char* Name;
-    const wchar_t* NotFound;
+    LiteralText NotFound;
 };
 
 // clang-format off

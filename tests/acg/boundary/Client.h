@@ -153,7 +153,7 @@ struct Call {
     Member Called;
 };
 
-inline std::wstring TextOf(_variant_t value)
+inline std::wstring AsText(_variant_t value)
 {
     value.ChangeType(VT_BSTR);
     return {V_BSTR(&value), SysStringLen(V_BSTR(&value))};

@@ -12,8 +12,8 @@ void ExpectOperations(Way way, const wchar_t* serial, BYTE card)
     const Ptr<_Encoder> encoder(__uuidof(Encoder));
     const Ptr<_CError> record = Call(way, *encoder, L"LastError").Value;
     Call(way, *encoder, L"Parameters", {(std::wstring(L"Device=com1,uid=") + serial).c_str()});
-    EXPECT_NE(TextOf(Call(way, *encoder, L"Parameters").Value).find(serial), std::wstring::npos);
-    const std::wstring information = TextOf(Call(way, *encoder, L"GetInformation").Value);
+    EXPECT_NE(AsText(Call(way, *encoder, L"Parameters").Value).find(serial), std::wstring::npos);
+    const std::wstring information = AsText(Call(way, *encoder, L"GetInformation").Value);
     ASSERT_TRUE(information.starts_with(L"Tarvello|ACG Multi-ISO|7.1.1947|1|"));
     constexpr const wchar_t* key = L"FFFFFFFFFFFF";
     constexpr const wchar_t* a = L"A0A1A2A3A4A5";
@@ -34,7 +34,7 @@ void ExpectOperations(Way way, const wchar_t* serial, BYTE card)
         std::vector<_variant_t> Given;
         std::vector<_variant_t> Expected; ///< from the last argument backwards
         LONG Number = 0;                  ///< of the record
-        const wchar_t* Source = nullptr;  ///< where it is raised
+        const wchar_t* Source = nullptr;  ///< if it is raised
     } rows[] = {
         {L"ReaderType", {}, {}, -1, L"ACG_MultiISO_TV.Encoder"},
         {L"ATRString", {}, {}, -16, L""},
@@ -62,19 +62,19 @@ void ExpectOperations(Way way, const wchar_t* serial, BYTE card)
     for (const auto& [name, given, expected, number, source] : rows) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(name)) + std::to_string(card));
         const Call call(way, *encoder, name, given);
-        EXPECT_EQ(TextOf(Call(way, *record, L"Number").Value), std::to_wstring(number));
-        EXPECT_EQ(TextOf(Call(way, *record, L"ComFunction").Value), name);
+        EXPECT_EQ(AsText(Call(way, *record, L"Number").Value), std::to_wstring(number));
+        EXPECT_EQ(AsText(Call(way, *record, L"ComFunction").Value), name);
         EXPECT_EQ(call.Result, source == nullptr ? S_OK : number);
         EXPECT_STREQ(call.Raised.bstrSource, source);
         EXPECT_TRUE(source == nullptr ||
-                    TextOf(Call(way, *record, L"Description").Value) == call.Raised.bstrDescription);
-        EXPECT_EQ(_wtol(TextOf(call.Value).c_str()), source != nullptr || number == 0 ? 0 : sceError);
+                    AsText(Call(way, *record, L"Description").Value) == call.Raised.bstrDescription);
+        EXPECT_EQ(_wtol(AsText(call.Value).c_str()), source != nullptr || number == 0 ? 0 : sceError);
         for (size_t at = 0; at < expected.size(); ++at) {
-            EXPECT_EQ(TextOf(call.Arguments[given.size() - 1 - at]), TextOf(expected[at])) << at;
+            EXPECT_EQ(AsText(call.Arguments[given.size() - 1 - at]), AsText(expected[at])) << at;
         }
     }
     EXPECT_EQ(Call(way, *encoder, L"ReOpenEncoder").Result, S_OK);
-    EXPECT_EQ(TextOf(Call(way, *encoder, L"EncoderState").Value), TextOf(LONG{sceReady}));
+    EXPECT_EQ(AsText(Call(way, *encoder, L"EncoderState").Value), AsText(LONG{sceReady}));
 }
 
 TEST(EncoderTest, OperationsAndRaisedFailuresComeThroughInEveryWay)
@@ -93,7 +93,7 @@ TEST(RecordTest, FieldsHoldWhatIsWritten)
         if (member.Kind == DISPATCH_PROPERTYPUT) {
             const _variant_t value = member.Types[0] == VT_BSTR ? _variant_t(withNul) : _variant_t(-7L);
             EXPECT_EQ(Call(Way::ByName, *record, member, {value}).Result, S_OK);
-            EXPECT_EQ(TextOf(Call(Way::BySlot, *record, member.Name.c_str()).Value), TextOf(value));
+            EXPECT_EQ(AsText(Call(Way::BySlot, *record, member.Name.c_str()).Value), AsText(value));
         }
     }
     EXPECT_EQ(record->put_ComFunction(nullptr), S_OK); // as empty text

@@ -11,7 +11,7 @@ foreign() { # FILE [DLL]: what it imports but the system's and that one
 }
 [ "$exports" = 'DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer' ]
 [ -z "$(foreign "$1")$(foreign "$2" '|version')" ]
-[ "$(stat -c %s "$1")" -le $((256 * 1024)) ]
+[ "$(stat -c %s "$1")" -lt 320000 ]
 for description in "$1|Tarvello encoding component: ACG Multi-ISO" "$2|Command-line program for contactless cards" \
     "${2%/*}/ACGReader330.dll|Simulated reader library" "${2%/*}/recorder/ACGReader330.dll|Session recorder"; do
     strings -el "${description%|*}" | grep -A 1 -x FileDescription | grep -qxF "${description#*|}"

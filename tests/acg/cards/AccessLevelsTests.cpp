@@ -13,7 +13,7 @@ const std::wstring KeyB = TrailerArguments().KeyB;
 
 // What the card grants for the levels 0 to 15. Bit 0: key A reads (on the trailer: writes keys), bit 1: key A
 // writes (conditions), bits 2 and 3 the same for key B. Writing is never granted without reading, nor writing
-// the conditions without the keys to key A. Key B's part doesn't count where key A works alone.
+// the conditions without the keys to key A. Key B's part doesn't count if key A works alone.
 constexpr int32_t No = -2; ///< refused
 constexpr int32_t ToKeyAAlone[] = {0, 1, 3, 3, 0, 1, 3, 3, 0, 1, 3, 3, 0, 1, 3, 3};
 constexpr int32_t OnBlock[] = {0, No, No, No, 4, 5, No, No, 12, 13, 15, 15, 12, 13, 15, 15};

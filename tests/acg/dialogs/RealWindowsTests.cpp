@@ -19,7 +19,7 @@ namespace
 constexpr int Device = 102, AutoDetect = 104, Baudrate = 106, Protocol = 108, Timeout = 110, OK = 111,
               Defaults = 112, TestSettings = 113, Cancel = 114, Log = 100, TestOK = 101;
 
-/// The program ends where it waits in vain: nothing else would close the windows.
+/// The program ends if it waits in vain: nothing else would close the windows.
 void Await(const std::string& what, const std::function<bool()>& condition)
 {
     for (int tries = 0; !condition(); ++tries) {

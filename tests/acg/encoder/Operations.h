@@ -13,7 +13,7 @@ inline constexpr const wchar_t* FaultKey = L"D1ce0fCA57e5";
 inline constexpr const char* ReadReply = "D1CE0FCA57E5FF078069D1CE0FCA57E5";
 inline constexpr const char* WriteReply = "00112233445566778899aabbccddeeff";
 
-/// Blocks that the component has freed with a key in them, where the program looks for that.
+/// Blocks that the component has freed with a key in them, if the program looks for that.
 inline int keysFreed = 0;
 
 /// What an operation is given and may change.
@@ -27,7 +27,7 @@ struct Operation {
     std::string Name;
     /// Returns a result code, or for EncoderState a state.
     std::function<int32_t(Encoder&, HostArguments&)> Run;
-    /// True where the arguments are as Encoder.h says, after a success or a failure with that path.
+    /// True if the arguments are as Encoder.h says, after a success or a failure with that path.
     std::function<bool(const HostArguments&, bool Succeeded, const std::wstring& Path)> LeavesArguments =
         [](auto&&...) { return true; };
 };
@@ -120,7 +120,7 @@ protected:
         EXPECT_TRUE(text == std::wstring(WriteReply, WriteReply + 32));
         EXPECT_EQ(encoder.CloseEncoder(), sceSuccess);
         EXPECT_EQ(Last(), Clean(L"CloseEncoder"));
-        EXPECT_FALSE(EncoderInside::ValueBlocks(encoder));
+        EXPECT_TRUE(EncoderInside::ValueBlocks(encoder).empty());
     }
 };
 

@@ -1,4 +1,4 @@
-// Where the system's library loading looks, and what it says where it finds nothing.
+// Where the system's library loading looks, and what it says if it finds nothing.
 #include "acg/platform/Library.h"
 #include "tests/TemporaryFolder.h"
 

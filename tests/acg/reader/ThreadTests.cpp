@@ -18,7 +18,7 @@ namespace
 constexpr int Threads = 4;
 constexpr int Rounds = 50;
 
-/// Opens, selects the card and closes; true where all of it goes well.
+/// Opens, selects the card and closes; true if all of it goes well.
 bool UseReader(ReaderDLL& library)
 {
     CommSettings settings;

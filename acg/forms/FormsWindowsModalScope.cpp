@@ -1,17 +1,17 @@
-#include "acg/forms/FormsWindowsOwnerless.h"
+#include "acg/forms/FormsWindowsModalScope.h"
 
 #include <new>
 
 namespace acg
 {
 
-Ownerless::Ownerless()
+ModalScope::ModalScope()
     : m_handle(CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr))
 {
     EnumThreadWindows(GetCurrentThreadId(), &Disable, reinterpret_cast<LPARAM>(this));
 }
 
-Ownerless::~Ownerless()
+ModalScope::~ModalScope()
 {
     for (const HWND window : m_disabled) {
         EnableWindow(window, TRUE);
@@ -19,11 +19,11 @@ Ownerless::~Ownerless()
     DestroyWindow(m_handle); // now that one of them can become the active window
 }
 
-BOOL CALLBACK Ownerless::Disable(HWND window, LPARAM self) noexcept
+BOOL CALLBACK ModalScope::Disable(HWND window, LPARAM self) noexcept
 {
     try {
         if (IsWindowVisible(window) != FALSE && IsWindowEnabled(window) != FALSE) {
-            reinterpret_cast<Ownerless*>(self)->m_disabled.push_back(window);
+            reinterpret_cast<ModalScope*>(self)->m_disabled.push_back(window);
             EnableWindow(window, FALSE);
         }
     } catch (const std::bad_alloc&) { // a window that can't be recorded stays enabled

@@ -9,13 +9,13 @@ namespace acg
 
 /// An invisible window that keeps the form out of the task bar in an owner's place. As long as it lives, the
 /// other windows of the thread take no input: the form alone would not disable them.
-class Ownerless
+class ModalScope
 {
 public:
-    Ownerless();
-    ~Ownerless();
-    Ownerless(const Ownerless&) = delete;
-    Ownerless& operator=(const Ownerless&) = delete;
+    ModalScope();
+    ~ModalScope();
+    ModalScope(const ModalScope&) = delete;
+    ModalScope& operator=(const ModalScope&) = delete;
 
     [[nodiscard]] HWND Handle() const { return m_handle; }
 
