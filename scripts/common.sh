@@ -1,5 +1,7 @@
 # What the scripts share: a word on what is being done, and the installation of what is missing.
 
+repository=$(realpath "$(dirname "${BASH_SOURCE[0]}")/..")
+
 say() { printf '== %s\n' "$*"; }
 
 stop() {
@@ -132,9 +134,25 @@ install_wine() {
     return "$status"
 }
 
+# need ENTRY...: ends a check as skipped if a tool of these isn't there; with CI=true, as failed.
+need() {
+    local packages
+    mapfile -t packages < <(missing_packages "$@")
+    [ "${#packages[@]}" -gt 0 ] || return 0
+    [ "${CI:-}" != true ] || stop "missing: ${packages[*]}"
+    skip "missing: ${packages[*]}"
+}
+
+# skip REASON: ends a check as skipped.
+skip() {
+    printf 'skipped: %s\n' "$*" >&2
+    exit 77
+}
+
 # start_wine [win64]: an empty Wine, of 32-bit Windows or of 64-bit, and a display, for this script alone. They
 # go with the script.
 start_wine() {
+    need "${wine_tools[@]}"
     say 'starting Wine'
     wine_folder=$(mktemp -d) || return 1
     wine_display=
@@ -142,9 +160,6 @@ start_wine() {
     export WINEPREFIX=$wine_folder/prefix WINEARCH=${1:-win32} WINEDEBUG=-all
     # Neither its browser nor its debugger, which would wait for somebody after a crash.
     export WINEDLLOVERRIDES='mscoree=;mshtml=;winedbg.exe='
-    # Debian's Wine doesn't find its own fonts, Tahoma among them.
-    mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
-    cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts" || return 1
 
     Xvfb -displayfd 3 -screen 0 1024x768x24 -dpi 96 -nolisten tcp -noreset \
         3>"$wine_folder/display" >"$wine_folder/log" 2>&1 </dev/null &
@@ -157,11 +172,29 @@ start_wine() {
     [ -s "$wine_folder/display" ] || return 1
     DISPLAY=:$(cat "$wine_folder/display")
     export DISPLAY
+
+    # A copy of an empty Wine, which takes much longer to make.
+    local empty=$repository/build/$WINEARCH
+    mkdir -p "$repository/build"
+    (
+        flock 9
+        [ -d "$empty" ] || make_wine "$empty" 9>&-
+    ) 9>"$empty.lock" || return 1
+    cp -a "$empty" "$WINEPREFIX" || return 1
     # Its server, and the services that the first program starts, stay for the whole script. wineboot would start
     # every service a second time, and neither would answer.
+    wineserver -p </dev/null >"$wine_folder/log" 2>&1
+}
+
+# make_wine FOLDER
+make_wine() {
+    # Debian's Wine doesn't find its own fonts, Tahoma among them.
+    mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
+    cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts" || return 1
     wineserver -p </dev/null >"$wine_folder/log" 2>&1 || return 1
     # There is no window manager to wait for: Wine draws the frames itself.
-    on_wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+    on_wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null || return 1
+    wineserver -k && wineserver -w && mv "$WINEPREFIX" "$1"
 }
 
 stop_wine() {

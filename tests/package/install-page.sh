@@ -55,7 +55,7 @@ classes >registered.reg
 carry_out 6
 classes | cmp -s registered.reg - && exit 1
 diff <(printf '%s\n' "$transcript" | mask) <(on_64 cscript //nologo script-host.vbs | mask)
-x86_64-w64-mingw32-g++-win32 -static -I"$repository/build/windows/boundary/generated" \
+x86_64-w64-mingw32-g++-win32 -static -I"$repository/build/windows/component/boundary/generated" \
     "$repository/tests/package/host64.cpp" -o host64.exe -lole32 -loleaut32
 [ "$(on_64 host64.exe)" = 00000000000000000000000000000000 ]
 carry_out 7

@@ -2,7 +2,7 @@
 # repeatable-build.sh FILE: the component, built in another folder and in another year, is byte for byte FILE.
 set -euo pipefail
 
-file=$PWD/$1
+file=$(realpath "$1")
 folder=$(mktemp -d)/elsewhere
 trap 'rm -rf "$(dirname "$folder")"' EXIT
 mkdir "$folder"
