@@ -2,6 +2,7 @@
 
 #include "acg/platform/AnsiText.h"
 #include "acg/platform/LibraryFile.h"
+#include "acg/platform/Process.h"
 #include "recorder/System.h"
 
 #include <cstdlib>
@@ -38,14 +39,15 @@ fs::path Beside(const fs::path& file)
 
 fs::path NextLibraryFile()
 {
-    const fs::path named = PathVariable("ACG_READER_LIBRARY");
-    return named.empty() ? Beside(fs::path("vendor") / LibraryFileName()) : fs::absolute(named);
+    const fs::path file = acg::EnvironmentVariable("ACG_READER_LIBRARY");
+    return file.empty() ? Beside(fs::path("vendor") / acg::LibraryFileName("ACGReader330"))
+                        : fs::absolute(file);
 }
 
 fs::path LogFile()
 {
-    const fs::path named = PathVariable("ACG_READER_LOG");
-    return named.empty() ? Beside("ACGReader330.log") : named;
+    const fs::path file = acg::EnvironmentVariable("ACG_READER_LOG");
+    return file.empty() ? Beside("ACGReader330.log") : file;
 }
 
 /// As in 2026-11-23 09:42:13 UTC.

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "abi/Functions.h"
-#include "abi/Mutex.h"
+#include "acg/platform/Mutex.h"
 #include "recorder/LogWriter.h"
 
 #include <atomic>
@@ -72,7 +72,7 @@ private:
     void Begin(bool IsOpening);
     void Load();
 
-    exports::Mutex m_mutex;
+    acg::Mutex m_mutex;
     LogWriter m_log;
     std::atomic<bool> m_isEnding = false;
     Clock::time_point m_start;

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <string>
@@ -42,17 +41,6 @@ private:
 };
 
 } // namespace
-
-const char* LibraryFileName()
-{
-    return "libACGReader330.so";
-}
-
-std::filesystem::path PathVariable(const char* Name)
-{
-    const char* const value = std::getenv(Name);
-    return value != nullptr ? value : "";
-}
 
 uint32_t LastError()
 {

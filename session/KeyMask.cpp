@@ -1,7 +1,9 @@
 #include "session/KeyMask.h"
 
+#include "acg/platform/HexText.h"
+#include "acg/platform/TextCase.h"
+
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 
 namespace recorder
@@ -37,29 +39,22 @@ constexpr KnownCommand KnownCommands[] = {
     {"read block", 2, Holds::Block},    {"write block", 2 + BlockDigits, Holds::Block},
 };
 
-constexpr char ToLower(char character)
-{
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 /// Null for a command that isn't known. The reader may not mind the case.
 const KnownCommand* Find(std::string_view name)
 {
-    const auto* found = std::ranges::find_if(KnownCommands, [&](const KnownCommand& known) {
-        return std::ranges::equal(name, known.Name, {}, ToLower);
-    });
+    const auto* found = std::ranges::find_if(
+        KnownCommands, [&](const KnownCommand& known) { return acg::IsSameInAsciiCase(name, known.Name); });
     return found == std::end(KnownCommands) ? nullptr : found;
 }
 
 bool IsHexDigit(char character)
 {
-    const char lower = ToLower(character);
-    return (lower >= '0' && lower <= '9') || (lower >= 'a' && lower <= 'f');
+    return acg::HexDigit(character).has_value();
 }
 
 bool IsLetter(char character)
 {
-    const char lower = ToLower(character);
+    const char lower = acg::AsciiToLower(character);
     return lower >= 'a' && lower <= 'z';
 }
 
@@ -83,18 +78,11 @@ bool HoldsNoHalfKey(std::string_view text)
            });
 }
 
-unsigned ValueOf(std::string_view hexDigits)
-{
-    unsigned value = 0;
-    std::from_chars(hexDigits.data(), hexDigits.data() + hexDigits.size(), value, /*base=*/16);
-    return value;
-}
-
 /// The access bits are three digits C1 to C3 and their complements: ~C2 ~C1 C1 ~C3 C3 C2.
 bool AreAccessBits(std::string_view text)
 {
     const auto areComplements = [text](size_t one, size_t other) {
-        return ValueOf(text.substr(one, 1)) + ValueOf(text.substr(other, 1)) == 0xF;
+        return acg::ReadHexDigits(text.substr(one, 1)) + acg::ReadHexDigits(text.substr(other, 1)) == 0xF;
     };
     return areComplements(0, 5) && areComplements(1, 2) && areComplements(3, 4);
 }
@@ -103,7 +91,7 @@ bool AreAccessBits(std::string_view text)
 bool IsTrailer(std::string_view twoDigits)
 {
     constexpr unsigned FirstOfLargeSectors = 128;
-    const unsigned block = ValueOf(twoDigits.substr(0, 2));
+    const unsigned block = acg::ReadHexDigits(twoDigits.substr(0, 2));
     const unsigned blocksInSector = block < FirstOfLargeSectors ? 4 : 16;
     return block % blocksInSector == blocksInSector - 1;
 }
@@ -134,8 +122,8 @@ const KnownCommand* FindWith(std::string_view command, std::string_view data)
     }
     if (known->Kind == Holds::Login) {
         const std::string_view keyType = data.substr(2, 2);
-        const bool hasKeyType = std::ranges::equal(keyType, std::string_view("aa"), {}, ToLower) ||
-                                std::ranges::equal(keyType, std::string_view("bb"), {}, ToLower);
+        const bool hasKeyType =
+            acg::IsSameInAsciiCase(keyType, "AA") || acg::IsSameInAsciiCase(keyType, "BB");
         return AreHexDigits(data.substr(0, 2), 2) && hasKeyType ? known : nullptr;
     }
     const bool isUnderstood =

@@ -1,5 +1,6 @@
 #include "session/SessionLog.h"
 
+#include "acg/platform/HexText.h"
 #include "session/KeyMask.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@ namespace
 {
 
 constexpr char Masked = '*';
-constexpr std::string_view HexDigits = "0123456789ABCDEF";
 
 /// The arguments of a function and its result: T is a text, N a number.
 struct Shape {
@@ -53,7 +53,7 @@ std::string Quoted(std::string_view text, const Parts& shown = Everything)
             quoted += Masked;
         } else if (!IsPrintable(character)) {
             const auto byte = static_cast<uint8_t>(character);
-            quoted += {'\\', 'x', HexDigits[byte >> 4U], HexDigits[byte & 0x0FU]};
+            quoted += {'\\', 'x', acg::HexDigits[byte >> 4U], acg::HexDigits[byte & 0x0FU]};
         } else {
             quoted += IsSpecial(character) ? std::string{'\\', character} : std::string{character};
         }
@@ -81,12 +81,11 @@ std::optional<char> TakeCharacter(std::string_view& rest)
         return take(2, rest[1]);
     }
     constexpr size_t Escape = 4; // as in \x0D
-    uint8_t byte = 0;
-    if (rest.size() < Escape || rest[1] != 'x' ||
-        std::from_chars(&rest[2], rest.data() + Escape, byte, /*base=*/16).ptr != rest.data() + Escape) {
+    const auto byte = acg::FromHex(rest.substr(std::min<size_t>(2, rest.size()), 2));
+    if (rest.size() < Escape || rest[1] != 'x' || !byte) {
         return std::nullopt;
     }
-    return take(Escape, static_cast<char>(byte));
+    return take(Escape, static_cast<char>(byte->front()));
 }
 
 bool Take(std::string_view expected, std::string_view& rest)

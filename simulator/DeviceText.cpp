@@ -1,6 +1,6 @@
 #include "simulator/DeviceText.h"
 
-#include "simulator/Hex.h"
+#include "acg/platform/HexText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -43,7 +43,7 @@ bool TakeCard(std::string_view value, Device& device)
 
 bool TakeSerialNumber(std::string_view value, Device& device)
 {
-    const auto bytes = FromHex(value);
+    const auto bytes = acg::FromHex(value);
     if (!bytes || bytes->size() != sizeof(SerialNumber)) {
         return false;
     }
@@ -54,7 +54,7 @@ bool TakeSerialNumber(std::string_view value, Device& device)
 /// 0 is no id: it would end the list of those that detection finds.
 bool TakeReaderIds(std::string_view value, Device& device)
 {
-    const auto ids = FromHex(value);
+    const auto ids = acg::FromHex(value);
     if (!ids || std::ranges::count(*ids, 0) != 0) {
         return false;
     }

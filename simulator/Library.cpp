@@ -1,36 +1,16 @@
 #include "simulator/Library.h"
 
-#include "simulator/Hex.h"
+#include "acg/platform/HexText.h"
+#include "acg/platform/Process.h"
 
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <mutex>
 #include <utility>
-
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <thread>
-#endif
 
 namespace simulator
 {
-
-namespace
-{
-
-void Wait(std::chrono::microseconds time)
-{
-#ifdef _WIN32
-    if (time.count() > 0) {
-        Sleep(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(time).count()));
-    }
-#else
-    std::this_thread::sleep_for(time);
-#endif
-}
-
-} // namespace
 
 template <class Opened, class Result, class Body>
 Result Library::With(std::map<Handle, Opened>& all, Handle handle, Result otherwise, const Body& body)
@@ -138,7 +118,7 @@ std::string Library::GetReaderType(Handle Reader, Buffer /*buffer*/)
 std::string Library::GetDeviceID(Handle Reader, Buffer /*buffer*/)
 {
     return With(m_readers, Reader, std::string(), [](const OpenedReader& reader) {
-        return "Simulated reader " + ToHex({&reader.Id, 1});
+        return "Simulated reader " + acg::ToHex({&reader.Id, 1});
     });
 }
 
@@ -150,7 +130,7 @@ std::string Library::SendCommandGetData(Handle Reader, Text Command, Text Data, 
         taken = reader.Opened.TimeOf(Command, Data, reply);
         return reply;
     });
-    Wait(taken); // with the other threads let in
+    acg::Wait(taken); // with the other threads let in
     return sent;
 }
 

@@ -1,8 +1,8 @@
 // The simulated reader library: what stands behind its handles.
 #pragma once
 
-#include "abi/Mutex.h"
 #include "abi/ReaderLibrary.h"
+#include "acg/platform/Mutex.h"
 #include "simulator/CardBox.h"
 #include "simulator/DeviceText.h"
 #include "simulator/Reader.h"
@@ -64,7 +64,7 @@ private:
     template <class Value>
     int32_t Set(Handle comm, Value Line::*setting, Value value);
 
-    exports::Mutex m_mutex;
+    acg::Mutex m_mutex;
     CardBox m_cards;
     std::map<Handle, Line> m_lines;
     std::map<Handle, OpenedReader> m_readers;

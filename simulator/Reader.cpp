@@ -1,7 +1,8 @@
 #include "simulator/Reader.h"
 
 #include "abi/ReaderLibrary.h"
-#include "simulator/Hex.h"
+#include "acg/platform/HexText.h"
+#include "acg/platform/TextCase.h"
 
 #include <algorithm>
 #include <ratio>
@@ -20,12 +21,7 @@ constexpr uint8_t KeyAByte = 0xAA;
 constexpr uint8_t KeyBByte = 0xBB;
 
 /// A reader of this type answers a good login with nothing at all.
-bool IsSilentAtLogin(std::string_view type)
-{
-    return std::ranges::equal(type, std::string_view("multiiso 1.0"), {}, [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-}
+constexpr std::string_view SilentType = "MultiISO 1.0";
 
 /// How the card keeps a counter: the value three times, least significant byte first and the second time
 /// inverted, then the block's address four times, the second and the fourth time inverted.
@@ -59,7 +55,7 @@ std::string Reader::Send(std::string_view CommandName, std::string_view Data)
         EndSelection();
         return *std::move(planned);
     }
-    const auto bytes = FromHex(Data);
+    const auto bytes = acg::FromHex(Data);
     if (!bytes || bytes->size() != command->DataBytes) {
         return StatusReply(StatusUnknownCommand);
     }
@@ -146,7 +142,7 @@ std::string Reader::Select()
         return StatusReply(StatusNoCard);
     }
     m_selected = true;
-    return ToHex(m_card->GetSerialNumber());
+    return acg::ToHex(m_card->GetSerialNumber());
 }
 
 std::string Reader::LogIn(std::span<const uint8_t> Data)
@@ -165,7 +161,7 @@ std::string Reader::LogIn(std::span<const uint8_t> Data)
         return StatusReply(StatusAuthenticationFailed);
     }
     m_login = {sector, type};
-    return IsSilentAtLogin(m_device.ReaderType) ? "" : StatusReply(StatusLoggedIn);
+    return acg::IsSameInAsciiCase(m_device.ReaderType, SilentType) ? "" : StatusReply(StatusLoggedIn);
 }
 
 std::string Reader::AccessBlock(Command Sent, std::span<const uint8_t> Data)
@@ -195,7 +191,7 @@ std::string Reader::AccessBlock(Command Sent, std::span<const uint8_t> Data)
     if (Sent != Command::ReadBlock && m_card == m_saved) {
         Save();
     }
-    return ToHex(Sent == Command::WriteValueBlock ? contents : *reply);
+    return acg::ToHex(Sent == Command::WriteValueBlock ? contents : *reply);
 }
 
 /// The card has changed whether or not that can be saved.

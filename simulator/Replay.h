@@ -1,8 +1,8 @@
 // A reader library that answers from the log of a recorded session.
 #pragma once
 
-#include "abi/Mutex.h"
 #include "abi/ReaderLibrary.h"
+#include "acg/platform/Mutex.h"
 #include "session/SessionLog.h"
 
 #include <chrono>
@@ -72,7 +72,7 @@ private:
     Number PlayNumber(const std::string& call);
     std::string PlayText(const std::string& call, std::string otherwise = {});
 
-    exports::Mutex m_mutex;
+    acg::Mutex m_mutex;
     std::vector<recorder::LoggedCall> m_calls;
     std::vector<Round> m_rounds;    ///< one after the other
     std::vector<Place> m_places{1}; ///< the least advanced first; none after a call that wasn't next

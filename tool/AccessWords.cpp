@@ -1,7 +1,6 @@
 #include "tool/AccessWords.h"
 
 #include "acg/cards/BlockAddress.h"
-#include "acg/reader/HexText.h"
 #include "tool/Text.h"
 
 #include <algorithm>
@@ -12,16 +11,12 @@ namespace acg::tool
 namespace
 {
 
-constexpr size_t FirstConditionByte = 6;
-constexpr size_t UserByte = 9;
-constexpr size_t FirstByteOfKeyB = 10;
-
 /// The manufacturer's block can't be written, whatever the access bits say.
 SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
 {
     SectorRights rights = RightsGranted(bytes);
     if (sector == 0) {
-        rights.Blocks[0].Write = rights.Blocks[0].Increment = rights.Blocks[0].Decrement = Keys::None;
+        rights.Blocks[0].Write = rights.Blocks[0].Increment = rights.Blocks[0].Decrement = KeySet::None;
     }
     return rights;
 }
@@ -30,10 +25,10 @@ constexpr const char* AccessBits = "access bits"; ///< a row's name
 
 struct NamedRight {
     const char* Name;
-    Keys Holders;
+    KeySet Holders;
 };
 
-std::vector<std::string> OfKey(Keys key, const std::vector<NamedRight>& rights)
+std::vector<std::string> OfKey(KeySet key, const std::vector<NamedRight>& rights)
 {
     std::vector<std::string> names;
     for (const auto& [name, holders] : rights) {
@@ -46,14 +41,14 @@ std::vector<std::string> OfKey(Keys key, const std::vector<NamedRight>& rights)
 
 AccessRow Row(std::string what, const std::vector<NamedRight>& rights)
 {
-    return {std::move(what), OfKey(Keys::A, rights), OfKey(Keys::B, rights)};
+    return {std::move(what), OfKey(KeySet::A, rights), OfKey(KeySet::B, rights)};
 }
 
 std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
 {
     std::vector<AccessRow> rows;
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        const BlockRights& block = rights.Blocks[slot];
+        const DataRights& block = rights.Blocks[slot];
         rows.push_back(Row(NameOfSlot(slot, sector), {{"read", block.Read},
                                                       {"write", block.Write},
                                                       {"increment", block.Increment},
@@ -62,7 +57,7 @@ std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
     const TrailerRights& trailer = rights.Trailer;
     rows.push_back(Row("keys A and B", {{"write", trailer.WriteKeys}}));
     rows.push_back(Row(AccessBits, {{"read", trailer.ReadConditions}, {"write", trailer.WriteConditions}}));
-    if (trailer.ReadKeyB != Keys::None) {
+    if (trailer.ReadKeyB != KeySet::None) {
         rows.push_back(Row("key B itself", {{"read", trailer.ReadKeyB}}));
     }
     return rows;
@@ -112,54 +107,54 @@ void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, 
 
 } // namespace
 
-const char* NameOf(Keys Holders)
+const char* NameOf(KeySet holders)
 {
     constexpr const char* Names[] = {"nobody", "key A", "key B", "key A or key B"};
-    return Names[static_cast<size_t>(Holders)];
+    return Names[static_cast<size_t>(holders)];
 }
 
-std::string NameOfSlot(unsigned Slot, SectorNumber Sector)
+std::string NameOfSlot(unsigned slot, SectorNumber sector)
 {
-    if (!Sector) {
-        return Format("data block %u", Slot);
+    if (!sector) {
+        return Format("data block %u", slot);
     }
-    const int32_t first = TrailerBlock(*Sector - 1) + 1;
-    const int32_t inSlot = (TrailerBlock(*Sector) - first) / static_cast<int32_t>(DataSlots);
-    const int32_t block = first + static_cast<int32_t>(Slot) * inSlot;
+    const int32_t first = TrailerBlock(*sector - 1) + 1;
+    const int32_t inSlot = (TrailerBlock(*sector) - first) / static_cast<int32_t>(DataSlots);
+    const int32_t block = first + static_cast<int32_t>(slot) * inSlot;
     return inSlot == 1 ? Format("block %d", block) : Format("blocks %d-%d", block, block + inSlot - 1);
 }
 
-std::vector<AccessRow> AccessRows(const ConditionBytes& Bytes, SectorNumber Sector)
+std::vector<AccessRow> AccessRows(const ConditionBytes& bytes, SectorNumber sector)
 {
-    return Rows(RightsIn(Bytes, Sector), Sector);
+    return Rows(RightsIn(bytes, sector), sector);
 }
 
-std::string AccessBitsText(const ConditionBytes& Bytes)
+std::string AccessBitsText(const ConditionBytes& bytes)
 {
-    return Format("%02X%02X%02X", Bytes[0], Bytes[1], Bytes[2]);
+    return Format("%02X%02X%02X", bytes[0], bytes[1], bytes[2]);
 }
 
-std::string LevelsInWords(const ConditionBytes& Bytes)
+std::string FormatLevels(const ConditionBytes& bytes)
 {
     std::string levels;
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        levels += std::to_string(LevelOf(BlockRightsOf(TripleIn(Bytes, slot)))) + ",";
+        levels += std::to_string(LevelOf(BlockRightsOf(TripleIn(bytes, slot)))) + ",";
     }
-    const TrailerRights& trailer = TrailerRightsOf(TripleIn(Bytes, TrailerSlot));
+    const TrailerRights& trailer = TrailerRightsOf(TripleIn(bytes, TrailerSlot));
     return levels + std::to_string(LevelOf(trailer)) +
            (KeysUsedBy(trailer) == KeyAAlone ? " with key A alone" : " with both keys");
 }
 
-std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
+std::string AccessTable(const ConditionBytes& bytes, SectorNumber sector)
 {
     constexpr const char* Columns = "%-16s%-18s%s\n";
     std::string text = Format(Columns, "", "key A may", "key B may");
-    for (const AccessRow& row : AccessRows(Bytes, Sector)) {
+    for (const AccessRow& row : AccessRows(bytes, sector)) {
         text += Format(Columns, row.What.c_str(), InShort(row.KeyA).c_str(), InShort(row.KeyB).c_str());
     }
-    const SectorRights rights = RightsIn(Bytes, Sector);
+    const SectorRights rights = RightsIn(bytes, sector);
     const TrailerRights& trailer = rights.Trailer;
-    if (trailer.ReadKeyB != Keys::None) {
+    if (trailer.ReadKeyB != KeySet::None) {
         text += "Key B is only data here: it can be read, and opens nothing.\n";
     }
     if (!AreConditionsFixed(trailer)) {
@@ -170,94 +165,75 @@ std::string AccessTable(const ConditionBytes& Bytes, SectorNumber Sector)
                 ? "FOR GOOD: nobody can ever change the keys of this sector again.\n"
                 : Format("The keys can be changed again by %s.\n", NameOf(trailer.WriteKeys));
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        const BlockRights& block = rights.Blocks[slot];
-        const std::string name = NameOfSlot(slot, Sector);
-        if (block.Read == Keys::None) {
+        const DataRights& block = rights.Blocks[slot];
+        const std::string name = NameOfSlot(slot, sector);
+        if (block.Read == KeySet::None) {
             text += Format("FOR GOOD: %s can never be read again.\n", name.c_str());
         }
-        if (block.Write == Keys::None) {
+        if (block.Write == KeySet::None) {
             text += Format("FOR GOOD: %s can never be written again%s.\n", name.c_str(),
-                           block.Decrement != Keys::None ? ", only decremented" : "");
+                           block.Decrement != KeySet::None ? ", only decremented" : "");
         }
     }
     return text;
 }
 
-std::vector<std::string> Deviations(const SectorLevels& Asked, const ConditionBytes& Bytes,
-                                    SectorNumber Sector)
+std::vector<std::string> Deviations(const SectorLevels& levels, const ConditionBytes& bytes,
+                                    SectorNumber sector)
 {
-    const SectorRights asked = RightsAsked(Asked);
-    const SectorRights granted = RightsIn(Bytes, Sector);
+    const SectorRights asked = RightsAsked(levels);
+    const SectorRights granted = RightsIn(bytes, sector);
     std::vector<std::string> lines;
-    AddDeviations(lines, Beyond(granted, asked), Sector, "Beyond what was asked, %s may %s: %s");
-    AddDeviations(lines, Beyond(asked, granted), Sector, "Asked for but not granted, %s may not %s: %s");
+    AddDeviations(lines, RightsNotIn(asked, granted), sector, "Beyond what was asked, %s may %s: %s");
+    AddDeviations(lines, RightsNotIn(granted, asked), sector, "Asked for but not granted, %s may not %s: %s");
     return lines;
 }
 
-std::string RefusalInWords(const SectorLevels& Asked)
+std::string RefusalInWords(const SectorLevels& levels)
 {
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (!BlockTriple(Asked.Levels[slot], Asked.KeysToUse, false)) {
+        if (!BlockTriple(levels.Levels[slot], levels.KeysToUse, false)) {
             return Format(
                 "level %d can't be stored for a data block with both keys: the card can't let key A "
                 "do what key B may not",
-                Asked.Levels[slot]);
+                levels.Levels[slot]);
         }
     }
     return Format("level %d can't be stored for the trailer with both keys, only 0, 4, 8 and 12: if key B is "
                   "a key, the card doesn't let key A write the trailer",
-                  Asked.Levels[TrailerSlot]);
+                  levels.Levels[TrailerSlot]);
 }
 
-ConditionBytes ConditionBytesOf(const Block& Trailer)
-{
-    return {Trailer[FirstConditionByte], Trailer[FirstConditionByte + 1], Trailer[FirstConditionByte + 2]};
-}
-
-uint8_t UserByteOf(const Block& Trailer)
-{
-    return Trailer[UserByte];
-}
-
-std::wstring KeyBOf(const Block& Trailer)
-{
-    std::wstring digits;
-    for (size_t at = FirstByteOfKeyB; at < Trailer.size(); ++at) {
-        digits += TwoHexDigits(Trailer[at]);
-    }
-    return digits;
-}
-
-std::vector<TrailerDifference> TrailerDifferences(const Block& First, const Block& Second, int32_t Sector)
+std::vector<TrailerDifference> TrailerDifferences(const Trailer& first, const Trailer& second, int32_t sector)
 {
     std::vector<TrailerDifference> lines;
-    if (!std::equal(First.begin(), First.begin() + FirstConditionByte, Second.begin())) {
+    if (first.KeyA != second.KeyA) {
         lines.push_back({' ', "key A differs"});
     }
-    if (!std::equal(First.begin() + FirstByteOfKeyB, First.end(), Second.begin() + FirstByteOfKeyB)) {
+    if (first.KeyB != second.KeyB) {
         lines.push_back({' ', "key B differs"});
     }
-    const auto add = [&](const std::string& first, const std::string& second) {
-        if (first != second) {
-            lines.push_back({'<', first});
-            lines.push_back({'>', second});
+    const auto add = [&](const std::string& one, const std::string& other) {
+        if (one != other) {
+            lines.push_back({'<', one});
+            lines.push_back({'>', other});
         }
     };
-    add(Format("byte 9 is %u", First[UserByte]), Format("byte 9 is %u", Second[UserByte]));
-    const ConditionBytes bytes[] = {ConditionBytesOf(First), ConditionBytesOf(Second)};
+    add(Format("byte 9 is %u", first.UserByte), Format("byte 9 is %u", second.UserByte));
+    const ConditionBytes bytes[] = {first.Conditions, second.Conditions};
     for (const char mark : {'<', '>'}) {
         if (!InvertedCopiesAgree(bytes[mark == '<' ? 0 : 1])) {
             lines.push_back({mark, "the access bits contradict themselves: the card would block the sector"});
         }
     }
-    const std::vector<AccessRow> before = AccessRows(bytes[0], Sector);
-    const std::vector<AccessRow> after = AccessRows(bytes[1], Sector);
+    const std::vector<AccessRow> before = AccessRows(bytes[0], sector);
+    const std::vector<AccessRow> after = AccessRows(bytes[1], sector);
     for (size_t row = 0; row < std::max(before.size(), after.size()); ++row) {
         const AccessRow none = {"key B itself", {}, {}};
-        const AccessRow& first = row < before.size() ? before[row] : none;
-        const AccessRow& second = row < after.size() ? after[row] : none;
-        add(Sentence("key A", first.KeyA, first.What), Sentence("key A", second.KeyA, second.What));
-        add(Sentence("key B", first.KeyB, first.What), Sentence("key B", second.KeyB, second.What));
+        const AccessRow& one = row < before.size() ? before[row] : none;
+        const AccessRow& other = row < after.size() ? after[row] : none;
+        add(Sentence("key A", one.KeyA, one.What), Sentence("key A", other.KeyA, other.What));
+        add(Sentence("key B", one.KeyB, one.What), Sentence("key B", other.KeyB, other.What));
     }
     return lines;
 }

@@ -18,45 +18,45 @@ uint32_t NumberAt(const Block& bytes, size_t at)
 
 } // namespace
 
-std::string Digits(const Block& Bytes, uint16_t Known, std::string_view Between)
+std::string Digits(const Block& bytes, uint16_t known, std::string_view between)
 {
     std::string digits;
-    for (size_t at = 0; at < Bytes.size(); ++at) {
-        digits += at == 0 ? "" : Between;
-        digits += (Known >> at & 1) != 0 ? Format("%02X", Bytes[at]) : "--";
+    for (size_t at = 0; at < bytes.size(); ++at) {
+        digits += at == 0 ? "" : between;
+        digits += (known >> at & 1) != 0 ? Format("%02X", bytes[at]) : "--";
     }
     return digits;
 }
 
-std::string Characters(const Block& Bytes, uint16_t Known)
+std::string Characters(const Block& bytes, uint16_t known)
 {
     std::string characters;
-    for (size_t at = 0; at < Bytes.size(); ++at) {
-        const bool isPrintable = Bytes[at] >= ' ' && Bytes[at] <= '~' && (Known >> at & 1) != 0;
-        characters += isPrintable ? static_cast<char>(Bytes[at]) : '.';
+    for (size_t at = 0; at < bytes.size(); ++at) {
+        const bool isPrintable = bytes[at] >= ' ' && bytes[at] <= '~' && (known >> at & 1) != 0;
+        characters += isPrintable ? static_cast<char>(bytes[at]) : '.';
     }
     return characters;
 }
 
-std::string HexDump(int32_t Number, const Block& Bytes, uint16_t Known)
+std::string HexDump(int32_t number, const Block& bytes, uint16_t known)
 {
-    return Format("%3d  %s  |%s|", Number, Digits(Bytes, Known, " ").c_str(),
-                  Characters(Bytes, Known).c_str());
+    return Format("%3d  %s  |%s|", number, Digits(bytes, known, " ").c_str(),
+                  Characters(bytes, known).c_str());
 }
 
-bool IsTrailer(int32_t Number)
+bool IsTrailer(int32_t number)
 {
-    return Number == TrailerBlock(SectorOf(Number));
+    return number == TrailerBlock(SectorOf(number));
 }
 
-int32_t ParseBlockNumber(std::string_view Text)
+int32_t ParseBlockNumber(std::string_view text)
 {
-    return ParseNumber(Text, 0, LastBlock, "BLOCK is a number from 0 to 255, on a 1K card to 63");
+    return ParseNumber(text, 0, LastBlock, "BLOCK is a number from 0 to 255, on a 1K card to 63");
 }
 
-int32_t ParseDataBlock(std::string_view Text)
+int32_t ParseDataBlock(std::string_view text)
 {
-    const int32_t number = ParseBlockNumber(Text);
+    const int32_t number = ParseBlockNumber(text);
     if (number == 0) {
         throw UsageError{"block 0 can't be written: it is the manufacturer's; acg read 0 shows it"};
     }
@@ -67,10 +67,10 @@ int32_t ParseDataBlock(std::string_view Text)
     return number;
 }
 
-Refusal TryReadBlock(Encoder& Opened, int32_t Number, const Key& With, Block& Contents)
+Refusal TryReadBlock(Encoder& encoder, int32_t number, const LoginKey& key, Block& contents)
 {
     try {
-        Contents = ReadBlock(Opened, Number, With);
+        contents = ReadBlock(encoder, number, key);
         return Refusal::None;
     } catch (const CardFailure& failure) {
         const CError& record = failure.Record;
@@ -84,9 +84,9 @@ Refusal TryReadBlock(Encoder& Opened, int32_t Number, const Key& With, Block& Co
     }
 }
 
-ValueBlock::ValueBlock(const Block& Bytes)
-    : m_value(NumberAt(Bytes, 0)), m_inverted(NumberAt(Bytes, 4)),
-      m_again(NumberAt(Bytes, 8)), m_address{Bytes[12], Bytes[13], Bytes[14], Bytes[15]}
+ValueBlock::ValueBlock(const Block& bytes)
+    : m_value(NumberAt(bytes, 0)), m_inverted(NumberAt(bytes, 4)),
+      m_again(NumberAt(bytes, 8)), m_address{bytes[12], bytes[13], bytes[14], bytes[15]}
 {
 }
 
@@ -97,9 +97,9 @@ std::optional<uint8_t> ValueBlock::Address() const
     return isConsistent ? std::optional(m_address[0]) : std::nullopt;
 }
 
-std::string ReadCommand(int32_t Number, const Key& With)
+std::string ReadCommand(int32_t number, const LoginKey& key)
 {
-    return Format("acg read %d --key KEY%s", Number, With.Type == KeyTypeB ? " --as-b" : "");
+    return Format("acg read %d --key KEY%s", number, key.IsB() ? " --as-b" : "");
 }
 
 } // namespace acg::tool

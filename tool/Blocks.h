@@ -12,22 +12,30 @@
 namespace acg::tool
 {
 
-/// A block's bytes in two digits each, as hexdump shows them; those whose bit isn't set in Known, bit 0 for
+/// A block's bytes in two digits each, as hexdump shows them; those whose bit isn't set in known, bit 0 for
 /// byte 0, as "--".
-[[nodiscard]] std::string Digits(const Block& Bytes, uint16_t Known, std::string_view Between);
-[[nodiscard]] std::string Characters(const Block& Bytes, uint16_t Known);
+[[nodiscard]] std::string Digits(const Block& bytes, uint16_t known, std::string_view between);
+[[nodiscard]] std::string Characters(const Block& bytes, uint16_t known);
 /// One line, with the number and without its end.
-[[nodiscard]] std::string HexDump(int32_t Number, const Block& Bytes, uint16_t Known);
+[[nodiscard]] std::string HexDump(int32_t number, const Block& bytes, uint16_t known);
 
+/// The bits of so many bytes.
+[[nodiscard]] constexpr uint16_t BitsOf(size_t first, size_t count)
+{
+    return static_cast<uint16_t>(((1U << count) - 1) << first);
+}
 inline constexpr uint16_t AllKnown = 0xFFFF;
-inline constexpr uint16_t AllButKeys = 0x03C0; ///< of a sector trailer
+// Of a sector trailer.
+inline constexpr uint16_t KeyABits = BitsOf(0, KeySize);
+inline constexpr uint16_t KeyBBits = BitsOf(KeyBAt, KeySize);
+inline constexpr uint16_t AllButKeys = AllKnown & ~(KeyABits | KeyBBits);
 
-[[nodiscard]] bool IsTrailer(int32_t Number);
+[[nodiscard]] bool IsTrailer(int32_t number);
 
 /// Throws UsageError for a number that no card has.
-[[nodiscard]] int32_t ParseBlockNumber(std::string_view Text);
+[[nodiscard]] int32_t ParseBlockNumber(std::string_view text);
 /// The data block that a write is meant for; throws UsageError for a trailer and for block 0, too.
-[[nodiscard]] int32_t ParseDataBlock(std::string_view Text);
+[[nodiscard]] int32_t ParseDataBlock(std::string_view text);
 
 /// Why a block can't be read, when others of the card still can.
 enum class Refusal {
@@ -36,15 +44,15 @@ enum class Refusal {
     NotGranted
 };
 
-/// Contents is changed only for Refusal::None. Throws like ReadBlock if the failure concerns more than this
+/// contents is changed only for Refusal::None. Throws like ReadBlock if the failure concerns more than this
 /// block: if the card has left, for example.
-[[nodiscard]] Refusal TryReadBlock(Encoder& Opened, int32_t Number, const Key& With, Block& Contents);
+[[nodiscard]] Refusal TryReadBlock(Encoder& encoder, int32_t number, const LoginKey& key, Block& contents);
 
 /// What a value block holds three times, and its address. The numbers are stored with the lowest byte first.
 class ValueBlock
 {
 public:
-    explicit ValueBlock(const Block& Bytes);
+    explicit ValueBlock(const Block& bytes);
 
     [[nodiscard]] int32_t Value() const { return static_cast<int32_t>(m_value); }
     [[nodiscard]] int32_t Inverted() const { return static_cast<int32_t>(~m_inverted); }
@@ -62,6 +70,6 @@ private:
 };
 
 /// The command that shows a block, for a person to type. The key itself isn't shown.
-[[nodiscard]] std::string ReadCommand(int32_t Number, const Key& With);
+[[nodiscard]] std::string ReadCommand(int32_t number, const LoginKey& key);
 
 } // namespace acg::tool

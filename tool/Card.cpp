@@ -2,12 +2,12 @@
 
 #include "acg/encoder/NumberReading.h"
 #include "acg/encoder/Parameters.h"
+#include "acg/platform/HexText.h"
 #include "tool/Failures.h"
-#include "tool/ReplyWatch.h"
 #include "tool/System.h"
 #include "tool/Text.h"
 
-#include <charconv>
+#include <algorithm>
 
 namespace acg::tool
 {
@@ -54,82 +54,94 @@ int32_t HandleNumber(const std::wstring& information)
 
 } // namespace
 
-std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters)
+Secret<wchar_t> DigitsOf(const Key& key)
 {
-    // Once interrupted it is an hour later at each look, so that a wait ends.
+    std::wstring digits;
+    digits.reserve(2 * key.size());
+    for (const uint8_t byte : key) {
+        digits += TwoHexDigits(byte);
+    }
+    return Secret<wchar_t>(std::move(digits));
+}
+
+Trailer::Trailer(const Block& block) : UserByte(block[UserByteAt])
+{
+    std::copy_n(block.begin(), KeySize, KeyA.begin());
+    std::copy_n(block.begin() + AccessBitsAt, Conditions.size(), Conditions.begin());
+    std::copy_n(block.begin() + KeyBAt, KeySize, KeyB.begin());
+}
+
+std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters)
+{
+    // After Ctrl-C the clock advances by an hour at each look, so that a wait ends.
     const auto clock = [late = std::chrono::hours(0)]() mutable {
         late += std::chrono::hours(WasInterrupted() ? 1 : 0);
         return std::chrono::steady_clock::now() + late;
     };
-    auto encoder = std::make_unique<Encoder>(WatchedLibrary(), clock);
+    auto encoder = std::make_unique<Encoder>(ReaderDLL(), clock);
     const std::wstring text =
-        ToWide(!Parameters.empty() ? Parameters : EnvironmentVariable("ACG_PARAMETERS").value_or(""));
+        ToWide(!parameters.empty() ? parameters : Variable("ACG_PARAMETERS").value_or(""));
     CheckParameters(text);
     encoder->Parameters(text);
     return encoder;
 }
 
-void Open(Encoder& Closed)
+void Open(Encoder& encoder)
 {
-    Must(Closed, Closed.OpenEncoder(HandleNumber(Closed.GetInformation())));
+    ThrowIfFailed(encoder, encoder.OpenEncoder(HandleNumber(encoder.GetInformation())));
 }
 
-std::unique_ptr<Encoder> OpenReader(const std::string& Parameters)
+std::unique_ptr<Encoder> OpenReader(const std::string& parameters)
 {
-    auto encoder = MakeEncoder(Parameters);
+    auto encoder = MakeEncoder(parameters);
     Open(*encoder);
     return encoder;
 }
 
-void Must(Encoder& Opened, sceReturnCode Result)
+void ThrowIfFailed(Encoder& encoder, sceReturnCode result)
 {
     if (WasInterrupted()) {
         throw Interruption{};
     }
-    if (Result == sceError) {
-        throw CardFailure{*Opened.LastError()};
+    if (result == sceError) {
+        throw CardFailure{*encoder.LastError()};
     }
 }
 
-std::wstring SerialNumberOf(Encoder& Opened)
+std::wstring SerialNumberOf(Encoder& encoder)
 {
     std::wstring serial;
-    Must(Opened, Opened.ReadSerialNumber(serial));
+    ThrowIfFailed(encoder, encoder.ReadSerialNumber(serial));
     if (serial.empty()) {
         throw OtherFailure{"the reader's reply to selecting the card has no serial number"};
     }
     return serial;
 }
 
-Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With)
+Block ReadBlock(Encoder& encoder, int32_t number, const LoginKey& key)
 {
     std::wstring contents;
-    Must(Opened, Opened.ReadDataBloc(Number, With.Digits, With.Type, contents));
-    if (!WasWholeBlock()) {
-        throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", Number)};
+    ThrowIfFailed(encoder, encoder.ReadDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
+    if (!encoder.LastReplyWasWhole()) {
+        throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", number)};
     }
     const std::optional<Block> block = ParseBlock(ToUtf8(contents));
     if (!block) {
-        throw OtherFailure{Format("the reader's reply to reading block %d isn't hexadecimal", Number)};
+        throw OtherFailure{Format("the reader's reply to reading block %d isn't hexadecimal", number)};
     }
     return *block;
 }
 
-std::optional<Block> ParseBlock(std::string_view Digits)
+std::optional<Block> ParseBlock(std::string_view digits)
 {
-    std::string dense(Digits);
+    std::string dense(digits);
     std::erase(dense, ' ');
+    const std::optional<std::vector<uint8_t>> bytes = FromHex(dense);
     Block block = {};
-    if (dense.size() != 2 * block.size()) {
+    if (!bytes || bytes->size() != block.size()) {
         return std::nullopt;
     }
-    for (size_t at = 0; at < block.size(); ++at) {
-        const char* const pair = &dense[2 * at];
-        const auto [end, error] = std::from_chars(pair, pair + 2, block[at], 16);
-        if (end != pair + 2) {
-            return std::nullopt;
-        }
-    }
+    std::ranges::copy(*bytes, block.begin());
     return block;
 }
 

@@ -1,7 +1,9 @@
 // The reader and the card of one command: opened, and every result tested.
 #pragma once
 
+#include "acg/cards/TrailerLayout.h"
 #include "acg/encoder/Encoder.h"
+#include "acg/platform/Secret.h"
 
 #include <array>
 #include <cstdint>
@@ -13,10 +15,23 @@
 namespace acg::tool
 {
 
+/// A key; its memory is wiped before it is released.
+struct Key : std::array<uint8_t, KeySize> {
+    Key() : array{} {}
+    Key(const Key&) = default;
+    Key& operator=(const Key&) = default;
+    ~Key() { Wipe(data(), size()); }
+};
+
+/// As an encoder takes it: 12 hexadecimal digits.
+[[nodiscard]] Secret<wchar_t> DigitsOf(const Key& key);
+
 /// A key to log in with.
-struct Key {
-    std::wstring Digits; ///< 12 hexadecimal digits, upper case
+struct LoginKey {
+    Key Bytes;
     uint8_t Type = KeyTypeA;
+
+    [[nodiscard]] bool IsB() const { return Type == KeyTypeB; }
 };
 
 inline constexpr int32_t LastBlock = 255; ///< of a 4K card
@@ -24,25 +39,35 @@ inline constexpr int32_t LastSector = 39;
 
 using Block = std::array<uint8_t, 16>;
 
+/// A sector's trailer.
+struct Trailer {
+    explicit Trailer(const Block& block);
+
+    Key KeyA; ///< zeros as it is read, since the card doesn't show it
+    ConditionBytes Conditions = {};
+    uint8_t UserByte; ///< byte 9, or BX
+    Key KeyB;         ///< zeros if it is a key
+};
+
 /// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if that is empty, else with
 /// the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
-[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& Parameters);
+[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters);
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.
-void Open(Encoder& Closed);
-[[nodiscard]] std::unique_ptr<Encoder> OpenReader(const std::string& Parameters);
+void Open(Encoder& encoder);
+[[nodiscard]] std::unique_ptr<Encoder> OpenReader(const std::string& parameters);
 
 /// To be called with the result of each operation: throws CardFailure after sceError, and Interruption after
 /// Ctrl-C.
-void Must(Encoder& Opened, sceReturnCode Result);
+void ThrowIfFailed(Encoder& encoder, sceReturnCode result);
 
 /// The serial number of the card in the field. Throws OtherFailure if the reader's reply has none.
-[[nodiscard]] std::wstring SerialNumberOf(Encoder& Opened);
+[[nodiscard]] std::wstring SerialNumberOf(Encoder& encoder);
 
 /// Throws OtherFailure if the reader's reply isn't a whole block in hexadecimal.
-[[nodiscard]] Block ReadBlock(Encoder& Opened, int32_t Number, const Key& With);
+[[nodiscard]] Block ReadBlock(Encoder& encoder, int32_t number, const LoginKey& key);
 
 /// The bytes of 32 hexadecimal digits, blanks anywhere allowed; nothing for any other text.
-[[nodiscard]] std::optional<Block> ParseBlock(std::string_view Digits);
+[[nodiscard]] std::optional<Block> ParseBlock(std::string_view digits);
 
 } // namespace acg::tool

@@ -11,32 +11,32 @@ namespace acg::tool
 namespace
 {
 
-bool Opens(Encoder& opened, int32_t sector, const std::wstring& key)
+bool Opens(Encoder& encoder, int32_t sector, const Key& key)
 {
     Block trailer;
-    return TryReadBlock(opened, TrailerBlock(sector), {key, KeyTypeA}, trailer) == Refusal::None ||
-           TryReadBlock(opened, TrailerBlock(sector), {key, KeyTypeB}, trailer) == Refusal::None;
+    return TryReadBlock(encoder, TrailerBlock(sector), {key, KeyTypeA}, trailer) == Refusal::None ||
+           TryReadBlock(encoder, TrailerBlock(sector), {key, KeyTypeB}, trailer) == Refusal::None;
 }
 
 } // namespace
 
-std::optional<CardSize> ParseCardSize(std::string_view Text)
+std::optional<CardSize> ParseCardSize(std::string_view text)
 {
-    if (Text.empty()) {
+    if (text.empty()) {
         return std::nullopt;
     }
-    if (Text != "1k" && Text != "4k") {
+    if (text != "1k" && text != "4k") {
         throw UsageError{"--card is 1k or 4k"};
     }
-    return Text == "1k" ? CardSize{"1k", LastSector1K, "--card says so"}
+    return text == "1k" ? CardSize{"1k", LastSector1K, "--card says so"}
                         : CardSize{"4k", LastSector, "--card says so"};
 }
 
-CardSize FindCardSize(Encoder& Opened, const std::vector<std::wstring>& Keys)
+CardSize FindCardSize(Encoder& encoder, const std::vector<Key>& keys)
 {
     for (int32_t sector = LastSector1K + 1; sector <= LastSector; ++sector) {
-        for (const std::wstring& key : Keys) {
-            if (Opens(Opened, sector, key)) {
+        for (const Key& key : keys) {
+            if (Opens(encoder, sector, key)) {
                 return {"4k", LastSector, Format("a key opens sector %d", sector)};
             }
         }

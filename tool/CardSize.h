@@ -21,10 +21,10 @@ struct CardSize {
 };
 
 /// What --card says; nothing for empty text. Throws UsageError for anything but "1k" and "4k".
-[[nodiscard]] std::optional<CardSize> ParseCardSize(std::string_view Text);
+[[nodiscard]] std::optional<CardSize> ParseCardSize(std::string_view text);
 
 /// A card has 4K if one of the keys opens a sector that a card of 1K lacks, and otherwise counts as one of
 /// 1K. Throws CardFailure if a reply concerns more than the sector: if the card has left, for example.
-[[nodiscard]] CardSize FindCardSize(Encoder& Opened, const std::vector<std::wstring>& Keys);
+[[nodiscard]] CardSize FindCardSize(Encoder& encoder, const std::vector<Key>& keys);
 
 } // namespace acg::tool

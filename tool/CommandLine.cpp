@@ -87,24 +87,24 @@ void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFi
 
 } // namespace
 
-void CommandOptions::Argument(const char* Name, std::string& Value, const char* Description, Need Needed)
+void CommandOptions::Argument(const char* name, std::string& value, const char* description, Need need)
 {
-    m_app.add_option(Name, Value, Description)->required(Needed == Need::Required);
+    m_app.add_option(name, value, description)->required(need == Need::Required);
 }
 
-void CommandOptions::Option(const char* Name, const char* Type, std::string& Value, const char* Description,
-                            Need Needed, std::initializer_list<const char*> Excluded)
+void CommandOptions::Option(const char* name, const char* type, std::string& value, const char* description,
+                            Need need, std::initializer_list<const char*> others)
 {
     CLI::Option* const option =
-        m_app.add_option(Name, Value, Description)->type_name(Type)->required(Needed == Need::Required);
-    for (const char* const other : Excluded) {
+        m_app.add_option(name, value, description)->type_name(type)->required(need == Need::Required);
+    for (const char* const other : others) {
         option->excludes(m_app.get_option(other));
     }
 }
 
-void CommandOptions::Flag(const char* Name, bool& IsGiven, const char* Description)
+void CommandOptions::Flag(const char* name, bool& isGiven, const char* description)
 {
-    m_app.add_flag(Name, IsGiven, Description);
+    m_app.add_flag(name, isGiven, description);
 }
 
 CommandLine::CommandLine()
@@ -134,19 +134,19 @@ CommandLine::CommandLine()
 
 CommandLine::~CommandLine() = default;
 
-CommandOptions CommandLine::Add(const char* Name, const char* Description, const char* Example, Action Run)
+CommandOptions CommandLine::Add(const char* name, const char* description, const char* example, Action run)
 {
-    CLI::App* const added = m_program->add_subcommand(Name, Description);
+    CLI::App* const added = m_program->add_subcommand(name, description);
     added->fallthrough(); // so that --reader may follow
-    added->footer(std::string("Example:\n  ") + Example);
-    added->callback([this, Run = std::move(Run)] { m_chosen = Run; });
+    added->footer(std::string("Example:\n  ") + example);
+    added->callback([this, run = std::move(run)] { m_chosen = run; });
     return CommandOptions(*added);
 }
 
-int CommandLine::Run(std::vector<std::string> Arguments)
+int CommandLine::Run(std::vector<std::string> arguments)
 {
     Output& out = m_context.Out;
-    if (std::ranges::any_of(Arguments, [](const std::string& argument) {
+    if (std::ranges::any_of(arguments, [](const std::string& argument) {
             return argument == "--json" || argument.starts_with("--json=");
         })) { // wrong use is JSON too
         out.UseJson();
@@ -160,9 +160,9 @@ int CommandLine::Run(std::vector<std::string> Arguments)
         out.Json()["failure"] = failure.is_null() ? JsonObject{{"description", problem}} : std::move(failure);
     };
     try {
-        RefuseEmpty(Arguments);
-        std::ranges::reverse(Arguments); // as the library takes them
-        m_program->parse(std::move(Arguments));
+        RefuseEmpty(arguments);
+        std::ranges::reverse(arguments); // as the library takes them
+        m_program->parse(std::move(arguments));
         status = m_chosen(m_context);
     } catch (const CLI::Success& ended) {
         std::ostringstream text;
@@ -222,20 +222,20 @@ std::string CommandLine::Explain(const CLI::Error& error) const
            "--help shows what there is";
 }
 
-void TakesKeys(CommandOptions& Command, KeyOptions& Key)
+void TakesKeys(CommandOptions& command, KeyOptions& key)
 {
     AddKeyOptions(
-        Command, Key,
+        command, key,
         "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
         "options: the variable ACG_KEY, else FFFFFFFFFFFF");
 }
 
-void TakesKey(CommandOptions& Command, KeyOptions& Key)
+void TakesKey(CommandOptions& command, KeyOptions& key)
 {
-    AddKeyOptions(Command, Key,
+    AddKeyOptions(command, key,
                   "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
                   "the variable ACG_KEY");
-    Command.Flag("--as-b", Key.AsB, "Log in with it as key B; default: as key A");
+    command.Flag("--as-b", key.AsB, "Log in with it as key B; default: as key A");
 }
 
 } // namespace acg::tool

@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace CLI
@@ -34,15 +35,15 @@ enum class Need {
 class CommandOptions
 {
 public:
-    explicit CommandOptions(CLI::App& App) : m_app(App) {}
+    explicit CommandOptions(CLI::App& app) : m_app(app) {}
 
-    /// By its place; Name is in capitals.
-    void Argument(const char* Name, std::string& Value, const char* Description,
-                  Need Needed = Need::Required);
-    /// Name: with "--". Type: what the help calls the value. Excluded: options that were added before.
-    void Option(const char* Name, const char* Type, std::string& Value, const char* Description,
-                Need Needed = Need::Optional, std::initializer_list<const char*> Excluded = {});
-    void Flag(const char* Name, bool& IsGiven, const char* Description);
+    /// By its place; the name is in capitals.
+    void Argument(const char* name, std::string& value, const char* description, Need need = Need::Required);
+    /// name: with "--". type: what the help calls the value. others: options added before that exclude this
+    /// one.
+    void Option(const char* name, const char* type, std::string& value, const char* description,
+                Need need = Need::Optional, std::initializer_list<const char*> others = {});
+    void Flag(const char* name, bool& isGiven, const char* description);
 
 private:
     CLI::App& m_app;
@@ -60,11 +61,22 @@ public:
     CommandLine(const CommandLine&) = delete;
     CommandLine& operator=(const CommandLine&) = delete;
 
-    /// Adds a command, whose options the caller adds to what is returned. Example: a whole command line.
-    CommandOptions Add(const char* Name, const char* Description, const char* Example, Action Run);
+    /// Adds a command. example: a whole command line.
+    CommandOptions Add(const char* name, const char* description, const char* example, Action run);
+    /// Adds a command that is run with the values of its options; returns both, for the caller to add the
+    /// options.
+    template <class Options>
+    std::pair<CommandOptions, Options&> Add(const char* name, const char* description, const char* example,
+                                            int (*run)(const Options&, Context&))
+    {
+        const auto values = std::make_shared<Options>();
+        return {Add(name, description, example,
+                    [values, run](Context& context) { return run(*values, context); }),
+                *values};
+    }
 
     /// Runs what the arguments say. The exit status; every failure has been said.
-    int Run(std::vector<std::string> Arguments);
+    int Run(std::vector<std::string> arguments);
 
 private:
     /// What is wrong with the arguments. It may hold a key.
@@ -76,8 +88,8 @@ private:
 };
 
 /// The options of a command that logs in with one key.
-void TakesKey(CommandOptions& Command, KeyOptions& Key);
+void TakesKey(CommandOptions& command, KeyOptions& key);
 /// The options of a command that tries one key or several, each as key A and as key B.
-void TakesKeys(CommandOptions& Command, KeyOptions& Key);
+void TakesKeys(CommandOptions& command, KeyOptions& key);
 
 } // namespace acg::tool

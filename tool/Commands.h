@@ -6,15 +6,15 @@ namespace acg::tool
 
 class CommandLine;
 
-void AddInfo(CommandLine& Commands);
-void AddRead(CommandLine& Commands);
-void AddWrite(CommandLine& Commands);
-void AddValue(CommandLine& Commands);
-void AddTrailer(CommandLine& Commands);
-void AddPreview(CommandLine& Commands);
-void AddProtect(CommandLine& Commands);
-void AddDump(CommandLine& Commands);
-void AddCompare(CommandLine& Commands);
+void AddInfo(CommandLine& commands);
+void AddRead(CommandLine& commands);
+void AddWrite(CommandLine& commands);
+void AddValue(CommandLine& commands);
+void AddTrailer(CommandLine& commands);
+void AddPreview(CommandLine& commands);
+void AddProtect(CommandLine& commands);
+void AddDump(CommandLine& commands);
+void AddCompare(CommandLine& commands);
 
 /// In the order in which --help lists them.
 inline constexpr void (*AllCommands[])(CommandLine&) = {

@@ -1,4 +1,4 @@
-// acg compare: where two dumps differ.
+// acg compare: the differences of two dumps.
 #include "acg/cards/BlockAddress.h"
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
@@ -27,7 +27,7 @@ struct Options {
 void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other, Output& out)
 {
     constexpr Block Factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
-    constexpr unsigned AccessBytes = 0x01C0;
+    constexpr unsigned AccessBytes = BitsOf(AccessBitsAt, std::tuple_size_v<ConditionBytes>);
     unsigned known = one.Known & other.Known;
     if ((known & AccessBytes) != AccessBytes) {
         known &= ~AccessBytes;
@@ -39,7 +39,8 @@ void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& othe
             first[at] = second[at] = Factory[at];
         }
     }
-    std::vector<TrailerDifference> differences = TrailerDifferences(first, second, SectorOf(number));
+    std::vector<TrailerDifference> differences =
+        TrailerDifferences(Trailer(first), Trailer(second), SectorOf(number));
     if (one.Known != other.Known) {
         differences.push_back({' ', "not all of it is known in both"});
     }
@@ -53,12 +54,12 @@ void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& othe
     out.Json()["blocks"].push_back({{"block", number}, {"differences", lines}});
 }
 
-int Compare(const Options& given, Context& context)
+int Compare(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    const Dump one = ReadDump(given.First);
-    const Dump other = ReadDump(given.Second);
-    const std::string names[] = {MaskKeys(given.First), MaskKeys(given.Second)};
+    const Dump one = ReadDump(options.First);
+    const Dump other = ReadDump(options.Second);
+    const std::string names[] = {MaskKeys(options.First), MaskKeys(options.Second)};
     out.Print(Format("< %s\n> %s", names[0].c_str(), names[1].c_str()));
     out.Json()["files"] = names;
     const int32_t sizes[] = {static_cast<int32_t>(one.size()), static_cast<int32_t>(other.size())};
@@ -94,14 +95,13 @@ int Compare(const Options& given, Context& context)
 
 } // namespace
 
-void AddCompare(CommandLine& Commands)
+void AddCompare(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("compare", "Shows where two dumps differ; exit status 1 if they do",
-                                          "acg compare before.bin after.txt",
-                                          [given](Context& context) { return Compare(*given, context); });
-    command.Argument("FILE1", given->First, "A dump, raw bytes or text; its lines begin with \"<\"");
-    command.Argument("FILE2", given->Second, "Another; its lines begin with \">\"");
+    auto [command, options] =
+        commands.Add("compare", "Shows where two dumps differ; exit status 1 if they do",
+                     "acg compare before.bin after.txt", Compare);
+    command.Argument("FILE1", options.First, "A dump, raw bytes or text; its lines begin with \"<\"");
+    command.Argument("FILE2", options.Second, "Another; its lines begin with \">\"");
 }
 
 } // namespace acg::tool

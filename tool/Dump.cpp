@@ -29,10 +29,7 @@ struct Options {
     bool MayReplace = false; ///< --force
 };
 
-constexpr uint16_t KeyABytes = 0x003F;
-constexpr uint16_t KeyBBytes = 0xFC00;
-
-/// Which key of the list opens a sector, as the index; nothing where none does.
+/// Which key of the list opens a sector, as the index; nothing if none does.
 struct Opening {
     std::optional<size_t> A;
     std::optional<size_t> B;
@@ -44,8 +41,8 @@ struct Opening {
 class CardReading
 {
 public:
-    CardReading(Encoder& opened, std::vector<std::wstring> keys, Output& out)
-        : m_encoder(opened), m_keys(std::move(keys)), m_out(out)
+    CardReading(Encoder& encoder, std::vector<Key> keys, Output& out)
+        : m_encoder(encoder), m_keys(std::move(keys)), m_out(out)
     {
     }
 
@@ -57,7 +54,7 @@ public:
     [[nodiscard]] bool IsComplete() const { return m_isComplete; }
 
 private:
-    Refusal Read(int32_t number, const Key& key, DumpedBlock& block);
+    Refusal Read(int32_t number, const LoginKey& key, DumpedBlock& block);
     std::optional<size_t> FindKey(int32_t trailer, uint8_t type, DumpedBlock& block);
     void ReadDataBlock(const Opening& opening, DumpedBlock& block, const ProgressBar& bar);
     void PutKey(const std::optional<size_t>& key, size_t at, uint16_t bytes, DumpedBlock& trailer);
@@ -69,14 +66,14 @@ private:
     }
 
     Encoder& m_encoder;
-    std::vector<std::wstring> m_keys;
+    std::vector<Key> m_keys;
     Output& m_out;
     Dump m_dump;
     std::vector<Opening> m_openings;
     bool m_isComplete = true;
 };
 
-Refusal CardReading::Read(int32_t number, const Key& key, DumpedBlock& block)
+Refusal CardReading::Read(int32_t number, const LoginKey& key, DumpedBlock& block)
 {
     const Refusal refusal = TryReadBlock(m_encoder, number, key, block.Bytes);
     block.Known = refusal == Refusal::None ? AllKnown : block.Known;
@@ -101,7 +98,7 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     DumpedBlock trailer;
     Opening opening;
     opening.A = FindKey(last, KeyTypeA, trailer);
-    const TrailerRights rights = RightsGranted(ConditionBytesOf(trailer.Bytes)).Trailer;
+    const TrailerRights rights = RightsGranted(Trailer(trailer.Bytes).Conditions).Trailer;
     opening.ShowsB = trailer.Known != 0 && KeysUsedBy(rights) == KeyAAlone;
     if (!opening.ShowsB) {
         DumpedBlock asB;
@@ -126,11 +123,11 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     if (isOpen && trailer.Known == 0) {
         Miss(bar, Format("block %d, the trailer of sector %d: not read", last, sector));
     }
-    PutKey(opening.A, 0, KeyABytes, trailer);
+    PutKey(opening.A, 0, KeyABits, trailer);
     if (!opening.ShowsB) {
-        PutKey(opening.B, 10, KeyBBytes, trailer);
+        PutKey(opening.B, KeyBAt, KeyBBits, trailer);
     }
-    for (const auto& [name, bytes] : {std::pair{'A', KeyABytes}, std::pair{'B', KeyBBytes}}) {
+    for (const auto& [name, bytes] : {std::pair{'A', KeyABits}, std::pair{'B', KeyBBits}}) {
         if (isOpen && (trailer.Known & bytes) == 0) {
             Miss(bar, Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
         }
@@ -139,7 +136,7 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     bar.Show(static_cast<int>(m_dump.size()));
 }
 
-/// Reads the block behind those that are in the dump.
+/// Reads the block after those that are in the dump.
 void CardReading::ReadDataBlock(const Opening& opening, DumpedBlock& block, const ProgressBar& bar)
 {
     const auto number = static_cast<int32_t>(m_dump.size());
@@ -163,16 +160,14 @@ void CardReading::PutKey(const std::optional<size_t>& key, size_t at, uint16_t b
 {
     trailer.Known = static_cast<uint16_t>(trailer.Known & ~bytes);
     if (key) {
-        const std::string digits = ToUtf8(m_keys[*key]) + std::string(20, '0');
-        std::copy_n(ParseBlock(digits).value_or(Block{}).begin(), 6,
-                    trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
+        std::ranges::copy(m_keys[*key], trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
         trailer.Known = static_cast<uint16_t>(trailer.Known | bytes);
     }
 }
 
 /// Where the keys come from, and what a key of that list is called.
 struct KeyList {
-    std::vector<std::wstring> Keys;
+    std::vector<Key> Keys;
     bool AreNumbered;
 
     [[nodiscard]] std::string Name(const std::optional<size_t>& key) const
@@ -184,12 +179,13 @@ struct KeyList {
     }
 };
 
-KeyList KeysOf(const Options& given)
+KeyList KeysOf(const Options& options)
 {
-    if (!given.Key.File.empty()) {
-        return {ReadKeys(given.Key.File), /*AreNumbered=*/true};
+    if (!options.Key.File.empty()) {
+        return {ReadKeys(options.Key.File), /*AreNumbered=*/true};
     }
-    return {{IsKeyGiven(given.Key) ? TheKey(given.Key).Digits : L"FFFFFFFFFFFF"}, /*AreNumbered=*/false};
+    return {{IsKeyGiven(options.Key) ? TheKey(options.Key).Bytes : ParseKey("FFFFFFFFFFFF", {})},
+            /*AreNumbered=*/false};
 }
 
 /// A line for each run of sectors with the same keys.
@@ -229,14 +225,14 @@ void RequireCard(Encoder& encoder, const std::wstring& first, int32_t sector)
     }
 }
 
-int DumpCard(const Options& given, Context& context)
+int DumpCard(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    const std::string& name = given.File;
-    const KeyList keys = KeysOf(given);
-    const std::optional<CardSize> asked = ParseCardSize(given.Card);
+    const std::string& name = options.File;
+    const KeyList keys = KeysOf(options);
+    const std::optional<CardSize> asked = ParseCardSize(options.Card);
     CardSize size = asked.value_or(CardSize{"1k", LastSector1K, {}});
-    const ExistingFile existing = given.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
+    const ExistingFile existing = options.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
     RequireWritable(name, existing);
     WriteReport report(out);
     report.Add(MaskKeys(name), /*Look=*/{});
@@ -281,19 +277,17 @@ int DumpCard(const Options& given, Context& context)
 
 } // namespace
 
-void AddDump(CommandLine& Commands)
+void AddDump(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command =
-        Commands.Add("dump", "Reads the whole card into a file", "acg dump card.txt --key-file keys.txt",
-                     [given](Context& context) { return DumpCard(*given, context); });
-    command.Argument("FILE", given->File,
+    auto [command, options] = commands.Add("dump", "Reads the whole card into a file",
+                                           "acg dump card.txt --key-file keys.txt", DumpCard);
+    command.Argument("FILE", options.File,
                      "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "
                      "doesn't show is filled in from the one that opened the sector");
-    TakesKeys(command, given->Key);
-    command.Option("--card", "1k|4k", given->Card,
+    TakesKeys(command, options.Key);
+    command.Option("--card", "1k|4k", options.Card,
                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
-    command.Flag("--force", given->MayReplace, "Replace FILE if it exists");
+    command.Flag("--force", options.MayReplace, "Replace FILE if it exists");
 }
 
 } // namespace acg::tool

@@ -54,17 +54,17 @@ std::string InWords(const std::error_code& error, const std::string& file)
 
 } // namespace
 
-Dump ReadDump(const std::string& File)
+Dump ReadDump(const std::string& name)
 {
-    const std::filesystem::path path = ToPath(File);
+    const std::filesystem::path path = ToPath(name);
     std::ifstream file(path, std::ios::binary);
     // More than any dump has, so that a longer file is noticed.
-    constexpr size_t Most = size_t{LastBlock + 1} * 40;
-    std::string bytes(Most, '\0');
+    constexpr size_t MaxSize = size_t{LastBlock + 1} * 40;
+    std::string bytes(MaxSize, '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<size_t>(file.gcount()));
     if (!file.is_open() || file.bad() || bytes.empty()) {
-        throw UsageError{"can't read " + File + ", or it is empty"};
+        throw UsageError{"can't read " + name + ", or it is empty"};
     }
 
     Dump dump;
@@ -77,7 +77,7 @@ Dump ReadDump(const std::string& File)
                 line.pop_back();
             }
             dump.push_back(
-                ParseLine(line, Format("%s, line %d,", File.c_str(), static_cast<int>(dump.size()) + 1)));
+                ParseLine(line, Format("%s, line %d,", name.c_str(), static_cast<int>(dump.size()) + 1)));
         }
     } else {
         for (size_t at = 0; at + std::size(Block()) <= bytes.size(); at += std::size(Block())) {
@@ -88,26 +88,26 @@ Dump ReadDump(const std::string& File)
     }
     const bool isWhole = IsText(path) || bytes.size() % std::size(Block()) == 0;
     if (!isWhole || dump.size() > LastBlock + 1) {
-        throw UsageError{File + " isn't the dump of a card: " +
+        throw UsageError{name + " isn't the dump of a card: " +
                          (isWhole ? "it is longer than that of a 4K card" : "its last block isn't whole")};
     }
     return dump;
 }
 
-void RequireWritable(const std::string& File, ExistingFile Existing)
+void RequireWritable(const std::string& file, ExistingFile existing)
 {
     FileReplacement attempt; // removed at once, so that nothing is left if the program is killed meanwhile
-    const std::error_code error = attempt.Create(ToPath(File).native(), Existing);
+    const std::error_code error = attempt.Create(ToPath(file).native(), existing);
     if (error) {
-        throw UsageError{InWords(error, File)};
+        throw UsageError{InWords(error, file)};
     }
 }
 
-void WriteDump(const std::string& File, const Dump& Card, ExistingFile Existing)
+void WriteDump(const std::string& file, const Dump& card, ExistingFile existing)
 {
-    const std::filesystem::path path = ToPath(File);
+    const std::filesystem::path path = ToPath(file);
     std::string contents;
-    for (const DumpedBlock& block : Card) {
+    for (const DumpedBlock& block : card) {
         if (IsText(path)) {
             contents += Digits(block.Bytes, block.Known, "") + '\n';
         } else {
@@ -115,12 +115,12 @@ void WriteDump(const std::string& File, const Dump& Card, ExistingFile Existing)
         }
     }
     FileReplacement replacement;
-    std::error_code error = replacement.Create(path.native(), Existing);
+    std::error_code error = replacement.Create(path.native(), existing);
     if (!error) {
         error = replacement.Finish(contents);
     }
     if (error) {
-        throw OtherFailure{InWords(error, MaskKeys(File))};
+        throw OtherFailure{InWords(error, MaskKeys(file))};
     }
 }
 

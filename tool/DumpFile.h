@@ -23,13 +23,13 @@ struct DumpedBlock {
 using Dump = std::vector<DumpedBlock>;
 
 /// Throws UsageError if the file can't be read or isn't a dump.
-[[nodiscard]] Dump ReadDump(const std::string& File);
+[[nodiscard]] Dump ReadDump(const std::string& name);
 
 /// Throws UsageError if the file can't be created or replaced, or if it exists and is to be kept. Creates
 /// nothing that stays.
-void RequireWritable(const std::string& File, ExistingFile Existing);
+void RequireWritable(const std::string& file, ExistingFile existing);
 
 /// Writes the file in one step. Throws OtherFailure if it can't be written; the file is then unchanged.
-void WriteDump(const std::string& File, const Dump& Card, ExistingFile Existing);
+void WriteDump(const std::string& file, const Dump& card, ExistingFile existing);
 
 } // namespace acg::tool

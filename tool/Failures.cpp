@@ -66,40 +66,40 @@ std::span<const Remedy> Remedies()
     return All;
 }
 
-const Remedy* FindRemedy(const CError& Record)
+const Remedy* FindRemedy(const CError& record)
 {
-    const std::string path = ToUtf8(Record.RdrCommand);
-    const std::string letter = ToUtf8(Record.RdrRetCode);
+    const std::string path = ToUtf8(record.RdrCommand);
+    const std::string letter = ToUtf8(record.RdrRetCode);
     const auto* const found = std::ranges::find_if(All, [&](const Remedy& row) {
         const bool hasLetter =
             row.Letters.empty() || (!letter.empty() && row.Letters.find(letter) != std::string_view::npos);
-        return row.Number == Record.Number && path.ends_with(row.Path) && hasLetter;
+        return row.Number == record.Number && path.ends_with(row.Path) && hasLetter;
     });
     return found != std::end(All) ? found : nullptr;
 }
 
-std::string ActionOf(const Remedy& Row)
+std::string ActionOf(const Remedy& row)
 {
-    std::string action(Row.Action);
-    if (Row.Number == LibraryNotFound) {
+    std::string action(row.Action);
+    if (row.Number == LibraryNotFound) {
         action += "; searched: " + Utf8Of(OwnFolder()) + ", then the system's loader path";
     }
     return action;
 }
 
-std::string InWords(const CError& Record)
+std::string InWords(const CError& record)
 {
     constexpr size_t Column = 12;
-    std::string words = ToUtf8(Record.Description) + Format(" (%d)\n", Record.Number);
-    if (const Remedy* const remedy = FindRemedy(Record)) {
+    std::string words = ToUtf8(record.Description) + Format(" (%d)\n", record.Number);
+    if (const Remedy* const remedy = FindRemedy(record)) {
         words += "  it means  " + Wrap(remedy->Meaning, Column) + '\n';
         words += "  do this   " + Wrap(ActionOf(*remedy), Column) + '\n';
     }
-    words += "  record    " + ToUtf8(Record.ComFunction);
-    for (const std::wstring& part : {Record.RdrCommand, Record.RdrRetCode}) {
+    words += "  record    " + ToUtf8(record.ComFunction);
+    for (const std::wstring& part : {record.RdrCommand, record.RdrRetCode}) {
         words += part.empty() ? "" : ", " + Printable(ToUtf8(part));
     }
-    return words + (Record.LastDllError != 0 ? Format(", system error %d", Record.LastDllError) : "");
+    return words + (record.LastDllError != 0 ? Format(", system error %d", record.LastDllError) : "");
 }
 
 } // namespace acg::tool

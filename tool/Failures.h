@@ -1,4 +1,4 @@
-// How a command ends that can't do what it is asked: it throws one of these, and the program's end prints it.
+// A command that fails throws one of these, and CommandLine::Run prints it.
 #pragma once
 
 #include "acg/encoder/CError.h"
@@ -50,13 +50,13 @@ struct Remedy {
 /// Those that this program can meet, in the order of the README; of several that fit, the first one counts.
 [[nodiscard]] std::span<const Remedy> Remedies();
 
-/// The row of a record; null where there is none.
-[[nodiscard]] const Remedy* FindRemedy(const CError& Record);
+/// The row of a record; null if there is none.
+[[nodiscard]] const Remedy* FindRemedy(const CError& record);
 
 /// The action of a remedy, and what is known of this machine beside it.
-[[nodiscard]] std::string ActionOf(const Remedy& Row);
+[[nodiscard]] std::string ActionOf(const Remedy& row);
 
 /// A record in words: several lines, the last one without its end.
-[[nodiscard]] std::string InWords(const CError& Record);
+[[nodiscard]] std::string InWords(const CError& record);
 
 } // namespace acg::tool

@@ -77,7 +77,7 @@ int Info(Context& context)
         Open(*encoder);
         type = TypeOf(*encoder);
         std::wstring text;
-        Must(*encoder, encoder->ReadSerialNumber(text));
+        ThrowIfFailed(*encoder, encoder->ReadSerialNumber(text));
         serial = ToUtf8(text);
     } catch (const CardFailure& failure) {
         failed = failure;
@@ -95,9 +95,9 @@ int Info(Context& context)
 
 } // namespace
 
-void AddInfo(CommandLine& Commands)
+void AddInfo(CommandLine& commands)
 {
-    Commands.Add("info", "Shows the reader, its type and state, and the card's serial number",
+    commands.Add("info", "Shows the reader, its type and state, and the card's serial number",
                  "acg info --reader \"Device=com3;Baud rate=19200\"", Info);
 }
 

@@ -8,43 +8,43 @@
 namespace acg::tool
 {
 
-JsonObject ToJson(const CError& Failure)
+JsonObject ToJson(const CError& failure)
 {
-    const Remedy* const remedy = FindRemedy(Failure);
+    const Remedy* const remedy = FindRemedy(failure);
     return {
-        {"number", Failure.Number},
-        {"description", ToUtf8(Failure.Description)},
-        {"lastDllError", Failure.LastDllError},
-        {"comFunction", ToUtf8(Failure.ComFunction)},
-        {"rdrCommand", ToUtf8(Failure.RdrCommand)},
-        {"rdrRetCode", ToUtf8(Failure.RdrRetCode)},
+        {"number", failure.Number},
+        {"description", ToUtf8(failure.Description)},
+        {"lastDllError", failure.LastDllError},
+        {"comFunction", ToUtf8(failure.ComFunction)},
+        {"rdrCommand", ToUtf8(failure.RdrCommand)},
+        {"rdrRetCode", ToUtf8(failure.RdrRetCode)},
         {"meaning", remedy != nullptr ? remedy->Meaning : ""},
         {"remedy", remedy != nullptr ? ActionOf(*remedy) : ""},
     };
 }
 
-JsonObject ToJson(const ShownAccess& Result)
+JsonObject ToJson(const ShownAccess& result)
 {
-    const SectorRights rights = RightsGranted(Result.Bytes);
+    const SectorRights rights = RightsGranted(result.Bytes);
     JsonObject levels = JsonObject::array();
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        levels.push_back(LevelOf(BlockRightsOf(TripleIn(Result.Bytes, slot))));
+        levels.push_back(LevelOf(BlockRightsOf(TripleIn(result.Bytes, slot))));
     }
     levels.push_back(LevelOf(rights.Trailer));
     JsonObject rows = JsonObject::array();
-    for (const AccessRow& row : AccessRows(Result.Bytes, Result.Sector)) {
+    for (const AccessRow& row : AccessRows(result.Bytes, result.Sector)) {
         rows.push_back({{"what", row.What}, {"keyA", row.KeyA}, {"keyB", row.KeyB}});
     }
     return {
-        {"sector", Result.Sector ? JsonObject(*Result.Sector) : JsonObject()},
-        {"accessBits", AccessBitsText(Result.Bytes)},
-        {"byte9", Result.UserByte ? JsonObject(*Result.UserByte) : JsonObject()},
+        {"sector", result.Sector ? JsonObject(*result.Sector) : JsonObject()},
+        {"accessBits", AccessBitsText(result.Bytes)},
+        {"byte9", result.UserByte ? JsonObject(*result.UserByte) : JsonObject()},
         {"levels", levels},
         {"keys", KeysUsedBy(rights.Trailer)},
         {"may", rows},
         {"accessFixedForGood", AreConditionsFixed(rights.Trailer)},
         {"keysFixedForGood", AreKeysFixed(rights.Trailer)},
-        {"deviations", Result.Deviations},
+        {"deviations", result.Deviations},
     };
 }
 

@@ -18,7 +18,7 @@ struct ShownAccess {
     std::vector<std::string> Deviations;
 };
 
-[[nodiscard]] JsonObject ToJson(const ShownAccess& Result);
-[[nodiscard]] JsonObject ToJson(const CError& Failure);
+[[nodiscard]] JsonObject ToJson(const ShownAccess& result);
+[[nodiscard]] JsonObject ToJson(const CError& failure);
 
 } // namespace acg::tool

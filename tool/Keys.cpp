@@ -1,6 +1,6 @@
 #include "tool/Keys.h"
 
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 #include "tool/Failures.h"
 #include "tool/System.h"
 #include "tool/Text.h"
@@ -27,15 +27,15 @@ std::string ReadText(const std::string& name)
     if (!std::filesystem::exists(status)) {
         throw UsageError{"there is no file " + name};
     }
-    constexpr size_t Most = 1 << 20; // a file of the wrong kind may have no end
+    constexpr size_t MaxSize = 1 << 20; // a file of the wrong kind may have no end
     std::ifstream file(path, std::ios::binary);
-    std::string bytes(Most, '\0');
+    std::string bytes(MaxSize, '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<size_t>(file.gcount()));
     if (!file.is_open() || file.bad()) {
         throw UsageError{"can't read " + name};
     }
-    if (bytes.size() == Most) {
+    if (bytes.size() == MaxSize) {
         throw UsageError{name + " is too long for a file of keys"};
     }
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
@@ -47,44 +47,51 @@ std::string ReadText(const std::string& name)
 
 } // namespace
 
-std::wstring ParseKey(std::string_view Text, std::string_view What)
+Key ParseKey(std::string_view text, std::string_view what)
 {
-    constexpr size_t KeyDigits = 12;
-    std::wstring digits(Text.begin(), Text.end()); // whatever isn't a digit won't pass
-    if (!IsHexString(digits, KeyDigits)) {
-        throw UsageError{std::string(What) + " isn't 12 hexadecimal digits"};
+    Key key;
+    const size_t from = std::min(text.find_first_not_of(' '), text.size());
+    const std::string_view digits = text.substr(from, text.find_last_not_of(' ') + 1 - from);
+    bool isKey = digits.size() == 2 * key.size();
+    for (size_t at = 0; isKey && at < digits.size(); ++at) {
+        const std::optional<int> digit = HexDigit(digits[at]);
+        isKey = digit.has_value();
+        key[at / 2] = static_cast<uint8_t>(key[at / 2] << 4 | digit.value_or(0));
     }
-    return digits;
+    if (!isKey) {
+        throw UsageError{std::string(what) + " isn't 12 hexadecimal digits"};
+    }
+    return key;
 }
 
-Key TheKey(const KeyOptions& Options)
+LoginKey TheKey(const KeyOptions& options)
 {
-    const uint8_t type = Options.AsB ? KeyTypeB : KeyTypeA;
-    if (!Options.Text.empty()) {
-        return {ParseKey(Options.Text, "--key"), type};
+    const uint8_t type = options.AsB ? KeyTypeB : KeyTypeA;
+    if (!options.Text.empty()) {
+        return {ParseKey(options.Text, "--key"), type};
     }
-    if (!Options.File.empty()) {
-        return {ReadKeys(Options.File).front(), type};
+    if (!options.File.empty()) {
+        return {ReadKeys(options.File).front(), type};
     }
-    if (const auto key = EnvironmentVariable("ACG_KEY")) {
+    if (const auto key = Variable("ACG_KEY")) {
         return {ParseKey(*key, "the key in ACG_KEY"), type};
     }
     throw UsageError{"a key is required: --key, --key-file, or the variable ACG_KEY"};
 }
 
-bool IsKeyGiven(const KeyOptions& Options)
+bool IsKeyGiven(const KeyOptions& options)
 {
-    return !Options.Text.empty() || !Options.File.empty() || EnvironmentVariable("ACG_KEY");
+    return !options.Text.empty() || !options.File.empty() || Variable("ACG_KEY");
 }
 
-std::vector<std::wstring> ReadKeys(const std::string& File)
+std::vector<Key> ReadKeys(const std::string& file)
 {
     constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 
-    const std::string bytes = ReadText(File);
+    const std::string bytes = ReadText(file);
     std::string_view text = bytes;
     text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
-    std::vector<std::wstring> keys;
+    std::vector<Key> keys;
     for (int number = 1; !text.empty(); ++number) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
@@ -92,11 +99,11 @@ std::vector<std::wstring> ReadKeys(const std::string& File)
         std::ranges::replace_if(
             key, [](char blank) { return blank == '\t' || blank == '\r'; }, ' ');
         if (key.find_first_not_of(' ') != std::string::npos) {
-            keys.push_back(ParseKey(key, Format("%s, line %d", File.c_str(), number)));
+            keys.push_back(ParseKey(key, Format("%s, line %d", file.c_str(), number)));
         }
     }
     if (keys.empty()) {
-        throw UsageError{File + " has no key"};
+        throw UsageError{file + " has no key"};
     }
     return keys;
 }

@@ -17,17 +17,17 @@ struct KeyOptions {
     bool AsB = false; ///< --as-b
 };
 
-/// 12 hexadecimal digits in either case, blanks around them allowed, in upper case. Throws UsageError, whose
-/// text calls the key What.
-[[nodiscard]] std::wstring ParseKey(std::string_view Text, std::string_view What);
+/// 12 hexadecimal digits in either case, blanks around them allowed. Throws UsageError, whose text calls the
+/// key `what`.
+[[nodiscard]] Key ParseKey(std::string_view text, std::string_view what);
 
-/// From --key, else the first key of --key-file, else the variable ACG_KEY. Throws UsageError where there is
+/// From --key, else the first key of --key-file, else the variable ACG_KEY. Throws UsageError if there is
 /// none, or it isn't a key.
-[[nodiscard]] Key TheKey(const KeyOptions& Options);
-[[nodiscard]] bool IsKeyGiven(const KeyOptions& Options);
+[[nodiscard]] LoginKey TheKey(const KeyOptions& options);
+[[nodiscard]] bool IsKeyGiven(const KeyOptions& options);
 
 /// The keys of a file, one a line, with blanks and tabs around them; "#" begins a comment. Throws UsageError
-/// where the file can't be read, isn't UTF-8, or has no key or a line that isn't one.
-[[nodiscard]] std::vector<std::wstring> ReadKeys(const std::string& File);
+/// if the file can't be read, isn't UTF-8, or has no key or a line that isn't one.
+[[nodiscard]] std::vector<Key> ReadKeys(const std::string& file);
 
 } // namespace acg::tool

@@ -31,17 +31,17 @@ std::string PrintableLines(std::string_view text)
 Output::Output() : m_json(std::make_unique<JsonObject>(JsonObject::object())) {}
 Output::~Output() = default;
 
-void Output::Print(std::string_view Text) const
+void Output::Print(std::string_view text) const
 {
     if (!m_isJson) {
-        std::fputs(PrintableLines(Text).c_str(), stdout);
+        std::fputs(PrintableLines(text).c_str(), stdout);
     }
 }
 
-void Output::Problem(std::string_view Text)
+void Output::Problem(std::string_view text)
 {
-    PrintProblem(Text);
-    (*m_json)["problems"].push_back(Text);
+    PrintProblem(text);
+    (*m_json)["problems"].push_back(text);
 }
 
 bool Output::Finish() const
@@ -55,14 +55,14 @@ bool Output::Finish() const
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
-void PrintProblem(std::string_view Text)
+void PrintProblem(std::string_view text)
 {
     std::fflush(stdout);
     const bool isColoured = IsColourTerminal(stderr);
     const std::string name = isColoured ? "\033[31macg:\033[0m " : "acg: ";
-    const std::string_view first = Text.substr(0, Text.find('\n'));
+    const std::string_view first = text.substr(0, text.find('\n'));
     const std::string wrapped = IsTerminal(stderr) ? Wrap(first, /*Indent=*/5) : std::string(first);
-    std::fputs((name + PrintableLines(wrapped + std::string(Text.substr(first.size())))).c_str(), stderr);
+    std::fputs((name + PrintableLines(wrapped + std::string(text.substr(first.size())))).c_str(), stderr);
     std::fflush(stderr); // some systems buffer it
 }
 

@@ -29,15 +29,15 @@ public:
 
     /// A line, or several; the end of the last one may be left out. Control characters are escaped. Nothing
     /// with --json.
-    void Print(std::string_view Text) const;
+    void Print(std::string_view text) const;
 
     /// What isn't a result: "acg: " and the text on standard error, after what standard output has so far.
     /// With --json it is also in the list "problems".
-    void Problem(std::string_view Text);
+    void Problem(std::string_view text);
 
     /// What became of what the command writes, said after the failure that ends it: lines that begin with
     /// "\n".
-    void SetOutcome(std::string_view Lines) { m_outcome = Lines; }
+    void SetOutcome(std::string_view lines) { m_outcome = lines; }
     [[nodiscard]] const std::string& Outcome() const { return m_outcome; }
 
     /// Prints the object. False: standard output couldn't be written.
@@ -50,6 +50,6 @@ private:
 };
 
 /// "acg: " and the text on standard error; the first line of it fits a terminal of 80 columns.
-void PrintProblem(std::string_view Text);
+void PrintProblem(std::string_view text);
 
 } // namespace acg::tool

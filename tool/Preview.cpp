@@ -20,18 +20,18 @@ struct Options {
     std::string ValueBlocks; ///< --value
 };
 
-int Preview(const Options& given, Context& context)
+int Preview(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    SectorLevels asked{ParseLevels(given.Levels.Levels), ParseKeysToUse(given.Levels.KeysToUse)};
-    if (!given.ValueBlocks.empty()) {
-        ParseValueBlocks(given.ValueBlocks, asked);
+    SectorLevels levels{ParseLevels(options.Levels.Levels), ParseKeysToUse(options.Levels.KeysToUse)};
+    if (!options.ValueBlocks.empty()) {
+        ParseValueBlocks(options.ValueBlocks, levels);
     }
-    const ConditionBytes bytes = EncodeOrRefuse(asked);
-    const std::vector<std::string> deviations = Deviations(asked, bytes, /*Sector=*/{});
+    const ConditionBytes bytes = EncodeOrRefuse(levels);
+    const std::vector<std::string> deviations = Deviations(levels, bytes, /*Sector=*/{});
     out.Json() = ToJson(ShownAccess{{}, bytes, {}, deviations});
     out.Print(Format("Access bits %s\nThese levels read back as %s\n\n%s", AccessBitsText(bytes).c_str(),
-                     LevelsInWords(bytes).c_str(), AccessTable(bytes, /*Sector=*/{}).c_str()));
+                     FormatLevels(bytes).c_str(), AccessTable(bytes, /*Sector=*/{}).c_str()));
     for (const std::string& line : deviations) {
         out.Print(line);
     }
@@ -40,14 +40,12 @@ int Preview(const Options& given, Context& context)
 
 } // namespace
 
-void AddPreview(CommandLine& Commands)
+void AddPreview(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("preview", "Shows what levels let each key do, without a card",
-                                          "acg preview --levels 13,13,13,12 --keys 2 --value 0",
-                                          [given](Context& context) { return Preview(*given, context); });
-    TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys", Need::Required);
-    command.Option("--value", "0,1,2", given->ValueBlocks,
+    auto [command, options] = commands.Add("preview", "Shows what levels let each key do, without a card",
+                                           "acg preview --levels 13,13,13,12 --keys 2 --value 0", Preview);
+    TakesLevels(command, options.Levels, "1 for key A alone, 2 for both keys", Need::Required);
+    command.Option("--value", "0,1,2", options.ValueBlocks,
                    "Which of the data blocks 0, 1 and 2 are value blocks, as in 0,2");
 }
 

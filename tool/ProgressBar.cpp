@@ -15,19 +15,19 @@ constexpr int LineWidth = Width + 38; // within 80 columns
 
 } // namespace
 
-ProgressBar::ProgressBar(int Steps) : m_isShown(IsTerminal(stderr)), m_steps(Steps) {}
+ProgressBar::ProgressBar(int steps) : m_isShown(IsTerminal(stderr)), m_steps(steps) {}
 
-void ProgressBar::Show(int StepsDone) const
+void ProgressBar::Show(int stepsDone) const
 {
     if (!m_isShown) {
         return;
     }
-    const int filled = Width * StepsDone / m_steps;
+    const int filled = Width * stepsDone / m_steps;
     const std::string bar =
         std::string(static_cast<size_t>(filled), '#') + std::string(static_cast<size_t>(Width - filled), '.');
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - m_start;
-    std::fprintf(stderr, "\r[%s] %3d%%  %3d of %3d  %6.1f s", bar.c_str(), 100 * StepsDone / m_steps,
-                 StepsDone, m_steps, elapsed.count());
+    std::fprintf(stderr, "\r[%s] %3d%%  %3d of %3d  %6.1f s", bar.c_str(), 100 * stepsDone / m_steps,
+                 stepsDone, m_steps, elapsed.count());
     std::fflush(stderr);
 }
 

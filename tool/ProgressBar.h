@@ -7,17 +7,17 @@
 namespace acg::tool
 {
 
-/// One line on standard error, where that is a terminal; else nothing is shown.
+/// One line on standard error, if that is a terminal; else nothing is shown.
 class ProgressBar
 {
 public:
-    explicit ProgressBar(int Steps);
+    explicit ProgressBar(int steps);
     ~ProgressBar() { Erase(); }
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    void SetSteps(int Steps) { m_steps = Steps; }
-    void Show(int StepsDone) const;
+    void SetSteps(int steps) { m_steps = steps; }
+    void Show(int stepsDone) const;
     /// Before anything else is printed.
     void Erase() const;
 

@@ -37,13 +37,13 @@ struct Options {
 };
 
 struct NewKeys {
-    std::wstring A;
-    std::wstring B;
+    Key A;
+    Key B;
 };
 
 struct Request {
     int32_t Sector;
-    Key Login;
+    LoginKey Login;
     std::optional<NewKeys> Keys; ///< none: they stay as they are
     SectorLevels Levels;         ///< KeysToUse: KeysAsOnCard if it isn't given
     std::optional<uint8_t> BX;
@@ -63,28 +63,28 @@ struct Purse {
     int32_t Value;
 };
 
-std::optional<std::wstring> NewKey(const std::string& text, const char* option, const char* variable)
+std::optional<Key> NewKey(const std::string& text, const char* option, const char* variable)
 {
     if (!text.empty()) {
         return ParseKey(text, option);
     }
-    if (const auto key = EnvironmentVariable(variable)) {
+    if (const auto key = Variable(variable)) {
         return ParseKey(*key, Format("the key in %s", variable));
     }
     return std::nullopt;
 }
 
-std::optional<NewKeys> ParseNewKeys(const Options& given)
+std::optional<NewKeys> ParseNewKeys(const Options& options)
 {
-    if (!given.NewKeysFile.empty()) {
-        const std::vector<std::wstring> keys = ReadKeys(given.NewKeysFile);
+    if (!options.NewKeysFile.empty()) {
+        const std::vector<Key> keys = ReadKeys(options.NewKeysFile);
         if (keys.size() != 2) {
-            throw UsageError{given.NewKeysFile + " has to have two keys: A, then B"};
+            throw UsageError{options.NewKeysFile + " has to have two keys: A, then B"};
         }
         return NewKeys{keys.front(), keys.back()};
     }
-    const auto keyA = NewKey(given.NewA, "--new-a", "ACG_NEW_A");
-    const auto keyB = NewKey(given.NewB, "--new-b", "ACG_NEW_B");
+    const auto keyA = NewKey(options.NewA, "--new-a", "ACG_NEW_A");
+    const auto keyB = NewKey(options.NewB, "--new-b", "ACG_NEW_B");
     if (keyA.has_value() != keyB.has_value()) {
         throw UsageError{keyA ? "there is a new key A, but no new key B: --new-b, or the variable ACG_NEW_B"
                               : "there is a new key B, but no new key A: --new-a, or the variable ACG_NEW_A"};
@@ -92,73 +92,74 @@ std::optional<NewKeys> ParseNewKeys(const Options& given)
     return keyA ? std::optional(NewKeys{*keyA, *keyB}) : std::nullopt;
 }
 
-Request Parse(const Options& given, bool canAsk)
+Request Parse(const Options& options, bool canAsk)
 {
-    Request asked{.Sector = ParseSector(given.Sector),
-                  .Login = TheKey(given.Key),
-                  .Keys = ParseNewKeys(given),
-                  .Levels = {.Levels = ParseLevels(given.Levels.Levels), .KeysToUse = KeysAsOnCard}};
-    if (!given.ValueBlocks.empty()) {
-        ParseValueBlocks(given.ValueBlocks, asked.Levels);
+    Request request{.Sector = ParseSector(options.Sector),
+                    .Login = TheKey(options.Key),
+                    .Keys = ParseNewKeys(options),
+                    .Levels = {.Levels = ParseLevels(options.Levels.Levels), .KeysToUse = KeysAsOnCard}};
+    if (!options.ValueBlocks.empty()) {
+        ParseValueBlocks(options.ValueBlocks, request.Levels);
     }
-    if (asked.Sector == 0 && asked.Levels.IsValueBlock[0]) {
+    if (request.Sector == 0 && request.Levels.IsValueBlock[0]) {
         throw UsageError{"block 0 is the manufacturer's and can't be written: --value 0 isn't for sector 0"};
     }
-    if (!given.Levels.KeysToUse.empty()) {
-        asked.Levels.KeysToUse = ParseKeysToUse(given.Levels.KeysToUse);
-        static_cast<void>(EncodeOrRefuse(asked.Levels));
+    if (!options.Levels.KeysToUse.empty()) {
+        request.Levels.KeysToUse = ParseKeysToUse(options.Levels.KeysToUse);
+        static_cast<void>(EncodeOrRefuse(request.Levels));
     }
-    if (!given.BX.empty()) {
-        asked.BX =
-            static_cast<uint8_t>(ParseNumber(given.BX, 0, UINT8_MAX, "--bx is a number from 0 to 255"));
+    if (!options.BX.empty()) {
+        request.BX =
+            static_cast<uint8_t>(ParseNumber(options.BX, 0, UINT8_MAX, "--bx is a number from 0 to 255"));
     }
-    if (!given.IsDryRun && !given.IsAgreedTo && !canAsk) {
+    if (!options.IsDryRun && !options.IsAgreedTo && !canAsk) {
         throw UsageError{"there is nobody to ask: give --yes to write, or --dry-run to look"};
     }
-    return asked;
+    return request;
 }
 
 /// The class stores a purse's rights for a slot by these blocks, also in a sector of 16 blocks.
-int32_t PurseBlock(const Request& asked, unsigned slot)
+int32_t PurseBlock(const Request& request, unsigned slot)
 {
-    return TrailerBlock(asked.Sector) - static_cast<int32_t>(DataSlots - slot);
+    return TrailerBlock(request.Sector) - static_cast<int32_t>(DataSlots - slot);
 }
 
 /// The slot whose access bits hold for that block.
-unsigned SlotOfPurse(const Request& asked, unsigned slot)
+unsigned SlotOfPurse(const Request& request, unsigned slot)
 {
-    const bool isLarge = TrailerBlock(asked.Sector) - TrailerBlock(asked.Sector - 1) > int32_t{SectorSlots};
+    const bool isLarge =
+        TrailerBlock(request.Sector) - TrailerBlock(request.Sector - 1) > int32_t{SectorSlots};
     return isLarge ? DataSlots - 1 : slot;
 }
 
-void AddParts(const Request& asked, WriteReport& report)
+void AddParts(const Request& request, WriteReport& report)
 {
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (asked.Levels.IsValueBlock[slot]) {
-            const int32_t block = PurseBlock(asked, slot);
-            report.Add(Format("block %d", block), ReadCommand(block, asked.Login));
+        if (request.Levels.IsValueBlock[slot]) {
+            const int32_t block = PurseBlock(request, slot);
+            report.Add(Format("block %d", block), ReadCommand(block, request.Login));
         }
     }
-    const bool isAsB = asked.Login.Type == KeyTypeB;
+    const bool isAsB = request.Login.IsB();
     const char* with = isAsB ? " --as-b" : "";
-    if (asked.Keys) {
+    if (request.Keys) {
         with = isAsB ? ", with the new key A, or if that fails with the old key and --as-b"
                      : ", with the new key A, or if that fails with the old key";
-    } else if (asked.Levels.KeysToUse == KeyAAlone) {
+    } else if (request.Levels.KeysToUse == KeyAAlone) {
         with = ", with key A";
     }
-    const std::string look = Format("acg trailer %d --key KEY%s", asked.Sector, with);
+    const std::string look = Format("acg trailer %d --key KEY%s", request.Sector, with);
     report.Add(
-        Format(asked.Keys ? "the keys and the access bits of sector %d" : "the access bits of sector %d",
-               asked.Sector),
+        Format(request.Keys ? "the keys and the access bits of sector %d" : "the access bits of sector %d",
+               request.Sector),
         look);
 }
 
-NewTrailer MakeTrailer(const Request& asked, const Block& onCard)
+NewTrailer MakeTrailer(const Request& request, const Trailer& onCard)
 {
-    NewTrailer wanted{.Levels = asked.Levels, .BX = asked.BX.value_or(UserByteOf(onCard))};
+    NewTrailer wanted{.Levels = request.Levels, .BX = request.BX.value_or(onCard.UserByte)};
     if (wanted.Levels.KeysToUse == KeysAsOnCard) {
-        wanted.Levels.KeysToUse = KeysUsedBy(RightsGranted(ConditionBytesOf(onCard)).Trailer);
+        wanted.Levels.KeysToUse = KeysUsedBy(RightsGranted(onCard.Conditions).Trailer);
     }
     wanted.Bytes = EncodeOrRefuse(wanted.Levels);
     return wanted;
@@ -183,16 +184,16 @@ void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int
     }
 }
 
-void ShowChange(int32_t sector, const Block& onCard, const NewTrailer& wanted, Output& out)
+void ShowChange(int32_t sector, const Trailer& onCard, const NewTrailer& wanted, Output& out)
 {
-    const ConditionBytes before = ConditionBytesOf(onCard);
+    const ConditionBytes before = onCard.Conditions;
     const std::vector<std::string> deviations = Deviations(wanted.Levels, wanted.Bytes, sector);
-    out.Json()["before"] = ToJson(ShownAccess{sector, before, UserByteOf(onCard), {}});
+    out.Json()["before"] = ToJson(ShownAccess{sector, before, onCard.UserByte, {}});
     out.Json()["after"] = ToJson(ShownAccess{sector, wanted.Bytes, wanted.BX, deviations});
-    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, LevelsInWords(before).c_str(),
-                     UserByteOf(onCard), AccessTable(before, sector).c_str()));
+    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, FormatLevels(before).c_str(),
+                     onCard.UserByte, AccessTable(before, sector).c_str()));
     out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
-                     LevelsInWords(wanted.Bytes).c_str(), wanted.BX,
+                     FormatLevels(wanted.Bytes).c_str(), wanted.BX,
                      AccessTable(wanted.Bytes, sector).c_str()));
     for (const std::string& line : deviations) {
         out.Print(line);
@@ -201,17 +202,17 @@ void ShowChange(int32_t sector, const Block& onCard, const NewTrailer& wanted, O
 }
 
 /// The class sends a whole trailer, of which the card silently takes what the key may write.
-void RequireRights(const Request& asked, const TrailerRights& rights, bool changesConditions)
+void RequireRights(const Request& request, const TrailerRights& rights, bool changesConditions)
 {
-    const Keys key = asked.Login.Type == KeyTypeB ? Keys::B : Keys::A;
+    const KeySet key = request.Login.IsB() ? KeySet::B : KeySet::A;
     const bool mayWriteKeys = Has(rights.WriteKeys, key);
     const bool mayWriteConditions = Has(rights.WriteConditions, key);
-    if (!mayWriteKeys && (asked.Keys || !mayWriteConditions)) {
+    if (!mayWriteKeys && (request.Keys || !mayWriteConditions)) {
         throw OtherFailure{
             Format("%s may not write the keys of this sector%s", NameOf(key),
                    mayWriteConditions ? ": without new keys, the access bits alone are written" : "")};
     }
-    if (mayWriteKeys && !asked.Keys) {
+    if (mayWriteKeys && !request.Keys) {
         throw UsageError{
             Format("%s may write the keys of this sector, so they have to be given, new or as they "
                    "are: --new-a and --new-b, --new-keys, or the variables ACG_NEW_A and ACG_NEW_B",
@@ -222,24 +223,25 @@ void RequireRights(const Request& asked, const TrailerRights& rights, bool chang
     }
 }
 
-Purse ReadPurse(Encoder& encoder, const Request& asked, unsigned slot, const ConditionBytes& before,
+Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const ConditionBytes& before,
                 Output& out)
 {
-    const int32_t number = PurseBlock(asked, slot);
-    const Keys writers = RightsGranted(before).Blocks[SlotOfPurse(asked, slot)].Write;
-    if (!Has(writers, asked.Login.Type == KeyTypeB ? Keys::B : Keys::A)) {
+    const int32_t number = PurseBlock(request, slot);
+    const KeySet writers = RightsGranted(before).Blocks[SlotOfPurse(request, slot)].Write;
+    if (!Has(writers, request.Login.IsB() ? KeySet::B : KeySet::A)) {
         throw OtherFailure{
             Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
     }
-    const ValueBlock block(ReadBlock(encoder, number, asked.Login));
+    const ValueBlock block(ReadBlock(encoder, number, request.Login));
     if (!block.IsValid()) {
         throw OtherFailure{
             Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
-                   number, asked.Login.Type == KeyTypeB ? " --as-b" : "")};
+                   number, request.Login.IsB() ? " --as-b" : "")};
     }
     out.Json()["values"].push_back({{"block", number}, {"value", block.Value()}});
-    const std::string others =
-        SlotOfPurse(asked, slot) != slot ? Format(", for %s,", NameOfSlot(slot, asked.Sector).c_str()) : "";
+    const std::string others = SlotOfPurse(request, slot) != slot
+                                   ? Format(", for %s,", NameOfSlot(slot, request.Sector).c_str())
+                                   : "";
     std::string line = Format("Block %d%s is written first, as a value block; its value stays %d", number,
                               others.c_str(), block.Value());
     const int address = block.Address().value_or(0); // it is a value block
@@ -260,9 +262,10 @@ bool IsAgreedTo()
     return isAnswered && std::string_view(answer) == "yes\n";
 }
 
-void Write(Encoder& encoder, const Purse& purse, const Key& key, WriteReport& report)
+void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteReport& report)
 {
-    report.Sent(encoder, encoder.WriteValueBloc(purse.Block, key.Digits, key.Type, purse.Value));
+    report.Sent(encoder,
+                encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text, key.Type, purse.Value));
     const ValueBlock block(report.ReadBack(encoder, [&] { return ReadBlock(encoder, purse.Block, key); }));
     const bool isTaken = block.HasCopies() && block.Value() == purse.Value && block.Address() == purse.Block;
     report.Found(isTaken);
@@ -272,123 +275,122 @@ void Write(Encoder& encoder, const Purse& purse, const Key& key, WriteReport& re
     }
 }
 
-void Write(Encoder& encoder, const Request& asked, const NewTrailer& wanted, WriteReport& report)
+void Write(Encoder& encoder, const Request& request, const NewTrailer& wanted, WriteReport& report)
 {
     const auto level = [&](size_t slot) {
         return static_cast<SCBS_SecurityLevelEnum>(wanted.Levels.Levels[slot]);
     };
     // Without new ones the card ignores the keys, by the rights that RequireRights has seen. The key of the
     // login would be the least harm if it took them.
-    const NewKeys keys = asked.Keys.value_or(NewKeys{asked.Login.Digits, asked.Login.Digits});
+    const NewKeys keys = request.Keys.value_or(NewKeys{request.Login.Bytes, request.Login.Bytes});
     report.Sent(encoder,
                 encoder.WriteSectorTrailer(
-                    asked.Sector, asked.Login.Digits, asked.Login.Type, keys.A, keys.B,
-                    wanted.Levels.KeysToUse, level(0), level(1), level(2),
-                    static_cast<SCSS_SecurityLevelEnum>(wanted.Levels.Levels[TrailerSlot]), wanted.BX));
+                    request.Sector, DigitsOf(request.Login.Bytes).Text, request.Login.Type,
+                    DigitsOf(keys.A).Text, DigitsOf(keys.B).Text, wanted.Levels.KeysToUse, level(0), level(1),
+                    level(2), static_cast<SCSS_SecurityLevelEnum>(wanted.Levels.Levels[TrailerSlot]),
+                    wanted.BX));
 }
 
 /// Logs in with each key that the sector then has, and compares what reads back.
-bool IsTaken(Encoder& encoder, const Request& asked, const NewTrailer& wanted)
+bool IsTaken(Encoder& encoder, const Request& request, const NewTrailer& wanted)
 {
-    std::vector<Key> logins = {asked.Login};
-    if (asked.Keys) {
-        logins = {{asked.Keys->A, KeyTypeA}};
+    std::vector<LoginKey> logins = {request.Login};
+    if (request.Keys) {
+        logins = {{request.Keys->A, KeyTypeA}};
         if (IsKeyB(wanted)) {
-            logins.push_back({asked.Keys->B, KeyTypeB});
+            logins.push_back({request.Keys->B, KeyTypeB});
         }
     }
-    return std::ranges::all_of(logins, [&](const Key& key) {
-        const Block trailer = ReadTrailer(encoder, asked.Sector, key);
-        return ConditionBytesOf(trailer) == wanted.Bytes && UserByteOf(trailer) == wanted.BX &&
-               (!asked.Keys || IsKeyB(wanted) || KeyBOf(trailer) == asked.Keys->B);
+    return std::ranges::all_of(logins, [&](const LoginKey& key) {
+        const Trailer trailer = ReadTrailer(encoder, request.Sector, key);
+        return trailer.Conditions == wanted.Bytes && trailer.UserByte == wanted.BX &&
+               (!request.Keys || IsKeyB(wanted) || trailer.KeyB == request.Keys->B);
     });
 }
 
-int Protect(const Options& given, Context& context)
+int Protect(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    const Request asked = Parse(given, /*canAsk=*/!out.IsJson() && IsTerminal(stdin));
+    const Request request = Parse(options, /*canAsk=*/!out.IsJson() && IsTerminal(stdin));
     WriteReport report(out);
-    AddParts(asked, report);
+    AddParts(request, report);
     const auto encoder = OpenReader(context.Parameters);
     report.BeginCard(*encoder);
-    const Block onCard = ReadTrailer(*encoder, asked.Sector, asked.Login);
-    const ConditionBytes before = ConditionBytesOf(onCard);
+    const Trailer onCard = ReadTrailer(*encoder, request.Sector, request.Login);
+    const ConditionBytes before = onCard.Conditions;
     const TrailerRights rights = RightsGranted(before).Trailer;
-    const NewTrailer wanted = MakeTrailer(asked, onCard);
-    ShowChange(asked.Sector, onCard, wanted, out);
+    const NewTrailer wanted = MakeTrailer(request, onCard);
+    ShowChange(request.Sector, onCard, wanted, out);
 
-    RequireRights(asked, rights, before != wanted.Bytes || UserByteOf(onCard) != wanted.BX);
-    const bool canBeReadBack = asked.Keys || IsKeyB(wanted);
-    if (!asked.Keys) {
+    RequireRights(request, rights, before != wanted.Bytes || onCard.UserByte != wanted.BX);
+    const bool canBeReadBack = request.Keys || IsKeyB(wanted);
+    if (!request.Keys) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
-                         NameOf(asked.Login.Type == KeyTypeB ? Keys::B : Keys::A)));
+                         NameOf(request.Login.IsB() ? KeySet::B : KeySet::A)));
     }
     if (!canBeReadBack) {
         out.Print("Key B opens nothing afterwards, so this can't be read back with it.");
     }
     std::vector<Purse> purses;
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (asked.Levels.IsValueBlock[slot]) {
-            purses.push_back(ReadPurse(*encoder, asked, slot, before, out));
+        if (request.Levels.IsValueBlock[slot]) {
+            purses.push_back(ReadPurse(*encoder, request, slot, before, out));
         }
     }
     if (AreConditionsFixed(RightsGranted(wanted.Bytes).Trailer) && !AreConditionsFixed(rights) &&
-        !given.IsForGood) {
+        !options.IsForGood) {
         throw UsageError{"this freezes the sector for good. Give --for-good if it is meant"};
     }
-    if (given.IsDryRun) {
+    if (options.IsDryRun) {
         out.Print("Nothing was written: --dry-run.");
         return Done;
     }
-    if (!given.IsAgreedTo && !IsAgreedTo()) {
+    if (!options.IsAgreedTo && !IsAgreedTo()) {
         throw OtherFailure{"not agreed to"};
     }
     report.RequireSameCard(*encoder);
     for (const Purse& purse : purses) {
-        Write(*encoder, purse, asked.Login, report);
+        Write(*encoder, purse, request.Login, report);
     }
-    Write(*encoder, asked, wanted, report);
+    Write(*encoder, request, wanted, report);
     if (!canBeReadBack) {
         throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
     }
-    const bool isTaken = report.ReadBack(*encoder, [&] { return IsTaken(*encoder, asked, wanted); });
+    const bool isTaken = report.ReadBack(*encoder, [&] { return IsTaken(*encoder, request, wanted); });
     report.Found(isTaken);
     report.RequireSameCard(*encoder);
     if (!isTaken) {
         throw OtherFailure{"the card holds something other than was written"};
     }
-    out.Print(asked.Keys ? "Written, and read back with the new keys." : "Written, and read back.");
+    out.Print(request.Keys ? "Written, and read back with the new keys." : "Written, and read back.");
     return Done;
 }
 
 } // namespace
 
-void AddProtect(CommandLine& Commands)
+void AddProtect(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command =
-        Commands.Add("protect", "Writes new keys and levels for a sector, and says first what that means",
-                     "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2",
-                     [given](Context& context) { return Protect(*given, context); });
-    TakesSector(command, given->Sector);
-    TakesKey(command, given->Key);
-    TakesLevels(command, given->Levels, "1 for key A alone, 2 for both keys; default: as on the card");
-    command.Option("--value", "0,1,2", given->ValueBlocks,
+    auto [command, options] = commands.Add(
+        "protect", "Writes new keys and levels for a sector, and says first what that means",
+        "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2", Protect);
+    TakesSector(command, options.Sector);
+    TakesKey(command, options.Key);
+    TakesLevels(command, options.Levels, "1 for key A alone, 2 for both keys; default: as on the card");
+    command.Option("--value", "0,1,2", options.ValueBlocks,
                    "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
                    "written again with its value, and "
                    "levels 9 and 13 grant the rights of a purse");
     command.Option(
-        "--new-a", "KEY", given->NewA,
+        "--new-a", "KEY", options.NewA,
         "The new key A; default: the variable ACG_NEW_A. New keys are required unless the key that "
         "logs in may not write them");
-    command.Option("--new-b", "KEY", given->NewB, "The new key B; default: the variable ACG_NEW_B");
-    command.Option("--new-keys", "FILE", given->NewKeysFile, "A file with the new key A, then the new key B",
+    command.Option("--new-b", "KEY", options.NewB, "The new key B; default: the variable ACG_NEW_B");
+    command.Option("--new-keys", "FILE", options.NewKeysFile, "A file with the new key A, then the new key B",
                    Need::Optional, {"--new-a", "--new-b"});
-    command.Option("--bx", "N", given->BX, "Byte 9 of the trailer, 0 to 255; default: as on the card");
-    command.Flag("--dry-run", given->IsDryRun, "Only show what would happen");
-    command.Flag("--yes", given->IsAgreedTo, "Don't ask");
-    command.Flag("--for-good", given->IsForGood, "Allow what can never be changed again");
+    command.Option("--bx", "N", options.BX, "Byte 9 of the trailer, 0 to 255; default: as on the card");
+    command.Flag("--dry-run", options.IsDryRun, "Only show what would happen");
+    command.Flag("--yes", options.IsAgreedTo, "Don't ask");
+    command.Flag("--for-good", options.IsForGood, "Allow what can never be changed again");
 }
 
 } // namespace acg::tool

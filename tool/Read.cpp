@@ -34,10 +34,10 @@ BlockRange ParseBlocks(const std::string& text)
     return {first, last};
 }
 
-int Read(const Options& given, Context& context)
+int Read(const Options& options, Context& context)
 {
-    const BlockRange range = ParseBlocks(given.Blocks);
-    const Key key = TheKey(given.Key);
+    const BlockRange range = ParseBlocks(options.Blocks);
+    const LoginKey key = TheKey(options.Key);
     JsonObject& blocks = context.Out.Json()["blocks"] = JsonObject::array();
     const auto encoder = OpenReader(context.Parameters);
     for (int32_t number = range.First; number <= range.Last; ++number) {
@@ -52,14 +52,12 @@ int Read(const Options& given, Context& context)
 
 } // namespace
 
-void AddRead(CommandLine& Commands)
+void AddRead(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("read", "Shows blocks in hexadecimal and as characters",
-                                          "acg read 4-6 --key FFFFFFFFFFFF",
-                                          [given](Context& context) { return Read(*given, context); });
-    command.Argument("BLOCK", given->Blocks, "A block, or the first and the last one: BLOCK-BLOCK");
-    TakesKey(command, given->Key);
+    auto [command, options] = commands.Add("read", "Shows blocks in hexadecimal and as characters",
+                                           "acg read 4-6 --key FFFFFFFFFFFF", Read);
+    command.Argument("BLOCK", options.Blocks, "A block, or the first and the last one: BLOCK-BLOCK");
+    TakesKey(command, options.Key);
 }
 
 } // namespace acg::tool

@@ -26,23 +26,23 @@ std::vector<std::string_view> Parts(std::string_view text)
 
 } // namespace
 
-void ParseValueBlocks(std::string_view Text, SectorLevels& Levels)
+void ParseValueBlocks(std::string_view text, SectorLevels& levels)
 {
-    for (const std::string_view part : Parts(Text)) {
+    for (const std::string_view part : Parts(text)) {
         const int32_t block = ParseNumber(part, 0, DataSlots - 1, "--value is one or more of 0, 1 and 2");
-        Levels.IsValueBlock[static_cast<size_t>(block)] = true;
+        levels.IsValueBlock[static_cast<size_t>(block)] = true;
     }
 }
 
-int32_t ParseSector(std::string_view Text)
+int32_t ParseSector(std::string_view text)
 {
-    return ParseNumber(Text, 0, LastSector, "SECTOR is a number from 0 to 39, on a 1K card to 15");
+    return ParseNumber(text, 0, LastSector, "SECTOR is a number from 0 to 39, on a 1K card to 15");
 }
 
-std::array<int32_t, SectorSlots> ParseLevels(std::string_view Text)
+std::array<int32_t, SectorSlots> ParseLevels(std::string_view text)
 {
     constexpr std::string_view problem = "--levels is four levels from 0 to 15, as in 13,13,13,12";
-    const std::vector<std::string_view> parts = Parts(Text);
+    const std::vector<std::string_view> parts = Parts(text);
     if (parts.size() != SectorSlots) {
         throw UsageError{std::string(problem)};
     }
@@ -53,45 +53,44 @@ std::array<int32_t, SectorSlots> ParseLevels(std::string_view Text)
     return levels;
 }
 
-uint8_t ParseKeysToUse(std::string_view Text)
+uint8_t ParseKeysToUse(std::string_view text)
 {
     return static_cast<uint8_t>(
-        ParseNumber(Text, KeyAAlone, BothKeys, "--keys is 1, key A alone, or 2, both keys"));
+        ParseNumber(text, KeyAAlone, BothKeys, "--keys is 1, key A alone, or 2, both keys"));
 }
 
-ConditionBytes EncodeOrRefuse(const SectorLevels& Asked)
+ConditionBytes EncodeOrRefuse(const SectorLevels& levels)
 {
-    const std::optional<ConditionBytes> bytes = Encode(Asked);
+    const std::optional<ConditionBytes> bytes = Encode(levels);
     if (!bytes) {
-        throw UsageError{RefusalInWords(Asked)};
+        throw UsageError{RefusalInWords(levels)};
     }
     return *bytes;
 }
 
-Block ReadTrailer(Encoder& Opened, int32_t Sector, const Key& With)
+Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key)
 {
-    const Block trailer = ReadBlock(Opened, TrailerBlock(Sector), With);
-    const ConditionBytes bytes = ConditionBytesOf(trailer);
-    if (!InvertedCopiesAgree(bytes)) {
+    const Trailer trailer(ReadBlock(encoder, TrailerBlock(sector), key));
+    if (!InvertedCopiesAgree(trailer.Conditions)) {
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "
                    "copies: don't write this sector",
-                   Sector, AccessBitsText(bytes).c_str())};
+                   sector, AccessBitsText(trailer.Conditions).c_str())};
     }
     return trailer;
 }
 
-void TakesSector(CommandOptions& Command, std::string& Sector)
+void TakesSector(CommandOptions& command, std::string& sector)
 {
-    Command.Argument("SECTOR", Sector, "The sector, 0 to 15, on a 4K card to 39");
+    command.Argument("SECTOR", sector, "The sector, 0 to 15, on a 4K card to 39");
 }
 
-void TakesLevels(CommandOptions& Command, LevelOptions& Levels, const char* AboutKeys, Need KeysNeeded)
+void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded)
 {
-    Command.Option("--levels", "L0,L1,L2,LT", Levels.Levels,
+    command.Option("--levels", "L0,L1,L2,LT", levels.Levels,
                    "The levels of the three data blocks and of the trailer, as in 13,13,13,12",
                    Need::Required);
-    Command.Option("--keys", "1|2", Levels.KeysToUse, AboutKeys, KeysNeeded);
+    command.Option("--keys", "1|2", levels.KeysToUse, aboutKeys, keysNeeded);
 }
 
 } // namespace acg::tool

@@ -1,9 +1,9 @@
 // A sector's trailer as it is read, and the access that the command line asks for.
 #pragma once
 
-#include "acg/cards/SectorAccess.h"
 #include "tool/Card.h"
 #include "tool/CommandLine.h"
+#include "tool/SectorAccess.h"
 
 #include <array>
 #include <cstdint>
@@ -18,27 +18,27 @@ struct LevelOptions {
     std::string KeysToUse; ///< --keys
 };
 
-void TakesSector(CommandOptions& Command, std::string& Sector);
-/// AboutKeys: the help of --keys.
-void TakesLevels(CommandOptions& Command, LevelOptions& Levels, const char* AboutKeys,
-                 Need KeysNeeded = Need::Optional);
+void TakesSector(CommandOptions& command, std::string& sector);
+/// aboutKeys: the help of --keys.
+void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys,
+                 Need keysNeeded = Need::Optional);
 
 /// Throws UsageError for a sector that no card has.
-[[nodiscard]] int32_t ParseSector(std::string_view Text);
+[[nodiscard]] int32_t ParseSector(std::string_view text);
 
 /// Throws UsageError unless it is four levels, 0 to 15, joined by commas.
-[[nodiscard]] std::array<int32_t, SectorSlots> ParseLevels(std::string_view Text);
+[[nodiscard]] std::array<int32_t, SectorSlots> ParseLevels(std::string_view text);
 
 /// Throws UsageError for another key mode than 1 and 2.
-[[nodiscard]] uint8_t ParseKeysToUse(std::string_view Text);
+[[nodiscard]] uint8_t ParseKeysToUse(std::string_view text);
 
 /// Sets IsValueBlock for each; throws UsageError unless the text is numbers from 0 to 2, joined by commas.
-void ParseValueBlocks(std::string_view Text, SectorLevels& Levels);
+void ParseValueBlocks(std::string_view text, SectorLevels& levels);
 
 /// The access bits; throws UsageError for levels that can't be stored.
-[[nodiscard]] ConditionBytes EncodeOrRefuse(const SectorLevels& Asked);
+[[nodiscard]] ConditionBytes EncodeOrRefuse(const SectorLevels& levels);
 
-/// Throws OtherFailure where the reply isn't a whole block, or the access bits contradict themselves.
-[[nodiscard]] Block ReadTrailer(Encoder& Opened, int32_t Sector, const Key& With);
+/// Throws OtherFailure if the reply isn't a whole block, or the access bits contradict themselves.
+[[nodiscard]] Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key);
 
 } // namespace acg::tool

@@ -1,34 +1,30 @@
-// What the program needs of the system: its arguments and variables, the terminal, and Ctrl-C. All text is
+// What the program needs of the system: its arguments, the terminal, and Ctrl-C. All text is
 // UTF-8.
 #pragma once
 
 #include "acg/platform/Library.h"
 
 #include <cstdio>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace acg::tool
 {
 
-/// The arguments behind the program's name.
-[[nodiscard]] std::vector<std::string> Arguments(int Count, char** Values);
+/// The arguments after the program's name.
+[[nodiscard]] std::vector<std::string> Arguments(int count, char** values);
 
-/// An environment variable; nothing where it isn't set, or is empty.
-[[nodiscard]] std::optional<std::string> EnvironmentVariable(const char* Name);
-
-[[nodiscard]] bool IsTerminal(std::FILE* Stream);
+[[nodiscard]] bool IsTerminal(std::FILE* stream);
 /// True for a terminal that understands the escape sequences of colour.
-[[nodiscard]] bool IsColourTerminal(std::FILE* Stream);
+[[nodiscard]] bool IsColourTerminal(std::FILE* stream);
 
 struct LoadedLibrary {
     std::string Path;        ///< full
-    std::string Description; ///< by the library itself; empty where it has none
+    std::string Description; ///< by the library itself; empty if it has none
     std::string Version;     ///< the same
 };
 /// The library that a function is in.
-[[nodiscard]] LoadedLibrary LibraryOf(EntryPoint::Function Function);
+[[nodiscard]] LoadedLibrary LibraryOf(EntryPoint::Function function);
 
 /// Prepares the terminal for UTF-8, and has the first Ctrl-C noted; a second one ends the program at once.
 void PrepareConsole();

@@ -1,6 +1,7 @@
 #include "tool/System.h"
 
 #include "acg/platform/LibraryFile.h"
+#include "tool/Text.h"
 
 #include <algorithm>
 #include <csignal>
@@ -25,32 +26,25 @@ extern "C" void NoteInterrupt(int /*signal*/)
 
 } // namespace
 
-std::vector<std::string> Arguments(int Count, char** Values)
+std::vector<std::string> Arguments(int count, char** values)
 {
-    return Count > 0 ? std::vector<std::string>(Values + 1, Values + Count) : std::vector<std::string>();
+    return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
 }
 
-std::optional<std::string> EnvironmentVariable(const char* Name)
+bool IsTerminal(std::FILE* stream)
 {
-    const char* const value = std::getenv(Name); // NOLINT(concurrency-mt-unsafe): there is one thread
-    return value != nullptr && *value != '\0' ? std::optional<std::string>(value) : std::nullopt;
+    return isatty(fileno(stream)) == 1;
 }
 
-bool IsTerminal(std::FILE* Stream)
+bool IsColourTerminal(std::FILE* stream)
 {
-    return isatty(fileno(Stream)) == 1;
+    return IsTerminal(stream) && !Variable("NO_COLOR") && Variable("TERM").value_or("dumb") != "dumb";
 }
 
-bool IsColourTerminal(std::FILE* Stream)
-{
-    return IsTerminal(Stream) && !EnvironmentVariable("NO_COLOR") &&
-           EnvironmentVariable("TERM").value_or("dumb") != "dumb";
-}
-
-LoadedLibrary LibraryOf(EntryPoint::Function Function)
+LoadedLibrary LibraryOf(EntryPoint::Function function)
 {
     Dl_info info = {};
-    if (dladdr(reinterpret_cast<void*>(Function), &info) == 0) {
+    if (dladdr(reinterpret_cast<void*>(function), &info) == 0) {
         return {};
     }
     LoadedLibrary library{.Path = std::filesystem::absolute(info.dli_fname)};

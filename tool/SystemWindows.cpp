@@ -26,7 +26,7 @@ BOOL WINAPI NoteInterrupt(DWORD /*event*/)
     return interrupted.exchange(true) ? FALSE : TRUE;
 }
 
-/// A text of a file's version resource, in the first of its languages; empty where there is none.
+/// A text of a file's version resource, in the first of its languages; empty if there is none.
 std::string VersionText(const std::vector<char>& resource, const char* name)
 {
     const WORD* language = nullptr; // and the code page
@@ -52,7 +52,7 @@ HANDLE HandleOf(std::FILE* stream)
 
 } // namespace
 
-std::vector<std::string> Arguments(int /*Count*/, char** /*Values*/)
+std::vector<std::string> Arguments(int /*count*/, char** /*values*/)
 {
     int count = 0;
     const std::unique_ptr<wchar_t*, decltype(&LocalFree)> values(
@@ -64,32 +64,26 @@ std::vector<std::string> Arguments(int /*Count*/, char** /*Values*/)
     return arguments;
 }
 
-std::optional<std::string> EnvironmentVariable(const char* Name)
-{
-    const wchar_t* const value = _wgetenv(ToWide(Name).c_str());
-    return value != nullptr && *value != L'\0' ? std::optional(ToUtf8(value)) : std::nullopt;
-}
-
-bool IsTerminal(std::FILE* Stream)
+bool IsTerminal(std::FILE* stream)
 {
     DWORD mode = 0;
-    return GetConsoleMode(HandleOf(Stream), &mode) != FALSE;
+    return GetConsoleMode(HandleOf(stream), &mode) != FALSE;
 }
 
-bool IsColourTerminal(std::FILE* Stream)
+bool IsColourTerminal(std::FILE* stream)
 {
     constexpr DWORD escapeSequences = 0x0004; // since Windows 10
     DWORD mode = 0;
-    return GetConsoleMode(HandleOf(Stream), &mode) != FALSE && !EnvironmentVariable("NO_COLOR") &&
-           SetConsoleMode(HandleOf(Stream), mode | escapeSequences) != FALSE;
+    return GetConsoleMode(HandleOf(stream), &mode) != FALSE && !Variable("NO_COLOR") &&
+           SetConsoleMode(HandleOf(stream), mode | escapeSequences) != FALSE;
 }
 
-LoadedLibrary LibraryOf(EntryPoint::Function Function)
+LoadedLibrary LibraryOf(EntryPoint::Function function)
 {
     HMODULE module = nullptr;
     if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
                                GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           reinterpret_cast<LPCWSTR>(Function), &module) == FALSE) {
+                           reinterpret_cast<LPCWSTR>(function), &module) == FALSE) {
         return {};
     }
     constexpr DWORD LongestPath = 32767;

@@ -1,6 +1,7 @@
 #include "tool/Text.h"
 
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
+#include "acg/platform/Process.h"
 #include "tool/Failures.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace acg::tool
 namespace
 {
 
-// A path converts these from and to UTF-8 whatever the locale, which wchar_t isn't.
+// A path converts these from and to UTF-8 in any locale; wchar_t by the locale.
 using WideUnit = std::conditional_t<sizeof(wchar_t) == sizeof(char16_t), char16_t, char32_t>;
 
 bool IsUtf8(std::string_view text)
@@ -65,42 +66,42 @@ void MaskRuns(std::string& text, bool (*isOfRun)(char))
 
 } // namespace
 
-std::string Printable(std::string_view Text)
+std::string Printable(std::string_view text)
 {
-    const bool isUtf8 = IsUtf8(Text);
+    const bool isUtf8 = IsUtf8(text);
     std::string shown;
-    for (size_t at = 0; at < Text.size(); ++at) {
-        const auto byte = static_cast<unsigned char>(Text[at]);
+    for (size_t at = 0; at < text.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(text[at]);
         // The control characters from U+0080 to U+009F are two bytes.
-        const auto next = static_cast<unsigned char>(at + 1 < Text.size() ? Text[at + 1] : '\0');
+        const auto next = static_cast<unsigned char>(at + 1 < text.size() ? text[at + 1] : '\0');
         if (isUtf8 && byte == 0xC2 && next < 0xA0) {
             shown += Format("\\x%02x", next);
             ++at;
         } else if (byte < 0x20 || byte == 0x7F || (!isUtf8 && byte >= 0x80)) {
             shown += Format("\\x%02x", byte);
         } else {
-            shown += Text[at];
+            shown += text[at];
         }
     }
     return shown;
 }
 
-std::string MaskKeys(std::string_view Text)
+std::string MaskKeys(std::string_view text)
 {
-    std::string masked(Text);
+    std::string masked(text);
     MaskRuns(masked, IsOfSpacedDigits);
     MaskRuns(masked, IsOfWord);
     return masked;
 }
 
-std::string Wrap(std::string_view Text, size_t Indent)
+std::string Wrap(std::string_view text, size_t indent)
 {
     constexpr size_t Columns = 80;
     std::string wrapped;
-    for (std::string_view rest = Text;;) {
+    for (std::string_view rest = text;;) {
         size_t end = rest.size();
-        if (Indent + end > Columns) {
-            const size_t blank = rest.rfind(' ', Columns - Indent);
+        if (indent + end > Columns) {
+            const size_t blank = rest.rfind(' ', Columns - indent);
             end = blank != std::string_view::npos ? blank : std::min(rest.find(' '), end);
         }
         wrapped += rest.substr(0, end);
@@ -108,53 +109,59 @@ std::string Wrap(std::string_view Text, size_t Indent)
             return wrapped;
         }
         rest.remove_prefix(end + 1);
-        wrapped += '\n' + std::string(Indent, ' ');
+        wrapped += '\n' + std::string(indent, ' ');
     }
 }
 
-std::wstring ToWide(std::string_view Text)
+std::wstring ToWide(std::string_view text)
 {
     try {
-        const auto wide = ToPath(Text).string<WideUnit>();
+        const auto wide = ToPath(text).string<WideUnit>();
         return {wide.begin(), wide.end()};
     } catch (const std::system_error&) {
         throw UsageError{"an argument isn't UTF-8"};
     }
 }
 
-std::string ToUtf8(std::wstring_view Text)
+std::string ToUtf8(std::wstring_view text)
 {
-    const std::basic_string<WideUnit> wide(Text.begin(), Text.end());
+    const std::basic_string<WideUnit> wide(text.begin(), text.end());
     const std::u8string bytes = std::filesystem::path(wide).u8string();
     return {bytes.begin(), bytes.end()};
 }
 
-std::filesystem::path ToPath(std::string_view Text)
+std::filesystem::path ToPath(std::string_view text)
 {
-    return {std::u8string(Text.begin(), Text.end())};
+    return {std::u8string(text.begin(), text.end())};
 }
 
-std::string Format(const char* Pattern, ...)
+std::optional<std::string> Variable(const char* name)
+{
+    const SystemPath value = EnvironmentVariable(name);
+    return value.empty() ? std::nullopt : std::optional(Utf8Of(value));
+}
+
+std::string Format(const char* pattern, ...)
 {
     std::va_list arguments; // NOLINT(cppcoreguidelines-init-variables)
-    va_start(arguments, Pattern);
+    va_start(arguments, pattern);
     std::va_list again; // NOLINT(cppcoreguidelines-init-variables)
     va_copy(again, arguments);
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start has initialised it
-    const int length = std::vsnprintf(nullptr, 0, Pattern, arguments);
+    const int length = std::vsnprintf(nullptr, 0, pattern, arguments);
     std::string text(static_cast<size_t>(length), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, Pattern, again);
+    std::vsnprintf(text.data(), text.size() + 1, pattern, again);
     va_end(again);
     va_end(arguments);
     return text;
 }
 
-int32_t ParseNumber(std::string_view Text, int32_t Least, int32_t Most, std::string_view What)
+int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::string_view what)
 {
     int32_t number = 0;
-    const auto [end, error] = std::from_chars(Text.data(), Text.data() + Text.size(), number);
-    if (error != std::errc() || end != Text.data() + Text.size() || number < Least || number > Most) {
-        throw UsageError{std::string(What)};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || number < least || number > most) {
+        throw UsageError{std::string(what)};
     }
     return number;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,26 +10,29 @@ namespace acg::tool
 {
 
 /// Throws UsageError for text that isn't UTF-8.
-[[nodiscard]] std::wstring ToWide(std::string_view Text);
-[[nodiscard]] std::string ToUtf8(std::wstring_view Text);
-[[nodiscard]] std::filesystem::path ToPath(std::string_view Text);
+[[nodiscard]] std::wstring ToWide(std::string_view text);
+[[nodiscard]] std::string ToUtf8(std::wstring_view text);
+[[nodiscard]] std::filesystem::path ToPath(std::string_view text);
 
 /// Text from outside as one line of UTF-8: control characters, and bytes that aren't UTF-8, as "\x1b".
-[[nodiscard]] std::string Printable(std::string_view Text);
+[[nodiscard]] std::string Printable(std::string_view text);
 
 /// Text from the command line with stars for whatever may be a key: 10 or more hexadecimal digits, with
 /// blanks, colons or hyphens between them, or in one word with a slip of the finger.
-[[nodiscard]] std::string MaskKeys(std::string_view Text);
+[[nodiscard]] std::string MaskKeys(std::string_view text);
 
-/// The text, broken at blanks so that no line passes column 80; lines after the first begin at column Indent,
+/// The text, broken at blanks so that no line passes column 80; lines after the first begin at column indent,
 /// as the first one is to do.
-[[nodiscard]] std::string Wrap(std::string_view Text, size_t Indent);
+[[nodiscard]] std::string Wrap(std::string_view text, size_t indent);
+
+/// An environment variable; nothing if it isn't set, or is empty.
+[[nodiscard]] std::optional<std::string> Variable(const char* name);
 
 /// As printf, without the conversions that Windows lacks, such as z.
-[[gnu::format(printf, 1, 2)]] [[nodiscard]] std::string Format(const char* Pattern, ...);
+[[gnu::format(printf, 1, 2)]] [[nodiscard]] std::string Format(const char* pattern, ...);
 
-/// The number that the whole text is in decimal digits, with a minus where Least is negative; throws
-/// UsageError with What where it isn't one from Least to Most.
-[[nodiscard]] int32_t ParseNumber(std::string_view Text, int32_t Least, int32_t Most, std::string_view What);
+/// The number that the whole text is in decimal digits, with a minus if least is negative; throws
+/// UsageError with what if it isn't one from least to most.
+[[nodiscard]] int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::string_view what);
 
 } // namespace acg::tool

@@ -20,30 +20,28 @@ struct Options {
     KeyOptions Key;
 };
 
-int Trailer(const Options& given, Context& context)
+int ShowTrailer(const Options& options, Context& context)
 {
-    const int32_t sector = ParseSector(given.Sector);
-    const Key key = TheKey(given.Key);
+    const int32_t sector = ParseSector(options.Sector);
+    const LoginKey key = TheKey(options.Key);
     const auto encoder = OpenReader(context.Parameters);
-    const Block trailer = ReadTrailer(*encoder, sector, key);
-    const ConditionBytes bytes = ConditionBytesOf(trailer);
-    context.Out.Json() = ToJson(ShownAccess{sector, bytes, UserByteOf(trailer), {}});
+    const Trailer trailer = ReadTrailer(*encoder, sector, key);
+    const ConditionBytes& bytes = trailer.Conditions;
+    context.Out.Json() = ToJson(ShownAccess{sector, bytes, trailer.UserByte, {}});
     context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
-                             AccessBitsText(bytes).c_str(), UserByteOf(trailer), LevelsInWords(bytes).c_str(),
+                             AccessBitsText(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
                              AccessTable(bytes, sector).c_str()));
     return Done;
 }
 
 } // namespace
 
-void AddTrailer(CommandLine& Commands)
+void AddTrailer(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command =
-        Commands.Add("trailer", "Shows what each key of a sector may do", "acg trailer 1 --key FFFFFFFFFFFF",
-                     [given](Context& context) { return Trailer(*given, context); });
-    TakesSector(command, given->Sector);
-    TakesKey(command, given->Key);
+    auto [command, options] = commands.Add("trailer", "Shows what each key of a sector may do",
+                                           "acg trailer 1 --key FFFFFFFFFFFF", ShowTrailer);
+    TakesSector(command, options.Sector);
+    TakesKey(command, options.Key);
 }
 
 } // namespace acg::tool

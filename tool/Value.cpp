@@ -34,15 +34,15 @@ void Show(const ValueBlock& block, Output& out)
     json["address"] = address ? JsonObject(*address) : JsonObject();
 }
 
-int Value(const Options& given, Context& context)
+int Value(const Options& options, Context& context)
 {
-    const int32_t number = ParseDataBlock(given.Block);
+    const int32_t number = ParseDataBlock(options.Block);
     std::optional<int32_t> wanted;
-    if (!given.Number.empty()) {
-        wanted = ParseNumber(given.Number, INT32_MIN, INT32_MAX,
+    if (!options.Number.empty()) {
+        wanted = ParseNumber(options.Number, INT32_MIN, INT32_MAX,
                              "NUMBER is a whole number from -2^31 to 2^31 - 1");
     }
-    const Key key = TheKey(given.Key);
+    const LoginKey key = TheKey(options.Key);
     WriteReport report(context.Out);
     if (wanted) {
         report.Add(Format("block %d", number), ReadCommand(number, key));
@@ -50,7 +50,7 @@ int Value(const Options& given, Context& context)
     const auto encoder = OpenReader(context.Parameters);
     if (wanted) {
         report.BeginCard(*encoder);
-        report.Sent(*encoder, encoder->WriteValueBloc(number, key.Digits, key.Type, *wanted));
+        report.Sent(*encoder, encoder->WriteValueBloc(number, DigitsOf(key.Bytes).Text, key.Type, *wanted));
     }
     const auto read = [&] { return ReadBlock(*encoder, number, key); };
     const ValueBlock block(wanted ? report.ReadBack(*encoder, read) : read());
@@ -72,17 +72,15 @@ int Value(const Options& given, Context& context)
 
 } // namespace
 
-void AddValue(CommandLine& Commands)
+void AddValue(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("value", "Checks a value block, or writes one and checks it",
-                                          "acg value 5 1000 --key FFFFFFFFFFFF",
-                                          [given](Context& context) { return Value(*given, context); });
-    command.Argument("BLOCK", given->Block,
+    auto [command, options] = commands.Add("value", "Checks a value block, or writes one and checks it",
+                                           "acg value 5 1000 --key FFFFFFFFFFFF", Value);
+    command.Argument("BLOCK", options.Block,
                      "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
-    command.Argument("NUMBER", given->Number, "The value to write, from -2147483648 to 2147483647",
+    command.Argument("NUMBER", options.Number, "The value to write, from -2147483648 to 2147483647",
                      Need::Optional);
-    TakesKey(command, given->Key);
+    TakesKey(command, options.Key);
 }
 
 } // namespace acg::tool

@@ -20,20 +20,20 @@ struct Options {
     KeyOptions Key;
 };
 
-int Write(const Options& given, Context& context)
+int Write(const Options& options, Context& context)
 {
-    const int32_t number = ParseDataBlock(given.Block);
-    const std::optional<Block> wanted = ParseBlock(given.Contents);
+    const int32_t number = ParseDataBlock(options.Block);
+    const std::optional<Block> wanted = ParseBlock(options.Contents);
     if (!wanted) {
         throw UsageError{"HEX isn't 32 hexadecimal digits"};
     }
-    const Key key = TheKey(given.Key);
+    const LoginKey key = TheKey(options.Key);
     WriteReport report(context.Out);
     report.Add(Format("block %d", number), ReadCommand(number, key));
     const auto encoder = OpenReader(context.Parameters);
     report.BeginCard(*encoder);
     std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
-    report.Sent(*encoder, encoder->WriteDataBloc(number, key.Digits, key.Type, contents));
+    report.Sent(*encoder, encoder->WriteDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
     const Block written = report.ReadBack(*encoder, [&] { return ReadBlock(*encoder, number, key); });
     report.Found(written == *wanted);
     report.RequireSameCard(*encoder);
@@ -48,16 +48,15 @@ int Write(const Options& given, Context& context)
 
 } // namespace
 
-void AddWrite(CommandLine& Commands)
+void AddWrite(CommandLine& commands)
 {
-    const auto given = std::make_shared<Options>();
-    CommandOptions command = Commands.Add("write", "Writes a data block, reads it back, and compares",
-                                          "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF",
-                                          [given](Context& context) { return Write(*given, context); });
-    command.Argument("BLOCK", given->Block,
+    auto [command, options] =
+        commands.Add("write", "Writes a data block, reads it back, and compares",
+                     "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF", Write);
+    command.Argument("BLOCK", options.Block,
                      "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
-    command.Argument("HEX", given->Contents, "Its 16 bytes, in 32 hexadecimal digits");
-    TakesKey(command, given->Key);
+    command.Argument("HEX", options.Contents, "Its 16 bytes, in 32 hexadecimal digits");
+    TakesKey(command, options.Key);
 }
 
 } // namespace acg::tool

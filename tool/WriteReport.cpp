@@ -22,36 +22,36 @@ bool MayHaveWritten(const CError& record)
 
 } // namespace
 
-void WriteReport::Add(std::string What, std::string Look)
+void WriteReport::Add(std::string what, std::string look)
 {
-    m_parts.push_back({std::move(What), std::move(Look)});
+    m_parts.push_back({std::move(what), std::move(look)});
     Tell();
 }
 
-void WriteReport::BeginCard(Encoder& Opened)
+void WriteReport::BeginCard(Encoder& encoder)
 {
-    m_first = SerialNumberOf(Opened);
+    m_first = SerialNumberOf(encoder);
     m_out.Json()["card"] = ToUtf8(m_first);
 }
 
-void WriteReport::Sent(Encoder& Opened, sceReturnCode Result)
+void WriteReport::Sent(Encoder& encoder, sceReturnCode result)
 {
-    if (Result != sceError || MayHaveWritten(*Opened.LastError())) {
+    if (result != sceError || MayHaveWritten(*encoder.LastError())) {
         m_parts.at(m_at).Now = State::Sent;
         Tell();
     }
-    Must(Opened, Result);
+    ThrowIfFailed(encoder, result);
 }
 
-void WriteReport::Found(bool IsSame)
+void WriteReport::Found(bool isSame)
 {
-    m_parts.at(m_at++).Now = IsSame ? State::Holds : State::Differs;
+    m_parts.at(m_at++).Now = isSame ? State::Holds : State::Differs;
     Tell();
 }
 
-void WriteReport::RequireSameCard(Encoder& Opened)
+void WriteReport::RequireSameCard(Encoder& encoder)
 {
-    RequireFirst(SerialNumberOf(Opened));
+    RequireFirst(SerialNumberOf(encoder));
     for (Part& part : m_parts) {
         part.Now = part.Now == State::Holds     ? State::SurelyHolds
                    : part.Now == State::Differs ? State::SurelyDiffers
@@ -68,30 +68,30 @@ void WriteReport::Complete()
     Tell();
 }
 
-void WriteReport::LookForAnotherCard(Encoder& Opened)
+void WriteReport::LookForAnotherCard(Encoder& encoder)
 {
     std::wstring now;
-    if (!WasInterrupted() && Opened.ReadSerialNumber(now) != sceError && !now.empty()) {
+    if (!WasInterrupted() && encoder.ReadSerialNumber(now) != sceError && !now.empty()) {
         RequireFirst(now);
     }
 }
 
-void WriteReport::RequireFirst(const std::wstring& Now)
+void WriteReport::RequireFirst(const std::wstring& now)
 {
-    if (Now != m_first) {
-        m_other = Now;
+    if (now != m_first) {
+        m_other = now;
         Tell();
         throw OtherFailure{Format("another card lies in the field: %s; the first one was %s",
-                                  ToUtf8(Now).c_str(), ToUtf8(m_first).c_str())};
+                                  ToUtf8(now).c_str(), ToUtf8(m_first).c_str())};
     }
 }
 
-std::string WriteReport::InWords(State Now) const
+std::string WriteReport::InWords(State now) const
 {
     const std::string first = ToUtf8(m_first);
     const std::string which =
         m_other.empty() ? "" : Format(", on card %s or on %s", first.c_str(), ToUtf8(m_other).c_str());
-    switch (Now) {
+    switch (now) {
     case State::Sent:
     case State::Differs:
         return "not known" + which;

@@ -22,35 +22,35 @@ namespace acg::tool
 class WriteReport
 {
 public:
-    explicit WriteReport(Output& Out) : m_out(Out) {}
+    explicit WriteReport(Output& out) : m_out(out) {}
 
-    /// A part that is written after those before it. What: "block 4". Look: the command that shows it.
-    void Add(std::string What, std::string Look);
+    /// A part that is written after those before it. what: "block 4". look: the command that shows it.
+    void Add(std::string what, std::string look);
 
     /// Remembers the card in the field. Throws as SerialNumberOf does.
-    void BeginCard(Encoder& Opened);
+    void BeginCard(Encoder& encoder);
 
-    /// To be called with the result of the operation that writes the next part. Throws as Must does.
-    void Sent(Encoder& Opened, sceReturnCode Result);
+    /// To be called with the result of the operation that writes the next part. Throws as ThrowIfFailed does.
+    void Sent(Encoder& encoder, sceReturnCode result);
 
     /// Runs what reads the part back. If that fails and another card lies in the field, throws OtherFailure
     /// for that.
     template <class Reading>
-    auto ReadBack(Encoder& Opened, Reading Read)
+    auto ReadBack(Encoder& encoder, Reading read)
     {
         try {
-            return Read();
+            return read();
         } catch (...) {
-            LookForAnotherCard(Opened);
+            LookForAnotherCard(encoder);
             throw;
         }
     }
 
     /// The part holds what was to be written, or something else.
-    void Found(bool IsSame);
+    void Found(bool isSame);
 
     /// Throws OtherFailure if another card than the first lies in the field, and as SerialNumberOf does.
-    void RequireSameCard(Encoder& Opened);
+    void RequireSameCard(Encoder& encoder);
 
     /// Marks every part as written: for a file, which isn't read back.
     void Complete();
@@ -70,9 +70,9 @@ private:
         State Now = State::NotWritten;
     };
 
-    [[nodiscard]] std::string InWords(State Now) const;
-    void LookForAnotherCard(Encoder& Opened);
-    void RequireFirst(const std::wstring& Now);
+    [[nodiscard]] std::string InWords(State now) const;
+    void LookForAnotherCard(Encoder& encoder);
+    void RequireFirst(const std::wstring& now);
     void Tell();
 
     Output& m_out;

@@ -1,8 +1,9 @@
 #include "acg/cards/AccessBits.h"
 
 #include "acg/cards/BlockText.h"
+#include "acg/cards/TrailerLayout.h"
 #include "acg/encoder/Enums.h"
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 
 #include <optional>
 
@@ -65,34 +66,34 @@ constexpr AccessTriple TrailerOfBoth[] = {
 
 /// What the card grants, in the order of AccessTriple.
 constexpr BlockRights OnBlock[] = {
-    // read       write       increment   decrement
-    {Keys::AOrB, Keys::AOrB, Keys::AOrB, Keys::AOrB}, // 000
-    {Keys::AOrB, Keys::None, Keys::None, Keys::AOrB}, // 001
-    {Keys::AOrB, Keys::None, Keys::None, Keys::None}, // 010
-    {Keys::B, Keys::B, Keys::None, Keys::None},       // 011
-    {Keys::AOrB, Keys::B, Keys::None, Keys::None},    // 100
-    {Keys::B, Keys::None, Keys::None, Keys::None},    // 101
-    {Keys::AOrB, Keys::B, Keys::B, Keys::AOrB},       // 110
-    {Keys::None, Keys::None, Keys::None, Keys::None}, // 111
+    // read          write
+    {KeySet::AOrB, KeySet::AOrB}, // 000
+    {KeySet::AOrB, KeySet::None}, // 001
+    {KeySet::AOrB, KeySet::None}, // 010
+    {KeySet::B, KeySet::B},       // 011
+    {KeySet::AOrB, KeySet::B},    // 100
+    {KeySet::B, KeySet::None},    // 101
+    {KeySet::AOrB, KeySet::B},    // 110
+    {KeySet::None, KeySet::None}, // 111
 };
 
 constexpr TrailerRights OnTrailer[] = {
     // write keys, conditions; read conditions, key B
-    {Keys::A, Keys::None, Keys::A, Keys::A},          // 000
-    {Keys::A, Keys::A, Keys::A, Keys::A},             // 001
-    {Keys::None, Keys::None, Keys::A, Keys::A},       // 010
-    {Keys::B, Keys::B, Keys::AOrB, Keys::None},       // 011
-    {Keys::B, Keys::None, Keys::AOrB, Keys::None},    // 100
-    {Keys::None, Keys::B, Keys::AOrB, Keys::None},    // 101
-    {Keys::None, Keys::None, Keys::AOrB, Keys::None}, // 110
-    {Keys::None, Keys::None, Keys::AOrB, Keys::None}, // 111
+    {KeySet::A, KeySet::None, KeySet::A, KeySet::A},          // 000
+    {KeySet::A, KeySet::A, KeySet::A, KeySet::A},             // 001
+    {KeySet::None, KeySet::None, KeySet::A, KeySet::A},       // 010
+    {KeySet::B, KeySet::B, KeySet::AOrB, KeySet::None},       // 011
+    {KeySet::B, KeySet::None, KeySet::AOrB, KeySet::None},    // 100
+    {KeySet::None, KeySet::B, KeySet::AOrB, KeySet::None},    // 101
+    {KeySet::None, KeySet::None, KeySet::AOrB, KeySet::None}, // 110
+    {KeySet::None, KeySet::None, KeySet::AOrB, KeySet::None}, // 111
 };
 
 /// Rights as a level: 1 and 2 for key A, 4 and 8 for key B.
-int32_t Level(Keys lower, Keys upper)
+int32_t Level(KeySet lower, KeySet upper)
 {
-    const auto ofKey = [&](Keys key) { return (Has(lower, key) ? 1 : 0) + (Has(upper, key) ? 2 : 0); };
-    return ofKey(Keys::A) + (ofKey(Keys::B) << 2);
+    const auto ofKey = [&](KeySet key) { return (Has(lower, key) ? 1 : 0) + (Has(upper, key) ? 2 : 0); };
+    return ofKey(KeySet::A) + (ofKey(KeySet::B) << 2);
 }
 
 constexpr int32_t RightsOfKeyA = 3;
@@ -161,14 +162,13 @@ void StoreAccessBits(AccessTriple triple, uint8_t mask, ConditionBytes& bytes)
 
 ConditionBytes ConditionBytesOf(std::wstring_view trailer)
 {
-    constexpr size_t First = 6;
-    return {ByteOf(trailer, First), ByteOf(trailer, First + 1), ByteOf(trailer, First + 2)};
+    return {ByteOf(trailer, AccessBitsAt), ByteOf(trailer, AccessBitsAt + 1),
+            ByteOf(trailer, AccessBitsAt + 2)};
 }
 
 uint8_t UserByteOf(std::wstring_view trailer)
 {
-    constexpr size_t UserByte = 9;
-    return ByteOf(trailer, UserByte);
+    return ByteOf(trailer, UserByteAt);
 }
 
 AccessTriple TripleIn(const ConditionBytes& bytes, unsigned slot)
@@ -178,15 +178,6 @@ AccessTriple TripleIn(const ConditionBytes& bytes, unsigned slot)
     const unsigned c2 = bit(bytes[2], 0);
     const unsigned c3 = bit(bytes[2], NibbleBits);
     return static_cast<AccessTriple>(c1 << 2 | c2 << 1 | c3);
-}
-
-bool InvertedCopiesAgree(const ConditionBytes& bytes)
-{
-    ConditionBytes stored = bytes;
-    for (unsigned slot = 0; slot < SectorSlots; ++slot) {
-        StoreAccessBits(TripleIn(bytes, slot), MaskOf(slot), stored);
-    }
-    return stored == bytes;
 }
 
 const BlockRights& BlockRightsOf(AccessTriple triple)
@@ -211,7 +202,7 @@ int32_t LevelOf(const TrailerRights& rights)
 
 uint8_t KeysUsedBy(const TrailerRights& rights)
 {
-    return rights.ReadKeyB == Keys::None ? BothKeys : KeyAAlone;
+    return rights.ReadKeyB == KeySet::None ? BothKeys : KeyAAlone;
 }
 
 } // namespace acg

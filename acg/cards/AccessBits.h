@@ -66,42 +66,32 @@ void StoreAccessBits(AccessTriple triple, uint8_t mask, ConditionBytes& bytes);
 /// The triple of the slot, 0 to 3, by its plain bits. The inverted copies aren't compared.
 [[nodiscard]] AccessTriple TripleIn(const ConditionBytes& bytes, unsigned slot);
 
-/// False: the card has blocked the sector for good, or will once these bytes are written.
-[[nodiscard]] bool InvertedCopiesAgree(const ConditionBytes& bytes);
-
 /// The keys that have a right, as a set.
-enum class Keys : uint8_t {
+enum class KeySet : uint8_t {
     None = 0,
     A = 1,
     B = 2,
     AOrB = A | B, ///< either of them
 };
 
-[[nodiscard]] constexpr Keys Without(Keys set, Keys other)
-{
-    return static_cast<Keys>(static_cast<unsigned>(set) & ~static_cast<unsigned>(other));
-}
-
 /// key: one of them.
-[[nodiscard]] constexpr bool Has(Keys set, Keys key)
+[[nodiscard]] constexpr bool Has(KeySet set, KeySet key)
 {
     return (static_cast<unsigned>(set) & static_cast<unsigned>(key)) != 0;
 }
 
-/// What may be done with a data block. Decrement includes transfer and restore.
+/// What may be done with a data block, but for incrementing and decrementing.
 struct BlockRights {
-    Keys Read;
-    Keys Write;
-    Keys Increment;
-    Keys Decrement;
+    KeySet Read;
+    KeySet Write;
 };
 
 /// What may be done with a trailer. Key A can never be read.
 struct TrailerRights {
-    Keys WriteKeys;
-    Keys WriteConditions; ///< the access bits of all slots, and byte 9
-    Keys ReadConditions;
-    Keys ReadKeyB; ///< if it can be read, key B is no key and has no rights
+    KeySet WriteKeys;
+    KeySet WriteConditions; ///< the access bits of all slots, and byte 9
+    KeySet ReadConditions;
+    KeySet ReadKeyB; ///< if it can be read, key B is no key and has no rights
 };
 
 /// What the card grants for a triple of a data slot, were key B a key.

@@ -4,8 +4,8 @@
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/Failures.h"
 #include "acg/platform/AnsiText.h"
+#include "acg/platform/HexText.h"
 #include "acg/reader/CommandData.h"
-#include "acg/reader/HexText.h"
 
 namespace acg
 {
@@ -13,12 +13,14 @@ namespace acg
 namespace
 {
 
-/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut.
-void StoreReply(std::wstring& hostText, std::string_view reply)
+/// Makes a host's text of a reply of the reader: filled with "0" at its end to a block, or cut. True if it
+/// was neither.
+[[nodiscard]] bool StoreReply(std::wstring& hostText, std::string_view reply)
 {
     MakeRoom(hostText, BlockDigits);
-    ReplaceByAnsi(hostText, reply, /*Most=*/BlockDigits);
+    ReplaceByAnsi(hostText, reply, /*maxLength=*/BlockDigits);
     hostText.resize(BlockDigits, L'0');
+    return reply.substr(0, reply.find('\0')).size() == BlockDigits;
 }
 
 } // namespace
@@ -91,7 +93,7 @@ sceReturnCode Encoder::ReadDataBloc(int32_t BlocNumber, std::wstring_view key, u
         }
         return sceError;
     }
-    StoreReply(BlocContents, reply.Bytes());
+    m_bReplyIsWhole = StoreReply(BlocContents, reply.Bytes());
     return sceSuccess;
 }
 
@@ -111,7 +113,7 @@ sceReturnCode Encoder::WriteDataBloc(int32_t BlocNumber, std::wstring_view key, 
             BlockCommand("write block", data, reply, BlocNumber, key, KeyType, OperationName)) {
         return sceError;
     }
-    StoreReply(BlocContents, reply.Bytes());
+    m_bReplyIsWhole = StoreReply(BlocContents, reply.Bytes());
     return sceSuccess;
 }
 

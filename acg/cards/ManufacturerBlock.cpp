@@ -4,7 +4,7 @@
 //            serial number  check byte   the manufacturer's data
 #include "acg/cards/BlockText.h"
 #include "acg/encoder/Encoder.h"
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 
 namespace acg
 {

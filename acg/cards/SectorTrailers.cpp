@@ -1,15 +1,11 @@
 // Reading and writing a sector's trailer: its keys, and what they may do.
-//
-//     bytes  0 to 5   6 to 8            9           10 to 15
-//            key A    condition bytes   user byte   key B
-//
-// BX is what the interface calls the user byte.
 #include "acg/cards/AccessBits.h"
 #include "acg/cards/BlockAddress.h"
 #include "acg/cards/BlockText.h"
+#include "acg/cards/TrailerLayout.h"
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/Failures.h"
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 
 #include <algorithm>
 #include <utility>
@@ -20,7 +16,7 @@ namespace acg
 namespace
 {
 
-constexpr size_t KeyDigits = 12;
+constexpr size_t KeyDigits = KeySize * DigitsOfByte;
 
 Failure Store(std::optional<AccessTriple> triple, uint8_t mask, ConditionBytes& bytes)
 {

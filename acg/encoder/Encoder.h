@@ -53,8 +53,9 @@ using Clock = std::function<std::chrono::steady_clock::time_point()>;
 /// they don't throw. Every access to a block selects the card and logs in again.
 ///
 /// A success means that the reader refused nothing. No write is read back, a reply that is too short counts
-/// as zeros, and a card that was swapped between two accesses isn't noticed; so a card can be destroyed by
-/// calls that succeed. Which ones, and what to do about it: docs/access-levels.md, "Read this first".
+/// as zeros (LastReplyWasWhole says so), and a card that was swapped between two accesses isn't noticed; so a
+/// card can be destroyed by calls that succeed. Which ones, and what to do about it: docs/access-levels.md,
+/// "Read this first".
 ///
 /// Block and sector numbers aren't tested: what is sent is the low byte, so a number beyond the card may
 /// reach another block. WriteSectorTrailer on sector 96 writes the keys of sector 32.
@@ -173,6 +174,12 @@ public:
     /// CloseEncoder, then OpenEncoder with the current number. The outcome is in the record.
     void ReOpenEncoder();
 
+    // For C++ hosts alone:
+
+    /// False if the block that was last read or written with success, by whichever operation, was answered
+    /// with data of another length than 32 characters, so that BlocContents is filled with "0" or cut.
+    [[nodiscard]] bool LastReplyWasWhole() const { return m_bReplyIsWhole; }
+
 private:
     friend struct EncoderInside; // the tests look inside
 
@@ -221,6 +228,7 @@ private:
 
     std::wstring m_sDevice = L"com1";
     uint8_t m_bAutodetect = 1;
+    bool m_bReplyIsWhole = true;
     int32_t m_lBaudRate = 9600;
     int32_t m_lTimeout = 2200; ///< milliseconds
     /// The blocks written as value blocks since OpenEncoder was called, duplicates included; empty while the

@@ -1,6 +1,6 @@
 #include "acg/encoder/NumberReading.h"
 
-#include "acg/reader/HexText.h"
+#include "acg/platform/HexText.h"
 
 #include <algorithm>
 #include <string>

@@ -3,8 +3,8 @@
 
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/NumberReading.h"
+#include "acg/platform/HexText.h"
 #include "acg/platform/TextCase.h"
-#include "acg/reader/HexText.h"
 
 #include <algorithm>
 

@@ -27,7 +27,7 @@ public:
     /// Name: without folder, prefix and ending, as in "ACGReader330".
     explicit constexpr Library(const char* Name) : m_name(Name) {}
 
-    [[nodiscard]] EntryPoint Find(const char* Function);
+    [[nodiscard]] EntryPoint Find(const char* function);
 
 private:
     const char* m_name;

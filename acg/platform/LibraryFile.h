@@ -11,7 +11,10 @@ namespace acg
 /// text if it isn't known.
 [[nodiscard]] SystemPath OwnFolder();
 
-/// The same as Library::Find, in the library in that one file. File: a full path. It stays loaded.
-[[nodiscard]] EntryPoint FindInFile(const SystemPath& File, const char* Function);
+/// The file name of a library, as in libACGReader330.so or ACGReader330.dll.
+[[nodiscard]] SystemPath LibraryFileName(const char* name);
+
+/// The same as Library::Find, in the library in that one file. file: a full path. It stays loaded.
+[[nodiscard]] EntryPoint FindInFile(const SystemPath& file, const char* function);
 
 } // namespace acg

@@ -69,27 +69,32 @@ SystemPath OwnFolder()
     return {};
 }
 
-EntryPoint FindInFile(const SystemPath& File, const char* Function)
+SystemPath LibraryFileName(const char* name)
 {
-    void* const handle = dlopen(File.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (handle == nullptr) {
-        return {.SystemError = access(File.c_str(), F_OK) == 0 ? ELIBBAD : ENOENT};
-    }
-    return FindIn(handle, Function);
+    return std::string("lib") + name + ".so";
 }
 
-EntryPoint Library::Find(const char* Function)
+EntryPoint FindInFile(const SystemPath& file, const char* function)
+{
+    void* const handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr) {
+        return {.SystemError = access(file.c_str(), F_OK) == 0 ? ELIBBAD : ENOENT};
+    }
+    return FindIn(handle, function);
+}
+
+EntryPoint Library::Find(const char* function)
 {
     void* handle = m_handle;
     if (handle == nullptr) {
-        const std::string file = std::string("lib") + m_name + ".so";
+        const std::string file = LibraryFileName(m_name);
         handle = Load(file);
         if (handle == nullptr) {
             return {.SystemError = CauseOf(file)};
         }
         m_handle = handle;
     }
-    return FindIn(handle, Function);
+    return FindIn(handle, function);
 }
 
 } // namespace acg

@@ -55,27 +55,32 @@ SystemPath OwnFolder()
     return path.substr(0, path.rfind(L'\\') + 1);
 }
 
-EntryPoint FindInFile(const SystemPath& File, const char* Function)
+SystemPath LibraryFileName(const char* name)
+{
+    return std::wstring(name, name + std::strlen(name)) + L".dll";
+}
+
+EntryPoint FindInFile(const SystemPath& file, const char* function)
 {
     HMODULE const module = LoadLibraryExW(
-        File.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+        file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     if (module == nullptr) {
         return {.SystemError = static_cast<int32_t>(GetLastError())};
     }
-    return FindIn(module, Function);
+    return FindIn(module, function);
 }
 
-EntryPoint Library::Find(const char* Function)
+EntryPoint Library::Find(const char* function)
 {
     void* handle = m_handle;
     if (handle == nullptr) {
-        handle = Load(std::wstring(m_name, m_name + std::strlen(m_name)) + L".dll");
+        handle = Load(LibraryFileName(m_name));
         if (handle == nullptr) {
             return {.SystemError = static_cast<int32_t>(GetLastError())};
         }
         m_handle = handle;
     }
-    return FindIn(static_cast<HMODULE>(handle), Function);
+    return FindIn(static_cast<HMODULE>(handle), function);
 }
 
 } // namespace acg

@@ -2,32 +2,39 @@
 // one.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
 namespace acg
 {
 
-void MakeUpper(std::wstring& Text);
-void MakeLower(std::wstring& Text);
+void MakeUpper(std::wstring& text);
+void MakeLower(std::wstring& text);
 
-[[nodiscard]] inline std::wstring ToLower(std::wstring_view Text)
+[[nodiscard]] inline std::wstring ToLower(std::wstring_view text)
 {
-    std::wstring lower(Text);
+    std::wstring lower(text);
     MakeLower(lower);
     return lower;
 }
 
 // Of ASCII alone; any other character is unchanged.
-[[nodiscard]] constexpr wchar_t AsciiToUpper(wchar_t Character)
+template <class Char>
+[[nodiscard]] constexpr Char AsciiToUpper(Char character)
 {
-    const bool isLower = Character >= L'a' && Character <= L'z';
-    return static_cast<wchar_t>(isLower ? Character - (L'a' - L'A') : Character);
+    const bool isLower = character >= Char{'a'} && character <= Char{'z'};
+    return static_cast<Char>(isLower ? character - ('a' - 'A') : character);
 }
-[[nodiscard]] constexpr wchar_t AsciiToLower(wchar_t Character)
+template <class Char>
+[[nodiscard]] constexpr Char AsciiToLower(Char character)
 {
-    const bool isUpper = Character >= L'A' && Character <= L'Z';
-    return static_cast<wchar_t>(isUpper ? Character + (L'a' - L'A') : Character);
+    const bool isUpper = character >= Char{'A'} && character <= Char{'Z'};
+    return static_cast<Char>(isUpper ? character + ('a' - 'A') : character);
+}
+[[nodiscard]] constexpr bool IsSameInAsciiCase(std::string_view one, std::string_view other)
+{
+    return std::ranges::equal(one, other, {}, AsciiToLower<char>, AsciiToLower<char>);
 }
 
 } // namespace acg

@@ -37,14 +37,14 @@ void Change(std::wstring& text)
 
 } // namespace
 
-void MakeUpper(std::wstring& Text)
+void MakeUpper(std::wstring& text)
 {
-    Change<AsciiToUpper, towupper_l>(Text);
+    Change<AsciiToUpper<wchar_t>, towupper_l>(text);
 }
 
-void MakeLower(std::wstring& Text)
+void MakeLower(std::wstring& text)
 {
-    Change<AsciiToLower, towlower_l>(Text);
+    Change<AsciiToLower<wchar_t>, towlower_l>(text);
 }
 
 } // namespace acg

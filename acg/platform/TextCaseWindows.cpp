@@ -16,14 +16,14 @@ void Change(std::wstring& text, DWORD change)
 
 } // namespace
 
-void MakeUpper(std::wstring& Text)
+void MakeUpper(std::wstring& text)
 {
-    Change(Text, LCMAP_UPPERCASE);
+    Change(text, LCMAP_UPPERCASE);
 }
 
-void MakeLower(std::wstring& Text)
+void MakeLower(std::wstring& text)
 {
-    Change(Text, LCMAP_LOWERCASE);
+    Change(text, LCMAP_LOWERCASE);
 }
 
 } // namespace acg

@@ -1,9 +1,9 @@
 #include "acg/reader/CommandData.h"
 
 #include "acg/platform/AnsiText.h"
+#include "acg/platform/HexText.h"
 #include "acg/platform/Secret.h"
 #include "acg/platform/TextCase.h"
-#include "acg/reader/HexText.h"
 
 #include <algorithm>
 
@@ -52,7 +52,7 @@ CommandData& CommandData::AddText(std::wstring_view text)
 {
     if (IsAscii(text)) { // as each key that a card can have
         std::ranges::transform(text, Grow(text.size()),
-                               [](wchar_t letter) { return static_cast<char>(AsciiToUpper(letter)); });
+                               [](wchar_t letter) { return AsciiToUpper(static_cast<char>(letter)); });
         return *this;
     }
     Secret<wchar_t> upper{std::wstring(text)};

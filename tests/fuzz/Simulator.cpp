@@ -1,7 +1,7 @@
 // Any device text, and then any commands and their data by turns, each a text that ends with a backslash and
 // the character behind it: each answer is data or a status letter.
 #undef NDEBUG
-#include "simulator/Hex.h"
+#include "acg/platform/HexText.h"
 #include "simulator/Library.h"
 
 #include <cassert>
@@ -29,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
             library.SendCommandGetData(reader, command, input.ConsumeRandomLengthString(), {});
         const bool isStatus = reply.size() == 2 && reply[1] == '\0' &&
                               simulator::StatusLetters.find(reply[0]) != std::string::npos;
-        assert(isStatus || (reader != 0 && reply.size() <= 32 && simulator::FromHex(reply)));
+        assert(isStatus || (reader != 0 && reply.size() <= 32 && acg::FromHex(reply)));
     }
     return 0;
 }

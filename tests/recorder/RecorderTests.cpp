@@ -58,7 +58,7 @@ acg::ReaderDLL LibraryIn(const fs::path& file)
 
 TEST(RecorderTest, EveryFunctionIsPassedOnWithItsResultAndReplayed)
 {
-    const fs::path library = fs::path(acg::OwnFolder()) / recorder::LibraryFileName();
+    const fs::path library = fs::path(acg::OwnFolder()) / acg::LibraryFileName("ACGReader330");
     const TemporaryFolder temporary;
     const fs::path folder = temporary.Path;
     fs::copy_file(library, folder / "next.so");      // whose first handle is 1

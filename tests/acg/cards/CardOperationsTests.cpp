@@ -182,6 +182,7 @@ TEST_F(CardOperationsTest, TrailerIsWrittenWholeWithWhatTheReaderAnswered)
         reader.Replies["read block"] = reply;
         EXPECT_EQ(ReadTrailer(encoder, Key, 31), levels);
         EXPECT_EQ(Last(), Clean(L"ReadSectorTrailer"));
+        EXPECT_EQ(encoder.LastReplyWasWhole(), reply.size() == 32);
     }
     EXPECT_TRUE(reader.Sent.contains("read block 7F"));
 }

@@ -1,13 +1,13 @@
-// The lock of a reader library that serves several threads.
+// A lock, as the standard library's std::mutex.
 #pragma once
-
-#include <mutex>
 
 #ifdef _WIN32
 #include <windows.h>
+#else
+#include <mutex>
 #endif
 
-namespace exports
+namespace acg
 {
 
 #ifdef _WIN32 // the variant of the compiler without a thread library has no std::mutex
@@ -25,4 +25,4 @@ private:
 using Mutex = std::mutex;
 #endif
 
-} // namespace exports
+} // namespace acg

@@ -1,6 +1,6 @@
 // The tables of docs/access-levels.md against the rules: the document has each row as they compute it.
-#include "acg/cards/SectorAccess.h"
 #include "acg/encoder/Enums.h"
+#include "tool/SectorAccess.h"
 
 #include <bitset>
 #include <fstream>
@@ -8,6 +8,7 @@
 #include <sstream>
 
 using namespace acg;
+using namespace acg::tool;
 
 namespace
 {
@@ -81,7 +82,7 @@ TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
                                     "0; key A alone: 0"};
     for (size_t at = 0; at < std::size(storedBy); ++at) {
         const auto triple = static_cast<AccessTriple>(at);
-        const BlockRights& rights = BlockRightsOf(triple);
+        const DataRights rights = DataRightsOf(triple);
         ExpectRow({Bits(triple), storedBy[at], Holders[static_cast<int>(rights.Increment)],
                    Holders[static_cast<int>(rights.Decrement)]});
     }

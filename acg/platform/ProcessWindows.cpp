@@ -1,0 +1,25 @@
+#include "acg/platform/Process.h"
+
+#include <cstring>
+#include <windows.h>
+
+namespace acg
+{
+
+SystemPath EnvironmentVariable(const char* name)
+{
+    const std::wstring wideName(name, name + std::strlen(name));
+    constexpr DWORD LongestVariable = 32767;
+    std::wstring value(LongestVariable, L'\0');
+    value.resize(GetEnvironmentVariableW(wideName.c_str(), value.data(), LongestVariable));
+    return value;
+}
+
+void Wait(std::chrono::microseconds time)
+{
+    if (time.count() > 0) {
+        Sleep(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(time).count()));
+    }
+}
+
+} // namespace acg

@@ -1,0 +1,67 @@
+// The access to a sector as a whole: what a set of levels requests and grants, and what can be changed
+// again.
+//
+// Whoever may write the conditions can grant any right. So once no key may, the rights are fixed for good.
+#pragma once
+
+#include "acg/cards/AccessBits.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace acg::tool
+{
+
+/// What WriteSectorTrailer is given, and which blocks the encoder has written as value blocks.
+struct SectorLevels {
+    std::array<int32_t, SectorSlots> Levels{}; ///< of the data slots, then the trailer: 0 to 15
+    uint8_t KeysToUse = 0;                     ///< KeyAAlone, else both keys
+    std::array<bool, DataSlots> IsValueBlock{};
+};
+
+/// The access bits of a sector with these levels; nothing if the card can't store one of them.
+[[nodiscard]] std::optional<ConditionBytes> Encode(const SectorLevels& levels);
+
+/// False: the card has blocked the sector for good, or will once these bytes are written.
+[[nodiscard]] bool InvertedCopiesAgree(const ConditionBytes& bytes);
+
+/// All that may be done with a data block. Decrement includes transfer and restore.
+struct DataRights : BlockRights {
+    KeySet Increment;
+    KeySet Decrement;
+};
+
+/// What the card grants for a triple of a data slot, were key B a key.
+[[nodiscard]] DataRights DataRightsOf(AccessTriple triple);
+
+struct SectorRights {
+    std::array<DataRights, DataSlots> Blocks;
+    TrailerRights Trailer;
+};
+
+/// What the card grants. The inverted copies aren't compared.
+[[nodiscard]] SectorRights RightsGranted(const ConditionBytes& bytes);
+
+/// What the levels say. Of a value block, a key that reads it may decrement it, and one that writes it may
+/// increment it.
+[[nodiscard]] SectorRights RightsAsked(const SectorLevels& levels);
+
+/// The rights to data blocks, and to write the trailer, that aren't among the others. A key that may
+/// write a block gains nothing by incrementing or decrementing it, so for such a key those don't count.
+[[nodiscard]] SectorRights RightsNotIn(const SectorRights& others, const SectorRights& rights);
+
+/// No key can ever change the rights of the sector again.
+[[nodiscard]] constexpr bool AreConditionsFixed(const TrailerRights& rights)
+{
+    return rights.WriteConditions == KeySet::None;
+}
+
+/// No key can ever change the keys of the sector again. Whoever may change the conditions can grant that
+/// right.
+[[nodiscard]] constexpr bool AreKeysFixed(const TrailerRights& rights)
+{
+    return AreConditionsFixed(rights) && rights.WriteKeys == KeySet::None;
+}
+
+} // namespace acg::tool
