@@ -18,7 +18,7 @@ namespace
 [[nodiscard]] bool StoreReply(std::wstring& hostText, std::string_view reply)
 {
     MakeRoom(hostText, BlockDigits);
-    ReplaceByAnsi(hostText, reply, /*Most=*/BlockDigits);
+    ReplaceByAnsi(hostText, reply, /*maxLength=*/BlockDigits);
     hostText.resize(BlockDigits, L'0');
     return reply.substr(0, reply.find('\0')).size() == BlockDigits;
 }

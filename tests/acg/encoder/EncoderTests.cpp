@@ -1,8 +1,10 @@
 // The life of an encoder, its record, what it says of itself, and its settings.
 #include "acg/encoder/NumberReading.h"
+#include "acg/platform/AnsiText.h"
 #include "tests/ScriptedReader.h"
 
 #include <new>
+#include <regex>
 #include <set>
 
 using namespace acg;
@@ -136,21 +138,33 @@ TEST_F(EncoderTest, EachParameterTextSetsWhatItNamesAndNothingElse)
     }
 }
 
-TEST(NumberReadingTest, ReadsWhatCanStandInANumberAndRoundsToTheNearestOrEven)
+using Row = std::pair<std::wstring, int64_t>; // a text, and what it is read as
+using NumberReadingTest = testing::TestWithParam<Row>;
+
+TEST_P(NumberReadingTest, ReadsWhatCanStandInANumberAndRoundsToTheNearestOrEven)
 {
-    const std::wstring zeros(400, L'0');
-    std::wistringstream rows(
-        L"=0|abc=0|9600 bauds=9600|\t1\n2 .\t5 e 1 x=125|1\r2=1|1.4.9=1|1&H2=1|- "
-        L"5=-5|+5=5|--5=0|5-3=5|1D+2=100|"
-        L"19d-1=2|1e+=1|1e2e3=100|0e99999999999=0|1e-99999999999=0|& H 1 0=16|&hfg=15|&O18=1|&x1=0|-&H10=0|"
-        L"&HFFFFFFFF=4294967295|2.5=2|3.5=4|-1.5=-2|2.51=3|2.49=2|0.35e1=4|0.05e1=0|9.5=10|5e-2=0|"
-        L"12010436.500000001=12010437|2.5" +
-        zeros + L"1=3|0." + zeros + L"1e401=1|1" + zeros + L"e-400=1");
-    for (std::wstring row; std::getline(rows, row, L'|');) {
-        const size_t sign = row.find(L'=');
-        EXPECT_EQ(ReadNumber(row.substr(0, sign)).Number, std::stoll(row.substr(sign + 1)))
-            << testing::PrintToString(row);
-    }
+    EXPECT_EQ(ReadNumber(GetParam().first).Number, GetParam().second);
+}
+
+const std::wstring Zeros(400, L'0');
+INSTANTIATE_TEST_SUITE_P(
+    Number, NumberReadingTest,
+    testing::Values(Row(L"", 0), Row(L"abc", 0), Row(L"9600 bauds", 9600), Row(L"\t1\n2 .\t5 e 1 x", 125),
+                    Row(L"1\r2", 1), Row(L"1.4.9", 1), Row(L"1&H2", 1), Row(L"- 5", -5), Row(L"+5", 5),
+                    Row(L"--5", 0), Row(L"5-3", 5), Row(L"1D+2", 100), Row(L"19d-1", 2), Row(L"1e+", 1),
+                    Row(L"1e2e3", 100), Row(L"0e99999999999", 0), Row(L"1e-99999999999", 0),
+                    Row(L"& H 1 0", 16), Row(L"&hfg", 15), Row(L"&O18", 1), Row(L"&x1", 0), Row(L"-&H10", 0),
+                    Row(L"&HFFFFFFFF", 4294967295), Row(L"2.5", 2), Row(L"3.5", 4), Row(L"-1.5", -2),
+                    Row(L"2.51", 3), Row(L"2.49", 2), Row(L"0.35e1", 4), Row(L"0.05e1", 0), Row(L"9.5", 10),
+                    Row(L"5e-2", 0), Row(L"12010436.500000001", 12010437), Row(L"2.5" + Zeros + L"1", 3),
+                    Row(L"0." + Zeros + L"1e401", 1), Row(L"1" + Zeros + L"e-400", 1)),
+    [](const auto& row) {
+        const std::string text = ToAnsi(row.param.first.substr(0, 20));
+        return std::to_string(row.index) + '_' + std::regex_replace(text, std::regex("[^0-9A-Za-z]"), "_");
+    });
+
+TEST(ReadFieldTest, ReturnsNothingForANumberThatDoesNotFit)
+{
     for (const wchar_t* tooLarge : {L"2147483648", L"&H80000000", L"1e999", L"-1e99999999999999999999"}) {
         EXPECT_EQ(ReadField<int32_t>(tooLarge), std::nullopt);
     }
