@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace recorder
+namespace session
 {
 
 /// From Begin up to, and without, End. May end past the end of the text.
@@ -36,4 +36,4 @@ inline constexpr Parts Everything = {Part{0, std::string_view::npos}};
 /// to what ShownOfData shows nothing of: all, if it is printable with fewer than 12 hexadecimal digits.
 [[nodiscard]] Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_view Reply);
 
-} // namespace recorder
+} // namespace session

@@ -200,7 +200,7 @@ void Reader::Save() const
     try {
         SaveImage(*m_saved, m_device.Card.SavePath);
     } catch (const std::runtime_error& reason) {
-        exports::Report(std::string("SendCommandGetData: ") + reason.what());
+        acgreader::Report(std::string("SendCommandGetData: ") + reason.what());
     }
 }
 

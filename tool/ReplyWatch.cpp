@@ -1,5 +1,6 @@
 #include "tool/ReplyWatch.h"
 
+#include "abi/ACGReader330.h"
 #include "acg/cards/BlockText.h"
 #include "acg/platform/AnsiText.h"
 
@@ -11,14 +12,14 @@ namespace acg::tool
 namespace
 {
 
-using SendCommand = char*(ACG_READER_CALL*)(ReaderHandle, const char*, const char*, char*);
-
 EntryPoint::Function sendCommand = nullptr; ///< the library's own
 bool wasWhole = true;
 
-char* ACG_READER_CALL SendAndLook(ReaderHandle reader, const char* command, const char* data, char* buffer)
+char* ACG_READER_CALL SendAndLook(acgreader::Handle reader, const char* command, const char* data,
+                                  char* buffer)
 {
-    ByteString reply(reinterpret_cast<SendCommand>(sendCommand)(reader, command, data, buffer));
+    ByteString reply(
+        reinterpret_cast<decltype(&::SendCommandGetData)>(sendCommand)(reader, command, data, buffer));
     if (command == std::string_view("read block")) {
         const std::string_view bytes = reply.Bytes().substr(0, reply.Bytes().find('\0'));
         const bool isLetter = bytes.size() == 1 && reply.Bytes().size() > 1;

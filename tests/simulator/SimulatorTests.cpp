@@ -25,7 +25,7 @@ protected:
 
     uint32_t OpenLine(const std::string& options)
     {
-        exports::CommSettings settings = {.BaudRate = 19200, .Protocol = 1};
+        acgreader::CommSettings settings = {.BaudRate = 19200, .Protocol = 1};
         return library.OpenComm("com1" + options, /*Autodetect=*/1, settings);
     }
     uint32_t Open(const std::string& options) { return library.OpenReader(OpenLine(options), 0x41, 0); }
@@ -158,7 +158,7 @@ TEST_F(SimulatorTest, AReplayEndsAtTheFirstCallThatIsNotNext)
     const std::string other = path + ",card=1k";
     EXPECT_EQ(OpenLine(",replay=" + other), 0U);
     EXPECT_EQ(OpenLine(",replay=" + path), 7U);
-    exports::ReaderLibrary& replay = library.Answering();
+    acgreader::ReaderLibrary& replay = library.Answering();
     EXPECT_EQ(replay.OpenReader(7, 65, 0), 8U);
     EXPECT_EQ(replay.SendCommandGetData(8, "login", "01AAA0A1A2A3A4A5", {}), StatusReply('L'));
     EXPECT_EQ(replay.SendCommandGetData(8, "read block", "05", {}), StatusReply('?'));
