@@ -1,4 +1,4 @@
-// Where a key may be in the texts of a reader command. What isn't known to be free of keys counts as a key.
+// Masks keys in the texts of a reader command: what isn't known to be free of keys is masked.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@ struct Part {
     size_t End = 0;
 };
 
-/// What of a text is no key.
+/// The parts of a text that can't be a key, and are shown; all else is masked.
 using Parts = std::array<Part, 2>;
 inline constexpr Parts Everything = {Part{0, std::string_view::npos}};
 

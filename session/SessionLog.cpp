@@ -89,7 +89,7 @@ std::string Quoted(std::string_view text, const Parts& shown = Everything)
     return quoted + '"';
 }
 
-/// Takes the next character of a text between quotes off the rest; nothing where it isn't one.
+/// Takes the next character of a text between quotes off the rest; nothing if it isn't one.
 std::optional<char> TakeCharacter(std::string_view& rest)
 {
     const auto take = [&rest](size_t count, char character) {
@@ -233,17 +233,17 @@ bool IsSameText(std::string_view masked, std::string_view text)
         return masked[at] == Masked && (at == 0 || masked[at - 1] != '\\');
     };
     size_t next = 0;
-    size_t behindMask = std::string_view::npos;
-    size_t resume = 0; // where the text goes on behind the last mask, if it ends there
+    size_t afterMask = std::string_view::npos;
+    size_t resume = 0; // where the text continues after the last mask, if it ends there
     for (size_t at = 0; at < text.size();) {
         if (next < masked.size() && isMask(next)) {
-            behindMask = ++next;
+            afterMask = ++next;
             resume = at;
         } else if (next < masked.size() && masked[next] == text[at]) {
             ++next;
             ++at;
-        } else if (behindMask != std::string_view::npos && text[resume] != '"') {
-            next = behindMask;
+        } else if (afterMask != std::string_view::npos && text[resume] != '"') {
+            next = afterMask;
             at = ++resume;
         } else {
             return false;
@@ -349,10 +349,10 @@ std::optional<LoggedLine> ParseLine(std::string_view Line)
 
 bool IsSameCall(std::string_view Call, std::string_view Other)
 {
-    const auto behindDevice = [](std::string_view call) {
+    const auto afterDevice = [](std::string_view call) {
         return call.starts_with("OpenComm ") ? call.substr(std::min(call.rfind('"'), call.size())) : call;
     };
-    return IsSameText(behindDevice(Call), behindDevice(Other));
+    return IsSameText(afterDevice(Call), afterDevice(Other));
 }
 
 int64_t ParseNumber(const std::string& result)

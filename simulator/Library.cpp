@@ -62,7 +62,8 @@ Library::Handle Library::OpenComm(Text DeviceText, uint8_t Autodetect, acgreader
 Library::Handle Library::Open(const Device& Named, const acgreader::CommSettings& Settings)
 {
     const std::lock_guard lock(m_mutex);
-    m_lines.insert({++m_lastHandle, {Named, m_cards.Lay(Named.Card), Settings.BaudRate, Settings.Protocol}});
+    m_lines.insert(
+        {++m_lastHandle, {Named, m_cards.Place(Named.Card), Settings.BaudRate, Settings.Protocol}});
     return m_lastHandle;
 }
 

@@ -1,4 +1,4 @@
-// The simulated reader library: what stands behind its handles.
+// The simulated reader library: its links and readers, by their handles.
 #pragma once
 
 #include "abi/ReaderLibrary.h"
@@ -20,7 +20,7 @@ namespace simulator
 class Library final : public acgreader::ReaderLibrary
 {
 public:
-    /// Where the answer is 0, a line on the standard error says why.
+    /// If the result is 0, a line on the standard error says why.
     Handle OpenComm(Text DeviceText, uint8_t Autodetect, acgreader::CommSettings& Settings) override;
     /// Opens a device that has been read already. Throws a Refusal if it can't be.
     Handle Open(const Device& Named, const acgreader::CommSettings& Settings);
@@ -55,7 +55,7 @@ private:
         Reader Opened;
     };
 
-    /// What the body makes of the open line or reader with all other threads locked out; `otherwise` where
+    /// What the body makes of the open line or reader with all other threads locked out; `otherwise` if
     /// the handle isn't open.
     template <class Opened, class Result, class Body>
     Result With(std::map<Handle, Opened>& all, Handle handle, Result otherwise, const Body& body);
