@@ -5,9 +5,9 @@
 namespace
 {
 
-class AnsweringLibrary final : public exports::ReaderLibrary
+class AnsweringLibrary final : public acgreader::ReaderLibrary
 {
-    Handle OpenComm(Text /*device*/, uint8_t /*autodetect*/, exports::CommSettings& /*settings*/) override
+    Handle OpenComm(Text /*device*/, uint8_t /*autodetect*/, acgreader::CommSettings& /*settings*/) override
     {
         return 1;
     }
@@ -35,7 +35,7 @@ class AnsweringLibrary final : public exports::ReaderLibrary
 
 } // namespace
 
-exports::ReaderLibrary& exports::TheLibrary()
+acgreader::ReaderLibrary& acgreader::TheLibrary()
 {
     static constinit AnsweringLibrary library;
     return library;

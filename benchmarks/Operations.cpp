@@ -27,23 +27,11 @@ namespace
 
 using acg::EntryPoint;
 using acg::ReaderFunction;
-using acg::ReaderHandle;
 
 /// As in a loaded library, where each function is looked up by name once.
 EntryPoint Find(ReaderFunction function)
 {
-    static EntryPoint::Function found[acg::ReaderFunctionCount] = {};
-    EntryPoint::Function& address = found[static_cast<size_t>(function)];
-    if (address == nullptr) {
-        address = exports::FindFunction(Name(function));
-    }
-    return {.Address = address, .LibraryLoaded = true};
-}
-
-template <class Signature>
-Signature* FunctionOf(const char* name)
-{
-    return reinterpret_cast<Signature*>(exports::FindFunction(name));
+    return {.Address = acgreader::FindFunction(function), .LibraryLoaded = true};
 }
 
 // The bare calls.
@@ -64,19 +52,16 @@ std::wstring TakeReply(char* bytes)
 
 void CallBare(const std::vector<Exchange>& exchanges)
 {
-    static auto* const send =
-        FunctionOf<char*(ReaderHandle, const char*, const char*, char*)>("SendCommandGetData");
-    static auto* const type = FunctionOf<char*(ReaderHandle, char*)>("GetReaderType");
     for (const Exchange& exchange : exchanges) {
         const std::string command = acg::ToAnsi(exchange.Command);
         const std::string data = acg::ToAnsi(exchange.Data);
         char buffer[512 + 1] = {};
         benchmark::DoNotOptimize(buffer);
-        benchmark::DoNotOptimize(TakeReply(send(ReaderHandle{1}, command.c_str(), data.c_str(), buffer)));
+        benchmark::DoNotOptimize(TakeReply(SendCommandGetData(1, command.c_str(), data.c_str(), buffer)));
         if (exchange.Command == L"select") { // the Encoder then queries the reader's type
             char typeBuffer[100 + 1] = {};
             benchmark::DoNotOptimize(typeBuffer);
-            benchmark::DoNotOptimize(TakeReply(type(ReaderHandle{1}, typeBuffer)));
+            benchmark::DoNotOptimize(TakeReply(GetReaderType(1, typeBuffer)));
         }
     }
 }

@@ -27,7 +27,7 @@ const std::wstring KeyB = L"B0B1B2B3B4B5";
 // A card takes 25 commands and every look for the next one takes 1. The line has a speed, so that a host
 // which waits is idle.
 const std::wstring FiveCards =
-    L"Device=com1,line=115200,lay=40/A1000002,lay=80/A1000003,lay=120/A1000004/4k,lay=160/A1000005";
+    L"Device=com1,baud=115200,place=40/A1000002,place=80/A1000003,place=120/A1000004/4k,place=160/A1000005";
 
 void MustSucceed(Encoder& encoder, sceReturnCode result)
 {

@@ -16,12 +16,12 @@ namespace
 constexpr std::chrono::seconds LongestCount{1};
 
 /// Calls with a masked part may look the same without being it.
-bool IsComparable(const LoggedCall& call)
+bool IsComparable(const session::LoggedCall& call)
 {
     return call.Call.find('*') == std::string::npos && call.Result.find('*') == std::string::npos;
 }
 
-bool IsSame(const LoggedCall& one, const LoggedCall& other)
+bool IsSame(const session::LoggedCall& one, const session::LoggedCall& other)
 {
     return one.Call == other.Call && one.Result == other.Result;
 }
@@ -37,7 +37,7 @@ void LogWriter::Open(const std::filesystem::path& File)
 {
     m_name = acg::Utf8Of(File);
     if (const uint32_t error = m_file.Open(File)) {
-        exports::Report("the log can't be written: " + m_name + ": " + ErrorText(error));
+        acgreader::Report("the log can't be written: " + m_name + ": " + ErrorText(error));
     }
 }
 
@@ -45,10 +45,10 @@ void LogWriter::Note(std::string_view Text)
 {
     Flush();
     EndRound();
-    Write(NoteLine(Text), /*calls=*/0);
+    Write(session::NoteLine(Text), /*calls=*/0);
 }
 
-void LogWriter::Add(LoggedCall Ended)
+void LogWriter::Add(session::LoggedCall Ended)
 {
     if (m_times == 0 && !m_held.empty() && Ended.Start - m_held.front().Start >= LongestCount) {
         Count();
@@ -64,7 +64,7 @@ void LogWriter::Add(LoggedCall Ended)
             WriteFirstHeld();
         }
     }
-    if (m_isCounted || m_held.size() > LongestRound) {
+    if (m_isCounted || m_held.size() > session::LongestRound) {
         Count();
     }
 }
@@ -125,7 +125,7 @@ void LogWriter::Count()
 {
     for (; m_held.size() >= m_round; ++m_times) {
         const auto end = m_held.begin() + static_cast<ptrdiff_t>(m_round);
-        const LoggedCall& last = *std::prev(end);
+        const session::LoggedCall& last = *std::prev(end);
         m_from = m_times == 0 ? m_held.front().Start : m_from;
         m_until = std::max(m_from, last.Start + last.Duration);
         m_held.erase(m_held.begin(), end);
@@ -142,11 +142,11 @@ void LogWriter::EndRound()
 
 void LogWriter::WriteFirstHeld()
 {
-    LoggedCall call = std::move(m_held.front());
+    session::LoggedCall call = std::move(m_held.front());
     m_held.pop_front();
-    if (Write(LogLine(call), /*calls=*/1)) {
+    if (Write(session::LogLine(call), /*calls=*/1)) {
         m_written.push_back(std::move(call));
-        if (m_written.size() > LongestRound) {
+        if (m_written.size() > session::LongestRound) {
             m_written.pop_front();
         }
     }
@@ -156,7 +156,7 @@ void LogWriter::WriteCount()
 {
     const int64_t times = std::exchange(m_times, 0);
     if (times != 0) {
-        Write(LogLine(Repetition{m_round, times, m_from, m_until - m_from}),
+        Write(session::LogLine(session::Repetition{m_round, times, m_from, m_until - m_from}),
               static_cast<int64_t>(m_round) * times);
     }
 }
@@ -167,7 +167,8 @@ bool LogWriter::Write(const std::string& line, int64_t calls)
     if (!m_file.IsOpen()) {
         return false;
     }
-    const std::string gap = m_missing != 0 ? LogLine(Gap{m_missing}, ErrorText(m_error)) : "";
+    const std::string gap =
+        m_missing != 0 ? session::LogLine(session::Gap{m_missing}, ErrorText(m_error)) : "";
     const uint32_t error = m_file.Append(gap + line);
     if (error == 0) {
         m_missing = 0;
@@ -175,7 +176,7 @@ bool LogWriter::Write(const std::string& line, int64_t calls)
         return true;
     }
     if (m_error == 0) {
-        exports::Report("the log can't be written: " + m_name + ": " + ErrorText(error));
+        acgreader::Report("the log can't be written: " + m_name + ": " + ErrorText(error));
     }
     m_error = error;
     m_missing += calls;

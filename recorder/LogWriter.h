@@ -24,7 +24,7 @@ public:
     /// written and the standard error says why.
     void Open(const std::filesystem::path& File);
     void Note(std::string_view Text);
-    void Add(LoggedCall Ended);
+    void Add(session::LoggedCall Ended);
     /// Writes what is held back.
     void Flush();
     /// Counts a call that couldn't be added for want of memory.
@@ -43,13 +43,13 @@ private:
     int64_t m_missing = 0; ///< calls since the last line that could be written
     uint32_t m_error = 0;  ///< the system's code, if the last line couldn't be written
 
-    std::deque<LoggedCall> m_written;     ///< the last lines, as far as they may be a round
-    std::deque<LoggedCall> m_held;        ///< not in the log yet
-    size_t m_round = 0;                   ///< how many of the last lines the held ones repeat
-    bool m_isCounted = false;             ///< whole rounds are counted, not held
-    int64_t m_times = 0;                  ///< counted rounds that aren't in the log yet
-    std::chrono::microseconds m_from{0};  ///< the start of the first of these
-    std::chrono::microseconds m_until{0}; ///< the end of the last
+    std::deque<session::LoggedCall> m_written; ///< the last lines, as far as they may be a round
+    std::deque<session::LoggedCall> m_held;    ///< not in the log yet
+    size_t m_round = 0;                        ///< how many of the last lines the held ones repeat
+    bool m_isCounted = false;                  ///< whole rounds are counted, not held
+    int64_t m_times = 0;                       ///< counted rounds that aren't in the log yet
+    std::chrono::microseconds m_from{0};       ///< the start of the first of these
+    std::chrono::microseconds m_until{0};      ///< the end of the last
 };
 
 } // namespace recorder

@@ -16,17 +16,17 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// Keeps the system's error code of the host, and then that of the next library.
-class KeptError
+/// Preserves the system's error code: the host's until the next library is called, and then that library's.
+class PreserveLastError
 {
 public:
-    KeptError() = default;
-    ~KeptError() { SetLastError(m_error); }
-    KeptError(const KeptError&) = delete;
-    KeptError& operator=(const KeptError&) = delete;
+    PreserveLastError() = default;
+    ~PreserveLastError() { SetLastError(m_error); }
+    PreserveLastError(const PreserveLastError&) = delete;
+    PreserveLastError& operator=(const PreserveLastError&) = delete;
 
     void Restore() const { SetLastError(m_error); }
-    void Take() { m_error = LastError(); }
+    void Update() { m_error = LastError(); }
 
 private:
     uint32_t m_error = LastError();
@@ -64,17 +64,40 @@ std::string DateText()
            twoDigits(time.minutes().count()) + ':' + twoDigits(time.seconds().count()) + " UTC";
 }
 
-/// The text of a byte string, which is wiped and freed.
-std::string TextOfByteString(char* bytes)
+// Arguments as the next library takes them.
+template <class Number>
+Number Plain(Number number)
 {
-    return std::string(acg::ByteString(bytes).Bytes());
+    return number;
+}
+const char* Plain(const Recorder::Text& text)
+{
+    return text.CText();
+}
+char* Plain(const Recorder::Buffer& buffer)
+{
+    return buffer.data();
+}
+acgreader::CommSettings* Plain(acgreader::CommSettings& settings)
+{
+    return &settings;
 }
 
-/// Binds a function; or throws, with the reason.
-template <class Function>
-void Bind(const fs::path& file, const char* name, Function& function, Function own)
+// Its result as the exported functions take it.
+template <class Number>
+Number Taken(Number number)
 {
-    const acg::EntryPoint entry = acg::FindInFile(file.native(), name);
+    return number;
+}
+std::string Taken(char* byteString)
+{
+    return std::string(acg::ByteString(byteString).Bytes()); // which is wiped and freed
+}
+
+/// Finds a function of the next library; or throws, with the reason.
+acg::EntryPoint::Function Find(const fs::path& file, acgreader::Function function)
+{
+    const acg::EntryPoint entry = acg::FindInFile(file.native(), NameOf(function));
     if (!entry.LibraryLoaded) {
         std::error_code ignored;
         throw std::runtime_error(
@@ -82,36 +105,41 @@ void Bind(const fs::path& file, const char* name, Function& function, Function o
             (", system error " + std::to_string(entry.SystemError)));
     }
     if (entry.Address == nullptr) {
-        throw std::runtime_error(std::string("it lacks the function ") + name);
+        throw std::runtime_error(std::string("it lacks the function ") + NameOf(function));
     }
-    function = reinterpret_cast<Function>(entry.Address);
-    if (function == own) {
+    if (entry.Address == acgreader::FindFunction(function)) {
         throw std::runtime_error("it is the recorder itself");
     }
+    return entry.Address;
 }
 
 } // namespace
 
-template <class Call, class Describe, class Result>
-Result Recorder::Pass(std::string call, const Call& next, const Describe& describe, Result closed)
+template <acgreader::Function function, class Result, class Describe, class... Arguments>
+Result Recorder::Call(Result closed, const Describe& describe, std::string call, Arguments&... arguments)
 {
-    KeptError error;
+    PreserveLastError error;
     std::shared_ptr<const NextLibrary> library;
     {
         const std::lock_guard lock(m_mutex);
-        Begin(/*IsOpening=*/call.starts_with("OpenComm "));
+        Begin(/*isOpening=*/function == acgreader::Function::OpenComm);
         library = m_next;
     }
     const auto start = Clock::now();
     error.Restore();
-    Result result = library ? next(*library) : std::move(closed);
-    error.Take();
+    Result result = std::move(closed);
+    if (library) {
+        void (*const next)() = (*library)[static_cast<size_t>(function)];
+        result = Taken(reinterpret_cast<acgreader::Pointer<function>>(next)(Plain(arguments)...));
+    }
+    error.Update();
     const auto end = Clock::now();
     try {
         using std::chrono::duration_cast;
         using std::chrono::microseconds;
-        LoggedCall ended{std::move(call), describe(result), duration_cast<microseconds>(start - m_start),
-                         duration_cast<microseconds>(end - start)};
+        session::LoggedCall ended{std::move(call), describe(result),
+                                  duration_cast<microseconds>(start - m_start),
+                                  duration_cast<microseconds>(end - start)};
         const std::lock_guard lock(m_mutex);
         m_log.Add(std::move(ended));
         if (m_isEnding) {
@@ -124,14 +152,14 @@ Result Recorder::Pass(std::string call, const Call& next, const Describe& descri
     return result;
 }
 
-void Recorder::Begin(bool IsOpening)
+void Recorder::Begin(bool isOpening)
 {
     if (!m_begun) {
         m_begun = true;
         m_start = Clock::now();
         m_log.Open(LogFile());
         Load();
-    } else if (!m_next && IsOpening) {
+    } else if (!m_next && isOpening) {
         Load();
     }
 }
@@ -143,32 +171,23 @@ void Recorder::Load()
         file = NextLibraryFile();
         m_log.Note(DateText() + ", next library: " + acg::Utf8Of(file));
         auto next = std::make_shared<NextLibrary>();
-        Bind(file, "OpenComm", next->OpenComm, &::OpenComm);
-        Bind(file, "SetCommTimeout", next->SetCommTimeout, &::SetCommTimeout);
-        Bind(file, "SetCommProtocol", next->SetCommProtocol, &::SetCommProtocol);
-        Bind(file, "GetCommProtocol", next->GetCommProtocol, &::GetCommProtocol);
-        Bind(file, "GetCommBaudRate", next->GetCommBaudRate, &::GetCommBaudRate);
-        Bind(file, "GetCommTimeout", next->GetCommTimeout, &::GetCommTimeout);
-        Bind(file, "DetectReader", next->DetectReader, &::DetectReader);
-        Bind(file, "OpenReader", next->OpenReader, &::OpenReader);
-        Bind(file, "GetReaderType", next->GetReaderType, &::GetReaderType);
-        Bind(file, "GetDeviceID", next->GetDeviceID, &::GetDeviceID);
-        Bind(file, "SendCommandGetData", next->SendCommandGetData, &::SendCommandGetData);
-        Bind(file, "CloseReader", next->CloseReader, &::CloseReader);
-        Bind(file, "CloseComm", next->CloseComm, &::CloseComm);
+        for (int function = 0; function < acgreader::FunctionCount; ++function) {
+            next->at(static_cast<size_t>(function)) = Find(file, static_cast<acgreader::Function>(function));
+        }
         m_next = std::move(next);
     } catch (const std::runtime_error& reason) {
         const std::string note =
             "the next library can't be used: " + acg::Utf8Of(file) + ": " + reason.what();
         m_log.Note(note);
-        exports::Report(note);
+        acgreader::Report(note);
     }
 }
 
 void Recorder::End() noexcept
 {
     m_isEnding = true;
-    // Other threads, which at the end of a process Windows has stopped wherever they were, may have the lock.
+    // Another thread may hold the lock for ever: at the end of a process Windows stops them wherever they
+    // are.
     if (!m_mutex.try_lock()) {
         return;
     }
@@ -179,98 +198,11 @@ void Recorder::End() noexcept
     }
 }
 
-Recorder::Handle Recorder::OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings)
-{
-    return Pass(OpenCommText(Device, Autodetect, Settings), [&](const NextLibrary& next) {
-        return next.OpenComm(Device.CText(), Autodetect, &Settings);
-    });
-}
-
-int32_t Recorder::SetCommTimeout(Handle Comm, int32_t Timeout)
-{
-    return Pass(CallText("SetCommTimeout", {Comm, Timeout}),
-                [&](const NextLibrary& next) { return next.SetCommTimeout(Comm, Timeout); });
-}
-
-int32_t Recorder::SetCommProtocol(Handle Comm, uint8_t Protocol)
-{
-    return Pass(CallText("SetCommProtocol", {Comm, Protocol}),
-                [&](const NextLibrary& next) { return next.SetCommProtocol(Comm, Protocol); });
-}
-
-uint8_t Recorder::GetCommProtocol(Handle Comm)
-{
-    return Pass(CallText("GetCommProtocol", {Comm}),
-                [&](const NextLibrary& next) { return next.GetCommProtocol(Comm); });
-}
-
-int32_t Recorder::GetCommBaudRate(Handle Comm)
-{
-    return Pass(CallText("GetCommBaudRate", {Comm}),
-                [&](const NextLibrary& next) { return next.GetCommBaudRate(Comm); });
-}
-
-int32_t Recorder::GetCommTimeout(Handle Comm)
-{
-    return Pass(CallText("GetCommTimeout", {Comm}),
-                [&](const NextLibrary& next) { return next.GetCommTimeout(Comm); });
-}
-
-std::string Recorder::DetectReader(Handle Comm, Buffer Room)
-{
-    return Pass(CallText("DetectReader", {Comm}), [&](const NextLibrary& next) {
-        return TextOfByteString(next.DetectReader(Comm, Room.data()));
-    });
-}
-
-Recorder::Handle Recorder::OpenReader(Handle Comm, uint8_t Id, int32_t Third)
-{
-    return Pass(CallText("OpenReader", {Comm, Id, Third}),
-                [&](const NextLibrary& next) { return next.OpenReader(Comm, Id, Third); });
-}
-
-std::string Recorder::GetReaderType(Handle Reader, Buffer Room)
-{
-    return Pass(CallText("GetReaderType", {Reader}), [&](const NextLibrary& next) {
-        return TextOfByteString(next.GetReaderType(Reader, Room.data()));
-    });
-}
-
-std::string Recorder::GetDeviceID(Handle Reader, Buffer Room)
-{
-    return Pass(CallText("GetDeviceID", {Reader}), [&](const NextLibrary& next) {
-        return TextOfByteString(next.GetDeviceID(Reader, Room.data()));
-    });
-}
-
-std::string Recorder::SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer Room)
-{
-    return Pass(
-        CommandText(Reader, Command, Data),
-        [&](const NextLibrary& next) {
-            return TextOfByteString(
-                next.SendCommandGetData(Reader, Command.CText(), Data.CText(), Room.data()));
-        },
-        [&](const std::string& reply) { return ReplyText(Command, Data, reply); },
-        ReaderLibrary::SendCommandGetData(Reader, Command, Data, Room));
-}
-
-int32_t Recorder::CloseReader(Handle Reader)
-{
-    return Pass(CallText("CloseReader", {Reader}),
-                [&](const NextLibrary& next) { return next.CloseReader(Reader); });
-}
-
-int32_t Recorder::CloseComm(Handle Comm)
-{
-    return Pass(CallText("CloseComm", {Comm}), [&](const NextLibrary& next) { return next.CloseComm(Comm); });
-}
-
 } // namespace recorder
 
 /// One for the process, never destroyed: a host may close its handles as late as when its own static objects
 /// are destroyed.
-exports::ReaderLibrary& exports::TheLibrary()
+acgreader::ReaderLibrary& acgreader::TheLibrary()
 {
     static auto& library = *new recorder::Recorder;
     [[maybe_unused]] static const int registered = std::atexit([] { library.End(); });

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace recorder
+namespace session
 {
 
 namespace
@@ -183,4 +183,4 @@ Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_
     return {Part{text.size(), upToNul.End}}; // what ends the line
 }
 
-} // namespace recorder
+} // namespace session

@@ -1,11 +1,11 @@
-// Where a key may be in the texts of a reader command. What isn't known to be free of keys counts as a key.
+// Masks keys in the texts of a reader command: what isn't known to be free of keys is masked.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <string_view>
 
-namespace recorder
+namespace session
 {
 
 /// From Begin up to, and without, End. May end past the end of the text.
@@ -14,7 +14,7 @@ struct Part {
     size_t End = 0;
 };
 
-/// What of a text is no key.
+/// The parts of a text that can't be a key, and are shown; all else is masked.
 using Parts = std::array<Part, 2>;
 inline constexpr Parts Everything = {Part{0, std::string_view::npos}};
 
@@ -36,4 +36,4 @@ inline constexpr Parts Everything = {Part{0, std::string_view::npos}};
 /// to what ShownOfData shows nothing of: all, if it is printable with fewer than 12 hexadecimal digits.
 [[nodiscard]] Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_view Reply);
 
-} // namespace recorder
+} // namespace session

@@ -1,12 +1,11 @@
 #include "session/SessionLog.h"
 
 #include "acg/platform/HexText.h"
-#include "session/KeyMask.h"
-
 #include <algorithm>
 #include <charconv>
+#include <type_traits>
 
-namespace recorder
+namespace session
 {
 
 namespace
@@ -14,19 +13,48 @@ namespace
 
 constexpr char Masked = '*';
 
-/// The arguments of a function and its result: T is a text, N a number.
+// A call's shape, one letter for each value in the log: T is a text, N a number.
+constexpr std::string_view ShapeOf(std::type_identity<const char*>)
+{
+    return "T";
+}
+constexpr std::string_view ShapeOf(std::type_identity<char*>)
+{
+    return "";
+} // a buffer
+constexpr std::string_view ShapeOf(std::type_identity<acgreader::CommSettings*>)
+{
+    return "NN";
+}
+template <class Number>
+constexpr std::string_view ShapeOf(std::type_identity<Number>)
+{
+    return "N";
+}
+
+/// The arguments of a function and its result.
 struct Shape {
     std::string_view Function;
-    std::string_view Arguments;
+    std::string Arguments;
     char Result;
 };
-constexpr Shape Shapes[] = {
-    {"OpenComm", "TNNN", 'N'},     {"SetCommTimeout", "NN", 'N'},      {"SetCommProtocol", "NN", 'N'},
-    {"GetCommProtocol", "N", 'N'}, {"GetCommBaudRate", "N", 'N'},      {"GetCommTimeout", "N", 'N'},
-    {"DetectReader", "N", 'T'},    {"OpenReader", "NNN", 'N'},         {"GetReaderType", "N", 'T'},
-    {"GetDeviceID", "N", 'T'},     {"SendCommandGetData", "NTT", 'T'}, {"CloseReader", "N", 'N'},
-    {"CloseComm", "N", 'N'},
-};
+template <class Result, class... Arguments>
+Shape ShapeOf(const char* name, Result(ACG_READER_CALL* /*function*/)(Arguments...))
+{
+    std::string arguments;
+    (arguments.append(ShapeOf(std::type_identity<Arguments>())), ...);
+    return {name, arguments, std::is_pointer_v<Result> ? 'T' : 'N'};
+}
+
+/// Null if there is no such function.
+const Shape* FindShape(std::string_view function)
+{
+#define ACG_SHAPE(name) ShapeOf(#name, decltype(&::name){}),
+    static const Shape shapes[] = {ACG_READER_FUNCTIONS(ACG_SHAPE)};
+#undef ACG_SHAPE
+    const auto* const found = std::ranges::find(shapes, function, &Shape::Function);
+    return found != std::end(shapes) ? found : nullptr;
+}
 
 bool IsPrintable(char character)
 {
@@ -61,7 +89,7 @@ std::string Quoted(std::string_view text, const Parts& shown = Everything)
     return quoted + '"';
 }
 
-/// Takes the next character of a text between quotes off the rest; nothing where it isn't one.
+/// Takes the next character of a text between quotes off the rest; nothing if it isn't one.
 std::optional<char> TakeCharacter(std::string_view& rest)
 {
     const auto take = [&rest](size_t count, char character) {
@@ -162,9 +190,8 @@ std::optional<Repetition> ParseRepetition(std::string_view rest, std::chrono::mi
 std::optional<LoggedCall> ParseCall(std::string_view rest, std::chrono::microseconds start)
 {
     const std::string_view call = rest;
-    const auto* const shape =
-        std::ranges::find(Shapes, call.substr(0, std::min(call.find(' '), call.size())), &Shape::Function);
-    if (shape == std::end(Shapes)) {
+    const Shape* const shape = FindShape(call.substr(0, call.find(' ')));
+    if (shape == nullptr) {
         return std::nullopt;
     }
     rest.remove_prefix(shape->Function.size());
@@ -206,17 +233,17 @@ bool IsSameText(std::string_view masked, std::string_view text)
         return masked[at] == Masked && (at == 0 || masked[at - 1] != '\\');
     };
     size_t next = 0;
-    size_t behindMask = std::string_view::npos;
-    size_t resume = 0; // where the text goes on behind the last mask, if it ends there
+    size_t afterMask = std::string_view::npos;
+    size_t resume = 0; // where the text continues after the last mask, if it ends there
     for (size_t at = 0; at < text.size();) {
         if (next < masked.size() && isMask(next)) {
-            behindMask = ++next;
+            afterMask = ++next;
             resume = at;
         } else if (next < masked.size() && masked[next] == text[at]) {
             ++next;
             ++at;
-        } else if (behindMask != std::string_view::npos && text[resume] != '"') {
-            next = behindMask;
+        } else if (afterMask != std::string_view::npos && text[resume] != '"') {
+            next = afterMask;
             at = ++resume;
         } else {
             return false;
@@ -230,40 +257,45 @@ bool IsSameText(std::string_view masked, std::string_view text)
 
 } // namespace
 
-std::string CallText(std::string_view Function, std::initializer_list<int64_t> Arguments)
+ArgumentText::ArgumentText(int64_t number) : std::string(' ' + std::to_string(number)) {}
+
+ArgumentText::ArgumentText(const acgreader::CommSettings& settings)
+    : std::string(ArgumentText(settings.BaudRate) + ArgumentText(settings.Protocol))
 {
-    std::string call(Function);
-    for (const int64_t argument : Arguments) {
-        call += ' ';
-        call += std::to_string(argument);
+}
+
+ArgumentText::ArgumentText(std::string_view text, const Parts& shown) : std::string(' ' + Quoted(text, shown))
+{
+}
+
+std::string CallText(acgreader::Function function, std::initializer_list<ArgumentText> arguments)
+{
+    std::string call = NameOf(function);
+    for (const ArgumentText& argument : arguments) {
+        call += argument;
     }
     return call;
 }
 
-std::string OpenCommText(std::string_view Device, uint8_t Autodetect, const exports::CommSettings& Settings)
+std::string CommandText(acgreader::Handle reader, std::string_view command, std::string_view data)
 {
-    return CallText("OpenComm " + Quoted(Device), {Autodetect, Settings.BaudRate, Settings.Protocol});
+    return CallText(acgreader::Function::SendCommandGetData,
+                    {reader, {command, ShownOfCommand(command)}, {data, ShownOfData(command, data)}});
 }
 
-std::string CommandText(uint32_t Reader, std::string_view Command, std::string_view Data)
+std::string ResultText(int64_t result)
 {
-    return CallText("SendCommandGetData", {Reader}) + ' ' + Quoted(Command, ShownOfCommand(Command)) + ' ' +
-           Quoted(Data, ShownOfData(Command, Data));
+    return std::to_string(result);
 }
 
-std::string ResultText(int64_t Result)
+std::string ResultText(std::string_view result)
 {
-    return std::to_string(Result);
+    return Quoted(result, {UpToNul(result)});
 }
 
-std::string ResultText(std::string_view Result)
+std::string ReplyText(std::string_view command, std::string_view data, std::string_view reply)
 {
-    return Quoted(Result, {UpToNul(Result)});
-}
-
-std::string ReplyText(std::string_view Command, std::string_view Data, std::string_view Reply)
-{
-    return Quoted(Reply, ShownOfReply(Command, Data, Reply));
+    return Quoted(reply, ShownOfReply(command, data, reply));
 }
 
 std::string LogLine(const LoggedCall& Logged)
@@ -317,22 +349,22 @@ std::optional<LoggedLine> ParseLine(std::string_view Line)
 
 bool IsSameCall(std::string_view Call, std::string_view Other)
 {
-    const auto behindDevice = [](std::string_view call) {
+    const auto afterDevice = [](std::string_view call) {
         return call.starts_with("OpenComm ") ? call.substr(std::min(call.rfind('"'), call.size())) : call;
     };
-    return IsSameText(behindDevice(Call), behindDevice(Other));
+    return IsSameText(afterDevice(Call), afterDevice(Other));
 }
 
-int64_t NumberOf(const std::string& Result)
+int64_t ParseNumber(const std::string& result)
 {
-    std::string_view rest = Result;
+    std::string_view rest = result;
     return TakeNumber(rest).value_or(0);
 }
 
-std::string TextOf(const std::string& Result)
+std::string ParseText(const std::string& result)
 {
-    std::string_view rest = Result;
+    std::string_view rest = result;
     return TakeText(rest).value_or("");
 }
 
-} // namespace recorder
+} // namespace session

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "abi/ReaderLibrary.h"
+#include "session/KeyMask.h"
 
 #include <chrono>
 #include <cstdint>
@@ -12,7 +13,7 @@
 #include <string_view>
 #include <variant>
 
-namespace recorder
+namespace session
 {
 
 /// A call as it is in the log: no key is in it.
@@ -40,15 +41,23 @@ struct Gap {
 /// A line of the log; without a value if it is another note, or empty.
 using LoggedLine = std::variant<std::monostate, LoggedCall, Repetition, Gap>;
 
-/// Of a function that takes numbers only, buffers aside.
-[[nodiscard]] std::string CallText(std::string_view Function, std::initializer_list<int64_t> Arguments);
-[[nodiscard]] std::string OpenCommText(std::string_view Device, uint8_t Autodetect,
-                                       const exports::CommSettings& Settings);
-[[nodiscard]] std::string CommandText(uint32_t Reader, std::string_view Command, std::string_view Data);
+/// An argument of a call, with a blank before it. A buffer isn't written.
+struct ArgumentText : std::string {
+    ArgumentText(int64_t number);
+    ArgumentText(const acgreader::CommSettings& settings);
+    ArgumentText(std::string_view text, const Parts& shown = Everything);
+    ArgumentText(acgreader::ReaderLibrary::Buffer /*buffer*/) {}
+};
+[[nodiscard]] std::string CallText(acgreader::Function function,
+                                   std::initializer_list<ArgumentText> arguments);
+/// A call of SendCommandGetData: what may be a key is masked.
+[[nodiscard]] std::string CommandText(acgreader::Handle reader, std::string_view command,
+                                      std::string_view data);
 
-[[nodiscard]] std::string ResultText(int64_t Result);
-[[nodiscard]] std::string ResultText(std::string_view Result);
-[[nodiscard]] std::string ReplyText(std::string_view Command, std::string_view Data, std::string_view Reply);
+[[nodiscard]] std::string ResultText(int64_t result);
+/// What follows the first NUL is masked, and of a reply what may be a key.
+[[nodiscard]] std::string ResultText(std::string_view result);
+[[nodiscard]] std::string ReplyText(std::string_view command, std::string_view data, std::string_view reply);
 
 // Lines, each with a line feed at the end.
 [[nodiscard]] std::string LogLine(const LoggedCall& Logged);
@@ -64,8 +73,8 @@ using LoggedLine = std::variant<std::monostate, LoggedCall, Repetition, Gap>;
 [[nodiscard]] bool IsSameCall(std::string_view Call, std::string_view Other);
 
 // The values of a result; 0 or empty if it is of the other kind.
-[[nodiscard]] int64_t NumberOf(const std::string& Result);
+[[nodiscard]] int64_t ParseNumber(const std::string& result);
 /// The digits of a masked key are zeros.
-[[nodiscard]] std::string TextOf(const std::string& Result);
+[[nodiscard]] std::string ParseText(const std::string& result);
 
-} // namespace recorder
+} // namespace session

@@ -45,12 +45,12 @@ constexpr Field KeyB = {10, KeySize};
 constexpr Block FactoryTrailer = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x07,
                                   0x80, 0x69, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 
-// What the maker writes behind the serial number and its check byte.
+// The manufacturer writes the rest of block 0 after the serial number and its check byte.
 constexpr std::size_t CheckByte = 4;
 constexpr Block FactoryBlock0 = {0, 0, 0, 0, 0, 0x08, 0x04, 0x00, 'S', 'I', 'M', 'U', 'L', 'A', 'T', 'E'};
 
 /// The keys that have a right, as a set.
-enum Right : unsigned {
+enum KeySet : unsigned {
     Never = 0,
     A = 1,
     B = 2,
@@ -58,8 +58,8 @@ enum Right : unsigned {
 };
 
 struct DataRights {
-    Right Read;
-    Right Write;
+    KeySet Read;
+    KeySet Write;
 };
 
 // The row is C1 C2 C3 read as a binary number. The rights to increment and to decrement are left out: the
@@ -77,11 +77,11 @@ constexpr DataRights DataTable[] = {
 };
 
 struct TrailerRights {
-    Right WriteKeyA;
-    Right ReadBits;
-    Right WriteBits;
-    Right ReadKeyB;
-    Right WriteKeyB;
+    KeySet WriteKeyA;
+    KeySet ReadBits;
+    KeySet WriteBits;
+    KeySet ReadKeyB;
+    KeySet WriteKeyB;
 };
 
 // The row is C1 C2 C3 read as a binary number.
@@ -98,14 +98,14 @@ constexpr TrailerRights TrailerTable[] = {
     /* 111 */ {Never, AorB, Never, Never, Never},
 };
 
-bool Allows(Right right, KeyType type)
+bool Allows(KeySet holders, KeyType type)
 {
-    return (right & (type == KeyType::A ? A : B)) != 0;
+    return (holders & (type == KeyType::A ? A : B)) != 0;
 }
 
 struct FieldRight {
     Field Place;
-    Right Holders;
+    KeySet Holders;
 };
 
 /// Copies the fields to which the key has the right; true if there is one.
@@ -133,7 +133,7 @@ std::size_t SlotOf(std::size_t block)
                                    : block % LargeSectorBlocks / BlocksInLargeSlot;
 }
 
-/// C1 C2 C3 of the slot as a binary number; nothing where any of the trailer's bits is not the opposite of
+/// C1 C2 C3 of the slot as a binary number; nothing if any of the trailer's bits is not the opposite of
 /// its inverted copy. That blocks the whole sector for good, since no access is left that could mend it.
 std::optional<unsigned> ConditionInTrailer(const Block& trailer, std::size_t slot)
 {
@@ -204,7 +204,7 @@ bool Card::Login(std::size_t Sector, KeyType Type, std::span<const uint8_t, KeyS
            std::equal(Key.begin(), Key.end(), trailer.begin() + field.Begin);
 }
 
-/// C1 C2 C3 of the block; nothing where the sector is blocked, or where key B can be read and so has no right
+/// C1 C2 C3 of the block; nothing if the sector is blocked, or if key B can be read and so has no right
 /// to anything.
 std::optional<unsigned> Card::ConditionOf(std::size_t Number, KeyType Type) const
 {

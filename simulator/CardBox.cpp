@@ -43,7 +43,7 @@ Card CardFromImage(const CardOptions& options)
     throw Refusal(option, "expected a file of 1024 bytes, or 4096 for a 4K card, and card= to agree");
 }
 
-/// The card with the contents that it has when its number is laid for the first time.
+/// The card with the contents that it has when its number is placed for the first time.
 Card NewCard(const CardOptions& options)
 {
     Card card = options.ImagePath.empty() ? FactoryCard(options) : CardFromImage(options);
@@ -68,20 +68,20 @@ void SaveImage(const Card& Saved, const std::string& Path)
     }
 }
 
-Card* CardBox::Lay(const CardOptions& Options)
+Card* CardBox::Place(const CardOptions& Options)
 {
     if (Options.BlockCount == 0U && Options.ImagePath.empty()) {
         return nullptr;
     }
-    auto place = Options.Number ? m_cards.find(*Options.Number) : m_cards.end();
-    if (place == m_cards.end()) {
-        const Card card = NewCard(Options);
-        place = m_cards.try_emplace(card.GetSerialNumber(), card).first;
+    auto card = Options.Number ? m_cards.find(*Options.Number) : m_cards.end();
+    if (card == m_cards.end()) {
+        const Card created = NewCard(Options);
+        card = m_cards.try_emplace(created.GetSerialNumber(), created).first;
     }
     if (!Options.SavePath.empty()) {
-        SaveImage(place->second, Options.SavePath);
+        SaveImage(card->second, Options.SavePath);
     }
-    return &place->second;
+    return &card->second;
 }
 
 } // namespace simulator

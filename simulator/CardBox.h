@@ -22,7 +22,7 @@ public:
     /// Returns the card of these options, null for an empty field, saved if they say so. Throws a Refusal
     /// if the image can't be read or isn't a whole card of the requested size, or the card can't be saved.
     /// Without a serial number in the options the image is read, as it contains one.
-    [[nodiscard]] Card* Lay(const CardOptions& Options);
+    [[nodiscard]] Card* Place(const CardOptions& Options);
 
 private:
     std::map<SerialNumber, Card> m_cards;

@@ -18,7 +18,7 @@ std::optional<unsigned> ParseNumber(std::string_view text)
     return error == std::errc() && stop == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
-/// Cuts off and returns the text before the separator, or the whole text where there is none.
+/// Cuts off and returns the text before the separator, or the whole text if there is none.
 std::string_view CutOff(std::string_view& text, char separator)
 {
     const std::size_t end = std::min(text.find(separator), text.size());
@@ -27,7 +27,7 @@ std::string_view CutOff(std::string_view& text, char separator)
     return head;
 }
 
-bool TakeCard(std::string_view value, Device& device)
+bool ParseCard(std::string_view value, Device& device)
 {
     if (value == "1k") {
         device.Card.BlockCount = BlocksOf1K;
@@ -41,7 +41,7 @@ bool TakeCard(std::string_view value, Device& device)
     return true;
 }
 
-bool TakeSerialNumber(std::string_view value, Device& device)
+bool ParseSerialNumber(std::string_view value, Device& device)
 {
     const auto bytes = acg::FromHex(value);
     if (!bytes || bytes->size() != sizeof(SerialNumber)) {
@@ -52,7 +52,7 @@ bool TakeSerialNumber(std::string_view value, Device& device)
 }
 
 /// 0 is no id: it would end the list of those that detection finds.
-bool TakeReaderIds(std::string_view value, Device& device)
+bool ParseReaderIds(std::string_view value, Device& device)
 {
     const auto ids = acg::FromHex(value);
     if (!ids || std::ranges::count(*ids, 0) != 0) {
@@ -62,7 +62,7 @@ bool TakeReaderIds(std::string_view value, Device& device)
     return true;
 }
 
-bool TakeFault(std::string_view value, Device& device)
+bool ParseFault(std::string_view value, Device& device)
 {
     if (std::ranges::count(value, '/') != 2) {
         return false;
@@ -85,25 +85,25 @@ bool AddChange(std::string_view number, const FieldChange& change, Device& devic
     return after && device.FieldChanges.try_emplace(*after, change).second;
 }
 
-bool TakeLay(std::string_view value, Device& device)
+bool ParsePlace(std::string_view value, Device& device)
 {
     const std::string_view number = CutOff(value, '/');
     const std::string_view serialNumber = CutOff(value, '/');
-    Device laid;
-    const bool isKnown = TakeSerialNumber(serialNumber, laid) && (value.empty() || value == "4k");
-    laid.Card.BlockCount = value.empty() ? BlocksOf1K : BlocksOf4K;
-    return isKnown && AddChange(number, {FieldChange::Kind::Lay, laid.Card}, device);
+    Device placed;
+    const bool isKnown = ParseSerialNumber(serialNumber, placed) && (value.empty() || value == "4k");
+    placed.Card.BlockCount = value.empty() ? BlocksOf1K : BlocksOf4K;
+    return isKnown && AddChange(number, {FieldChange::Kind::Place, placed.Card}, device);
 }
 
 struct Option {
     std::string_view Name;
-    std::string_view Expected;                            ///< the values that it takes
-    bool (*Take)(std::string_view value, Device& device); ///< false where the value isn't one of them
+    std::string_view Expected;                             ///< the values that it takes
+    bool (*Parse)(std::string_view value, Device& device); ///< false if the value isn't one of them
 };
 
 constexpr Option Options[] = {
-    {"card", "1k, 4k or none", TakeCard},
-    {"uid", "8 hexadecimal digits", TakeSerialNumber},
+    {"card", "1k, 4k or none", ParseCard},
+    {"uid", "8 hexadecimal digits", ParseSerialNumber},
     {"image", "the path of a file",
      [](std::string_view value, Device& device) {
          device.Card.ImagePath = value;
@@ -119,9 +119,9 @@ constexpr Option Options[] = {
          device.ReaderType = value;
          return true;
      }},
-    {"readers", "two hexadecimal digits for each reader, not 00", TakeReaderIds},
-    {"fault", "COMMAND/N/LETTER, with N from 1 and one of the letters LNXFOR?IC or none", TakeFault},
-    {"lay", "N/UID or N/UID/4k, with no other change of the field after N commands", TakeLay},
+    {"readers", "two hexadecimal digits for each reader, not 00", ParseReaderIds},
+    {"fault", "COMMAND/N/LETTER, with N from 1 and one of the letters LNXFOR?IC or none", ParseFault},
+    {"place", "N/UID or N/UID/4k, with no other change of the field after N commands", ParsePlace},
     {"remove", "a number of commands, with no other change of the field after as many",
      [](std::string_view value, Device& device) {
          return AddChange(value, {FieldChange::Kind::Remove}, device);
@@ -130,7 +130,7 @@ constexpr Option Options[] = {
      [](std::string_view value, Device& device) {
          return AddChange(value, {FieldChange::Kind::Return}, device);
      }},
-    {"line", "a speed in baud, from 1",
+    {"baud", "a speed in baud, from 1",
      [](std::string_view value, Device& device) {
          device.BaudRate = ParseNumber(value);
          return device.BaudRate.value_or(0) != 0;
@@ -141,6 +141,12 @@ constexpr Option Options[] = {
          return !value.empty();
      }},
 };
+
+/// Two options had other names formerly, which are still taken.
+std::string_view PresentName(std::string_view name)
+{
+    return name == "lay" ? "place" : name == "line" ? "baud" : name;
+}
 
 std::string NamesOfOptions()
 {
@@ -162,7 +168,7 @@ void RefuseContradictions(const Device& device)
             throw Refusal("return=" + std::to_string(after), "no card has left by remove= before");
         }
         hasLeft =
-            change.What == FieldChange::Kind::Remove || (hasLeft && change.What == FieldChange::Kind::Lay);
+            change.What == FieldChange::Kind::Remove || (hasLeft && change.What == FieldChange::Kind::Place);
     }
 }
 
@@ -182,11 +188,11 @@ Device ParseDeviceText(std::string_view Text)
         const std::string_view text = CutOff(Text, ',');
         std::string_view value = text;
         const std::string_view name = CutOff(value, '=');
-        const auto* const option = std::ranges::find(Options, name, &Option::Name);
+        const auto* const option = std::ranges::find(Options, PresentName(name), &Option::Name);
         if (option == std::end(Options) || name == text) {
             throw Refusal(text, "expected one of " + NamesOfOptions());
         }
-        if (!option->Take(value, device)) {
+        if (!option->Parse(value, device)) {
             throw Refusal(text, "expected " + std::string(option->Expected));
         }
         if (!device.ReplayPath.empty() && !isOne) {

@@ -30,16 +30,16 @@ struct CardOptions {
     std::string SavePath;
 };
 
-/// A card is laid in the field in place of the former, or the card leaves it, or the one that left comes
+/// A card is placed in the field instead of the former, or the card leaves it, or the one that left comes
 /// back.
 struct FieldChange {
     enum class Kind {
-        Lay,
+        Place,
         Remove,
         Return
     };
-    Kind What = Kind::Lay;
-    CardOptions Laid; ///< empty unless a card is laid
+    Kind What = Kind::Place;
+    CardOptions Card; ///< empty unless a card is placed
 };
 
 struct Device {

@@ -35,13 +35,13 @@ int32_t Library::Set(Handle comm, Value Line::*setting, Value value)
     });
 }
 
-exports::ReaderLibrary& Library::Answering()
+acgreader::ReaderLibrary& Library::Answering()
 {
     const std::lock_guard lock(m_mutex);
     return m_replay ? static_cast<ReaderLibrary&>(*m_replay) : *this;
 }
 
-Library::Handle Library::OpenComm(Text DeviceText, uint8_t Autodetect, exports::CommSettings& Settings)
+Library::Handle Library::OpenComm(Text DeviceText, uint8_t Autodetect, acgreader::CommSettings& Settings)
 {
     try {
         const Device device = ParseDeviceText(DeviceText);
@@ -54,15 +54,16 @@ Library::Handle Library::OpenComm(Text DeviceText, uint8_t Autodetect, exports::
         }
         return m_replay->OpenComm(DeviceText, Autodetect, Settings);
     } catch (const std::exception& reason) {
-        exports::Report(std::string("OpenComm: ") + reason.what());
+        acgreader::Report(std::string("OpenComm: ") + reason.what());
         return 0;
     }
 }
 
-Library::Handle Library::Open(const Device& Named, const exports::CommSettings& Settings)
+Library::Handle Library::Open(const Device& Named, const acgreader::CommSettings& Settings)
 {
     const std::lock_guard lock(m_mutex);
-    m_lines.insert({++m_lastHandle, {Named, m_cards.Lay(Named.Card), Settings.BaudRate, Settings.Protocol}});
+    m_lines.insert(
+        {++m_lastHandle, {Named, m_cards.Place(Named.Card), Settings.BaudRate, Settings.Protocol}});
     return m_lastHandle;
 }
 

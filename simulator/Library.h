@@ -1,4 +1,4 @@
-// The simulated reader library: what stands behind its handles.
+// The simulated reader library: its links and readers, by their handles.
 #pragma once
 
 #include "abi/ReaderLibrary.h"
@@ -17,16 +17,16 @@ namespace simulator
 /// Its functions can be called from several threads. The autodetect byte changes nothing: a detection would
 /// find the very settings that it is given. The texts' buffers are left alone, since a text comes back as the
 /// result.
-class Library final : public exports::ReaderLibrary
+class Library final : public acgreader::ReaderLibrary
 {
 public:
-    /// Where the answer is 0, a line on the standard error says why.
-    Handle OpenComm(Text DeviceText, uint8_t Autodetect, exports::CommSettings& Settings) override;
+    /// If the result is 0, a line on the standard error says why.
+    Handle OpenComm(Text DeviceText, uint8_t Autodetect, acgreader::CommSettings& Settings) override;
     /// Opens a device that has been read already. Throws a Refusal if it can't be.
-    Handle Open(const Device& Named, const exports::CommSettings& Settings);
+    Handle Open(const Device& Named, const acgreader::CommSettings& Settings);
     /// What answers the next call: the replay once a device has named one, else this library. It lives as
     /// long as this.
-    [[nodiscard]] exports::ReaderLibrary& Answering();
+    [[nodiscard]] acgreader::ReaderLibrary& Answering();
     int32_t SetCommTimeout(Handle Comm, int32_t Timeout) override;
     int32_t SetCommProtocol(Handle Comm, uint8_t Protocol) override;
     uint8_t GetCommProtocol(Handle Comm) override;
@@ -55,7 +55,7 @@ private:
         Reader Opened;
     };
 
-    /// What the body makes of the open line or reader with all other threads locked out; `otherwise` where
+    /// What the body makes of the open line or reader with all other threads locked out; `otherwise` if
     /// the handle isn't open.
     template <class Opened, class Result, class Body>
     Result With(std::map<Handle, Opened>& all, Handle handle, Result otherwise, const Body& body);

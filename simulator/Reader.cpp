@@ -84,8 +84,8 @@ void Reader::ChangeField()
     }
     EndSelection();
     switch (change->second.What) {
-    case FieldChange::Kind::Lay:
-        m_card = m_cards->Lay(change->second.Laid);
+    case FieldChange::Kind::Place:
+        m_card = m_cards->Place(change->second.Card);
         break;
     case FieldChange::Kind::Remove:
         m_removed = m_card != nullptr ? m_card : m_removed;
@@ -200,7 +200,7 @@ void Reader::Save() const
     try {
         SaveImage(*m_saved, m_device.Card.SavePath);
     } catch (const std::runtime_error& reason) {
-        exports::Report(std::string("SendCommandGetData: ") + reason.what());
+        acgreader::Report(std::string("SendCommandGetData: ") + reason.what());
     }
 }
 

@@ -24,7 +24,7 @@ namespace simulator
 class Reader
 {
 public:
-    /// InField is null for an empty field. It and the box, from which further cards are laid, must outlive
+    /// InField is null for an empty field. It and the box, from which further cards are placed, must outlive
     /// the reader, and other readers may use them too.
     Reader(Device Opened, CardBox& Cards, Card* InField);
 

@@ -11,8 +11,6 @@
 namespace simulator
 {
 
-using recorder::CallText;
-
 namespace
 {
 
@@ -27,37 +25,36 @@ constexpr size_t LongestLine = 1'000'000;
 
 } // namespace
 
-Replay::Replay(const std::string& File)
+Replay::Replay(const std::string& file)
 {
-    const std::string option = "replay=" + File;
-    std::ifstream file(File, std::ios::binary);
-    if (!file) {
+    const std::string option = "replay=" + file;
+    std::ifstream log(file, std::ios::binary);
+    if (!log) {
         throw Refusal(option, std::generic_category().message(errno));
     }
-    const std::string end = Read(file);
+    const std::string end = Read(log);
     if (m_calls.empty()) {
         throw Refusal(option, end.empty() ? "the file has no call of OpenComm" : end);
     }
     if (!end.empty()) {
-        exports::Report(std::string("OpenComm: ") +
-                        Refusal(option, end + "; only what precedes it is played").what());
+        acgreader::Report(std::string("OpenComm: ") +
+                          Refusal(option, end + "; only what precedes it is played").what());
     }
 }
 
 /// Returns why the file is read no further; empty at its end.
-std::string Replay::Read(std::istream& file)
+std::string Replay::Read(std::istream& log)
 {
     std::string room(LongestLine, '\0');
-    for (size_t number = 1; file.getline(room.data(), LongestLine) || file.gcount() != 0; ++number) {
+    for (size_t number = 1; log.getline(room.data(), LongestLine) || log.gcount() != 0; ++number) {
         const std::string name = "line " + std::to_string(number);
-        const bool isLong = file.fail();
-        const auto length = static_cast<size_t>(file.gcount()) - (isLong || file.eof() ? 0 : 1);
-        auto logged = recorder::ParseLine({room.data(), length});
+        const bool isLong = log.fail();
+        const auto length = static_cast<size_t>(log.gcount()) - (isLong || log.eof() ? 0 : 1);
+        auto logged = session::ParseLine({room.data(), length});
         if (isLong || !logged) {
             return name + " isn't one of a recorder's log";
         }
-        if (const auto* const gap = std::get_if<recorder::Gap>(&*logged);
-            gap != nullptr && !m_calls.empty()) {
+        if (const auto* const gap = std::get_if<session::Gap>(&*logged); gap != nullptr && !m_calls.empty()) {
             return name + " says that calls are missing: " + std::to_string(gap->Calls);
         }
         if (!Add(*std::move(logged))) {
@@ -68,22 +65,22 @@ std::string Replay::Read(std::istream& file)
 }
 
 /// False for a repetition of calls that aren't there.
-bool Replay::Add(recorder::LoggedLine line)
+bool Replay::Add(session::LoggedLine line)
 {
-    if (auto* const call = std::get_if<recorder::LoggedCall>(&line)) {
+    if (auto* const call = std::get_if<session::LoggedCall>(&line)) {
         if (!m_calls.empty() || call->Call.starts_with("OpenComm ")) {
             m_calls.push_back(std::move(*call));
         }
         return true;
     }
-    const auto* const again = std::get_if<recorder::Repetition>(&line);
+    const auto* const again = std::get_if<session::Repetition>(&line);
     if (again == nullptr || m_calls.empty()) {
         return true;
     }
     const size_t end = m_calls.size();
     const size_t free = end - (m_rounds.empty() ? 0 : m_rounds.back().End);
     if (free >= again->Calls) {
-        const recorder::LoggedCall& first = m_calls[end - again->Calls];
+        const session::LoggedCall& first = m_calls[end - again->Calls];
         m_rounds.push_back({.Begin = end - again->Calls,
                             .End = end,
                             .Lasted = m_calls.back().Start + m_calls.back().Duration - first.Start});
@@ -150,12 +147,12 @@ const std::string* Replay::ResultOf(const std::string& call)
     const auto now = Clock::now();
     const size_t expected = m_places.back().Next;
     std::erase_if(m_places, [&](const Place& place) {
-        return place.Next == m_calls.size() || !recorder::IsSameCall(m_calls[place.Next].Call, call);
+        return place.Next == m_calls.size() || !session::IsSameCall(m_calls[place.Next].Call, call);
     });
     if (m_places.empty()) {
-        exports::Report("replay: expected " +
-                        (expected < m_calls.size() ? m_calls[expected].Call : "no further call") + ", not " +
-                        call);
+        acgreader::Report("replay: expected " +
+                          (expected < m_calls.size() ? m_calls[expected].Call : "no further call") +
+                          ", not " + call);
         return nullptr;
     }
     const auto result = [this](const Place& place) -> const std::string& {
@@ -171,85 +168,6 @@ const std::string* Replay::ResultOf(const std::string& call)
     const std::string& answer = result(m_places.front());
     m_places = After(m_places, now);
     return &answer;
-}
-
-template <class Number>
-Number Replay::PlayNumber(const std::string& call)
-{
-    const std::string* const result = ResultOf(call);
-    return result != nullptr ? static_cast<Number>(recorder::NumberOf(*result)) : Number{0};
-}
-
-std::string Replay::PlayText(const std::string& call, std::string otherwise)
-{
-    const std::string* const result = ResultOf(call);
-    return result != nullptr ? recorder::TextOf(*result) : std::move(otherwise);
-}
-
-Replay::Handle Replay::OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings)
-{
-    return PlayNumber<Handle>(recorder::OpenCommText(Device, Autodetect, Settings));
-}
-
-int32_t Replay::SetCommTimeout(Handle Comm, int32_t Timeout)
-{
-    return PlayNumber<int32_t>(CallText("SetCommTimeout", {Comm, Timeout}));
-}
-
-int32_t Replay::SetCommProtocol(Handle Comm, uint8_t Protocol)
-{
-    return PlayNumber<int32_t>(CallText("SetCommProtocol", {Comm, Protocol}));
-}
-
-uint8_t Replay::GetCommProtocol(Handle Comm)
-{
-    return PlayNumber<uint8_t>(CallText("GetCommProtocol", {Comm}));
-}
-
-int32_t Replay::GetCommBaudRate(Handle Comm)
-{
-    return PlayNumber<int32_t>(CallText("GetCommBaudRate", {Comm}));
-}
-
-int32_t Replay::GetCommTimeout(Handle Comm)
-{
-    return PlayNumber<int32_t>(CallText("GetCommTimeout", {Comm}));
-}
-
-std::string Replay::DetectReader(Handle Comm, Buffer /*buffer*/)
-{
-    return PlayText(CallText("DetectReader", {Comm}));
-}
-
-Replay::Handle Replay::OpenReader(Handle Comm, uint8_t Id, int32_t Third)
-{
-    return PlayNumber<Handle>(CallText("OpenReader", {Comm, Id, Third}));
-}
-
-std::string Replay::GetReaderType(Handle Reader, Buffer /*buffer*/)
-{
-    return PlayText(CallText("GetReaderType", {Reader}));
-}
-
-std::string Replay::GetDeviceID(Handle Reader, Buffer /*buffer*/)
-{
-    return PlayText(CallText("GetDeviceID", {Reader}));
-}
-
-std::string Replay::SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer buffer)
-{
-    return PlayText(recorder::CommandText(Reader, Command, Data),
-                    ReaderLibrary::SendCommandGetData(Reader, Command, Data, buffer));
-}
-
-int32_t Replay::CloseReader(Handle Reader)
-{
-    return PlayNumber<int32_t>(CallText("CloseReader", {Reader}));
-}
-
-int32_t Replay::CloseComm(Handle Comm)
-{
-    return PlayNumber<int32_t>(CallText("CloseComm", {Comm}));
 }
 
 } // namespace simulator

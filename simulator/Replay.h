@@ -1,13 +1,13 @@
 // A reader library that answers from the log of a recorded session.
 #pragma once
 
-#include "abi/ReaderLibrary.h"
 #include "acg/platform/Mutex.h"
-#include "session/SessionLog.h"
+#include "session/CallForwarder.h"
 
 #include <chrono>
 #include <istream>
 #include <string>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -22,26 +22,26 @@ namespace simulator
 /// round or be the one after it, with another result, is taken for the one after it once the round has been
 /// repeated as often as in the log (up to 16 times: the host may have counted), or for as long as in the log
 /// (above: it looked at a clock).
-class Replay final : public exports::ReaderLibrary
+class Replay final : public session::CallForwarder<Replay>
 {
 public:
     /// Throws a Refusal if the file can't be read or isn't a log with an OpenComm in it. A log that can't
     /// be read to its end, or has a gap, is played up to there, and the standard error says so.
-    explicit Replay(const std::string& File);
+    explicit Replay(const std::string& file);
 
-    Handle OpenComm(Text Device, uint8_t Autodetect, exports::CommSettings& Settings) override;
-    int32_t SetCommTimeout(Handle Comm, int32_t Timeout) override;
-    int32_t SetCommProtocol(Handle Comm, uint8_t Protocol) override;
-    uint8_t GetCommProtocol(Handle Comm) override;
-    int32_t GetCommBaudRate(Handle Comm) override;
-    int32_t GetCommTimeout(Handle Comm) override;
-    std::string DetectReader(Handle Comm, Buffer) override;
-    Handle OpenReader(Handle Comm, uint8_t Id, int32_t Third) override;
-    std::string GetReaderType(Handle Reader, Buffer) override;
-    std::string GetDeviceID(Handle Reader, Buffer) override;
-    std::string SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer) override;
-    int32_t CloseReader(Handle Reader) override;
-    int32_t CloseComm(Handle Comm) override;
+    template <acgreader::Function, class Result, class Describe, class... Arguments>
+    Result Call(Result closed, const Describe& /*describe*/, const std::string& call, Arguments&...)
+    {
+        const std::string* const result = ResultOf(call);
+        if (result == nullptr) {
+            return closed;
+        }
+        if constexpr (std::is_same_v<Result, std::string>) {
+            return session::ParseText(*result);
+        } else {
+            return static_cast<Result>(session::ParseNumber(*result));
+        }
+    }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -61,19 +61,16 @@ private:
         Clock::time_point Since{}; ///< the first call of the round
     };
 
-    [[nodiscard]] std::string Read(std::istream& file);
-    [[nodiscard]] bool Add(recorder::LoggedLine line);
+    [[nodiscard]] std::string Read(std::istream& log);
+    [[nodiscard]] bool Add(session::LoggedLine line);
     [[nodiscard]] const Round* RoundAt(size_t call) const;
     [[nodiscard]] bool IsOver(const Place& place, const Place& later, Clock::time_point now) const;
     [[nodiscard]] std::vector<Place> After(const std::vector<Place>& places, Clock::time_point now) const;
     /// Null if the call isn't the next one, or another wasn't before.
     [[nodiscard]] const std::string* ResultOf(const std::string& call);
-    template <class Number>
-    Number PlayNumber(const std::string& call);
-    std::string PlayText(const std::string& call, std::string otherwise = {});
 
     acg::Mutex m_mutex;
-    std::vector<recorder::LoggedCall> m_calls;
+    std::vector<session::LoggedCall> m_calls;
     std::vector<Round> m_rounds;    ///< one after the other
     std::vector<Place> m_places{1}; ///< the least advanced first; none after a call that wasn't next
 };

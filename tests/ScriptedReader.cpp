@@ -28,7 +28,7 @@ EntryPoint ScriptedReader::Find(ReaderFunction function)
     if (LibraryMissing || Missing.contains(function) || isFault) {
         return {.LibraryLoaded = !LibraryMissing, .SystemError = MissingError};
     }
-    return {.Address = exports::FindFunction(m_function), .LibraryLoaded = true};
+    return {.Address = acgreader::FindFunction(function), .LibraryLoaded = true};
 }
 
 std::string ScriptedReader::SendCommandGetData(Handle reader, Text command, Text data, Buffer buffer)
@@ -60,7 +60,7 @@ std::ostream& operator<<(std::ostream& out, const CError& record)
 
 } // namespace acg
 
-exports::ReaderLibrary& exports::TheLibrary()
+acgreader::ReaderLibrary& acgreader::TheLibrary()
 {
     return *acg::ScriptedReader::current;
 }

@@ -34,7 +34,7 @@ private:
 ///
 /// It answers as a reader with a card in its field does, and accepts every login. A command that has no reply
 /// in the script is a test failure.
-class ScriptedReader final : private exports::ReaderLibrary
+class ScriptedReader final : private acgreader::ReaderLibrary
 {
 public:
     static constexpr int Always = 1000000;
@@ -79,9 +79,9 @@ public:
     void Forget();
 
 private:
-    friend exports::ReaderLibrary& exports::TheLibrary();
+    friend acgreader::ReaderLibrary& acgreader::TheLibrary();
 
-    Handle OpenComm(Text device, uint8_t autodetect, exports::CommSettings& settings) override
+    Handle OpenComm(Text device, uint8_t autodetect, acgreader::CommSettings& settings) override
     {
         const int32_t baudRate = std::exchange(settings.BaudRate, -1); // nobody reads it
         return Answer(Comm, device, int{autodetect}, baudRate, int{settings.Protocol});

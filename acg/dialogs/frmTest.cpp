@@ -1,5 +1,6 @@
 #include "acg/dialogs/frmTest.h"
 
+#include "abi/ACGReader330.h"
 #include "acg/dialogs/Texts.h"
 #include "acg/encoder/NumberReading.h"
 #include "acg/platform/ThreadObject.h"

@@ -1,4 +1,5 @@
 // The information text, and opening and closing the reader.
+#include "abi/ACGReader330.h"
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/Failures.h"
 #include "acg/encoder/NumberReading.h"

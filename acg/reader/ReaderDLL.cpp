@@ -1,10 +1,12 @@
 #include "acg/reader/ReaderDLL.h"
 
+#include "abi/ACGReader330.h"
 #include "acg/platform/AnsiText.h"
 #include "acg/platform/Secret.h"
 
 #include <array>
 #include <atomic>
+#include <type_traits>
 #include <utility>
 
 namespace acg
@@ -20,31 +22,28 @@ namespace
 constexpr int32_t FileNotFound = 53;
 constexpr int32_t EntryPointNotFound = 453;
 
-struct FunctionTexts {
-    const char* Name;
-    LiteralText NotFound;
-};
-
-// clang-format off
-#define ACG_FUNCTION(name) { #name, L"Can't find entry point " #name " in " ACG_LIBRARY }
-// clang-format on
-
-/// In the order of ReaderFunction.
-constexpr FunctionTexts Functions[] = {
-    ACG_FUNCTION(OpenComm),        ACG_FUNCTION(SetCommTimeout),     ACG_FUNCTION(SetCommProtocol),
-    ACG_FUNCTION(GetCommProtocol), ACG_FUNCTION(GetCommBaudRate),    ACG_FUNCTION(GetCommTimeout),
-    ACG_FUNCTION(DetectReader),    ACG_FUNCTION(OpenReader),         ACG_FUNCTION(GetReaderType),
-    ACG_FUNCTION(GetDeviceID),     ACG_FUNCTION(SendCommandGetData), ACG_FUNCTION(CloseReader),
-    ACG_FUNCTION(CloseComm),
-};
-static_assert(std::size(Functions) == ReaderFunctionCount);
+#define ACG_NOT_FOUND(name) L"Can't find entry point " #name " in " ACG_LIBRARY,
+/// By ReaderFunction.
+constexpr LiteralText NotFoundTexts[] = {ACG_READER_FUNCTIONS(ACG_NOT_FOUND)};
+#undef ACG_NOT_FOUND
 
 Failure CallFailure(ReaderFunction function, const EntryPoint& missing)
 {
     if (!missing.LibraryLoaded) {
         return {FileNotFound, L"File not found: " ACG_LIBRARY, missing.SystemError};
     }
-    return {EntryPointNotFound, Functions[static_cast<size_t>(function)].NotFound, missing.SystemError};
+    return {EntryPointNotFound, NotFoundTexts[static_cast<size_t>(function)], missing.SystemError};
+}
+
+/// A handle as the library takes it; any other argument is unchanged.
+template <class Argument>
+auto Plain(Argument argument)
+{
+    if constexpr (std::is_enum_v<Argument>) {
+        return static_cast<std::underlying_type_t<Argument>>(argument);
+    } else {
+        return argument;
+    }
 }
 
 /// A text of NUL characters for the library to work in. It isn't read afterwards.
@@ -53,137 +52,138 @@ using Buffer = std::array<char, Characters + 1>;
 
 } // namespace
 
-const char* Name(ReaderFunction Function)
+const int ReaderFunctionCount = acgreader::FunctionCount;
+
+const char* Name(ReaderFunction function)
 {
-    return Functions[static_cast<size_t>(Function)].Name;
+    return acgreader::NameOf(function);
 }
 
-EntryPoint FindInLibrary(ReaderFunction Function)
+EntryPoint FindInLibrary(ReaderFunction function)
 {
     static constinit Library library(ACG_LIBRARY);
-    static constinit std::array<std::atomic<EntryPoint::Function>, ReaderFunctionCount> found{};
+    static constinit std::array<std::atomic<EntryPoint::Function>, acgreader::FunctionCount> found{};
 
-    std::atomic<EntryPoint::Function>& known = found[static_cast<size_t>(Function)];
+    std::atomic<EntryPoint::Function>& known = found[static_cast<size_t>(function)];
     if (const EntryPoint::Function address = known) {
         return {.Address = address, .LibraryLoaded = true};
     }
-    const EntryPoint entry = library.Find(Name(Function));
+    const EntryPoint entry = library.Find(Name(function));
     known = entry.Address;
     return entry;
 }
 
 ReaderDLL::ReaderDLL() : ReaderDLL(FindInLibrary) {}
 
-ReaderDLL::ReaderDLL(EntryPointLookUp LookUp) : m_lookUp(std::move(LookUp)) {}
+ReaderDLL::ReaderDLL(EntryPointLookUp lookUp) : m_lookUp(std::move(lookUp)) {}
 
-template <class Result, class... Arguments>
-Failure ReaderDLL::Call(ReaderFunction Function, Result& result, Arguments... arguments) const
+template <ReaderFunction function, class Result, class... Arguments>
+Failure ReaderDLL::Call(Result& result, Arguments... arguments) const
 {
-    const EntryPoint entry = m_lookUp(Function);
+    const EntryPoint entry = m_lookUp(function);
     if (entry.Address == nullptr) {
-        return CallFailure(Function, entry);
+        return CallFailure(function, entry);
     }
-    using Signature = Result(ACG_READER_CALL*)(Arguments...);
-    result = reinterpret_cast<Signature>(entry.Address)(arguments...);
+    result = Result{reinterpret_cast<acgreader::Pointer<function>>(entry.Address)(Plain(arguments)...)};
     return {};
 }
 
-template <class... Arguments>
-Failure ReaderDLL::CallForText(ReaderFunction Function, std::wstring& Text, Arguments... arguments) const
+template <ReaderFunction function, class... Arguments>
+Failure ReaderDLL::CallForText(std::wstring& text, Arguments... arguments) const
 {
     char* bytes = nullptr;
-    const Failure failure = Call(Function, bytes, arguments...);
+    const Failure failure = Call<function>(bytes, arguments...);
     const ByteString owner(bytes);
     if (!failure) {
-        ReplaceByAnsi(Text, owner.Bytes());
+        ReplaceByAnsi(text, owner.Bytes());
     }
     return failure;
 }
 
-Failure ReaderDLL::OpenComm(std::wstring_view Device, uint8_t Autodetect, CommSettings& Settings,
-                            CommHandle& Comm) const
+Failure ReaderDLL::OpenComm(std::wstring_view device, uint8_t autodetect, CommSettings& settings,
+                            CommHandle& comm) const
 {
-    return Call(ReaderFunction::OpenComm, Comm, ToAnsi(Device).c_str(), Autodetect, &Settings);
+    return Call<ReaderFunction::OpenComm>(comm, ToAnsi(device).c_str(), autodetect, &settings);
 }
 
-Failure ReaderDLL::SetCommTimeout(CommHandle Comm, int32_t Timeout) const
-{
-    int32_t notRead = 0;
-    return Call(ReaderFunction::SetCommTimeout, notRead, Comm, Timeout);
-}
-
-Failure ReaderDLL::SetCommProtocol(CommHandle Comm, uint8_t Protocol) const
+Failure ReaderDLL::SetCommTimeout(CommHandle comm, int32_t timeout) const
 {
     int32_t notRead = 0;
-    return Call(ReaderFunction::SetCommProtocol, notRead, Comm, Protocol);
+    return Call<ReaderFunction::SetCommTimeout>(notRead, comm, timeout);
 }
 
-Failure ReaderDLL::GetCommProtocol(CommHandle Comm, uint8_t& Protocol) const
+Failure ReaderDLL::SetCommProtocol(CommHandle comm, uint8_t protocol) const
 {
-    return Call(ReaderFunction::GetCommProtocol, Protocol, Comm);
+    int32_t notRead = 0;
+    return Call<ReaderFunction::SetCommProtocol>(notRead, comm, protocol);
 }
 
-Failure ReaderDLL::GetCommBaudRate(CommHandle Comm, int32_t& BaudRate) const
+Failure ReaderDLL::GetCommProtocol(CommHandle comm, uint8_t& protocol) const
 {
-    return Call(ReaderFunction::GetCommBaudRate, BaudRate, Comm);
+    return Call<ReaderFunction::GetCommProtocol>(protocol, comm);
 }
 
-Failure ReaderDLL::GetCommTimeout(CommHandle Comm, int32_t& Timeout) const
+Failure ReaderDLL::GetCommBaudRate(CommHandle comm, int32_t& baudRate) const
 {
-    return Call(ReaderFunction::GetCommTimeout, Timeout, Comm);
+    return Call<ReaderFunction::GetCommBaudRate>(baudRate, comm);
 }
 
-Failure ReaderDLL::DetectReader(CommHandle Comm, std::string& Readers) const
+Failure ReaderDLL::GetCommTimeout(CommHandle comm, int32_t& timeout) const
+{
+    return Call<ReaderFunction::GetCommTimeout>(timeout, comm);
+}
+
+Failure ReaderDLL::DetectReader(CommHandle comm, std::string& readers) const
 {
     Buffer<256> buffer{};
     char* bytes = nullptr;
-    const Failure failure = Call(ReaderFunction::DetectReader, bytes, Comm, buffer.data());
+    const Failure failure = Call<ReaderFunction::DetectReader>(bytes, comm, buffer.data());
     const ByteString owner(bytes);
     if (!failure) {
-        Readers = owner.Bytes().substr(0, owner.Bytes().find('\0'));
+        readers = owner.Bytes().substr(0, owner.Bytes().find('\0'));
     }
     return failure;
 }
 
-Failure ReaderDLL::OpenReader(CommHandle Comm, uint8_t ReaderId, ReaderHandle& Reader) const
+Failure ReaderDLL::OpenReader(CommHandle comm, uint8_t readerId, ReaderHandle& reader) const
 {
     const int32_t thirdArgument = 0; // required by the library; always 0
-    return Call(ReaderFunction::OpenReader, Reader, Comm, ReaderId, thirdArgument);
+    return Call<ReaderFunction::OpenReader>(reader, comm, readerId, thirdArgument);
 }
 
-Failure ReaderDLL::GetReaderType(ReaderHandle Reader, std::wstring& Type) const
+Failure ReaderDLL::GetReaderType(ReaderHandle reader, std::wstring& type) const
 {
     Buffer<100> buffer{};
-    return CallForText(ReaderFunction::GetReaderType, Type, Reader, buffer.data());
+    return CallForText<ReaderFunction::GetReaderType>(type, reader, buffer.data());
 }
 
-Failure ReaderDLL::GetDeviceID(ReaderHandle Reader, std::wstring& Id) const
+Failure ReaderDLL::GetDeviceID(ReaderHandle reader, std::wstring& id) const
 {
     Buffer<20> buffer{};
-    return CallForText(ReaderFunction::GetDeviceID, Id, Reader, buffer.data());
+    return CallForText<ReaderFunction::GetDeviceID>(id, reader, buffer.data());
 }
 
-Failure ReaderDLL::SendCommandGetData(ReaderHandle Reader, const char* Command, const char* Data,
-                                      ByteString& Reply)
+Failure ReaderDLL::SendCommandGetData(ReaderHandle reader, const char* command, const char* data,
+                                      ByteString& reply)
 {
     char* bytes = nullptr;
     const Failure failure =
-        Call(ReaderFunction::SendCommandGetData, bytes, Reader, Command, Data, m_replyBuffer);
+        Call<ReaderFunction::SendCommandGetData>(bytes, reader, command, data, m_replyBuffer);
     Wipe(m_replyBuffer, sizeof m_replyBuffer);
-    Reply = ByteString(bytes);
+    reply = ByteString(bytes);
     return failure;
 }
 
-Failure ReaderDLL::CloseReader(ReaderHandle Reader) const
+Failure ReaderDLL::CloseReader(ReaderHandle reader) const
 {
     int32_t notRead = 0;
-    return Call(ReaderFunction::CloseReader, notRead, Reader);
+    return Call<ReaderFunction::CloseReader>(notRead, reader);
 }
 
-Failure ReaderDLL::CloseComm(CommHandle Comm) const
+Failure ReaderDLL::CloseComm(CommHandle comm) const
 {
     int32_t notRead = 0;
-    return Call(ReaderFunction::CloseComm, notRead, Comm);
+    return Call<ReaderFunction::CloseComm>(notRead, comm);
 }
 
 } // namespace acg

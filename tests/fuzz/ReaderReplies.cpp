@@ -14,13 +14,13 @@ namespace
 {
 
 /// Its handles are digits.
-struct Library final : exports::ReaderLibrary {
+struct Library final : acgreader::ReaderLibrary {
     std::string Reply;
     Handle Comm = 0;
     Handle Reader = 0;
 
     [[nodiscard]] Handle Digit() const { return static_cast<Handle>(std::atoi(Reply.substr(0, 1).c_str())); }
-    Handle OpenComm(Text, uint8_t, exports::CommSettings&) override { return Comm = Digit(); }
+    Handle OpenComm(Text, uint8_t, acgreader::CommSettings&) override { return Comm = Digit(); }
     std::string DetectReader(Handle, Buffer) override { return Reply; }
     Handle OpenReader(Handle, uint8_t, int32_t) override { return Reader = Digit(); }
     std::string GetReaderType(Handle, Buffer) override { return Reply; }
@@ -32,7 +32,7 @@ Library library;
 
 } // namespace
 
-exports::ReaderLibrary& exports::TheLibrary()
+acgreader::ReaderLibrary& acgreader::TheLibrary()
 {
     return library;
 }
@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
             return {.LibraryLoaded = true};
         }
         std::ranges::replace(library.Reply, '~', '\0');
-        return {.Address = exports::FindFunction(Name(function)), .LibraryLoaded = true};
+        return {.Address = acgreader::FindFunction(function), .LibraryLoaded = true};
     };
     {
         std::chrono::steady_clock::time_point now;

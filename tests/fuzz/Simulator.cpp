@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
 {
     FuzzedDataProvider input(Data, Size);
     simulator::Library library;
-    const exports::CommSettings settings;
+    const acgreader::CommSettings settings;
     uint32_t comm = 0;
     try {
         simulator::Device device = simulator::ParseDeviceText(input.ConsumeRandomLengthString());

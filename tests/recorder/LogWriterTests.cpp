@@ -7,6 +7,7 @@
 #include <fstream>
 
 using namespace recorder;
+using namespace session;
 
 namespace
 {

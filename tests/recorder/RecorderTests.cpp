@@ -1,4 +1,5 @@
 // The recorder as a library, between a host and the simulated reader, and the replay of what it has written.
+#include "abi/ACGReader330.h"
 #include "acg/platform/AnsiText.h"
 #include "acg/platform/LibraryFile.h"
 #include "acg/reader/ReaderDLL.h"

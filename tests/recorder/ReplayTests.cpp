@@ -54,7 +54,7 @@ TEST(ReplayTest, ARoundIsAnsweredAsOftenAsItIsAsked)
         }
         file.close();
         simulator::Replay replay(path.string());
-        exports::CommSettings settings;
+        acgreader::CommSettings settings;
         EXPECT_EQ(replay.OpenComm("", 0, settings), 1U);
         std::string answered;
         for (const char call : calls) {

@@ -32,7 +32,7 @@ full "$folder" 'Is a directory'
 
 # A card that comes after 4000 commands.
 export ACG_READER_LOG=$folder/wait.log
-diff <(tail -n +2 <<<"$shown") <("$folder/example-host" Device=com1,card=none,lay=4000/1D2C3B4A | tail -n +2)
+diff <(tail -n +2 <<<"$shown") <("$folder/example-host" Device=com1,card=none,place=4000/1D2C3B4A | tail -n +2)
 printf '0.1 Close' >>"$ACG_READER_LOG" # a session that was cut off
 "$folder/example-host" >/dev/null
 [ "$(grep -c ' repeated: calls 3, times 1332 ' "$ACG_READER_LOG")" -eq 1 ]

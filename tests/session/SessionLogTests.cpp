@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-using namespace recorder;
+using namespace session;
 
 namespace
 {
@@ -79,21 +79,24 @@ TEST(SessionLogTest, ALineIsReadBackAsItWasWritten)
     for (int byte = 0; byte < 256; ++byte) {
         bytes += static_cast<char>(byte);
     }
-    const LoggedCall call{OpenCommText(bytes, 1, {.BaudRate = -9600, .Protocol = 1}), ResultText(4294967295),
-                          12345us, 67us};
+    const auto openComm = [](std::string_view device, uint8_t autodetect) {
+        const acgreader::CommSettings settings{.BaudRate = -9600, .Protocol = 1};
+        return CallText(acgreader::Function::OpenComm, {device, autodetect, settings});
+    };
+    const LoggedCall call{openComm(bytes, 1), ResultText(4294967295), 12345us, 67us};
     const std::string line = LogLine(call);
     EXPECT_TRUE(line.starts_with("12.345 OpenComm \"") && line.ends_with("1 -9600 1 = 4294967295 0.067\n"));
     const LoggedLine parsed = ParseLine(line.substr(0, line.size() - 1) + '\r').value_or(Gap{});
     const auto* const read = std::get_if<LoggedCall>(&parsed);
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(read->Call, call.Call);
-    EXPECT_EQ(NumberOf(read->Result), 4294967295);
-    EXPECT_TRUE(IsSameCall(read->Call, OpenCommText("com1", 1, {.BaudRate = -9600, .Protocol = 1})));
-    EXPECT_FALSE(IsSameCall(read->Call, OpenCommText("com1", 2, {.BaudRate = -9600, .Protocol = 1})));
-    EXPECT_EQ(TextOf(ResultText(bytes.substr(1) + '\0')), bytes.substr(1) + '\0');
+    EXPECT_EQ(ParseNumber(read->Result), 4294967295);
+    EXPECT_TRUE(IsSameCall(read->Call, openComm("com1", 1)));
+    EXPECT_FALSE(IsSameCall(read->Call, openComm("com1", 2)));
+    EXPECT_EQ(ParseText(ResultText(bytes.substr(1) + '\0')), bytes.substr(1) + '\0');
     EXPECT_TRUE(IsSameCall(R"(X "01AA***" "*" 1)", R"(X "01AA****" "07" 1)"));
     EXPECT_FALSE(IsSameCall(R"(X "01AA***" 1)", R"(X "01BB***" 1)"));
-    EXPECT_EQ(TextOf(R"("**\*")"), "00*");
+    EXPECT_EQ(ParseText(R"("**\*")"), "00*");
 
     for (const char* wrong :
          {"text", "1.0", "1.0 Dance 1 = 1 0.0", "1.0 CloseComm = 1 0.0", "1.0 CloseComm 1 1 = 1 0.0",

@@ -25,7 +25,7 @@ protected:
 
     uint32_t OpenLine(const std::string& options)
     {
-        exports::CommSettings settings = {.BaudRate = 19200, .Protocol = 1};
+        acgreader::CommSettings settings = {.BaudRate = 19200, .Protocol = 1};
         return library.OpenComm("com1" + options, /*Autodetect=*/1, settings);
     }
     uint32_t Open(const std::string& options) { return library.OpenReader(OpenLine(options), 0x41, 0); }
@@ -54,12 +54,13 @@ TEST_F(SimulatorTest, UnknownOptionsAreRefusedWithALineThatSaysWhy)
     for (const char* options : {"", ",reader=", ",readers=", ",fault=write vblock/12/?"}) {
         EXPECT_NE(OpenLine(options), 0U) << options;
     }
-    std::istringstream refused("card=2k card= CARD=1k uid=A1B2C3 uid=A1B2C3DG reader readers=4100 colour=red "
-                               "remove= remove=1x remove=4294967296 fault=login/1 fault=login/0/N "
-                               "fault=login/1/Z fault=login/1/NX fault=login/1/N/ fault=dance/1/N ,card=1k "
-                               "image= image=. image=no\x01where save= save=nowhere/card save=c,card=none "
-                               "line=0 line=fast lay=1/A1B2C3 lay=x/A1B2C3D4 lay=1/A1B2C3D4/2k return=1 "
-                               "return=1,remove=2 remove=1,remove=1");
+    std::istringstream refused(
+        "card=2k card= CARD=1k uid=A1B2C3 uid=A1B2C3DG reader readers=4100 colour=red "
+        "remove= remove=1x remove=4294967296 fault=login/1 fault=login/0/N "
+        "fault=login/1/Z fault=login/1/NX fault=login/1/N/ fault=dance/1/N ,card=1k "
+        "image= image=. image=no\x01where save= save=nowhere/card save=c,card=none "
+        "baud=0 baud=fast place=1/A1B2C3 place=x/A1B2C3D4 place=1/A1B2C3D4/2k return=1 "
+        "return=1,remove=2 remove=1,remove=1");
     for (std::string option; refused >> option;) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(OpenLine("," + option), 0U);
@@ -158,7 +159,7 @@ TEST_F(SimulatorTest, AReplayEndsAtTheFirstCallThatIsNotNext)
     const std::string other = path + ",card=1k";
     EXPECT_EQ(OpenLine(",replay=" + other), 0U);
     EXPECT_EQ(OpenLine(",replay=" + path), 7U);
-    exports::ReaderLibrary& replay = library.Answering();
+    acgreader::ReaderLibrary& replay = library.Answering();
     EXPECT_EQ(replay.OpenReader(7, 65, 0), 8U);
     EXPECT_EQ(replay.SendCommandGetData(8, "login", "01AAA0A1A2A3A4A5", {}), StatusReply('L'));
     EXPECT_EQ(replay.SendCommandGetData(8, "read block", "05", {}), StatusReply('?'));

@@ -1,5 +1,6 @@
 // What is promised of several threads: look-ups in one library, the simulated reader library, and the
 // recorder. A program of its own, for the thread sanitizer, under which a race is a failure.
+#include "abi/ACGReader330.h"
 #include "acg/platform/AnsiText.h"
 #include "acg/platform/LibraryFile.h"
 #include "acg/reader/ReaderDLL.h"
