@@ -31,9 +31,9 @@ template <class Char>
     return bits < 0x80;
 }
 
-/// Replaces Text by a text of the library, which ends at its first NUL and is cut to Most characters. Both
+/// Replaces Text by a text of the library, which ends at its first NUL and is cut to `most` characters. Both
 /// may hold a key.
-void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Most = std::wstring_view::npos);
+void ReplaceByAnsi(std::wstring& Text, std::string_view by, size_t most = std::wstring_view::npos);
 
 /// Owner of a length-counted byte string: a pointer to its first byte, with the 32-bit length in bytes
 /// directly before it. Windows: a BSTR made with SysAllocStringByteLen. Elsewhere: one malloc of
@@ -41,11 +41,11 @@ void ReplaceByAnsi(std::wstring& Text, std::string_view By, size_t Most = std::w
 class ByteString
 {
 public:
-    explicit ByteString(char* Bytes = nullptr) : m_bytes(Bytes) {}
-    ByteString(ByteString&& Other) noexcept : m_bytes(std::exchange(Other.m_bytes, nullptr)) {}
-    ByteString& operator=(ByteString&& Other) noexcept
+    explicit ByteString(char* bytes = nullptr) : m_bytes(bytes) {}
+    ByteString(ByteString&& other) noexcept : m_bytes(std::exchange(other.m_bytes, nullptr)) {}
+    ByteString& operator=(ByteString&& other) noexcept
     {
-        std::swap(m_bytes, Other.m_bytes);
+        std::swap(m_bytes, other.m_bytes);
         return *this;
     }
     ByteString(const ByteString&) = delete;

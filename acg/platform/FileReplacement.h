@@ -41,11 +41,11 @@ public:
     /// Creates the temporary file. Fails with std::errc::file_exists for a file that is to be kept, with
     /// std::errc::permission_denied for one that is read-only (that its owner may not write, whoever asks),
     /// with NotARegularFile, or with an error of the system. To be called once.
-    [[nodiscard]] std::error_code Create(const SystemPath& File, ExistingFile Existing);
+    [[nodiscard]] std::error_code Create(const SystemPath& file, ExistingFile existing);
 
     /// Writes the contents to the disk, and replaces the file. After a failure, of the same kinds, the file
     /// is unchanged. To be called once, after Create.
-    [[nodiscard]] std::error_code Finish(std::string_view Contents);
+    [[nodiscard]] std::error_code Finish(std::string_view contents);
 
 private:
     /// Gives the temporary file its name for good.
@@ -57,8 +57,8 @@ private:
     ExistingFile m_existing = ExistingFile::Kept;
 };
 
-/// Reads a file that others may replace meanwhile. Contents: its size is the most that is read; cut to what
+/// Reads a file that others may replace meanwhile. contents: its size is the most that is read; cut to what
 /// there was.
-[[nodiscard]] std::error_code ReadContents(const SystemPath& File, std::vector<uint8_t>& Contents);
+[[nodiscard]] std::error_code ReadContents(const SystemPath& file, std::vector<uint8_t>& contents);
 
 } // namespace acg

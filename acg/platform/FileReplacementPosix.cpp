@@ -80,24 +80,24 @@ FileReplacement::~FileReplacement()
     }
 }
 
-std::error_code FileReplacement::Create(const SystemPath& File, ExistingFile Existing)
+std::error_code FileReplacement::Create(const SystemPath& file, ExistingFile existing)
 {
     struct stat status = {};
-    const bool exists = stat(File.c_str(), &status) == 0;
-    if ((!exists && errno != ENOENT) || File.empty()) {
+    const bool exists = stat(file.c_str(), &status) == 0;
+    if ((!exists && errno != ENOENT) || file.empty()) {
         return LastError();
     }
     if (exists && !S_ISREG(status.st_mode)) {
         return make_error_code(NotARegularFile);
     }
-    if (exists && Existing == ExistingFile::Kept) {
+    if (exists && existing == ExistingFile::Kept) {
         return make_error_code(std::errc::file_exists);
     }
     if (exists && (status.st_mode & S_IWUSR) == 0) {
         return make_error_code(std::errc::permission_denied); // a renaming doesn't look at the mode
     }
-    m_file = Followed(File);
-    m_existing = Existing;
+    m_file = Followed(file);
+    m_existing = existing;
     std::string name = m_file + ".XXXXXX";
     m_handle = mkostemp(name.data(), O_CLOEXEC);
     if (m_handle == -1) {
@@ -107,12 +107,12 @@ std::error_code FileReplacement::Create(const SystemPath& File, ExistingFile Exi
     return {};
 }
 
-std::error_code FileReplacement::Finish(std::string_view Contents)
+std::error_code FileReplacement::Finish(std::string_view contents)
 {
     const int file = static_cast<int>(m_handle);
     struct stat former = {};
     const bool isReplaced = lstat(m_file.c_str(), &former) == 0 && S_ISREG(former.st_mode);
-    if (!WriteAll(file, Contents) || (isReplaced && !CopyRights(former, file))) {
+    if (!WriteAll(file, contents) || (isReplaced && !CopyRights(former, file))) {
         return LastError();
     }
     return Rename();
@@ -137,11 +137,11 @@ std::error_code FileReplacement::Rename()
     return {};
 }
 
-std::error_code ReadContents(const SystemPath& File, std::vector<uint8_t>& Contents)
+std::error_code ReadContents(const SystemPath& file, std::vector<uint8_t>& contents)
 {
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(File.c_str(), "rbe"), &std::fclose);
-    Contents.resize(file ? std::fread(Contents.data(), 1, Contents.size(), file.get()) : 0);
-    return !file || std::ferror(file.get()) != 0 ? LastError() : std::error_code();
+    const std::unique_ptr<FILE, int (*)(FILE*)> stream(std::fopen(file.c_str(), "rbe"), &std::fclose);
+    contents.resize(stream ? std::fread(contents.data(), 1, contents.size(), stream.get()) : 0);
+    return !stream || std::ferror(stream.get()) != 0 ? LastError() : std::error_code();
 }
 
 } // namespace acg

@@ -5,29 +5,29 @@
 namespace acg
 {
 
-void Wipe(void* Memory, std::size_t Bytes)
+void Wipe(void* memory, std::size_t bytes)
 {
-    std::memset(Memory, 0, Bytes);
+    std::memset(memory, 0, bytes);
     // As far as the compiler knows, this statement may read the memory, so the line before it can't be
     // optimized away.
-    __asm__ volatile("" : : "r"(Memory) : "memory");
+    __asm__ volatile("" : : "r"(memory) : "memory");
 }
 
-void MakeRoom(std::wstring& Text, std::size_t Room)
+void MakeRoom(std::wstring& Text, std::size_t room)
 {
-    if (Text.capacity() < Room) {
+    if (Text.capacity() < room) {
         std::wstring roomy;
-        roomy.reserve(Room);
+        roomy.reserve(room);
         roomy = Text;
         Text.swap(roomy);
         Wipe(roomy);
     }
 }
 
-void Replace(std::wstring& Text, std::wstring_view By)
+void Replace(std::wstring& Text, std::wstring_view by)
 {
-    MakeRoom(Text, By.size());
-    Text = By;
+    MakeRoom(Text, by.size());
+    Text = by;
 }
 
 } // namespace acg

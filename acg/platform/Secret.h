@@ -9,7 +9,7 @@ namespace acg
 {
 
 /// Fills memory with zeros, also where nothing reads it afterwards.
-void Wipe(void* Memory, std::size_t Bytes);
+void Wipe(void* memory, std::size_t bytes);
 
 /// Wipes the whole capacity of a text, characters that were cut off included, and empties it.
 template <class Char>
@@ -21,10 +21,10 @@ void Wipe(std::basic_string<Char>& Text)
 }
 
 /// Reserves room for that many characters. The former memory is wiped.
-void MakeRoom(std::wstring& Text, std::size_t Room);
+void MakeRoom(std::wstring& Text, std::size_t room);
 
 /// Assigns a text. Where that needs new memory, the former is wiped.
-void Replace(std::wstring& Text, std::wstring_view By);
+void Replace(std::wstring& Text, std::wstring_view by);
 
 /// A text of the component's own, wiped at its end. MakeRoom before it grows: std::basic_string wouldn't wipe
 /// what it leaves.
@@ -33,10 +33,10 @@ struct Secret {
     std::basic_string<Char> Text;
 
     Secret() = default;
-    explicit Secret(std::basic_string<Char>&& Own)
+    explicit Secret(std::basic_string<Char>&& own)
     {
-        Text.swap(Own);
-        Wipe(Own);
+        Text.swap(own);
+        Wipe(own);
     }
     ~Secret() { Wipe(Text); }
     Secret(const Secret&) = delete;

@@ -10,9 +10,9 @@ namespace acg
 /// Wide on Windows.
 using SystemPath = std::filesystem::path::string_type;
 
-[[nodiscard]] inline std::string Utf8Of(const std::filesystem::path& Path)
+[[nodiscard]] inline std::string Utf8Of(const std::filesystem::path& path)
 {
-    const std::u8string text = Path.u8string();
+    const std::u8string text = path.u8string();
     return {text.begin(), text.end()};
 }
 

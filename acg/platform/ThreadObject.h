@@ -7,7 +7,7 @@ namespace acg
 {
 
 /// A thread-local pointer, null at first, in the system's own thread storage: a compiler's thread_local ends
-/// the process where its memory can't be allocated.
+/// the process if its memory can't be allocated.
 class ThreadPointer
 {
 public:
@@ -17,7 +17,7 @@ public:
     ThreadPointer& operator=(const ThreadPointer&) = delete;
 
     [[nodiscard]] void* Get() const;
-    void Set(void* Pointer) const; ///< throws std::bad_alloc, always where the system had no storage left
+    void Set(void* pointer) const; ///< throws std::bad_alloc, always if the system had no storage left
 
 private:
     unsigned long m_key = ~0UL; ///< no valid key has this value

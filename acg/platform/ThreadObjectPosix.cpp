@@ -24,9 +24,9 @@ void* ThreadPointer::Get() const
     return pthread_getspecific(static_cast<pthread_key_t>(m_key));
 }
 
-void ThreadPointer::Set(void* Pointer) const
+void ThreadPointer::Set(void* pointer) const
 {
-    if (pthread_setspecific(static_cast<pthread_key_t>(m_key), Pointer) != 0) {
+    if (pthread_setspecific(static_cast<pthread_key_t>(m_key), pointer) != 0) {
         throw std::bad_alloc();
     }
 }

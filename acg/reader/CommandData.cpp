@@ -17,11 +17,11 @@ CommandData::~CommandData()
     }
 }
 
-char* CommandData::Grow(size_t Count)
+char* CommandData::Grow(size_t count)
 {
     const size_t before = m_size;
-    if (Count >= m_room - m_size) {
-        const size_t room = m_size + Count + 1;
+    if (count >= m_room - m_size) {
+        const size_t room = m_size + count + 1;
         auto larger = std::make_unique<char[]>(room);
         std::copy_n(m_text, m_size, larger.get());
         Wipe(m_text, m_size);
@@ -29,23 +29,23 @@ char* CommandData::Grow(size_t Count)
         m_text = m_larger.get();
         m_room = room;
     }
-    m_size += Count;
+    m_size += count;
     m_text[m_size] = '\0';
     return m_text + before;
 }
 
-CommandData& CommandData::AddByte(int32_t Value)
+CommandData& CommandData::AddByte(int32_t value)
 {
-    const auto byte = static_cast<uint8_t>(Value);
+    const auto byte = static_cast<uint8_t>(value);
     char* const digits = Grow(2);
     digits[0] = HexDigits[byte >> 4];
     digits[1] = HexDigits[byte & 0x0F];
     return *this;
 }
 
-CommandData& CommandData::AddNumber(int32_t Value)
+CommandData& CommandData::AddNumber(int32_t value)
 {
-    return AddByte(Value >> 24).AddByte(Value >> 16).AddByte(Value >> 8).AddByte(Value);
+    return AddByte(value >> 24).AddByte(value >> 16).AddByte(value >> 8).AddByte(value);
 }
 
 CommandData& CommandData::AddText(std::wstring_view Text)

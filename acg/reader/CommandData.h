@@ -20,9 +20,9 @@ public:
     CommandData& operator=(const CommandData&) = delete;
 
     /// The low byte as two upper-case digits: 9 adds "09", 256 adds "00", -1 adds "FF".
-    CommandData& AddByte(int32_t Value);
+    CommandData& AddByte(int32_t value);
     /// All 32 bits as eight upper-case digits, the most significant first: -1 adds "FFFFFFFF".
-    CommandData& AddNumber(int32_t Value);
+    CommandData& AddNumber(int32_t value);
     /// A key or digits, in upper case and ANSI, of any length.
     CommandData& AddText(std::wstring_view Text);
 
@@ -30,7 +30,7 @@ public:
 
 private:
     /// Extends the text by uninitialized room, which the caller fills.
-    char* Grow(size_t Count);
+    char* Grow(size_t count);
 
     static constexpr size_t OwnRoom = 64; ///< a block with its number, or a login, and a NUL
     char m_own[OwnRoom] = {};
