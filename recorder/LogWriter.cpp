@@ -33,30 +33,30 @@ std::string ErrorText(uint32_t error)
 
 } // namespace
 
-void LogWriter::Open(const std::filesystem::path& File)
+void LogWriter::Open(const std::filesystem::path& file)
 {
-    m_name = acg::Utf8Of(File);
-    if (const uint32_t error = m_file.Open(File)) {
+    m_name = acg::Utf8Of(file);
+    if (const uint32_t error = m_file.Open(file)) {
         acgreader::Report("the log can't be written: " + m_name + ": " + ErrorText(error));
     }
 }
 
-void LogWriter::Note(std::string_view Text)
+void LogWriter::Note(std::string_view text)
 {
     Flush();
     EndRound();
-    Write(session::NoteLine(Text), /*calls=*/0);
+    Write(session::NoteLine(text), /*calls=*/0);
 }
 
-void LogWriter::Add(session::LoggedCall Ended)
+void LogWriter::Add(session::LoggedCall ended)
 {
-    if (m_times == 0 && !m_held.empty() && Ended.Start - m_held.front().Start >= LongestCount) {
+    if (m_times == 0 && !m_held.empty() && ended.Start - m_held.front().Start >= LongestCount) {
         Count();
     }
-    if (m_times != 0 && Ended.Start - m_from >= LongestCount) {
+    if (m_times != 0 && ended.Start - m_from >= LongestCount) {
         WriteCount();
     }
-    m_held.push_back(std::move(Ended));
+    m_held.push_back(std::move(ended));
     while (!m_held.empty() && !MayRepeat()) {
         if (m_isCounted) {
             EndRound();

@@ -22,9 +22,9 @@ class LogWriter
 public:
     /// Appends to the file, and creates it for its owner alone if there is none. If that fails, nothing is
     /// written and the standard error says why.
-    void Open(const std::filesystem::path& File);
-    void Note(std::string_view Text);
-    void Add(session::LoggedCall Ended);
+    void Open(const std::filesystem::path& file);
+    void Note(std::string_view text);
+    void Add(session::LoggedCall ended);
     /// Writes what is held back.
     void Flush();
     /// Counts a call that couldn't be added for want of memory.

@@ -10,7 +10,7 @@ namespace recorder
 
 /// The error code that a host reads after a call: errno, or GetLastError.
 [[nodiscard]] uint32_t LastError();
-void SetLastError(uint32_t Error);
+void SetLastError(uint32_t error);
 
 /// A file that text is appended to, all of it or nothing.
 class AppendedFile
@@ -23,11 +23,11 @@ public:
 
     /// Creates the file, for its owner alone, if there is none. What the file has already ends with its line.
     /// Returns 0, or the system's error code.
-    [[nodiscard]] uint32_t Open(const std::filesystem::path& File);
+    [[nodiscard]] uint32_t Open(const std::filesystem::path& file);
     [[nodiscard]] bool IsOpen() const { return m_file != Closed; }
     /// Returns 0, or the system's error code: the file is then as before, or, if it can't be cut back, ends
     /// with a piece of the text, whose line the next text ends.
-    [[nodiscard]] uint32_t Append(std::string_view Text);
+    [[nodiscard]] uint32_t Append(std::string_view text);
 
 private:
     static constexpr intptr_t Closed = -1;

@@ -47,9 +47,9 @@ uint32_t LastError()
     return static_cast<uint32_t>(errno);
 }
 
-void SetLastError(uint32_t Error)
+void SetLastError(uint32_t error)
 {
-    errno = static_cast<int>(Error);
+    errno = static_cast<int>(error);
 }
 
 AppendedFile::~AppendedFile()
@@ -59,9 +59,9 @@ AppendedFile::~AppendedFile()
     }
 }
 
-uint32_t AppendedFile::Open(const std::filesystem::path& File)
+uint32_t AppendedFile::Open(const std::filesystem::path& file)
 {
-    m_file = open(File.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, S_IRUSR | S_IWUSR);
+    m_file = open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, S_IRUSR | S_IWUSR);
     if (!IsOpen()) {
         return LastError();
     }
@@ -70,12 +70,12 @@ uint32_t AppendedFile::Open(const std::filesystem::path& File)
     return 0;
 }
 
-uint32_t AppendedFile::Append(std::string_view Text)
+uint32_t AppendedFile::Append(std::string_view text)
 {
-    const std::string text = (m_isInLine ? "\n" : "") + std::string(Text);
+    const std::string line = (m_isInLine ? "\n" : "") + std::string(text);
     const WriteSignalsHeld held;
-    for (size_t written = 0; written < text.size();) {
-        const ssize_t count = write(static_cast<int>(m_file), &text[written], text.size() - written);
+    for (size_t written = 0; written < line.size();) {
+        const ssize_t count = write(static_cast<int>(m_file), &line[written], line.size() - written);
         if (count > 0) {
             written += static_cast<size_t>(count);
         } else if (count == 0 || errno != EINTR) {

@@ -11,9 +11,9 @@ uint32_t LastError()
     return ::GetLastError();
 }
 
-void SetLastError(uint32_t Error)
+void SetLastError(uint32_t error)
 {
-    ::SetLastError(Error);
+    ::SetLastError(error);
 }
 
 AppendedFile::~AppendedFile()
@@ -23,10 +23,10 @@ AppendedFile::~AppendedFile()
     }
 }
 
-uint32_t AppendedFile::Open(const std::filesystem::path& File)
+uint32_t AppendedFile::Open(const std::filesystem::path& file)
 {
     m_file = reinterpret_cast<intptr_t>(CreateFileW(
-        File.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
         /*lpSecurityAttributes=*/nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, /*hTemplateFile=*/nullptr));
     if (!IsOpen()) {
         return LastError();
@@ -36,15 +36,15 @@ uint32_t AppendedFile::Open(const std::filesystem::path& File)
     return 0;
 }
 
-uint32_t AppendedFile::Append(std::string_view Text)
+uint32_t AppendedFile::Append(std::string_view text)
 {
-    const std::string text = (m_isInLine ? "\n" : "") + std::string(Text);
-    for (size_t written = 0; written < text.size();) {
+    const std::string line = (m_isInLine ? "\n" : "") + std::string(text);
+    for (size_t written = 0; written < line.size();) {
         OVERLAPPED atEnd = {};
         atEnd.Offset = atEnd.OffsetHigh = 0xFFFFFFFF; // the end of the file, wherever it is
         DWORD count = 0;
-        const BOOL isWritten = WriteFile(reinterpret_cast<HANDLE>(m_file), &text[written],
-                                         static_cast<DWORD>(text.size() - written), &count, &atEnd);
+        const BOOL isWritten = WriteFile(reinterpret_cast<HANDLE>(m_file), &line[written],
+                                         static_cast<DWORD>(line.size() - written), &count, &atEnd);
         if (isWritten == 0 || count == 0) {
             const uint32_t error = isWritten == 0 ? LastError() : ERROR_DISK_FULL;
             CutBack(written);

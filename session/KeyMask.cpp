@@ -133,40 +133,40 @@ const KnownCommand* FindWith(std::string_view command, std::string_view data)
 
 } // namespace
 
-Parts ShownOfCommand(std::string_view Command)
+Parts ShownOfCommand(std::string_view command)
 {
-    return Find(Command) != nullptr || HoldsNoHalfKey(Command) ? Everything : Nothing;
+    return Find(command) != nullptr || HoldsNoHalfKey(command) ? Everything : Nothing;
 }
 
-Parts ShownOfData(std::string_view Command, std::string_view Data)
+Parts ShownOfData(std::string_view command, std::string_view data)
 {
-    const KnownCommand* const known = FindWith(Command, Data);
+    const KnownCommand* const known = FindWith(command, data);
     if (known == nullptr) {
         return Nothing;
     }
     if (known->Kind == Holds::Login) {
         return {Part{0, 4}}; // the sector and the type of the key
     }
-    if (known->Kind == Holds::Block && IsTrailer(Data)) {
+    if (known->Kind == Holds::Block && IsTrailer(data)) {
         return {Part{0, 2}, {2 + NoKeyInTrailer.Begin, 2 + NoKeyInTrailer.End}};
     }
     return Everything;
 }
 
-Part UpToNul(std::string_view Text)
+Part UpToNul(std::string_view text)
 {
-    return {0, std::min(Text.find('\0'), Text.size()) + 1};
+    return {0, std::min(text.find('\0'), text.size()) + 1};
 }
 
-Parts ShownOfReply(std::string_view Command, std::string_view Data, std::string_view Reply)
+Parts ShownOfReply(std::string_view command, std::string_view data, std::string_view reply)
 {
-    const KnownCommand* const known = FindWith(Command, Data);
-    const bool isTrailer = known != nullptr && known->Kind == Holds::Block && IsTrailer(Data);
-    const Part upToNul = UpToNul(Reply);
+    const KnownCommand* const known = FindWith(command, data);
+    const bool isTrailer = known != nullptr && known->Kind == Holds::Block && IsTrailer(data);
+    const Part upToNul = UpToNul(reply);
     if (known != nullptr && known->Kind != Holds::Login && !isTrailer) {
         return {upToNul};
     }
-    std::string_view text = Reply.substr(0, Reply.find('\0'));
+    std::string_view text = reply.substr(0, reply.find('\0'));
     const bool isLetter = text.size() == 1;
     while (text.ends_with('\n') || text.ends_with('\r')) {
         text.remove_suffix(1);

@@ -298,61 +298,61 @@ std::string ReplyText(std::string_view command, std::string_view data, std::stri
     return Quoted(reply, ShownOfReply(command, data, reply));
 }
 
-std::string LogLine(const LoggedCall& Logged)
+std::string LogLine(const LoggedCall& logged)
 {
-    return TimeText(Logged.Start) + ' ' + Logged.Call + " = " + Logged.Result + ' ' +
-           TimeText(Logged.Duration) + '\n';
+    return TimeText(logged.Start) + ' ' + logged.Call + " = " + logged.Result + ' ' +
+           TimeText(logged.Duration) + '\n';
 }
 
-std::string LogLine(const Repetition& Logged)
+std::string LogLine(const Repetition& logged)
 {
-    return TimeText(Logged.Start) + ' ' + std::string(RepeatedText) + std::to_string(Logged.Calls) +
-           std::string(TimesText) + std::to_string(Logged.Times) + ' ' + TimeText(Logged.Duration) + '\n';
+    return TimeText(logged.Start) + ' ' + std::string(RepeatedText) + std::to_string(logged.Calls) +
+           std::string(TimesText) + std::to_string(logged.Times) + ' ' + TimeText(logged.Duration) + '\n';
 }
 
-std::string LogLine(const Gap& Logged, std::string_view Reason)
+std::string LogLine(const Gap& logged, std::string_view reason)
 {
-    return NoteLine(std::string(GapText.substr(2)) + std::to_string(Logged.Calls) + ", " +
-                    std::string(Reason));
+    return NoteLine(std::string(GapText.substr(2)) + std::to_string(logged.Calls) + ", " +
+                    std::string(reason));
 }
 
-std::string NoteLine(std::string_view Note)
+std::string NoteLine(std::string_view note)
 {
     std::string line = "# ";
-    line += Note;
+    line += note;
     std::ranges::replace_if(
         line, [](char character) { return character >= '\0' && character < ' '; }, '?');
     return line + '\n';
 }
 
-std::optional<LoggedLine> ParseLine(std::string_view Line)
+std::optional<LoggedLine> ParseLine(std::string_view line)
 {
-    Take("\xEF\xBB\xBF", Line); // an editor's mark of UTF-8
-    if (Line.ends_with('\r')) {
-        Line.remove_suffix(1);
+    Take("\xEF\xBB\xBF", line); // an editor's mark of UTF-8
+    if (line.ends_with('\r')) {
+        line.remove_suffix(1);
     }
-    if (Take(GapText, Line)) {
-        return Gap{TakeNumber(Line, 0, MaxCount).value_or(0)};
+    if (Take(GapText, line)) {
+        return Gap{TakeNumber(line, 0, MaxCount).value_or(0)};
     }
-    if (Line.empty() || Line.starts_with('#')) {
+    if (line.empty() || line.starts_with('#')) {
         return LoggedLine();
     }
-    const auto start = TakeTime(Line);
-    if (!start || !Take(" ", Line)) {
+    const auto start = TakeTime(line);
+    if (!start || !Take(" ", line)) {
         return std::nullopt;
     }
-    if (Line.starts_with(RepeatedText)) {
-        return ParseRepetition(Line, *start);
+    if (line.starts_with(RepeatedText)) {
+        return ParseRepetition(line, *start);
     }
-    return ParseCall(Line, *start);
+    return ParseCall(line, *start);
 }
 
-bool IsSameCall(std::string_view Call, std::string_view Other)
+bool IsSameCall(std::string_view call, std::string_view other)
 {
-    const auto afterDevice = [](std::string_view call) {
-        return call.starts_with("OpenComm ") ? call.substr(std::min(call.rfind('"'), call.size())) : call;
+    const auto afterDevice = [](std::string_view text) {
+        return text.starts_with("OpenComm ") ? text.substr(std::min(text.rfind('"'), text.size())) : text;
     };
-    return IsSameText(afterDevice(Call), afterDevice(Other));
+    return IsSameText(afterDevice(call), afterDevice(other));
 }
 
 int64_t ParseNumber(const std::string& result)

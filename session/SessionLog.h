@@ -60,17 +60,17 @@ struct ArgumentText : std::string {
 [[nodiscard]] std::string ReplyText(std::string_view command, std::string_view data, std::string_view reply);
 
 // Lines, each with a line feed at the end.
-[[nodiscard]] std::string LogLine(const LoggedCall& Logged);
-[[nodiscard]] std::string LogLine(const Repetition& Logged);
-[[nodiscard]] std::string LogLine(const Gap& Logged, std::string_view Reason);
+[[nodiscard]] std::string LogLine(const LoggedCall& logged);
+[[nodiscard]] std::string LogLine(const Repetition& logged);
+[[nodiscard]] std::string LogLine(const Gap& logged, std::string_view reason);
 /// A line that is no call. Control characters of the text become "?".
-[[nodiscard]] std::string NoteLine(std::string_view Note);
+[[nodiscard]] std::string NoteLine(std::string_view note);
 
 /// A line without its line feed. Nothing, if it isn't a line of a log.
-[[nodiscard]] std::optional<LoggedLine> ParseLine(std::string_view Line);
+[[nodiscard]] std::optional<LoggedLine> ParseLine(std::string_view line);
 
 /// True if the calls are the same; the device of OpenComm may be another.
-[[nodiscard]] bool IsSameCall(std::string_view Call, std::string_view Other);
+[[nodiscard]] bool IsSameCall(std::string_view call, std::string_view other);
 
 // The values of a result; 0 or empty if it is of the other kind.
 [[nodiscard]] int64_t ParseNumber(const std::string& result);

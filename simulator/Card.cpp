@@ -150,44 +150,44 @@ std::optional<unsigned> ConditionInTrailer(const Block& trailer, std::size_t slo
 
 } // namespace
 
-std::size_t SectorOf(std::size_t BlockNumber)
+std::size_t SectorOf(std::size_t blockNumber)
 {
-    return BlockNumber < SmallSectorsEnd ? BlockNumber / SmallSectorBlocks
-                                         : SmallSectors + (BlockNumber - SmallSectorsEnd) / LargeSectorBlocks;
+    return blockNumber < SmallSectorsEnd ? blockNumber / SmallSectorBlocks
+                                         : SmallSectors + (blockNumber - SmallSectorsEnd) / LargeSectorBlocks;
 }
 
-std::size_t FirstBlockOf(std::size_t SectorNumber)
+std::size_t FirstBlockOf(std::size_t sectorNumber)
 {
-    return SectorNumber < SmallSectors ? SectorNumber * SmallSectorBlocks
-                                       : SmallSectorsEnd + (SectorNumber - SmallSectors) * LargeSectorBlocks;
+    return sectorNumber < SmallSectors ? sectorNumber * SmallSectorBlocks
+                                       : SmallSectorsEnd + (sectorNumber - SmallSectors) * LargeSectorBlocks;
 }
 
-bool IsTrailer(std::size_t BlockNumber)
+bool IsTrailer(std::size_t blockNumber)
 {
-    return BlockNumber == TrailerOf(SectorOf(BlockNumber));
+    return blockNumber == TrailerOf(SectorOf(blockNumber));
 }
 
-Card::Card(std::size_t Blocks, const SerialNumber& Number) : m_blocks(Blocks)
+Card::Card(std::size_t blocks, const SerialNumber& number) : m_blocks(blocks)
 {
     m_blocks.front() = FactoryBlock0;
-    SetSerialNumber(Number);
-    for (std::size_t block = 0; block < Blocks; ++block) {
+    SetSerialNumber(number);
+    for (std::size_t block = 0; block < blocks; ++block) {
         if (IsTrailer(block)) {
             m_blocks[block] = FactoryTrailer;
         }
     }
 }
 
-Card::Card(std::span<const uint8_t> Image) : m_blocks(Image.size() / sizeof(Block))
+Card::Card(std::span<const uint8_t> image) : m_blocks(image.size() / sizeof(Block))
 {
-    std::memcpy(m_blocks.data(), Image.data(), m_blocks.size() * sizeof(Block));
+    std::memcpy(m_blocks.data(), image.data(), m_blocks.size() * sizeof(Block));
 }
 
-void Card::SetSerialNumber(const SerialNumber& Number)
+void Card::SetSerialNumber(const SerialNumber& number)
 {
     Block& block0 = m_blocks.front();
-    std::ranges::copy(Number, block0.begin());
-    block0[CheckByte] = Number[0] ^ Number[1] ^ Number[2] ^ Number[3];
+    std::ranges::copy(number, block0.begin());
+    block0[CheckByte] = number[0] ^ number[1] ^ number[2] ^ number[3];
 }
 
 SerialNumber Card::GetSerialNumber() const
@@ -196,59 +196,59 @@ SerialNumber Card::GetSerialNumber() const
     return {block0[0], block0[1], block0[2], block0[3]};
 }
 
-bool Card::Login(std::size_t Sector, KeyType Type, std::span<const uint8_t, KeySize> Key) const
+bool Card::Login(std::size_t sector, KeyType type, std::span<const uint8_t, KeySize> key) const
 {
-    const Block& trailer = m_blocks[TrailerOf(Sector)];
-    const Field& field = Type == KeyType::A ? KeyA : KeyB;
+    const Block& trailer = m_blocks[TrailerOf(sector)];
+    const Field& field = type == KeyType::A ? KeyA : KeyB;
     return ConditionInTrailer(trailer, TrailerSlot) &&
-           std::equal(Key.begin(), Key.end(), trailer.begin() + field.Begin);
+           std::equal(key.begin(), key.end(), trailer.begin() + field.Begin);
 }
 
 /// C1 C2 C3 of the block; nothing if the sector is blocked, or if key B can be read and so has no right
 /// to anything.
-std::optional<unsigned> Card::ConditionOf(std::size_t Number, KeyType Type) const
+std::optional<unsigned> Card::ConditionOf(std::size_t number, KeyType type) const
 {
-    const Block& trailer = m_blocks[TrailerOf(SectorOf(Number))];
+    const Block& trailer = m_blocks[TrailerOf(SectorOf(number))];
     const std::optional<unsigned> ofTrailer = ConditionInTrailer(trailer, TrailerSlot);
-    if (!ofTrailer || (Type == KeyType::B && TrailerTable[*ofTrailer].ReadKeyB != Never)) {
+    if (!ofTrailer || (type == KeyType::B && TrailerTable[*ofTrailer].ReadKeyB != Never)) {
         return std::nullopt;
     }
-    return ConditionInTrailer(trailer, SlotOf(Number));
+    return ConditionInTrailer(trailer, SlotOf(number));
 }
 
-std::optional<Block> Card::Read(std::size_t Number, KeyType Type) const
+std::optional<Block> Card::Read(std::size_t number, KeyType type) const
 {
-    const std::optional<unsigned> condition = ConditionOf(Number, Type);
+    const std::optional<unsigned> condition = ConditionOf(number, type);
     if (!condition) {
         return std::nullopt;
     }
-    const Block& stored = m_blocks[Number];
-    if (!IsTrailer(Number)) {
-        return Allows(DataTable[*condition].Read, Type) ? std::optional(stored) : std::nullopt;
+    const Block& stored = m_blocks[number];
+    if (!IsTrailer(number)) {
+        return Allows(DataTable[*condition].Read, type) ? std::optional(stored) : std::nullopt;
     }
     const TrailerRights& rights = TrailerTable[*condition];
     Block seen = {};
-    CopyFields(stored, seen, Type, {{AccessBits, rights.ReadBits}, {KeyB, rights.ReadKeyB}});
+    CopyFields(stored, seen, type, {{AccessBits, rights.ReadBits}, {KeyB, rights.ReadKeyB}});
     return seen;
 }
 
-std::optional<Block> Card::Write(std::size_t Number, KeyType Type, const Block& Contents)
+std::optional<Block> Card::Write(std::size_t number, KeyType type, const Block& contents)
 {
-    const std::optional<unsigned> condition = ConditionOf(Number, Type);
-    if (!condition || Number == 0) {
+    const std::optional<unsigned> condition = ConditionOf(number, type);
+    if (!condition || number == 0) {
         return std::nullopt;
     }
-    Block& stored = m_blocks[Number];
-    if (!IsTrailer(Number)) {
-        return Allows(DataTable[*condition].Write, Type) ? std::optional(stored = Contents) : std::nullopt;
+    Block& stored = m_blocks[number];
+    if (!IsTrailer(number)) {
+        return Allows(DataTable[*condition].Write, type) ? std::optional(stored = contents) : std::nullopt;
     }
     const TrailerRights& rights = TrailerTable[*condition];
-    if (!CopyFields(Contents, stored, Type,
+    if (!CopyFields(contents, stored, type,
                     {{KeyA, rights.WriteKeyA}, {AccessBits, rights.WriteBits}, {KeyB, rights.WriteKeyB}})) {
         return std::nullopt;
     }
     Block shown = {};
-    CopyFields(stored, shown, Type, {{AccessBits, AorB}});
+    CopyFields(stored, shown, type, {{AccessBits, AorB}});
     return shown;
 }
 

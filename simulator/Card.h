@@ -22,9 +22,9 @@ inline constexpr std::size_t BlocksOf1K = 64;
 inline constexpr std::size_t BlocksOf4K = 256;
 
 /// Blocks and sectors are counted through the whole card from 0. The last block of a sector is its trailer.
-[[nodiscard]] std::size_t SectorOf(std::size_t BlockNumber);
-[[nodiscard]] std::size_t FirstBlockOf(std::size_t SectorNumber);
-[[nodiscard]] bool IsTrailer(std::size_t BlockNumber);
+[[nodiscard]] std::size_t SectorOf(std::size_t blockNumber);
+[[nodiscard]] std::size_t FirstBlockOf(std::size_t sectorNumber);
+[[nodiscard]] bool IsTrailer(std::size_t blockNumber);
 
 enum class KeyType {
     A,
@@ -38,14 +38,14 @@ enum class KeyType {
 class Card
 {
 public:
-    /// A card as it leaves the factory. Blocks: BlocksOf1K or BlocksOf4K.
-    Card(std::size_t Blocks, const SerialNumber& Number);
+    /// A card as it leaves the factory. blocks: BlocksOf1K or BlocksOf4K.
+    Card(std::size_t blocks, const SerialNumber& number);
 
     /// A card with the contents of an image, block after block.
-    explicit Card(std::span<const uint8_t> Image);
+    explicit Card(std::span<const uint8_t> image);
 
     /// Writes the serial number and its check byte into block 0. No reader can do that.
-    void SetSerialNumber(const SerialNumber& Number);
+    void SetSerialNumber(const SerialNumber& number);
     [[nodiscard]] SerialNumber GetSerialNumber() const;
 
     [[nodiscard]] std::size_t BlockCount() const { return m_blocks.size(); }
@@ -55,17 +55,17 @@ public:
 
     /// True if the key is that of the sector. A key B that can be read is no key: it passes here, and
     /// every access after it is refused.
-    [[nodiscard]] bool Login(std::size_t Sector, KeyType Type, std::span<const uint8_t, KeySize> Key) const;
+    [[nodiscard]] bool Login(std::size_t sector, KeyType type, std::span<const uint8_t, KeySize> key) const;
 
     /// Returns the block as this key reads it, nothing if the card refuses. Key A is never readable.
-    [[nodiscard]] std::optional<Block> Read(std::size_t Number, KeyType Type) const;
+    [[nodiscard]] std::optional<Block> Read(std::size_t number, KeyType type) const;
 
     /// Returns the new block, a trailer with both keys as zeros, and nothing if the card refuses. Of a
     /// trailer only those fields change that this key may write.
-    [[nodiscard]] std::optional<Block> Write(std::size_t Number, KeyType Type, const Block& Contents);
+    [[nodiscard]] std::optional<Block> Write(std::size_t number, KeyType type, const Block& contents);
 
 private:
-    [[nodiscard]] std::optional<unsigned> ConditionOf(std::size_t Number, KeyType Type) const;
+    [[nodiscard]] std::optional<unsigned> ConditionOf(std::size_t number, KeyType type) const;
 
     std::vector<Block> m_blocks;
 };

@@ -55,31 +55,31 @@ Card NewCard(const CardOptions& options)
 
 } // namespace
 
-void SaveImage(const Card& Saved, const std::string& Path)
+void SaveImage(const Card& saved, const std::string& path)
 {
-    const std::span<const Block> image = Saved.Image();
+    const std::span<const Block> image = saved.Image();
     acg::FileReplacement file;
-    std::error_code error = file.Create(acg::PathFromAnsi(Path), acg::ExistingFile::Replaced);
+    std::error_code error = file.Create(acg::PathFromAnsi(path), acg::ExistingFile::Replaced);
     if (!error) {
         error = file.Finish({reinterpret_cast<const char*>(image.data()), image.size_bytes()});
     }
     if (error) {
-        throw Refusal("save=" + Path, error == acg::NotARegularFile ? "not a regular file" : error.message());
+        throw Refusal("save=" + path, error == acg::NotARegularFile ? "not a regular file" : error.message());
     }
 }
 
-Card* CardBox::Place(const CardOptions& Options)
+Card* CardBox::Place(const CardOptions& options)
 {
-    if (Options.BlockCount == 0U && Options.ImagePath.empty()) {
+    if (options.BlockCount == 0U && options.ImagePath.empty()) {
         return nullptr;
     }
-    auto card = Options.Number ? m_cards.find(*Options.Number) : m_cards.end();
+    auto card = options.Number ? m_cards.find(*options.Number) : m_cards.end();
     if (card == m_cards.end()) {
-        const Card created = NewCard(Options);
+        const Card created = NewCard(options);
         card = m_cards.try_emplace(created.GetSerialNumber(), created).first;
     }
-    if (!Options.SavePath.empty()) {
-        SaveImage(card->second, Options.SavePath);
+    if (!options.SavePath.empty()) {
+        SaveImage(card->second, options.SavePath);
     }
     return &card->second;
 }

@@ -12,7 +12,7 @@ namespace simulator
 
 /// Replaces the file by an image of the card in one step, as FileReplacement does. Throws a Refusal if it
 /// can't be written.
-void SaveImage(const Card& Saved, const std::string& Path);
+void SaveImage(const Card& saved, const std::string& path);
 
 /// A card is identified by its serial number: placing the same number again returns the same card with its
 /// current contents, and the other options don't count. A card keeps its address as long as its box lives.
@@ -22,7 +22,7 @@ public:
     /// Returns the card of these options, null for an empty field, saved if they say so. Throws a Refusal
     /// if the image can't be read or isn't a whole card of the requested size, or the card can't be saved.
     /// Without a serial number in the options the image is read, as it contains one.
-    [[nodiscard]] Card* Place(const CardOptions& Options);
+    [[nodiscard]] Card* Place(const CardOptions& options);
 
 private:
     std::map<SerialNumber, Card> m_cards;

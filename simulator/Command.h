@@ -45,9 +45,9 @@ inline constexpr CommandText CommandTexts[] = {
 };
 
 /// Null if the reader has no such command.
-[[nodiscard]] constexpr const CommandText* FindCommand(std::string_view Name)
+[[nodiscard]] constexpr const CommandText* FindCommand(std::string_view name)
 {
-    const auto* found = std::ranges::find(CommandTexts, Name, &CommandText::Name);
+    const auto* found = std::ranges::find(CommandTexts, name, &CommandText::Name);
     return found == std::end(CommandTexts) ? nullptr : found;
 }
 
@@ -62,9 +62,9 @@ inline constexpr char StatusUnknownCommand = '?';
 inline constexpr std::string_view StatusLetters = "LNXFOR?IC";
 
 /// A reply of one letter is told from data by the NUL that follows it. Replies of data carry none.
-[[nodiscard]] inline std::string StatusReply(char Letter)
+[[nodiscard]] inline std::string StatusReply(char letter)
 {
-    return {Letter, '\0'};
+    return {letter, '\0'};
 }
 
 } // namespace simulator

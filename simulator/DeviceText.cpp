@@ -174,29 +174,29 @@ void RefuseContradictions(const Device& device)
 
 } // namespace
 
-std::runtime_error Refusal(std::string_view Option, std::string_view Reason)
+std::runtime_error Refusal(std::string_view option, std::string_view reason)
 {
-    return std::runtime_error("option \"" + std::string(Option) + "\": " + std::string(Reason));
+    return std::runtime_error("option \"" + std::string(option) + "\": " + std::string(reason));
 }
 
-Device ParseDeviceText(std::string_view Text)
+Device ParseDeviceText(std::string_view text)
 {
     Device device;
-    CutOff(Text, ','); // the name is the host's affair: every name is a device that is there
-    const bool isOne = Text.find(',') == std::string_view::npos;
-    while (!Text.empty()) {
-        const std::string_view text = CutOff(Text, ',');
-        std::string_view value = text;
+    CutOff(text, ','); // the name is the host's affair: every name is a device that is there
+    const bool isOne = text.find(',') == std::string_view::npos;
+    while (!text.empty()) {
+        const std::string_view option = CutOff(text, ',');
+        std::string_view value = option;
         const std::string_view name = CutOff(value, '=');
-        const auto* const option = std::ranges::find(Options, PresentName(name), &Option::Name);
-        if (option == std::end(Options) || name == text) {
-            throw Refusal(text, "expected one of " + NamesOfOptions());
+        const auto* const known = std::ranges::find(Options, PresentName(name), &Option::Name);
+        if (known == std::end(Options) || name == option) {
+            throw Refusal(option, "expected one of " + NamesOfOptions());
         }
-        if (!option->Parse(value, device)) {
-            throw Refusal(text, "expected " + std::string(option->Expected));
+        if (!known->Parse(value, device)) {
+            throw Refusal(option, "expected " + std::string(known->Expected));
         }
         if (!device.ReplayPath.empty() && !isOne) {
-            throw Refusal(text, "expected no other option beside replay=");
+            throw Refusal(option, "expected no other option beside replay=");
         }
     }
     RefuseContradictions(device);

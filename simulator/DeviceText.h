@@ -53,11 +53,11 @@ struct Device {
 };
 
 /// Why a device can't be opened: what is wrong with the option, given as in the device text.
-[[nodiscard]] std::runtime_error Refusal(std::string_view Option, std::string_view Reason);
+[[nodiscard]] std::runtime_error Refusal(std::string_view option, std::string_view reason);
 
 /// Reads a name and the options after it, separated by commas; of an option that is given twice the last
 /// counts, but every fault and every change of the field does. Throws a Refusal if an option or a value is
 /// unknown, or options contradict each other.
-[[nodiscard]] Device ParseDeviceText(std::string_view Text);
+[[nodiscard]] Device ParseDeviceText(std::string_view text);
 
 } // namespace simulator

@@ -41,112 +41,112 @@ acgreader::ReaderLibrary& Library::Answering()
     return m_replay ? static_cast<ReaderLibrary&>(*m_replay) : *this;
 }
 
-Library::Handle Library::OpenComm(Text DeviceText, uint8_t Autodetect, acgreader::CommSettings& Settings)
+Library::Handle Library::OpenComm(Text deviceText, uint8_t autodetect, acgreader::CommSettings& settings)
 {
     try {
-        const Device device = ParseDeviceText(DeviceText);
+        const Device device = ParseDeviceText(deviceText);
         if (device.ReplayPath.empty()) {
-            return Open(device, Settings);
+            return Open(device, settings);
         }
         const std::lock_guard lock(m_mutex);
         if (!m_replay) {
             m_replay = std::make_unique<Replay>(device.ReplayPath);
         }
-        return m_replay->OpenComm(DeviceText, Autodetect, Settings);
+        return m_replay->OpenComm(deviceText, autodetect, settings);
     } catch (const std::exception& reason) {
         acgreader::Report(std::string("OpenComm: ") + reason.what());
         return 0;
     }
 }
 
-Library::Handle Library::Open(const Device& Named, const acgreader::CommSettings& Settings)
+Library::Handle Library::Open(const Device& device, const acgreader::CommSettings& settings)
 {
     const std::lock_guard lock(m_mutex);
     m_lines.insert(
-        {++m_lastHandle, {Named, m_cards.Place(Named.Card), Settings.BaudRate, Settings.Protocol}});
+        {++m_lastHandle, {device, m_cards.Place(device.Card), settings.BaudRate, settings.Protocol}});
     return m_lastHandle;
 }
 
-int32_t Library::SetCommTimeout(Handle Comm, int32_t Timeout)
+int32_t Library::SetCommTimeout(Handle comm, int32_t timeout)
 {
-    return Set(Comm, &Line::Timeout, Timeout);
+    return Set(comm, &Line::Timeout, timeout);
 }
 
-int32_t Library::SetCommProtocol(Handle Comm, uint8_t Protocol)
+int32_t Library::SetCommProtocol(Handle comm, uint8_t protocol)
 {
-    return Set(Comm, &Line::Protocol, Protocol);
+    return Set(comm, &Line::Protocol, protocol);
 }
 
-uint8_t Library::GetCommProtocol(Handle Comm)
+uint8_t Library::GetCommProtocol(Handle comm)
 {
-    return Get(Comm, &Line::Protocol);
+    return Get(comm, &Line::Protocol);
 }
 
-int32_t Library::GetCommBaudRate(Handle Comm)
+int32_t Library::GetCommBaudRate(Handle comm)
 {
-    return Get(Comm, &Line::BaudRate);
+    return Get(comm, &Line::BaudRate);
 }
 
-int32_t Library::GetCommTimeout(Handle Comm)
+int32_t Library::GetCommTimeout(Handle comm)
 {
-    return Get(Comm, &Line::Timeout);
+    return Get(comm, &Line::Timeout);
 }
 
-std::string Library::DetectReader(Handle Comm, Buffer /*buffer*/)
+std::string Library::DetectReader(Handle comm, Buffer /*buffer*/)
 {
-    return With(m_lines, Comm, std::string(), [](const Line& line) {
-        return std::string(line.Named.ReaderIds.begin(), line.Named.ReaderIds.end());
+    return With(m_lines, comm, std::string(), [](const Line& line) {
+        return std::string(line.Options.ReaderIds.begin(), line.Options.ReaderIds.end());
     });
 }
 
-Library::Handle Library::OpenReader(Handle Comm, uint8_t Id, int32_t /*Third*/)
+Library::Handle Library::OpenReader(Handle comm, uint8_t id, int32_t /*zero*/)
 {
-    return With(m_lines, Comm, Handle{0}, [&](const Line& line) -> Handle {
-        if (std::ranges::count(line.Named.ReaderIds, Id) == 0) {
+    return With(m_lines, comm, Handle{0}, [&](const Line& line) -> Handle {
+        if (std::ranges::count(line.Options.ReaderIds, id) == 0) {
             return 0;
         }
-        m_readers.insert({++m_lastHandle, {Comm, Id, {line.Named, m_cards, line.InField}}});
+        m_readers.insert({++m_lastHandle, {comm, id, {line.Options, m_cards, line.InField}}});
         return m_lastHandle;
     });
 }
 
-std::string Library::GetReaderType(Handle Reader, Buffer /*buffer*/)
+std::string Library::GetReaderType(Handle reader, Buffer /*buffer*/)
 {
-    return With(m_readers, Reader, std::string(),
-                [](const OpenedReader& reader) { return reader.Opened.Type(); });
+    return With(m_readers, reader, std::string(),
+                [](const OpenedReader& opened) { return opened.Device.Type(); });
 }
 
-std::string Library::GetDeviceID(Handle Reader, Buffer /*buffer*/)
+std::string Library::GetDeviceID(Handle reader, Buffer /*buffer*/)
 {
-    return With(m_readers, Reader, std::string(), [](const OpenedReader& reader) {
-        return "Simulated reader " + acg::ToHex({&reader.Id, 1});
+    return With(m_readers, reader, std::string(), [](const OpenedReader& opened) {
+        return "Simulated reader " + acg::ToHex({&opened.Id, 1});
     });
 }
 
-std::string Library::SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer /*buffer*/)
+std::string Library::SendCommandGetData(Handle reader, Text command, Text data, Buffer /*buffer*/)
 {
     std::chrono::microseconds taken{0};
-    std::string sent = With(m_readers, Reader, StatusReply(StatusUnknownCommand), [&](OpenedReader& reader) {
-        std::string reply = reader.Opened.Send(Command, Data);
-        taken = reader.Opened.TimeOf(Command, Data, reply);
+    std::string sent = With(m_readers, reader, StatusReply(StatusUnknownCommand), [&](OpenedReader& opened) {
+        std::string reply = opened.Device.Send(command, data);
+        taken = opened.Device.TimeOf(command, data, reply);
         return reply;
     });
     acg::Wait(taken); // with the other threads let in
     return sent;
 }
 
-int32_t Library::CloseReader(Handle Reader)
+int32_t Library::CloseReader(Handle reader)
 {
     const std::lock_guard lock(m_mutex);
-    m_readers.erase(Reader);
+    m_readers.erase(reader);
     return 0;
 }
 
-int32_t Library::CloseComm(Handle Comm)
+int32_t Library::CloseComm(Handle comm)
 {
     const std::lock_guard lock(m_mutex);
-    m_lines.erase(Comm);
-    std::erase_if(m_readers, [&](const auto& entry) { return entry.second.Comm == Comm; });
+    m_lines.erase(comm);
+    std::erase_if(m_readers, [&](const auto& entry) { return entry.second.Comm == comm; });
     return 0;
 }
 

@@ -21,29 +21,29 @@ class Library final : public acgreader::ReaderLibrary
 {
 public:
     /// If the result is 0, a line on the standard error says why.
-    Handle OpenComm(Text DeviceText, uint8_t Autodetect, acgreader::CommSettings& Settings) override;
+    Handle OpenComm(Text deviceText, uint8_t autodetect, acgreader::CommSettings& settings) override;
     /// Opens a device that has been read already. Throws a Refusal if it can't be.
-    Handle Open(const Device& Named, const acgreader::CommSettings& Settings);
+    Handle Open(const Device& device, const acgreader::CommSettings& settings);
     /// What answers the next call: the replay once a device has named one, else this library. It lives as
     /// long as this.
     [[nodiscard]] acgreader::ReaderLibrary& Answering();
-    int32_t SetCommTimeout(Handle Comm, int32_t Timeout) override;
-    int32_t SetCommProtocol(Handle Comm, uint8_t Protocol) override;
-    uint8_t GetCommProtocol(Handle Comm) override;
-    int32_t GetCommBaudRate(Handle Comm) override;
-    int32_t GetCommTimeout(Handle Comm) override;
-    std::string DetectReader(Handle Comm, Buffer) override;
-    Handle OpenReader(Handle Comm, uint8_t Id, int32_t Third) override;
-    std::string GetReaderType(Handle Reader, Buffer) override;
-    std::string GetDeviceID(Handle Reader, Buffer) override;
-    std::string SendCommandGetData(Handle Reader, Text Command, Text Data, Buffer) override;
-    int32_t CloseReader(Handle Reader) override;
+    int32_t SetCommTimeout(Handle comm, int32_t timeout) override;
+    int32_t SetCommProtocol(Handle comm, uint8_t protocol) override;
+    uint8_t GetCommProtocol(Handle comm) override;
+    int32_t GetCommBaudRate(Handle comm) override;
+    int32_t GetCommTimeout(Handle comm) override;
+    std::string DetectReader(Handle comm, Buffer) override;
+    Handle OpenReader(Handle comm, uint8_t id, int32_t third) override;
+    std::string GetReaderType(Handle reader, Buffer) override;
+    std::string GetDeviceID(Handle reader, Buffer) override;
+    std::string SendCommandGetData(Handle reader, Text command, Text data, Buffer) override;
+    int32_t CloseReader(Handle reader) override;
     /// The readers on the line go with it.
-    int32_t CloseComm(Handle Comm) override;
+    int32_t CloseComm(Handle comm) override;
 
 private:
     struct Line {
-        Device Named;
+        Device Options;
         Card* InField;
         int32_t BaudRate;
         uint8_t Protocol;
@@ -52,7 +52,7 @@ private:
     struct OpenedReader {
         Handle Comm;
         uint8_t Id;
-        Reader Opened;
+        Reader Device;
     };
 
     /// What the body makes of the open line or reader with all other threads locked out; `otherwise` if

@@ -38,16 +38,16 @@ Block ValueBlock(std::span<const uint8_t> value, uint8_t address)
 
 } // namespace
 
-Reader::Reader(Device Opened, CardBox& Cards, Card* InField)
-    : m_device(std::move(Opened)), m_cards(&Cards), m_card(InField),
-      m_saved(m_device.Card.SavePath.empty() ? nullptr : InField)
+Reader::Reader(Device device, CardBox& cards, Card* inField)
+    : m_device(std::move(device)), m_cards(&cards), m_card(inField),
+      m_saved(m_device.Card.SavePath.empty() ? nullptr : inField)
 {
 }
 
-std::string Reader::Send(std::string_view CommandName, std::string_view Data)
+std::string Reader::Send(std::string_view commandName, std::string_view data)
 {
     ChangeField();
-    const CommandText* const command = FindCommand(CommandName);
+    const CommandText* const command = FindCommand(commandName);
     if (command == nullptr) {
         return StatusReply(StatusUnknownCommand);
     }
@@ -55,22 +55,22 @@ std::string Reader::Send(std::string_view CommandName, std::string_view Data)
         EndSelection();
         return *std::move(planned);
     }
-    const auto bytes = acg::FromHex(Data);
+    const auto bytes = acg::FromHex(data);
     if (!bytes || bytes->size() != command->DataBytes) {
         return StatusReply(StatusUnknownCommand);
     }
     return Run(command->Meaning, *bytes);
 }
 
-std::chrono::microseconds Reader::TimeOf(std::string_view CommandName, std::string_view Data,
-                                         std::string_view Reply) const
+std::chrono::microseconds Reader::TimeOf(std::string_view commandName, std::string_view data,
+                                         std::string_view reply) const
 {
     if (!m_device.BaudRate) {
         return {};
     }
     constexpr uint64_t BitsOfByte = 10; // with the start bit and the stop bit
-    const uint64_t bits = (CommandName.size() + Data.size() + Reply.size()) * BitsOfByte;
-    const CommandText* const command = FindCommand(CommandName);
+    const uint64_t bits = (commandName.size() + data.size() + reply.size()) * BitsOfByte;
+    const CommandText* const command = FindCommand(commandName);
     return std::chrono::microseconds(bits * std::micro::den / *m_device.BaudRate) +
            (command != nullptr ? command->CardTime : std::chrono::milliseconds());
 }
@@ -97,20 +97,20 @@ void Reader::ChangeField()
     }
 }
 
-std::optional<std::string> Reader::PlannedReply(Command Sent)
+std::optional<std::string> Reader::PlannedReply(Command sent)
 {
     std::optional<std::string> planned;
     for (Fault& fault : m_device.Faults) {
-        if (fault.Answered == Sent && --fault.Occurrence == 0) {
+        if (fault.Answered == sent && --fault.Occurrence == 0) {
             planned = fault.Reply;
         }
     }
     return planned;
 }
 
-std::string Reader::Run(Command Sent, std::span<const uint8_t> Data)
+std::string Reader::Run(Command sent, std::span<const uint8_t> data)
 {
-    switch (Sent) {
+    switch (sent) {
     case Command::UseIso14443A:
         m_iso14443A = true;
         return "";
@@ -132,7 +132,7 @@ std::string Reader::Run(Command Sent, std::span<const uint8_t> Data)
     if (!m_selected) {
         return StatusReply(StatusOutOfOrder);
     }
-    return Sent == Command::Login ? LogIn(Data) : AccessBlock(Sent, Data);
+    return sent == Command::Login ? LogIn(data) : AccessBlock(sent, data);
 }
 
 std::string Reader::Select()
@@ -145,18 +145,18 @@ std::string Reader::Select()
     return acg::ToHex(m_card->GetSerialNumber());
 }
 
-std::string Reader::LogIn(std::span<const uint8_t> Data)
+std::string Reader::LogIn(std::span<const uint8_t> data)
 {
-    const std::size_t firstBlock = Data[0] * BlocksOfLoginSector;
+    const std::size_t firstBlock = data[0] * BlocksOfLoginSector;
     const std::size_t sector = SectorOf(firstBlock);
     if (firstBlock >= m_card->BlockCount() || firstBlock != FirstBlockOf(sector)) {
         return StatusReply(StatusOutOfRange);
     }
-    if (Data[1] != KeyAByte && Data[1] != KeyBByte) {
+    if (data[1] != KeyAByte && data[1] != KeyBByte) {
         return StatusReply(StatusUnknownCommand);
     }
-    const KeyType type = Data[1] == KeyAByte ? KeyType::A : KeyType::B;
-    if (!m_card->Login(sector, type, Data.subspan<2, KeySize>())) {
+    const KeyType type = data[1] == KeyAByte ? KeyType::A : KeyType::B;
+    if (!m_card->Login(sector, type, data.subspan<2, KeySize>())) {
         EndSelection();
         return StatusReply(StatusAuthenticationFailed);
     }
@@ -164,34 +164,34 @@ std::string Reader::LogIn(std::span<const uint8_t> Data)
     return acg::IsSameInAsciiCase(m_device.ReaderType, SilentType) ? "" : StatusReply(StatusLoggedIn);
 }
 
-std::string Reader::AccessBlock(Command Sent, std::span<const uint8_t> Data)
+std::string Reader::AccessBlock(Command sent, std::span<const uint8_t> data)
 {
-    const std::size_t block = Data[0];
+    const std::size_t block = data[0];
     if (block >= m_card->BlockCount()) {
         return StatusReply(StatusOutOfRange);
     }
     if (!m_login || m_login->Sector != SectorOf(block)) {
         return StatusReply(StatusOutOfOrder);
     }
-    const std::span<const uint8_t> contents = Data.subspan(1);
+    const std::span<const uint8_t> contents = data.subspan(1);
     std::optional<Block> reply;
-    if (Sent == Command::ReadBlock) {
+    if (sent == Command::ReadBlock) {
         reply = m_card->Read(block, m_login->Type);
-    } else if (Sent == Command::WriteBlock) {
+    } else if (sent == Command::WriteBlock) {
         Block written = {};
         std::ranges::copy(contents, written.begin());
         reply = m_card->Write(block, m_login->Type, written);
     } else if (!IsTrailer(block)) {
-        reply = m_card->Write(block, m_login->Type, ValueBlock(contents, Data[0]));
+        reply = m_card->Write(block, m_login->Type, ValueBlock(contents, data[0]));
     }
     if (!reply) {
         EndSelection();
         return StatusReply(StatusCardRefused);
     }
-    if (Sent != Command::ReadBlock && m_card == m_saved) {
+    if (sent != Command::ReadBlock && m_card == m_saved) {
         Save();
     }
-    return acg::ToHex(Sent == Command::WriteValueBlock ? contents : *reply);
+    return acg::ToHex(sent == Command::WriteValueBlock ? contents : *reply);
 }
 
 /// The card has changed whether or not that can be saved.

@@ -24,17 +24,17 @@ namespace simulator
 class Reader
 {
 public:
-    /// InField is null for an empty field. It and the box, from which further cards are placed, must outlive
+    /// inField is null for an empty field. It and the box, from which further cards are placed, must outlive
     /// the reader, and other readers may use them too.
-    Reader(Device Opened, CardBox& Cards, Card* InField);
+    Reader(Device device, CardBox& cards, Card* inField);
 
     [[nodiscard]] const std::string& Type() const { return m_device.ReaderType; }
 
-    [[nodiscard]] std::string Send(std::string_view CommandName, std::string_view Data);
+    [[nodiscard]] std::string Send(std::string_view commandName, std::string_view data);
 
     /// How long that exchange takes on the device's line; nothing if it has no speed.
-    [[nodiscard]] std::chrono::microseconds TimeOf(std::string_view CommandName, std::string_view Data,
-                                                   std::string_view Reply) const;
+    [[nodiscard]] std::chrono::microseconds TimeOf(std::string_view commandName, std::string_view data,
+                                                   std::string_view reply) const;
 
 private:
     struct Session {
@@ -43,11 +43,11 @@ private:
     };
 
     void ChangeField();
-    [[nodiscard]] std::optional<std::string> PlannedReply(Command Sent);
-    [[nodiscard]] std::string Run(Command Sent, std::span<const uint8_t> Data);
+    [[nodiscard]] std::optional<std::string> PlannedReply(Command sent);
+    [[nodiscard]] std::string Run(Command sent, std::span<const uint8_t> data);
     [[nodiscard]] std::string Select();
-    [[nodiscard]] std::string LogIn(std::span<const uint8_t> Data);
-    [[nodiscard]] std::string AccessBlock(Command Sent, std::span<const uint8_t> Data);
+    [[nodiscard]] std::string LogIn(std::span<const uint8_t> data);
+    [[nodiscard]] std::string AccessBlock(Command sent, std::span<const uint8_t> data);
     [[nodiscard]] bool CardAnswers() const;
     void EndSelection();
     void Save() const;

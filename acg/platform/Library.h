@@ -25,7 +25,7 @@ class Library
 {
 public:
     /// Name: without folder, prefix and ending, as in "ACGReader330".
-    explicit constexpr Library(const char* Name) : m_name(Name) {}
+    explicit constexpr Library(const char* name) : m_name(name) {}
 
     [[nodiscard]] EntryPoint Find(const char* function);
 
