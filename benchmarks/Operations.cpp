@@ -34,7 +34,13 @@ EntryPoint Find(ReaderFunction function)
     return {.Address = acgreader::FindFunction(function), .LibraryLoaded = true};
 }
 
-// The bare calls.
+// The bare calls, by pointers as a host of a loaded library has them.
+
+template <ReaderFunction function>
+acgreader::Pointer<function> PointerTo()
+{
+    return reinterpret_cast<acgreader::Pointer<function>>(acgreader::FindFunction(function));
+}
 
 struct Exchange {
     std::wstring Command;
@@ -52,16 +58,18 @@ std::wstring TakeReply(char* bytes)
 
 void CallBare(const std::vector<Exchange>& exchanges)
 {
+    static const auto send = PointerTo<ReaderFunction::SendCommandGetData>();
+    static const auto getType = PointerTo<ReaderFunction::GetReaderType>();
     for (const Exchange& exchange : exchanges) {
         const std::string command = acg::ToAnsi(exchange.Command);
         const std::string data = acg::ToAnsi(exchange.Data);
         char buffer[512 + 1] = {};
         benchmark::DoNotOptimize(buffer);
-        benchmark::DoNotOptimize(TakeReply(SendCommandGetData(1, command.c_str(), data.c_str(), buffer)));
+        benchmark::DoNotOptimize(TakeReply(send(1, command.c_str(), data.c_str(), buffer)));
         if (exchange.Command == L"select") { // the Encoder then queries the reader's type
             char typeBuffer[100 + 1] = {};
             benchmark::DoNotOptimize(typeBuffer);
-            benchmark::DoNotOptimize(TakeReply(GetReaderType(1, typeBuffer)));
+            benchmark::DoNotOptimize(TakeReply(getType(1, typeBuffer)));
         }
     }
 }
