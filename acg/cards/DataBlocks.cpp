@@ -18,9 +18,10 @@ namespace
 [[nodiscard]] bool StoreReply(std::wstring& hostText, std::string_view reply)
 {
     MakeRoom(hostText, BlockDigits);
-    ReplaceByAnsi(hostText, reply, /*maxLength=*/BlockDigits);
+    ReplaceByAnsi(hostText, reply, /*maxLength=*/BlockDigits + 1); // one more shows that there are more
+    const bool isWhole = hostText.size() == BlockDigits;
     hostText.resize(BlockDigits, L'0');
-    return reply.substr(0, reply.find('\0')).size() == BlockDigits;
+    return isWhole;
 }
 
 } // namespace
