@@ -54,7 +54,7 @@ wine_tools=(
     'have unzip|unzip'
 )
 coverage_tools=(
-    'have gcovr|gcovr'
+    'have llvm-cov|llvm'
 )
 bench_tools=(
     'test -e /usr/include/benchmark/benchmark.h|libbenchmark-dev'

@@ -34,6 +34,7 @@ else
     trap 'rm -r "$folder"' EXIT
 fi
 ln -s "$PWD/tests" "$folder"
+failed=0
 for file; do
     shown=$(awk -v native="$native" '
         /^```/ { inside = 0 }
@@ -45,5 +46,6 @@ for file; do
         status=0
         eval "${line#$ }" </dev/null 2>&1 || status=$?
         [ "$status" -eq 0 ] || echo "(exit status $status)"
-    done | sed -E "s#(Z:)?${home//\//[/\\\\]+}#/opt/acg#g; s#/opt/acg[\\\\]+(ACGReader330).dll#/opt/acg/lib\1.so#g")
+    done | sed -E "s#(Z:)?${home//\//[/\\\\]+}#/opt/acg#g; s#/opt/acg[\\\\]+(ACGReader330).dll#/opt/acg/lib\1.so#g") || failed=1
 done
+exit "$failed"
