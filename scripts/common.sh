@@ -74,7 +74,7 @@ missing_packages() {
 
 apt_options=()
 
-# install_missing ENTRY...: installs what is missing; fails, with a word on why, where it can't.
+# install_missing ENTRY...: installs what is missing; fails, with a word on why, if it can't.
 install_missing() {
     local packages
     mapfile -t packages < <(missing_packages "$@")

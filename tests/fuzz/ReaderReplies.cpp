@@ -1,5 +1,5 @@
 // Any replies of a reader through a whole life. The input: from its front a text for each call, which ends
-// with a backslash and the character behind it, "-" where the function is missing, "~" for a NUL; from its
+// with a backslash and the character after it, "-" for a function that is missing, "~" for a NUL; from its
 // end a letter for each operation. A record always agrees with its result, and what was opened is closed at
 // the end.
 #undef NDEBUG

@@ -1,5 +1,5 @@
 // Any device text, and then any commands and their data by turns, each a text that ends with a backslash and
-// the character behind it: each answer is data or a status letter.
+// the character after it: each answer is data or a status letter.
 #undef NDEBUG
 #include "acg/platform/HexText.h"
 #include "simulator/Library.h"
