@@ -6,8 +6,6 @@
 #include "tool/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <iterator>
 #include <sstream>
@@ -124,7 +122,7 @@ CommandLine::CommandLine()
                      "ACG_PARAMETERS")
         ->type_name("TEXT");
     m_program->add_flag_callback(
-        "--json", [this] { m_context.Out.UseJson(); }, "Print one JSON object, whatever the end");
+        "--json", [this] { m_context.Out.IsJson = true; }, "Print one JSON object, whatever the end");
     m_program->footer("Exit status: 0 done, 1 failed or a difference found, 2 wrong use, 130 Ctrl-C.\n"
                       "acg COMMAND --help shows what a command takes, with an example.");
     for (const auto add : AllCommands) {
@@ -149,7 +147,7 @@ int CommandLine::Run(std::vector<std::string> arguments)
     if (std::ranges::any_of(arguments, [](const std::string& argument) {
             return argument == "--json" || argument.starts_with("--json=");
         })) { // wrong use is JSON too
-        out.UseJson();
+        out.IsJson = true;
     }
     int status = Done;
     std::string problem;
@@ -157,7 +155,7 @@ int CommandLine::Run(std::vector<std::string> arguments)
         status = exitStatus;
         // What is typed or written in the wrong place may be a key.
         problem = exitStatus == WrongUse ? MaskKeys(text) : std::move(text);
-        out.Json()["failure"] = failure.is_null() ? JsonObject{{"description", problem}} : std::move(failure);
+        out.Json["failure"] = failure.is_null() ? JsonObject{{"description", problem}} : std::move(failure);
     };
     try {
         RefuseEmpty(arguments);
@@ -168,7 +166,7 @@ int CommandLine::Run(std::vector<std::string> arguments)
         std::ostringstream text;
         status = m_program->exit(ended, text, text);
         out.Print(text.str());
-        out.Json()["text"] = text.str();
+        out.Json["text"] = text.str();
     } catch (const CLI::ParseError& error) {
         fail(WrongUse, Explain(error));
     } catch (const CardFailure& failure) {
@@ -182,13 +180,13 @@ int CommandLine::Run(std::vector<std::string> arguments)
     } catch (const std::exception& error) { // no memory
         fail(Failed, error.what());
     }
-    out.Json().emplace("failure", nullptr);
+    out.Json.emplace("failure", nullptr);
     if (!out.Finish()) {
         problem += (problem.empty() ? "" : "\n") + std::string("standard output can't be written");
         status = status == Done ? Failed : status;
     }
     if (!problem.empty()) {
-        PrintProblem(problem + out.Outcome());
+        PrintProblem(problem + out.Outcome);
     }
     return status;
 }

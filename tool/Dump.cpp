@@ -11,8 +11,6 @@
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <optional>
 
@@ -199,7 +197,7 @@ void ShowOpenings(const std::vector<Opening>& openings, const KeyList& keys, Out
         const std::string keyA = keys.Name(from->A);
         const std::string keyB = from->ShowsB ? "shown by the card" : keys.Name(from->B);
         out.Print(Format("sectors %2d to %2d  key A %s, key B %s", first, last, keyA.c_str(), keyB.c_str()));
-        out.Json()["sectors"].push_back({{"first", first}, {"last", last}, {"keyA", keyA}, {"keyB", keyB}});
+        out.Json["sectors"].push_back({{"first", first}, {"last", last}, {"keyA", keyA}, {"keyB", keyB}});
         from = end;
     }
 }
@@ -238,7 +236,7 @@ int DumpCard(const Options& options, Context& context)
     report.Add(MaskKeys(name), /*Look=*/{});
     const auto encoder = OpenReader(context.Parameters);
     const std::wstring serial = SerialNumberOf(*encoder);
-    out.Json()["card"] = ToUtf8(serial);
+    out.Json["card"] = ToUtf8(serial);
     CardReading reading(*encoder, keys.Keys, out);
     {
         ProgressBar bar(TrailerBlock(size.LastSector) + 1);
@@ -268,10 +266,10 @@ int DumpCard(const Options& options, Context& context)
     out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read; the file is %s",
                      ToUtf8(serial).c_str(), size.LastSector == LastSector1K ? "1K" : "4K",
                      size.Reason.c_str(), read, blocks, MaskKeys(name).c_str()));
-    out.Json()["size"] = size.Name;
-    out.Json()["sizeReason"] = size.Reason;
-    out.Json()["blocks"] = blocks;
-    out.Json()["blocksRead"] = read;
+    out.Json["size"] = size.Name;
+    out.Json["sizeReason"] = size.Reason;
+    out.Json["blocks"] = blocks;
+    out.Json["blocksRead"] = read;
     return reading.IsComplete() ? Done : Failed;
 }
 

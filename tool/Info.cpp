@@ -5,8 +5,6 @@
 #include "tool/System.h"
 #include "tool/Text.h"
 
-#include <nlohmann/json.hpp>
-
 #include <optional>
 
 namespace acg::tool
@@ -64,7 +62,7 @@ LoadedLibrary LibraryInUse()
 void Show(const char* name, const char* member, const std::string& value, Output& out)
 {
     out.Print(Format("%-12s %s", name, value.empty() ? "-" : Printable(value).c_str()));
-    out.Json()[member] = value.empty() ? JsonObject() : JsonObject(value);
+    out.Json[member] = value.empty() ? JsonObject() : JsonObject(value);
 }
 
 int Info(Context& context)

@@ -3,8 +3,6 @@
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
-#include <nlohmann/json.hpp>
-
 namespace acg::tool
 {
 

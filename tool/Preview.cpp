@@ -7,8 +7,6 @@
 #include "tool/SectorTrailer.h"
 #include "tool/Text.h"
 
-#include <nlohmann/json.hpp>
-
 namespace acg::tool
 {
 
@@ -29,7 +27,7 @@ int Preview(const Options& options, Context& context)
     }
     const ConditionBytes bytes = EncodeOrRefuse(levels);
     const std::vector<std::string> deviations = Deviations(levels, bytes, /*Sector=*/{});
-    out.Json() = ToJson(ShownAccess{{}, bytes, {}, deviations});
+    out.Json = ToJson(ShownAccess{{}, bytes, {}, deviations});
     out.Print(Format("Access bits %s\nThese levels read back as %s\n\n%s", AccessBitsText(bytes).c_str(),
                      FormatLevels(bytes).c_str(), AccessTable(bytes, /*Sector=*/{}).c_str()));
     for (const std::string& line : deviations) {

@@ -11,8 +11,6 @@
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <cstdio>
 
@@ -188,8 +186,8 @@ void ShowChange(int32_t sector, const Trailer& onCard, const NewTrailer& wanted,
 {
     const ConditionBytes before = onCard.Conditions;
     const std::vector<std::string> deviations = Deviations(wanted.Levels, wanted.Bytes, sector);
-    out.Json()["before"] = ToJson(ShownAccess{sector, before, onCard.UserByte, {}});
-    out.Json()["after"] = ToJson(ShownAccess{sector, wanted.Bytes, wanted.BX, deviations});
+    out.Json["before"] = ToJson(ShownAccess{sector, before, onCard.UserByte, {}});
+    out.Json["after"] = ToJson(ShownAccess{sector, wanted.Bytes, wanted.BX, deviations});
     out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, FormatLevels(before).c_str(),
                      onCard.UserByte, AccessTable(before, sector).c_str()));
     out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
@@ -238,7 +236,7 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
             Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
                    number, request.Login.IsB() ? " --as-b" : "")};
     }
-    out.Json()["values"].push_back({{"block", number}, {"value", block.Value()}});
+    out.Json["values"].push_back({{"block", number}, {"value", block.Value()}});
     const std::string others = SlotOfPurse(request, slot) != slot
                                    ? Format(", for %s,", NameOfSlot(slot, request.Sector).c_str())
                                    : "";
@@ -311,7 +309,7 @@ bool IsTaken(Encoder& encoder, const Request& request, const NewTrailer& wanted)
 int Protect(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    const Request request = Parse(options, /*canAsk=*/!out.IsJson() && IsTerminal(stdin));
+    const Request request = Parse(options, /*canAsk=*/!out.IsJson && IsTerminal(stdin));
     WriteReport report(out);
     AddParts(request, report);
     const auto encoder = OpenReader(context.Parameters);

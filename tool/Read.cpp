@@ -5,8 +5,6 @@
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
-#include <nlohmann/json.hpp>
-
 namespace acg::tool
 {
 
@@ -38,7 +36,7 @@ int Read(const Options& options, Context& context)
 {
     const BlockRange range = ParseBlocks(options.Blocks);
     const LoginKey key = TheKey(options.Key);
-    JsonObject& blocks = context.Out.Json()["blocks"] = JsonObject::array();
+    JsonObject& blocks = context.Out.Json["blocks"] = JsonObject::array();
     const auto encoder = OpenReader(context.Parameters);
     for (int32_t number = range.First; number <= range.Last; ++number) {
         const Block block = ReadBlock(*encoder, number, key);

@@ -7,8 +7,6 @@
 #include "tool/SectorTrailer.h"
 #include "tool/Text.h"
 
-#include <nlohmann/json.hpp>
-
 namespace acg::tool
 {
 
@@ -27,7 +25,7 @@ int ShowTrailer(const Options& options, Context& context)
     const auto encoder = OpenReader(context.Parameters);
     const Trailer trailer = ReadTrailer(*encoder, sector, key);
     const ConditionBytes& bytes = trailer.Conditions;
-    context.Out.Json() = ToJson(ShownAccess{sector, bytes, trailer.UserByte, {}});
+    context.Out.Json = ToJson(ShownAccess{sector, bytes, trailer.UserByte, {}});
     context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
                              AccessBitsText(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
                              AccessTable(bytes, sector).c_str()));

@@ -6,8 +6,6 @@
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
 
-#include <nlohmann/json.hpp>
-
 namespace acg::tool
 {
 
@@ -28,7 +26,7 @@ void Show(const ValueBlock& block, Output& out)
     const std::optional<uint8_t> address = block.Address();
     out.Print(Format("Value    %d\nCopies   %s\nAddress  %s", block.Value(), copies.c_str(),
                      address ? std::to_string(*address).c_str() : "its four bytes disagree"));
-    JsonObject& json = out.Json();
+    JsonObject& json = out.Json;
     json["value"] = block.Value();
     json["isValueBlock"] = block.IsValid();
     json["address"] = address ? JsonObject(*address) : JsonObject();
@@ -59,7 +57,7 @@ int Value(const Options& options, Context& context)
         report.Found(isAsWanted);
         report.RequireSameCard(*encoder);
     }
-    context.Out.Json()["block"] = number;
+    context.Out.Json["block"] = number;
     Show(block, context.Out);
     if (wanted && !isAsWanted) {
         throw OtherFailure{Format("block %d reads back as something other than was written", number)};

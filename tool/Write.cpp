@@ -6,8 +6,6 @@
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
 
-#include <nlohmann/json.hpp>
-
 namespace acg::tool
 {
 
@@ -38,8 +36,8 @@ int Write(const Options& options, Context& context)
     report.Found(written == *wanted);
     report.RequireSameCard(*encoder);
     context.Out.Print(HexDump(number, written, AllKnown));
-    context.Out.Json()["block"] = number;
-    context.Out.Json()["hex"] = Digits(written, AllKnown, "");
+    context.Out.Json["block"] = number;
+    context.Out.Json["hex"] = Digits(written, AllKnown, "");
     if (written != *wanted) {
         throw OtherFailure{Format("block %d reads back as something other than was written", number)};
     }

@@ -4,8 +4,6 @@
 #include "tool/System.h"
 #include "tool/Text.h"
 
-#include <nlohmann/json.hpp>
-
 namespace acg::tool
 {
 
@@ -31,7 +29,7 @@ void WriteReport::Add(std::string what, std::string look)
 void WriteReport::BeginCard(Encoder& encoder)
 {
     m_first = SerialNumberOf(encoder);
-    m_out.Json()["card"] = ToUtf8(m_first);
+    m_out.Json["card"] = ToUtf8(m_first);
 }
 
 void WriteReport::Sent(Encoder& encoder, sceReturnCode result)
@@ -123,7 +121,7 @@ void WriteReport::Tell()
                                       : part.Now == State::SurelyHolds ? "yes"
                                                                        : "no"}});
     }
-    JsonObject& json = m_out.Json();
+    JsonObject& json = m_out.Json;
     json["written"] = unknown != nullptr            ? "unknown"
                       : confirmed == 0              ? "no"
                       : confirmed == m_parts.size() ? "yes"
@@ -132,7 +130,7 @@ void WriteReport::Tell()
         json["writes"] = writes;
     }
     json["next"] = unknown != nullptr ? JsonObject(unknown->Look) : JsonObject();
-    m_out.SetOutcome(lines + (unknown != nullptr ? "\n  next      " + unknown->Look : ""));
+    m_out.Outcome = lines + (unknown != nullptr ? "\n  next      " + unknown->Look : "");
 }
 
 } // namespace acg::tool
