@@ -256,7 +256,7 @@ int DumpCard(const Options& options, Context& context)
         }
     }
     WriteDump(name, reading.Result(), existing);
-    report.Complete();
+    report.Written();
     ShowOpenings(reading.Openings(), keys, out);
     int blocks = 0;
     int read = 0;

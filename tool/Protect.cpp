@@ -236,16 +236,16 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
             Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
                    number, request.Login.IsB() ? " --as-b" : "")};
     }
-    out.Json["values"].push_back({{"block", number}, {"value", block.Value()}});
+    out.Json["values"].push_back({{"block", number}, {"value", block.Value}});
     const std::string others = SlotOfPurse(request, slot) != slot
                                    ? Format(", for %s,", NameOfSlot(slot, request.Sector).c_str())
                                    : "";
     std::string line = Format("Block %d%s is written first, as a value block; its value stays %d", number,
-                              others.c_str(), block.Value());
-    const int address = block.Address().value_or(0); // it is a value block
+                              others.c_str(), block.Value);
+    const int address = block.Address.value_or(0); // it is a value block
     line += address != number ? Format(", its address %d becomes %d", address, number) : "";
     out.Print(line + ".");
-    return {number, block.Value()};
+    return {number, block.Value};
 }
 
 bool IsAgreedTo()
@@ -264,10 +264,10 @@ void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteRepor
 {
     report.Sent(encoder,
                 encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text, key.Type, purse.Value));
-    const ValueBlock block(report.ReadBack(encoder, [&] { return ReadBlock(encoder, purse.Block, key); }));
-    const bool isTaken = block.HasCopies() && block.Value() == purse.Value && block.Address() == purse.Block;
-    report.Found(isTaken);
-    report.RequireSameCard(encoder);
+    const bool isTaken = report.ReadBack(encoder, [&] {
+        const ValueBlock block(ReadBlock(encoder, purse.Block, key));
+        return block.HasCopies() && block.Value == purse.Value && block.Address == purse.Block;
+    });
     if (!isTaken) {
         throw OtherFailure{Format("block %d reads back as something other than was written", purse.Block)};
     }
@@ -354,10 +354,7 @@ int Protect(const Options& options, Context& context)
     if (!canBeReadBack) {
         throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
     }
-    const bool isTaken = report.ReadBack(*encoder, [&] { return IsTaken(*encoder, request, wanted); });
-    report.Found(isTaken);
-    report.RequireSameCard(*encoder);
-    if (!isTaken) {
+    if (!report.ReadBack(*encoder, [&] { return IsTaken(*encoder, request, wanted); })) {
         throw OtherFailure{"the card holds something other than was written"};
     }
     out.Print(request.Keys ? "Written, and read back with the new keys." : "Written, and read back.");
