@@ -26,10 +26,11 @@ void WriteReport::Add(std::string what, std::string look)
     Tell();
 }
 
-void WriteReport::BeginCard(Encoder& encoder)
+const std::wstring& WriteReport::BeginCard(Encoder& encoder)
 {
     m_first = SerialNumberOf(encoder);
     m_out.Json["card"] = ToUtf8(m_first);
+    return m_first;
 }
 
 void WriteReport::Sent(Encoder& encoder, sceReturnCode result)

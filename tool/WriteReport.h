@@ -28,8 +28,8 @@ public:
     /// A part that is written after those before it. what: "block 4". look: the command that shows it.
     void Add(std::string what, std::string look);
 
-    /// Remembers the card in the field. Throws as SerialNumberOf does.
-    void BeginCard(Encoder& encoder);
+    /// Remembers the card in the field, and returns its serial number. Throws as SerialNumberOf does.
+    const std::wstring& BeginCard(Encoder& encoder);
 
     /// To be called with the result of the operation that writes the next part. Throws as ThrowIfFailed does.
     void Sent(Encoder& encoder, sceReturnCode result);
