@@ -2,7 +2,6 @@
 
 #include "tool/Commands.h"
 #include "tool/Failures.h"
-#include "tool/Json.h"
 #include "tool/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -56,6 +55,21 @@ std::string Help(const CLI::App* app, const std::string& name, CLI::AppFormatMod
     return Wrap(app->get_description(), 0) + "\n\n" + usage + '\n' + HelpTable("Commands", commands) +
            HelpTable("Arguments", arguments) + HelpTable("Options", options) + '\n' + app->get_footer() +
            '\n';
+}
+
+JsonObject ToJson(const CError& failure)
+{
+    const Remedy* const remedy = FindRemedy(failure);
+    return {
+        {"number", failure.Number},
+        {"description", ToUtf8(failure.Description)},
+        {"lastDllError", failure.LastDllError},
+        {"comFunction", ToUtf8(failure.ComFunction)},
+        {"rdrCommand", ToUtf8(failure.RdrCommand)},
+        {"rdrRetCode", ToUtf8(failure.RdrRetCode)},
+        {"meaning", remedy != nullptr ? remedy->Meaning : ""},
+        {"remedy", remedy != nullptr ? ActionOf(*remedy) : ""},
+    };
 }
 
 /// The parser takes an empty argument for one that isn't there.

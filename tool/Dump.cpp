@@ -97,7 +97,7 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     DumpedBlock trailer;
     Opening opening;
     opening.A = FindKey(last, KeyTypeA, trailer);
-    const TrailerRights rights = RightsGranted(Trailer(trailer.Bytes).Conditions).Trailer;
+    const TrailerRights& rights = TrailerRightsIn(Trailer(trailer.Bytes).Conditions);
     opening.ShowsB = trailer.Known != 0 && KeysUsedBy(rights) == KeyAAlone;
     if (!opening.ShowsB) {
         DumpedBlock asB;
