@@ -19,30 +19,29 @@ SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
     return rights;
 }
 
+constexpr KeySet Keys[] = {KeySet::A, KeySet::B};
 constexpr const char* AccessBits = "access bits"; ///< a row's name
 
 /// What each key may do with a block, or with a part of the trailer.
 struct AccessRow {
     std::string What;
-    std::vector<std::string> KeyA; ///< "read", "write", ...
-    std::vector<std::string> KeyB;
+    std::vector<std::string> Verbs[2]; ///< "read", "write", ... of key A and of key B
 };
 
 /// One for each part.
 std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
 {
-    constexpr const char* Verbs[] = {"read", "write", "increment", "decrement"};
+    constexpr const char* Names[] = {"read", "write", "increment", "decrement"};
     constexpr const char* OfTrailer[] = {"keys A and B", AccessBits, "key B itself"};
     std::vector<AccessRow> rows;
     for (unsigned part = 0; part < rights.size(); ++part) {
         AccessRow& row = rows.emplace_back();
         row.What = part < DataSlots ? NameOfSlot(part, sector) : OfTrailer[part - DataSlots];
         for (size_t right = 0; right < Right::Count; ++right) {
-            if (Has(rights[part][right], KeySet::A)) {
-                row.KeyA.emplace_back(Verbs[right]);
-            }
-            if (Has(rights[part][right], KeySet::B)) {
-                row.KeyB.emplace_back(Verbs[right]);
+            for (const size_t key : {0U, 1U}) {
+                if (Has(rights[part][right], Keys[key])) {
+                    row.Verbs[key].emplace_back(Names[right]);
+                }
             }
         }
     }
@@ -76,26 +75,27 @@ std::string InShort(const std::vector<std::string>& names)
 }
 
 /// "key A may read and write block 4".
-std::string Sentence(const char* key, const std::vector<std::string>& rights, const std::string& what)
+std::string Sentence(const AccessRow& row, size_t key)
 {
-    const std::string object = (what == AccessBits ? "the " : "") + what;
-    if (rights.empty()) {
-        return Format("%s may do nothing with %s", key, object.c_str());
+    const std::string object = (row.What == AccessBits ? "the " : "") + row.What;
+    if (row.Verbs[key].empty()) {
+        return Format("%s may do nothing with %s", NameOf(Keys[key]), object.c_str());
     }
-    std::string verbs = Joined(rights);
+    std::string verbs = Joined(row.Verbs[key]);
     if (const size_t comma = verbs.rfind(", "); comma != std::string::npos) {
         verbs.replace(comma, 1, " and");
     }
-    return Format("%s may %s %s", key, verbs.c_str(), object.c_str());
+    return Format("%s may %s %s", NameOf(Keys[key]), verbs.c_str(), object.c_str());
 }
 
 void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, SectorNumber sector,
                    const char* pattern)
 {
     for (const AccessRow& row : Rows(rights, sector)) {
-        for (const auto& [name, words] : {std::pair("key A", &row.KeyA), std::pair("key B", &row.KeyB)}) {
-            if (!words->empty()) {
-                lines.push_back(Format(pattern, name, Joined(*words).c_str(), row.What.c_str()));
+        for (const size_t key : {0U, 1U}) {
+            if (!row.Verbs[key].empty()) {
+                lines.push_back(
+                    Format(pattern, NameOf(Keys[key]), Joined(row.Verbs[key]).c_str(), row.What.c_str()));
             }
         }
     }
@@ -162,7 +162,8 @@ std::string AccessTable(const ShownAccess& access)
     constexpr const char* Columns = "%-16s%-18s%s\n";
     std::string text = Format(Columns, "", "key A may", "key B may");
     for (const AccessRow& row : ShownRows(access)) {
-        text += Format(Columns, row.What.c_str(), InShort(row.KeyA).c_str(), InShort(row.KeyB).c_str());
+        text +=
+            Format(Columns, row.What.c_str(), InShort(row.Verbs[0]).c_str(), InShort(row.Verbs[1]).c_str());
     }
     const TrailerRights& trailer = TrailerRightsIn(access.Bytes);
     if (trailer.ReadKeyB != KeySet::None) {
@@ -187,7 +188,7 @@ JsonObject ToJson(const ShownAccess& access)
     levels.push_back(LevelOf(trailer));
     JsonObject rows = JsonObject::array();
     for (const AccessRow& row : ShownRows(access)) {
-        rows.push_back({{"what", row.What}, {"keyA", row.KeyA}, {"keyB", row.KeyB}});
+        rows.push_back({{"what", row.What}, {"keyA", row.Verbs[0]}, {"keyB", row.Verbs[1]}});
     }
     return {
         {"sector", access.Sector ? JsonObject(*access.Sector) : JsonObject()},
@@ -238,10 +239,8 @@ std::vector<TrailerDifference> TrailerDifferences(const Trailer& first, const Tr
     const std::vector<AccessRow> before = Rows(RightsIn(bytes[0], sector), sector);
     const std::vector<AccessRow> after = Rows(RightsIn(bytes[1], sector), sector);
     for (size_t row = 0; row < before.size(); ++row) {
-        const AccessRow& one = before[row];
-        const AccessRow& other = after[row];
-        add(Sentence("key A", one.KeyA, one.What), Sentence("key A", other.KeyA, other.What));
-        add(Sentence("key B", one.KeyB, one.What), Sentence("key B", other.KeyB, other.What));
+        add(Sentence(before[row], 0), Sentence(after[row], 0));
+        add(Sentence(before[row], 1), Sentence(after[row], 1));
     }
     return lines;
 }

@@ -1,6 +1,5 @@
 #include "tool/CommandLine.h"
 
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
@@ -86,15 +85,6 @@ void RefuseEmpty(const std::vector<std::string>& arguments)
             throw UsageError{argument.substr(0, argument.size() - 1) + " is empty"};
         }
     }
-}
-
-void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile)
-{
-    command.Option(
-        "--key", "KEY", key.Text,
-        "The key to log in with, 12 hexadecimal digits. An option stands in the process list and in "
-        "the shell's history; a file or a variable doesn't");
-    command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
 }
 
 } // namespace
@@ -234,19 +224,20 @@ std::string CommandLine::Explain(const CLI::Error& error) const
            "--help shows what there is";
 }
 
-void TakesKeys(CommandOptions& command, KeyOptions& key)
+void TakesKeys(CommandOptions& command, KeyOptions& key, const char* aboutFile)
 {
-    AddKeyOptions(
-        command, key,
-        "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
-        "options: the variable ACG_KEY, else FFFFFFFFFFFF");
+    command.Option(
+        "--key", "KEY", key.Text,
+        "The key to log in with, 12 hexadecimal digits. An option stands in the process list and in "
+        "the shell's history; a file or a variable doesn't");
+    command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
 }
 
 void TakesKey(CommandOptions& command, KeyOptions& key)
 {
-    AddKeyOptions(command, key,
-                  "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
-                  "the variable ACG_KEY");
+    TakesKeys(command, key,
+              "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
+              "the variable ACG_KEY");
     command.Flag("--as-b", key.AsB, "Log in with it as key B; default: as key A");
 }
 

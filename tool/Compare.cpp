@@ -3,7 +3,6 @@
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/DumpFile.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"

@@ -3,7 +3,6 @@
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/DumpFile.h"
 #include "tool/Failures.h"
 #include "tool/ProgressBar.h"
@@ -299,7 +298,9 @@ void AddDump(CommandLine& commands)
     command.Argument("FILE", options.File,
                      "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "
                      "doesn't show is filled in from the one that opened the sector");
-    TakesKeys(command, options.Key);
+    TakesKeys(command, options.Key,
+              "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
+              "options: the variable ACG_KEY, else FFFFFFFFFFFF");
     command.Option("--card", "1k|4k", options.Card,
                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
     command.Flag("--force", options.MayReplace, "Replace FILE if it exists");

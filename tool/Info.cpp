@@ -1,6 +1,5 @@
 // acg info: the reader, and the card in its field.
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/System.h"
 #include "tool/Text.h"

@@ -1,7 +1,6 @@
 // acg preview: what levels let each key of a sector do, without a card.
 #include "tool/AccessWords.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/SectorTrailer.h"
 #include "tool/Text.h"

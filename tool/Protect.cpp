@@ -3,7 +3,6 @@
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/SectorTrailer.h"
 #include "tool/System.h"
@@ -36,16 +35,10 @@ struct Request {
     int32_t Sector;
     LoginKey Login;
     std::vector<Key> Keys; ///< the new keys A and B; empty: they stay as they are
-    SectorLevels Levels;   ///< KeysToUse: KeysAsOnCard if it isn't given
-    std::optional<uint8_t> BX;
-};
-
-/// All that goes into the trailer, but for the keys. Nothing of it comes from what the class reads on
-/// writing.
-struct NewTrailer {
+    // KeysToUse is KeysAsOnCard, and BX none, if they aren't given, until Complete.
     SectorLevels Levels;
-    ConditionBytes Bytes;
-    uint8_t BX;
+    std::optional<uint8_t> BX;
+    ConditionBytes Bytes{}; ///< the access bits of the levels; set by Complete
 };
 
 /// A value block that is written again before the trailer, so that the class stores the rights of a purse.
@@ -142,20 +135,20 @@ void AddParts(const Request& request, WriteReport& report)
                look);
 }
 
-NewTrailer MakeTrailer(const Request& request, const Trailer& onCard)
+/// Takes what isn't given from the card, so that nothing comes from what the class reads on writing.
+void Complete(Request& request, const Trailer& onCard)
 {
-    NewTrailer wanted{.Levels = request.Levels, .BX = request.BX.value_or(onCard.UserByte)};
-    if (wanted.Levels.KeysToUse == KeysAsOnCard) {
-        wanted.Levels.KeysToUse = KeysUsedBy(TrailerRightsIn(onCard.Conditions));
+    if (request.Levels.KeysToUse == KeysAsOnCard) {
+        request.Levels.KeysToUse = KeysUsedBy(TrailerRightsIn(onCard.Conditions));
     }
-    wanted.Bytes = EncodeOrRefuse(wanted.Levels);
-    return wanted;
+    request.BX = request.BX.value_or(onCard.UserByte);
+    request.Bytes = EncodeOrRefuse(request.Levels);
 }
 
 /// Key B is a key once the trailer is written.
-bool IsKeyB(const NewTrailer& wanted)
+bool IsKeyB(const Request& request)
 {
-    return KeysUsedBy(TrailerRightsIn(wanted.Bytes)) == BothKeys;
+    return KeysUsedBy(TrailerRightsIn(request.Bytes)) == BothKeys;
 }
 
 /// The class stores the rights of a purse only for a block that it has written as a value block itself.
@@ -171,16 +164,18 @@ void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int
     }
 }
 
-void ShowChange(int32_t sector, const Trailer& onCard, const NewTrailer& wanted, Output& out)
+void ShowChange(const Request& request, const Trailer& onCard, Output& out)
 {
+    const int32_t sector = request.Sector;
     const ShownAccess before{sector, onCard.Conditions, onCard.UserByte, {}};
-    const ShownAccess after{sector, wanted.Bytes, wanted.BX, Deviations(wanted.Levels, wanted.Bytes, sector)};
+    const ShownAccess after{sector, request.Bytes, request.BX,
+                            Deviations(request.Levels, request.Bytes, sector)};
     out.Json["before"] = ToJson(before);
     out.Json["after"] = ToJson(after);
     out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector,
                      FormatLevels(before.Bytes).c_str(), onCard.UserByte, AccessTable(before).c_str()));
     out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
-                     FormatLevels(after.Bytes).c_str(), wanted.BX, AccessTable(after).c_str()));
+                     FormatLevels(after.Bytes).c_str(), *request.BX, AccessTable(after).c_str()));
     WarnOfPurses(before.Bytes, after.Bytes, sector, out);
 }
 
@@ -258,10 +253,10 @@ void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteRepor
     }
 }
 
-void Write(Encoder& encoder, const Request& request, const NewTrailer& wanted, WriteReport& report)
+void Write(Encoder& encoder, const Request& request, WriteReport& report)
 {
     const auto level = [&](size_t slot) {
-        return static_cast<SCBS_SecurityLevelEnum>(wanted.Levels.Levels[slot]);
+        return static_cast<SCBS_SecurityLevelEnum>(request.Levels.Levels[slot]);
     };
     // Without new ones the card ignores the keys, by the rights that RequireRights has seen. The key of the
     // login would be the least harm if it took them.
@@ -270,32 +265,32 @@ void Write(Encoder& encoder, const Request& request, const NewTrailer& wanted, W
     report.Sent(encoder,
                 encoder.WriteSectorTrailer(
                     request.Sector, DigitsOf(request.Login.Bytes).Text, request.Login.Type,
-                    DigitsOf(keyA).Text, DigitsOf(keyB).Text, wanted.Levels.KeysToUse, level(0), level(1),
-                    level(2), static_cast<SCSS_SecurityLevelEnum>(wanted.Levels.Levels[TrailerSlot]),
-                    wanted.BX));
+                    DigitsOf(keyA).Text, DigitsOf(keyB).Text, request.Levels.KeysToUse, level(0), level(1),
+                    level(2), static_cast<SCSS_SecurityLevelEnum>(request.Levels.Levels[TrailerSlot]),
+                    *request.BX));
 }
 
 /// Logs in with each key that the sector then has, and compares what reads back.
-bool IsTaken(Encoder& encoder, const Request& request, const NewTrailer& wanted)
+bool IsTaken(Encoder& encoder, const Request& request)
 {
     std::vector<LoginKey> logins = {request.Login};
     if (!request.Keys.empty()) {
         logins = {{request.Keys.front(), KeyTypeA}};
-        if (IsKeyB(wanted)) {
+        if (IsKeyB(request)) {
             logins.push_back({request.Keys.back(), KeyTypeB});
         }
     }
     return std::ranges::all_of(logins, [&](const LoginKey& key) {
         const Trailer trailer = ReadTrailer(encoder, request.Sector, key);
-        return trailer.Conditions == wanted.Bytes && trailer.UserByte == wanted.BX &&
-               (request.Keys.empty() || IsKeyB(wanted) || trailer.KeyB == request.Keys.back());
+        return trailer.Conditions == request.Bytes && trailer.UserByte == request.BX &&
+               (request.Keys.empty() || IsKeyB(request) || trailer.KeyB == request.Keys.back());
     });
 }
 
 int Protect(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    const Request request = Parse(options, /*canAsk=*/!out.IsJson && IsTerminal(stdin));
+    Request request = Parse(options, /*canAsk=*/!out.IsJson && IsTerminal(stdin));
     WriteReport report(out);
     AddParts(request, report);
     const auto encoder = OpenReader(context.Parameters);
@@ -303,11 +298,11 @@ int Protect(const Options& options, Context& context)
     const Trailer onCard = ReadTrailer(*encoder, request.Sector, request.Login);
     const ConditionBytes before = onCard.Conditions;
     const TrailerRights& rights = TrailerRightsIn(before);
-    const NewTrailer wanted = MakeTrailer(request, onCard);
-    ShowChange(request.Sector, onCard, wanted, out);
+    Complete(request, onCard);
+    ShowChange(request, onCard, out);
 
-    RequireRights(request, rights, before != wanted.Bytes || onCard.UserByte != wanted.BX);
-    const bool canBeReadBack = !request.Keys.empty() || IsKeyB(wanted);
+    RequireRights(request, rights, before != request.Bytes || onCard.UserByte != request.BX);
+    const bool canBeReadBack = !request.Keys.empty() || IsKeyB(request);
     if (request.Keys.empty()) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
                          NameOf(request.Login.IsB() ? KeySet::B : KeySet::A)));
@@ -321,7 +316,7 @@ int Protect(const Options& options, Context& context)
             purses.push_back(ReadPurse(*encoder, request, slot, before, out));
         }
     }
-    if (AreConditionsFixed(TrailerRightsIn(wanted.Bytes)) && !AreConditionsFixed(rights) &&
+    if (AreConditionsFixed(TrailerRightsIn(request.Bytes)) && !AreConditionsFixed(rights) &&
         !options.IsForGood) {
         throw UsageError{"this freezes the sector for good. Give --for-good if it is meant"};
     }
@@ -336,11 +331,11 @@ int Protect(const Options& options, Context& context)
     for (const Purse& purse : purses) {
         Write(*encoder, purse, request.Login, report);
     }
-    Write(*encoder, request, wanted, report);
+    Write(*encoder, request, report);
     if (!canBeReadBack) {
         throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
     }
-    if (!report.ReadBack(*encoder, [&] { return IsTaken(*encoder, request, wanted); })) {
+    if (!report.ReadBack(*encoder, [&] { return IsTaken(*encoder, request); })) {
         throw OtherFailure{"the card holds something other than was written"};
     }
     out.Print(request.Keys.empty() ? "Written, and read back." : "Written, and read back with the new keys.");

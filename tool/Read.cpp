@@ -1,7 +1,6 @@
 // acg read: blocks in hexadecimal and as characters.
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 

@@ -1,7 +1,6 @@
 // acg trailer: what the keys of a sector may do.
 #include "tool/AccessWords.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/SectorTrailer.h"
 #include "tool/Text.h"

@@ -1,7 +1,6 @@
 // acg write: a data block.
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
