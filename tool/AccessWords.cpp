@@ -58,6 +58,13 @@ std::vector<AccessRow> ShownRows(const ShownAccess& access)
     return rows;
 }
 
+/// As they read back: of the data slots, then of the trailer.
+std::array<int32_t, SectorSlots> LevelsIn(const ConditionBytes& bytes)
+{
+    const auto of = [&](unsigned slot) { return LevelOf(BlockRightsOf(TripleIn(bytes, slot))); };
+    return {of(0), of(1), of(2), LevelOf(TrailerRightsIn(bytes))};
+}
+
 std::string Joined(const std::vector<std::string>& names)
 {
     std::string text;
@@ -148,13 +155,9 @@ std::string AccessBitsText(const ConditionBytes& bytes)
 
 std::string FormatLevels(const ConditionBytes& bytes)
 {
-    std::string levels;
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        levels += std::to_string(LevelOf(BlockRightsOf(TripleIn(bytes, slot)))) + ",";
-    }
-    const TrailerRights& trailer = TrailerRightsIn(bytes);
-    return levels + std::to_string(LevelOf(trailer)) +
-           (KeysUsedBy(trailer) == KeyAAlone ? " with key A alone" : " with both keys");
+    const auto [first, second, third, trailer] = LevelsIn(bytes);
+    return Format("%d,%d,%d,%d with %s", first, second, third, trailer,
+                  KeysUsedBy(TrailerRightsIn(bytes)) == KeyAAlone ? "key A alone" : "both keys");
 }
 
 std::string AccessTable(const ShownAccess& access)
@@ -181,11 +184,6 @@ std::string AccessTable(const ShownAccess& access)
 JsonObject ToJson(const ShownAccess& access)
 {
     const TrailerRights& trailer = TrailerRightsIn(access.Bytes);
-    JsonObject levels = JsonObject::array();
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        levels.push_back(LevelOf(BlockRightsOf(TripleIn(access.Bytes, slot))));
-    }
-    levels.push_back(LevelOf(trailer));
     JsonObject rows = JsonObject::array();
     for (const AccessRow& row : ShownRows(access)) {
         rows.push_back({{"what", row.What}, {"keyA", row.Verbs[0]}, {"keyB", row.Verbs[1]}});
@@ -194,7 +192,7 @@ JsonObject ToJson(const ShownAccess& access)
         {"sector", access.Sector ? JsonObject(*access.Sector) : JsonObject()},
         {"accessBits", AccessBitsText(access.Bytes)},
         {"byte9", access.UserByte ? JsonObject(*access.UserByte) : JsonObject()},
-        {"levels", levels},
+        {"levels", LevelsIn(access.Bytes)},
         {"keys", KeysUsedBy(trailer)},
         {"may", rows},
         {"accessFixedForGood", AreConditionsFixed(trailer)},

@@ -168,7 +168,7 @@ std::vector<Key> KeysOf(const KeyOptions& options)
     if (!options.File.empty()) {
         return ReadKeys(options.File);
     }
-    return {IsKeyGiven(options) ? TheKey(options).Bytes : ParseKey("FFFFFFFFFFFF", {})};
+    return {GivenKey(options.Text, "--key", "ACG_KEY").value_or(ParseKey("FFFFFFFFFFFF", {}))};
 }
 
 /// What a key of that list is called.

@@ -34,16 +34,9 @@ std::string TypeOf(Encoder& encoder)
 
 const char* StateOf(Encoder& encoder)
 {
-    switch (encoder.EncoderState()) {
-    case sceClosed:
-        return "closed";
-    case sceOpened:
-        return "opened, no card in the field";
-    case sceReady:
-        return "ready";
-    default:
-        return "unknown";
-    }
+    constexpr const char* States[] = {"unknown", "closed", "opened, no card in the field", "ready"};
+    static_assert(sceUnknown == 0 && sceClosed == 1 && sceOpened == 2 && sceReady == 3);
+    return States[encoder.EncoderState()];
 }
 
 /// The reader library that is loaded, whichever of its functions it has.

@@ -47,17 +47,6 @@ struct Purse {
     int32_t Value;
 };
 
-std::optional<Key> NewKey(const std::string& text, const char* option, const char* variable)
-{
-    if (!text.empty()) {
-        return ParseKey(text, option);
-    }
-    if (const auto key = Variable(variable)) {
-        return ParseKey(*key, Format("the key in %s", variable));
-    }
-    return std::nullopt;
-}
-
 std::vector<Key> ParseNewKeys(const Options& options)
 {
     if (!options.NewKeysFile.empty()) {
@@ -67,8 +56,8 @@ std::vector<Key> ParseNewKeys(const Options& options)
         }
         return keys;
     }
-    const auto keyA = NewKey(options.NewA, "--new-a", "ACG_NEW_A");
-    const auto keyB = NewKey(options.NewB, "--new-b", "ACG_NEW_B");
+    const auto keyA = GivenKey(options.NewA, "--new-a", "ACG_NEW_A");
+    const auto keyB = GivenKey(options.NewB, "--new-b", "ACG_NEW_B");
     if (keyA.has_value() != keyB.has_value()) {
         throw UsageError{keyA ? "there is a new key A, but no new key B: --new-b, or the variable ACG_NEW_B"
                               : "there is a new key B, but no new key A: --new-a, or the variable ACG_NEW_A"};
