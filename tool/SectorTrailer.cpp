@@ -33,14 +33,14 @@ int32_t ParseSector(std::string_view text)
 
 SectorLevels ParseLevels(const LevelOptions& options)
 {
-    constexpr std::string_view problem = "--levels is four levels from 0 to 15, as in 13,13,13,12";
+    constexpr std::string_view Problem = "--levels is four levels from 0 to 15, as in 13,13,13,12";
     const std::vector<std::string_view> parts = Parts(options.Levels);
     if (parts.size() != SectorSlots) {
-        throw UsageError{std::string(problem)};
+        throw UsageError{std::string(Problem)};
     }
     SectorLevels levels{.KeysToUse = KeysAsOnCard};
     std::ranges::transform(parts, levels.Levels.begin(), [&](std::string_view part) {
-        return ParseNumber(part, 0, HighestLevel, problem);
+        return ParseNumber(part, 0, HighestLevel, Problem);
     });
     if (!options.ValueBlocks.empty()) {
         for (const std::string_view part : Parts(options.ValueBlocks)) {
@@ -76,7 +76,7 @@ ConditionBytes EncodeOrRefuse(const SectorLevels& levels)
 
 Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key)
 {
-    const Trailer trailer(ReadBlock(encoder, TrailerBlock(sector), key));
+    Trailer trailer(ReadBlock(encoder, TrailerBlock(sector), key));
     if (!InvertedCopiesAgree(trailer.Conditions)) {
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "
