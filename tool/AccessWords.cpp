@@ -3,8 +3,6 @@
 #include "acg/cards/BlockAddress.h"
 #include "tool/Text.h"
 
-#include <algorithm>
-
 namespace acg::tool
 {
 
@@ -16,51 +14,55 @@ SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
 {
     SectorRights rights = RightsGranted(bytes);
     if (sector == 0) {
-        rights.Blocks[0].Write = rights.Blocks[0].Increment = rights.Blocks[0].Decrement = KeySet::None;
+        rights[0] = {rights[0][Right::Read]};
     }
     return rights;
 }
 
+constexpr KeySet Keys[] = {KeySet::A, KeySet::B};
 constexpr const char* AccessBits = "access bits"; ///< a row's name
 
-struct NamedRight {
-    const char* Name;
-    KeySet Holders;
+/// What each key may do with a block, or with a part of the trailer.
+struct AccessRow {
+    std::string What;
+    std::vector<std::string> Verbs[2]; ///< "read", "write", ... of key A and of key B
 };
 
-std::vector<std::string> OfKey(KeySet key, const std::vector<NamedRight>& rights)
-{
-    std::vector<std::string> names;
-    for (const auto& [name, holders] : rights) {
-        if (Has(holders, key)) {
-            names.emplace_back(name);
-        }
-    }
-    return names;
-}
-
-AccessRow Row(std::string what, const std::vector<NamedRight>& rights)
-{
-    return {std::move(what), OfKey(KeySet::A, rights), OfKey(KeySet::B, rights)};
-}
-
+/// One for each part.
 std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
 {
+    constexpr const char* Names[] = {"read", "write", "increment", "decrement"};
+    constexpr const char* OfTrailer[] = {"keys A and B", AccessBits, "key B itself"};
     std::vector<AccessRow> rows;
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        const DataRights& block = rights.Blocks[slot];
-        rows.push_back(Row(NameOfSlot(slot, sector), {{"read", block.Read},
-                                                      {"write", block.Write},
-                                                      {"increment", block.Increment},
-                                                      {"decrement", block.Decrement}}));
-    }
-    const TrailerRights& trailer = rights.Trailer;
-    rows.push_back(Row("keys A and B", {{"write", trailer.WriteKeys}}));
-    rows.push_back(Row(AccessBits, {{"read", trailer.ReadConditions}, {"write", trailer.WriteConditions}}));
-    if (trailer.ReadKeyB != KeySet::None) {
-        rows.push_back(Row("key B itself", {{"read", trailer.ReadKeyB}}));
+    for (unsigned part = 0; part < rights.size(); ++part) {
+        AccessRow& row = rows.emplace_back();
+        row.What = part < DataSlots ? NameOfSlot(part, sector) : OfTrailer[part - DataSlots];
+        for (size_t right = 0; right < Right::Count; ++right) {
+            for (const size_t key : {0U, 1U}) {
+                if (Has(rights[part][right], Keys[key])) {
+                    row.Verbs[key].emplace_back(Names[right]);
+                }
+            }
+        }
     }
     return rows;
+}
+
+/// Without that of key B, if it is a key.
+std::vector<AccessRow> ShownRows(const ShownAccess& access)
+{
+    std::vector<AccessRow> rows = Rows(RightsIn(access.Bytes, access.Sector), access.Sector);
+    if (TrailerRightsIn(access.Bytes).ReadKeyB == KeySet::None) {
+        rows.pop_back();
+    }
+    return rows;
+}
+
+/// As they read back: of the data slots, then of the trailer.
+std::array<int32_t, SectorSlots> LevelsIn(const ConditionBytes& bytes)
+{
+    const auto of = [&](unsigned slot) { return LevelOf(BlockRightsOf(TripleIn(bytes, slot))); };
+    return {of(0), of(1), of(2), LevelOf(TrailerRightsIn(bytes))};
 }
 
 std::string Joined(const std::vector<std::string>& names)
@@ -80,29 +82,51 @@ std::string InShort(const std::vector<std::string>& names)
 }
 
 /// "key A may read and write block 4".
-std::string Sentence(const char* key, const std::vector<std::string>& rights, const std::string& what)
+std::string Sentence(const AccessRow& row, size_t key)
 {
-    const std::string object = (what == AccessBits ? "the " : "") + what;
-    if (rights.empty()) {
-        return Format("%s may do nothing with %s", key, object.c_str());
+    const std::string object = (row.What == AccessBits ? "the " : "") + row.What;
+    if (row.Verbs[key].empty()) {
+        return Format("%s may do nothing with %s", NameOf(Keys[key]), object.c_str());
     }
-    std::string verbs = Joined(rights);
+    std::string verbs = Joined(row.Verbs[key]);
     if (const size_t comma = verbs.rfind(", "); comma != std::string::npos) {
         verbs.replace(comma, 1, " and");
     }
-    return Format("%s may %s %s", key, verbs.c_str(), object.c_str());
+    return Format("%s may %s %s", NameOf(Keys[key]), verbs.c_str(), object.c_str());
 }
 
 void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, SectorNumber sector,
                    const char* pattern)
 {
     for (const AccessRow& row : Rows(rights, sector)) {
-        for (const auto& [name, words] : {std::pair("key A", &row.KeyA), std::pair("key B", &row.KeyB)}) {
-            if (!words->empty()) {
-                lines.push_back(Format(pattern, name, Joined(*words).c_str(), row.What.c_str()));
+        for (const size_t key : {0U, 1U}) {
+            if (!row.Verbs[key].empty()) {
+                lines.push_back(
+                    Format(pattern, NameOf(Keys[key]), Joined(row.Verbs[key]).c_str(), row.What.c_str()));
             }
         }
     }
+}
+
+/// What nobody can change again, if the access bits are fixed.
+std::string FixedForGood(const ShownAccess& access, const TrailerRights& trailer)
+{
+    std::string text = "FOR GOOD: nobody can ever change again what the keys of this sector may do.\n";
+    text += AreKeysFixed(trailer)
+                ? "FOR GOOD: nobody can ever change the keys of this sector again.\n"
+                : Format("The keys can be changed again by %s.\n", NameOf(trailer.WriteKeys));
+    const SectorRights rights = RightsIn(access.Bytes, access.Sector);
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        const std::string name = NameOfSlot(slot, access.Sector);
+        if (rights[slot][Right::Read] == KeySet::None) {
+            text += Format("FOR GOOD: %s can never be read again.\n", name.c_str());
+        }
+        if (rights[slot][Right::Write] == KeySet::None) {
+            text += Format("FOR GOOD: %s can never be written again%s.\n", name.c_str(),
+                           rights[slot][Right::Decrement] != KeySet::None ? ", only decremented" : "");
+        }
+    }
+    return text;
 }
 
 } // namespace
@@ -124,11 +148,6 @@ std::string NameOfSlot(unsigned slot, SectorNumber sector)
     return inSlot == 1 ? Format("block %d", block) : Format("blocks %d-%d", block, block + inSlot - 1);
 }
 
-std::vector<AccessRow> AccessRows(const ConditionBytes& bytes, SectorNumber sector)
-{
-    return Rows(RightsIn(bytes, sector), sector);
-}
-
 std::string AccessBitsText(const ConditionBytes& bytes)
 {
     return Format("%02X%02X%02X", bytes[0], bytes[1], bytes[2]);
@@ -136,46 +155,50 @@ std::string AccessBitsText(const ConditionBytes& bytes)
 
 std::string FormatLevels(const ConditionBytes& bytes)
 {
-    std::string levels;
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        levels += std::to_string(LevelOf(BlockRightsOf(TripleIn(bytes, slot)))) + ",";
-    }
-    const TrailerRights& trailer = TrailerRightsOf(TripleIn(bytes, TrailerSlot));
-    return levels + std::to_string(LevelOf(trailer)) +
-           (KeysUsedBy(trailer) == KeyAAlone ? " with key A alone" : " with both keys");
+    const auto [first, second, third, trailer] = LevelsIn(bytes);
+    return Format("%d,%d,%d,%d with %s", first, second, third, trailer,
+                  KeysUsedBy(TrailerRightsIn(bytes)) == KeyAAlone ? "key A alone" : "both keys");
 }
 
-std::string AccessTable(const ConditionBytes& bytes, SectorNumber sector)
+std::string AccessTable(const ShownAccess& access)
 {
     constexpr const char* Columns = "%-16s%-18s%s\n";
     std::string text = Format(Columns, "", "key A may", "key B may");
-    for (const AccessRow& row : AccessRows(bytes, sector)) {
-        text += Format(Columns, row.What.c_str(), InShort(row.KeyA).c_str(), InShort(row.KeyB).c_str());
+    for (const AccessRow& row : ShownRows(access)) {
+        text +=
+            Format(Columns, row.What.c_str(), InShort(row.Verbs[0]).c_str(), InShort(row.Verbs[1]).c_str());
     }
-    const SectorRights rights = RightsIn(bytes, sector);
-    const TrailerRights& trailer = rights.Trailer;
+    const TrailerRights& trailer = TrailerRightsIn(access.Bytes);
     if (trailer.ReadKeyB != KeySet::None) {
         text += "Key B is only data here: it can be read, and opens nothing.\n";
     }
-    if (!AreConditionsFixed(trailer)) {
-        return text + Format("All of this can be changed again by %s.\n", NameOf(trailer.WriteConditions));
-    }
-    text += "FOR GOOD: nobody can ever change again what the keys of this sector may do.\n";
-    text += AreKeysFixed(trailer)
-                ? "FOR GOOD: nobody can ever change the keys of this sector again.\n"
-                : Format("The keys can be changed again by %s.\n", NameOf(trailer.WriteKeys));
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        const DataRights& block = rights.Blocks[slot];
-        const std::string name = NameOfSlot(slot, sector);
-        if (block.Read == KeySet::None) {
-            text += Format("FOR GOOD: %s can never be read again.\n", name.c_str());
-        }
-        if (block.Write == KeySet::None) {
-            text += Format("FOR GOOD: %s can never be written again%s.\n", name.c_str(),
-                           block.Decrement != KeySet::None ? ", only decremented" : "");
-        }
+    text += AreConditionsFixed(trailer)
+                ? FixedForGood(access, trailer)
+                : Format("All of this can be changed again by %s.\n", NameOf(trailer.WriteConditions));
+    for (const std::string& line : access.Deviations) {
+        text += line + '\n';
     }
     return text;
+}
+
+JsonObject ToJson(const ShownAccess& access)
+{
+    const TrailerRights& trailer = TrailerRightsIn(access.Bytes);
+    JsonObject rows = JsonObject::array();
+    for (const AccessRow& row : ShownRows(access)) {
+        rows.push_back({{"what", row.What}, {"keyA", row.Verbs[0]}, {"keyB", row.Verbs[1]}});
+    }
+    return {
+        {"sector", access.Sector ? JsonObject(*access.Sector) : JsonObject()},
+        {"accessBits", AccessBitsText(access.Bytes)},
+        {"byte9", access.UserByte ? JsonObject(*access.UserByte) : JsonObject()},
+        {"levels", LevelsIn(access.Bytes)},
+        {"keys", KeysUsedBy(trailer)},
+        {"may", rows},
+        {"accessFixedForGood", AreConditionsFixed(trailer)},
+        {"keysFixedForGood", AreKeysFixed(trailer)},
+        {"deviations", access.Deviations},
+    };
 }
 
 std::vector<std::string> Deviations(const SectorLevels& levels, const ConditionBytes& bytes,
@@ -187,21 +210,6 @@ std::vector<std::string> Deviations(const SectorLevels& levels, const ConditionB
     AddDeviations(lines, RightsNotIn(asked, granted), sector, "Beyond what was asked, %s may %s: %s");
     AddDeviations(lines, RightsNotIn(granted, asked), sector, "Asked for but not granted, %s may not %s: %s");
     return lines;
-}
-
-std::string RefusalInWords(const SectorLevels& levels)
-{
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (!BlockTriple(levels.Levels[slot], levels.KeysToUse, false)) {
-            return Format(
-                "level %d can't be stored for a data block with both keys: the card can't let key A "
-                "do what key B may not",
-                levels.Levels[slot]);
-        }
-    }
-    return Format("level %d can't be stored for the trailer with both keys, only 0, 4, 8 and 12: if key B is "
-                  "a key, the card doesn't let key A write the trailer",
-                  levels.Levels[TrailerSlot]);
 }
 
 std::vector<TrailerDifference> TrailerDifferences(const Trailer& first, const Trailer& second, int32_t sector)
@@ -226,14 +234,11 @@ std::vector<TrailerDifference> TrailerDifferences(const Trailer& first, const Tr
             lines.push_back({mark, "the access bits contradict themselves: the card would block the sector"});
         }
     }
-    const std::vector<AccessRow> before = AccessRows(bytes[0], sector);
-    const std::vector<AccessRow> after = AccessRows(bytes[1], sector);
-    for (size_t row = 0; row < std::max(before.size(), after.size()); ++row) {
-        const AccessRow none = {"key B itself", {}, {}};
-        const AccessRow& one = row < before.size() ? before[row] : none;
-        const AccessRow& other = row < after.size() ? after[row] : none;
-        add(Sentence("key A", one.KeyA, one.What), Sentence("key A", other.KeyA, other.What));
-        add(Sentence("key B", one.KeyB, one.What), Sentence("key B", other.KeyB, other.What));
+    const std::vector<AccessRow> before = Rows(RightsIn(bytes[0], sector), sector);
+    const std::vector<AccessRow> after = Rows(RightsIn(bytes[1], sector), sector);
+    for (size_t row = 0; row < before.size(); ++row) {
+        add(Sentence(before[row], 0), Sentence(after[row], 0));
+        add(Sentence(before[row], 1), Sentence(after[row], 1));
     }
     return lines;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tool/Card.h"
+#include "tool/Output.h"
 #include "tool/SectorAccess.h"
 
 #include <optional>
@@ -11,20 +12,11 @@
 namespace acg::tool
 {
 
-/// What each key may do with a block, or with a part of the trailer.
-struct AccessRow {
-    std::string What;
-    std::vector<std::string> KeyA; ///< "read", "write", ...
-    std::vector<std::string> KeyB;
-};
-
 /// None for a sector as such, whose data blocks are counted from 0.
 using SectorNumber = std::optional<int32_t>;
 
 /// "nobody", "key A", "key B" or "key A or key B".
 [[nodiscard]] const char* NameOf(KeySet holders);
-
-[[nodiscard]] std::vector<AccessRow> AccessRows(const ConditionBytes& bytes, SectorNumber sector);
 
 /// Bytes 6 to 8 of the trailer, as "FF0780".
 [[nodiscard]] std::string AccessBitsText(const ConditionBytes& bytes);
@@ -32,9 +24,18 @@ using SectorNumber = std::optional<int32_t>;
 /// As --levels and --keys take it: "13,13,13,12 with both keys".
 [[nodiscard]] std::string FormatLevels(const ConditionBytes& bytes);
 
-/// The table, and below it who can change what again. Each thing that can never be changed again has a line
-/// that begins with "FOR GOOD".
-[[nodiscard]] std::string AccessTable(const ConditionBytes& bytes, SectorNumber sector);
+/// A sector's access as "trailer", "preview" and "protect" show it.
+struct ShownAccess {
+    SectorNumber Sector; ///< none for "preview"
+    ConditionBytes Bytes;
+    std::optional<uint8_t> UserByte;
+    std::vector<std::string> Deviations;
+};
+
+/// The table, and below it who can change what again, and the deviations. Each thing that can never be
+/// changed again has a line that begins with "FOR GOOD".
+[[nodiscard]] std::string AccessTable(const ShownAccess& access);
+[[nodiscard]] JsonObject ToJson(const ShownAccess& access);
 
 /// "block 4", "blocks 128-132", or "data block 0".
 [[nodiscard]] std::string NameOfSlot(unsigned slot, SectorNumber sector);
@@ -42,9 +43,6 @@ using SectorNumber = std::optional<int32_t>;
 /// What is granted beyond the levels, and what they ask for and isn't granted, a line each.
 [[nodiscard]] std::vector<std::string> Deviations(const SectorLevels& levels, const ConditionBytes& bytes,
                                                   SectorNumber sector);
-
-/// The level that can't be stored, and why.
-[[nodiscard]] std::string RefusalInWords(const SectorLevels& levels);
 
 struct TrailerDifference {
     char Mark; ///< '<' for the first trailer, '>' for the second, ' ' for both

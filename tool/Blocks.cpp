@@ -10,10 +10,10 @@ namespace acg::tool
 namespace
 {
 
-uint32_t NumberAt(const Block& bytes, size_t at)
+int32_t NumberAt(const Block& bytes, size_t at)
 {
-    return bytes[at] | uint32_t{bytes[at + 1]} << 8 | uint32_t{bytes[at + 2]} << 16 |
-           uint32_t{bytes[at + 3]} << 24;
+    return static_cast<int32_t>(bytes[at] | uint32_t{bytes[at + 1]} << 8 | uint32_t{bytes[at + 2]} << 16 |
+                                uint32_t{bytes[at + 3]} << 24);
 }
 
 } // namespace
@@ -85,16 +85,11 @@ Refusal TryReadBlock(Encoder& encoder, int32_t number, const LoginKey& key, Bloc
 }
 
 ValueBlock::ValueBlock(const Block& bytes)
-    : m_value(NumberAt(bytes, 0)), m_inverted(NumberAt(bytes, 4)),
-      m_again(NumberAt(bytes, 8)), m_address{bytes[12], bytes[13], bytes[14], bytes[15]}
+    : Value(NumberAt(bytes, 0)), Inverted(~NumberAt(bytes, 4)), Again(NumberAt(bytes, 8))
 {
-}
-
-std::optional<uint8_t> ValueBlock::Address() const
-{
-    const bool isConsistent =
-        m_address[2] == m_address[0] && m_address[3] == m_address[1] && (m_address[0] ^ m_address[1]) == 0xFF;
-    return isConsistent ? std::optional(m_address[0]) : std::nullopt;
+    if (bytes[14] == bytes[12] && bytes[15] == bytes[13] && (bytes[12] ^ bytes[13]) == 0xFF) {
+        Address = bytes[12];
+    }
 }
 
 std::string ReadCommand(int32_t number, const LoginKey& key)

@@ -3,7 +3,6 @@
 
 #include "tool/Card.h"
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -49,24 +48,17 @@ enum class Refusal {
 [[nodiscard]] Refusal TryReadBlock(Encoder& encoder, int32_t number, const LoginKey& key, Block& contents);
 
 /// What a value block holds three times, and its address. The numbers are stored with the lowest byte first.
-class ValueBlock
-{
-public:
-    explicit ValueBlock(const Block& bytes);
+struct ValueBlock {
+    explicit ValueBlock(const Block& bytes = {});
 
-    [[nodiscard]] int32_t Value() const { return static_cast<int32_t>(m_value); }
-    [[nodiscard]] int32_t Inverted() const { return static_cast<int32_t>(~m_inverted); }
-    [[nodiscard]] int32_t Again() const { return static_cast<int32_t>(m_again); }
-    [[nodiscard]] bool HasCopies() const { return m_inverted == ~m_value && m_again == m_value; }
+    int32_t Value;
+    int32_t Inverted; ///< the second copy, inverted again
+    int32_t Again;
     /// The block's number, when a reader has written it; none if its four bytes disagree.
-    [[nodiscard]] std::optional<uint8_t> Address() const;
-    [[nodiscard]] bool IsValid() const { return HasCopies() && Address(); }
+    std::optional<uint8_t> Address;
 
-private:
-    uint32_t m_value;
-    uint32_t m_inverted;
-    uint32_t m_again;
-    std::array<uint8_t, 4> m_address;
+    [[nodiscard]] bool HasCopies() const { return Inverted == Value && Again == Value; }
+    [[nodiscard]] bool IsValid() const { return HasCopies() && Address; }
 };
 
 /// The command that shows a block, for a person to type. The key itself isn't shown.

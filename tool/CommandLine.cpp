@@ -1,13 +1,9 @@
 #include "tool/CommandLine.h"
 
-#include "tool/Commands.h"
 #include "tool/Failures.h"
-#include "tool/Json.h"
 #include "tool/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <iterator>
 #include <sstream>
@@ -60,6 +56,21 @@ std::string Help(const CLI::App* app, const std::string& name, CLI::AppFormatMod
            '\n';
 }
 
+JsonObject ToJson(const CError& failure)
+{
+    const Remedy* const remedy = FindRemedy(failure);
+    return {
+        {"number", failure.Number},
+        {"description", ToUtf8(failure.Description)},
+        {"lastDllError", failure.LastDllError},
+        {"comFunction", ToUtf8(failure.ComFunction)},
+        {"rdrCommand", ToUtf8(failure.RdrCommand)},
+        {"rdrRetCode", ToUtf8(failure.RdrRetCode)},
+        {"meaning", remedy != nullptr ? remedy->Meaning : ""},
+        {"remedy", remedy != nullptr ? ActionOf(*remedy) : ""},
+    };
+}
+
 /// The parser takes an empty argument for one that isn't there.
 void RefuseEmpty(const std::vector<std::string>& arguments)
 {
@@ -74,15 +85,6 @@ void RefuseEmpty(const std::vector<std::string>& arguments)
             throw UsageError{argument.substr(0, argument.size() - 1) + " is empty"};
         }
     }
-}
-
-void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile)
-{
-    command.Option(
-        "--key", "KEY", key.Text,
-        "The key to log in with, 12 hexadecimal digits. An option stands in the process list and in "
-        "the shell's history; a file or a variable doesn't");
-    command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
 }
 
 } // namespace
@@ -124,7 +126,7 @@ CommandLine::CommandLine()
                      "ACG_PARAMETERS")
         ->type_name("TEXT");
     m_program->add_flag_callback(
-        "--json", [this] { m_context.Out.UseJson(); }, "Print one JSON object, whatever the end");
+        "--json", [this] { m_context.Out.IsJson = true; }, "Print one JSON object, whatever the end");
     m_program->footer("Exit status: 0 done, 1 failed or a difference found, 2 wrong use, 130 Ctrl-C.\n"
                       "acg COMMAND --help shows what a command takes, with an example.");
     for (const auto add : AllCommands) {
@@ -149,7 +151,7 @@ int CommandLine::Run(std::vector<std::string> arguments)
     if (std::ranges::any_of(arguments, [](const std::string& argument) {
             return argument == "--json" || argument.starts_with("--json=");
         })) { // wrong use is JSON too
-        out.UseJson();
+        out.IsJson = true;
     }
     int status = Done;
     std::string problem;
@@ -157,7 +159,7 @@ int CommandLine::Run(std::vector<std::string> arguments)
         status = exitStatus;
         // What is typed or written in the wrong place may be a key.
         problem = exitStatus == WrongUse ? MaskKeys(text) : std::move(text);
-        out.Json()["failure"] = failure.is_null() ? JsonObject{{"description", problem}} : std::move(failure);
+        out.Json["failure"] = failure.is_null() ? JsonObject{{"description", problem}} : std::move(failure);
     };
     try {
         RefuseEmpty(arguments);
@@ -168,7 +170,7 @@ int CommandLine::Run(std::vector<std::string> arguments)
         std::ostringstream text;
         status = m_program->exit(ended, text, text);
         out.Print(text.str());
-        out.Json()["text"] = text.str();
+        out.Json["text"] = text.str();
     } catch (const CLI::ParseError& error) {
         fail(WrongUse, Explain(error));
     } catch (const CardFailure& failure) {
@@ -182,13 +184,13 @@ int CommandLine::Run(std::vector<std::string> arguments)
     } catch (const std::exception& error) { // no memory
         fail(Failed, error.what());
     }
-    out.Json().emplace("failure", nullptr);
+    out.Json.emplace("failure", nullptr);
     if (!out.Finish()) {
         problem += (problem.empty() ? "" : "\n") + std::string("standard output can't be written");
         status = status == Done ? Failed : status;
     }
     if (!problem.empty()) {
-        PrintProblem(problem + out.Outcome());
+        PrintProblem(problem + out.Outcome);
     }
     return status;
 }
@@ -222,19 +224,20 @@ std::string CommandLine::Explain(const CLI::Error& error) const
            "--help shows what there is";
 }
 
-void TakesKeys(CommandOptions& command, KeyOptions& key)
+void TakesKeys(CommandOptions& command, KeyOptions& key, const char* aboutFile)
 {
-    AddKeyOptions(
-        command, key,
-        "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
-        "options: the variable ACG_KEY, else FFFFFFFFFFFF");
+    command.Option(
+        "--key", "KEY", key.Text,
+        "The key to log in with, 12 hexadecimal digits. An option stands in the process list and in "
+        "the shell's history; a file or a variable doesn't");
+    command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
 }
 
 void TakesKey(CommandOptions& command, KeyOptions& key)
 {
-    AddKeyOptions(command, key,
-                  "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
-                  "the variable ACG_KEY");
+    TakesKeys(command, key,
+              "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
+              "the variable ACG_KEY");
     command.Flag("--as-b", key.AsB, "Log in with it as key B; default: as key A");
 }
 

@@ -1,4 +1,4 @@
-// The command line: which commands there are is in Commands.h, what one takes and does is in its own file.
+// The command line. What a command takes and does is in a file of its own.
 #pragma once
 
 #include "tool/Keys.h"
@@ -87,9 +87,24 @@ private:
     Action m_chosen;
 };
 
+void AddInfo(CommandLine& commands);
+void AddRead(CommandLine& commands);
+void AddWrite(CommandLine& commands);
+void AddValue(CommandLine& commands);
+void AddTrailer(CommandLine& commands);
+void AddPreview(CommandLine& commands);
+void AddProtect(CommandLine& commands);
+void AddDump(CommandLine& commands);
+void AddCompare(CommandLine& commands);
+
+/// In the order in which --help lists them.
+inline constexpr void (*AllCommands[])(CommandLine&) = {
+    AddInfo, AddRead, AddWrite, AddValue, AddTrailer, AddPreview, AddProtect, AddDump, AddCompare,
+};
+
+/// --key and --key-file. aboutFile: the help of the latter.
+void TakesKeys(CommandOptions& command, KeyOptions& key, const char* aboutFile);
 /// The options of a command that logs in with one key.
 void TakesKey(CommandOptions& command, KeyOptions& key);
-/// The options of a command that tries one key or several, each as key A and as key B.
-void TakesKeys(CommandOptions& command, KeyOptions& key);
 
 } // namespace acg::tool

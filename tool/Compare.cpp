@@ -3,12 +3,9 @@
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/DumpFile.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 
@@ -51,7 +48,7 @@ void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& othe
         lines.push_back(
             {{"file", mark == ' ' ? JsonObject() : JsonObject(mark == '<' ? 1 : 2)}, {"text", text}});
     }
-    out.Json()["blocks"].push_back({{"block", number}, {"differences", lines}});
+    out.Json["blocks"].push_back({{"block", number}, {"differences", lines}});
 }
 
 int Compare(const Options& options, Context& context)
@@ -61,11 +58,11 @@ int Compare(const Options& options, Context& context)
     const Dump other = ReadDump(options.Second);
     const std::string names[] = {MaskKeys(options.First), MaskKeys(options.Second)};
     out.Print(Format("< %s\n> %s", names[0].c_str(), names[1].c_str()));
-    out.Json()["files"] = names;
+    out.Json["files"] = names;
     const int32_t sizes[] = {static_cast<int32_t>(one.size()), static_cast<int32_t>(other.size())};
     const int32_t common = std::min(sizes[0], sizes[1]);
     int differences = 0;
-    out.Json()["blocks"] = JsonObject::array();
+    out.Json["blocks"] = JsonObject::array();
     for (int32_t number = 0; number < common; ++number) {
         const DumpedBlock* const blocks[] = {&one[static_cast<size_t>(number)],
                                              &other[static_cast<size_t>(number)]};
@@ -79,17 +76,17 @@ int Compare(const Options& options, Context& context)
         }
         out.Print("< " + HexDump(number, blocks[0]->Bytes, blocks[0]->Known));
         out.Print("> " + HexDump(number, blocks[1]->Bytes, blocks[1]->Known));
-        out.Json()["blocks"].push_back({{"block", number},
-                                        {"hex",
-                                         {Digits(blocks[0]->Bytes, blocks[0]->Known, ""),
-                                          Digits(blocks[1]->Bytes, blocks[1]->Known, "")}}});
+        out.Json["blocks"].push_back({{"block", number},
+                                      {"hex",
+                                       {Digits(blocks[0]->Bytes, blocks[0]->Known, ""),
+                                        Digits(blocks[1]->Bytes, blocks[1]->Known, "")}}});
     }
     if (sizes[0] != sizes[1]) {
         const size_t larger = sizes[0] > sizes[1] ? 0 : 1;
         out.Print(Format("blocks %d to %d are only in %s", common, sizes[larger] - 1, names[larger].c_str()));
     }
     out.Print(Format("%d of %d blocks differ", differences, common));
-    out.Json()["sizes"] = sizes;
+    out.Json["sizes"] = sizes;
     return differences == 0 && sizes[0] == sizes[1] ? Done : Failed;
 }
 

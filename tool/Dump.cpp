@@ -2,16 +2,12 @@
 #include "acg/cards/BlockAddress.h"
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
-#include "tool/CardSize.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/DumpFile.h"
 #include "tool/Failures.h"
 #include "tool/ProgressBar.h"
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <optional>
@@ -21,6 +17,8 @@ namespace acg::tool
 
 namespace
 {
+
+constexpr int32_t LastSector1K = 15;
 
 struct Options {
     std::string File;
@@ -98,7 +96,7 @@ void CardReading::ReadSector(int32_t sector, const ProgressBar& bar)
     DumpedBlock trailer;
     Opening opening;
     opening.A = FindKey(last, KeyTypeA, trailer);
-    const TrailerRights rights = RightsGranted(Trailer(trailer.Bytes).Conditions).Trailer;
+    const TrailerRights& rights = TrailerRightsIn(Trailer(trailer.Bytes).Conditions);
     opening.ShowsB = trailer.Known != 0 && KeysUsedBy(rights) == KeyAAlone;
     if (!opening.ShowsB) {
         DumpedBlock asB;
@@ -165,41 +163,52 @@ void CardReading::PutKey(const std::optional<size_t>& key, size_t at, uint16_t b
     }
 }
 
-/// Where the keys come from, and what a key of that list is called.
-struct KeyList {
-    std::vector<Key> Keys;
-    bool AreNumbered;
-
-    [[nodiscard]] std::string Name(const std::optional<size_t>& key) const
-    {
-        if (!key) {
-            return "unknown";
-        }
-        return AreNumbered ? Format("key %d of the file", static_cast<int>(*key) + 1) : "the key";
-    }
-};
-
-KeyList KeysOf(const Options& options)
+std::vector<Key> KeysOf(const KeyOptions& options)
 {
-    if (!options.Key.File.empty()) {
-        return {ReadKeys(options.Key.File), /*AreNumbered=*/true};
+    if (!options.File.empty()) {
+        return ReadKeys(options.File);
     }
-    return {{IsKeyGiven(options.Key) ? TheKey(options.Key).Bytes : ParseKey("FFFFFFFFFFFF", {})},
-            /*AreNumbered=*/false};
+    return {GivenKey(options.Text, "--key", "ACG_KEY").value_or(ParseKey("FFFFFFFFFFFF", {}))};
+}
+
+/// What a key of that list is called.
+std::string NameOf(const std::optional<size_t>& key, const KeyOptions& options)
+{
+    if (!key) {
+        return "unknown";
+    }
+    return options.File.empty() ? "the key" : Format("key %d of the file", static_cast<int>(*key) + 1);
+}
+
+/// The first sector that a card of 1K lacks and one of the keys opens. Throws CardFailure if a reply concerns
+/// more than the sector: if the card has left, for example.
+std::optional<int32_t> FindSectorOf4K(Encoder& encoder, const std::vector<Key>& keys)
+{
+    for (int32_t sector = LastSector1K + 1; sector <= LastSector; ++sector) {
+        for (const Key& key : keys) {
+            for (const uint8_t type : {KeyTypeA, KeyTypeB}) {
+                Block trailer;
+                if (TryReadBlock(encoder, TrailerBlock(sector), {key, type}, trailer) == Refusal::None) {
+                    return sector;
+                }
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 /// A line for each run of sectors with the same keys.
-void ShowOpenings(const std::vector<Opening>& openings, const KeyList& keys, Output& out)
+void ShowOpenings(const std::vector<Opening>& openings, const KeyOptions& keys, Output& out)
 {
     for (auto from = openings.begin(); from != openings.end();) {
         const auto end =
             std::find_if(from, openings.end(), [&](const Opening& other) { return other != *from; });
         const auto first = static_cast<int>(from - openings.begin());
         const auto last = static_cast<int>(end - openings.begin()) - 1;
-        const std::string keyA = keys.Name(from->A);
-        const std::string keyB = from->ShowsB ? "shown by the card" : keys.Name(from->B);
+        const std::string keyA = NameOf(from->A, keys);
+        const std::string keyB = from->ShowsB ? "shown by the card" : NameOf(from->B, keys);
         out.Print(Format("sectors %2d to %2d  key A %s, key B %s", first, last, keyA.c_str(), keyB.c_str()));
-        out.Json()["sectors"].push_back({{"first", first}, {"last", last}, {"keyA", keyA}, {"keyB", keyB}});
+        out.Json["sectors"].push_back({{"first", first}, {"last", last}, {"keyA", keyA}, {"keyB", keyB}});
         from = end;
     }
 }
@@ -229,49 +238,54 @@ int DumpCard(const Options& options, Context& context)
 {
     Output& out = context.Out;
     const std::string& name = options.File;
-    const KeyList keys = KeysOf(options);
-    const std::optional<CardSize> asked = ParseCardSize(options.Card);
-    CardSize size = asked.value_or(CardSize{"1k", LastSector1K, {}});
+    const std::vector<Key> keys = KeysOf(options.Key);
+    if (!options.Card.empty() && options.Card != "1k" && options.Card != "4k") {
+        throw UsageError{"--card is 1k or 4k"};
+    }
+    int32_t lastSector = options.Card == "4k" ? LastSector : LastSector1K;
+    std::string sizeReason = "--card says so";
     const ExistingFile existing = options.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
     RequireWritable(name, existing);
     WriteReport report(out);
     report.Add(MaskKeys(name), /*Look=*/{});
     const auto encoder = OpenReader(context.Parameters);
-    const std::wstring serial = SerialNumberOf(*encoder);
-    out.Json()["card"] = ToUtf8(serial);
-    CardReading reading(*encoder, keys.Keys, out);
+    const std::wstring serial = report.BeginCard(*encoder);
+    CardReading reading(*encoder, keys, out);
     {
-        ProgressBar bar(TrailerBlock(size.LastSector) + 1);
-        for (int32_t sector = 0; sector <= size.LastSector; ++sector) {
+        ProgressBar bar(TrailerBlock(lastSector) + 1);
+        for (int32_t sector = 0; sector <= lastSector; ++sector) {
             reading.ReadSector(sector, bar);
-            if (sector == LastSector1K && !asked) {
+            if (sector == LastSector1K && options.Card.empty()) {
                 try {
-                    size = FindCardSize(*encoder, keys.Keys);
+                    const std::optional<int32_t> open = FindSectorOf4K(*encoder, keys);
+                    lastSector = open ? LastSector : LastSector1K;
+                    sizeReason = open ? Format("a key opens sector %d", *open)
+                                      : Format("no key opens a sector from %d on", LastSector1K + 1);
                 } catch (const CardFailure&) {
                     bar.Erase();
                     out.Problem("whether the card has a sector 16 isn't known; --card 1k doesn't ask");
                     throw;
                 }
-                bar.SetSteps(TrailerBlock(size.LastSector) + 1);
+                bar.SetSteps(TrailerBlock(lastSector) + 1);
             }
             RequireCard(*encoder, serial, sector);
         }
     }
     WriteDump(name, reading.Result(), existing);
-    report.Complete();
-    ShowOpenings(reading.Openings(), keys, out);
+    report.Written();
+    ShowOpenings(reading.Openings(), options.Key, out);
     int blocks = 0;
     int read = 0;
     for (const DumpedBlock& block : reading.Result()) {
         read += IsRead(block, blocks++) ? 1 : 0;
     }
     out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read; the file is %s",
-                     ToUtf8(serial).c_str(), size.LastSector == LastSector1K ? "1K" : "4K",
-                     size.Reason.c_str(), read, blocks, MaskKeys(name).c_str()));
-    out.Json()["size"] = size.Name;
-    out.Json()["sizeReason"] = size.Reason;
-    out.Json()["blocks"] = blocks;
-    out.Json()["blocksRead"] = read;
+                     ToUtf8(serial).c_str(), lastSector == LastSector1K ? "1K" : "4K", sizeReason.c_str(),
+                     read, blocks, MaskKeys(name).c_str()));
+    out.Json["size"] = lastSector == LastSector1K ? "1k" : "4k";
+    out.Json["sizeReason"] = sizeReason;
+    out.Json["blocks"] = blocks;
+    out.Json["blocksRead"] = read;
     return reading.IsComplete() ? Done : Failed;
 }
 
@@ -284,7 +298,9 @@ void AddDump(CommandLine& commands)
     command.Argument("FILE", options.File,
                      "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "
                      "doesn't show is filled in from the one that opened the sector");
-    TakesKeys(command, options.Key);
+    TakesKeys(command, options.Key,
+              "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
+              "options: the variable ACG_KEY, else FFFFFFFFFFFF");
     command.Option("--card", "1k|4k", options.Card,
                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
     command.Flag("--force", options.MayReplace, "Replace FILE if it exists");

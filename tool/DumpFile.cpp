@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <string_view>
 #include <system_error>
@@ -57,16 +56,14 @@ std::string InWords(const std::error_code& error, const std::string& file)
 Dump ReadDump(const std::string& name)
 {
     const std::filesystem::path path = ToPath(name);
-    std::ifstream file(path, std::ios::binary);
     // More than any dump has, so that a longer file is noticed.
     constexpr size_t MaxSize = size_t{LastBlock + 1} * 40;
-    std::string bytes(MaxSize, '\0');
-    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<size_t>(file.gcount()));
-    if (!file.is_open() || file.bad() || bytes.empty()) {
+    const std::optional<std::string> contents = ReadFile(path, MaxSize);
+    if (!contents || contents->empty()) {
         throw UsageError{"can't read " + name + ", or it is empty"};
     }
 
+    const std::string& bytes = *contents;
     Dump dump;
     if (IsText(path)) {
         for (size_t at = 0; at < bytes.size();) {

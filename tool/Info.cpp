@@ -1,11 +1,8 @@
 // acg info: the reader, and the card in its field.
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/System.h"
 #include "tool/Text.h"
-
-#include <nlohmann/json.hpp>
 
 #include <optional>
 
@@ -37,16 +34,9 @@ std::string TypeOf(Encoder& encoder)
 
 const char* StateOf(Encoder& encoder)
 {
-    switch (encoder.EncoderState()) {
-    case sceClosed:
-        return "closed";
-    case sceOpened:
-        return "opened, no card in the field";
-    case sceReady:
-        return "ready";
-    default:
-        return "unknown";
-    }
+    constexpr const char* States[] = {"unknown", "closed", "opened, no card in the field", "ready"};
+    static_assert(sceUnknown == 0 && sceClosed == 1 && sceOpened == 2 && sceReady == 3);
+    return States[encoder.EncoderState()];
 }
 
 /// The reader library that is loaded, whichever of its functions it has.
@@ -64,7 +54,7 @@ LoadedLibrary LibraryInUse()
 void Show(const char* name, const char* member, const std::string& value, Output& out)
 {
     out.Print(Format("%-12s %s", name, value.empty() ? "-" : Printable(value).c_str()));
-    out.Json()[member] = value.empty() ? JsonObject() : JsonObject(value);
+    out.Json[member] = value.empty() ? JsonObject() : JsonObject(value);
 }
 
 int Info(Context& context)

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 namespace acg::tool
 {
@@ -28,13 +27,11 @@ std::string ReadText(const std::string& name)
         throw UsageError{"there is no file " + name};
     }
     constexpr size_t MaxSize = 1 << 20; // a file of the wrong kind may have no end
-    std::ifstream file(path, std::ios::binary);
-    std::string bytes(MaxSize, '\0');
-    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<size_t>(file.gcount()));
-    if (!file.is_open() || file.bad()) {
+    std::optional<std::string> contents = ReadFile(path, MaxSize);
+    if (!contents) {
         throw UsageError{"can't read " + name};
     }
+    const std::string& bytes = *contents;
     if (bytes.size() == MaxSize) {
         throw UsageError{name + " is too long for a file of keys"};
     }
@@ -42,7 +39,7 @@ std::string ReadText(const std::string& name)
         (bytes.size() > 1 && (bytes[0] == '\0') != (bytes[1] == '\0'))) {
         throw UsageError{name + " is UTF-16; save it as UTF-8"};
     }
-    return bytes;
+    return *std::move(contents);
 }
 
 } // namespace
@@ -64,24 +61,27 @@ Key ParseKey(std::string_view text, std::string_view what)
     return key;
 }
 
+std::optional<Key> GivenKey(const std::string& text, const char* option, const char* variable)
+{
+    if (!text.empty()) {
+        return ParseKey(text, option);
+    }
+    if (const auto key = Variable(variable)) {
+        return ParseKey(*key, Format("the key in %s", variable));
+    }
+    return std::nullopt;
+}
+
 LoginKey TheKey(const KeyOptions& options)
 {
     const uint8_t type = options.AsB ? KeyTypeB : KeyTypeA;
-    if (!options.Text.empty()) {
-        return {ParseKey(options.Text, "--key"), type};
-    }
-    if (!options.File.empty()) {
+    if (!options.File.empty()) { // --key isn't given
         return {ReadKeys(options.File).front(), type};
     }
-    if (const auto key = Variable("ACG_KEY")) {
-        return {ParseKey(*key, "the key in ACG_KEY"), type};
+    if (const auto key = GivenKey(options.Text, "--key", "ACG_KEY")) {
+        return {*key, type};
     }
     throw UsageError{"a key is required: --key, --key-file, or the variable ACG_KEY"};
-}
-
-bool IsKeyGiven(const KeyOptions& options)
-{
-    return !options.Text.empty() || !options.File.empty() || Variable("ACG_KEY");
 }
 
 std::vector<Key> ReadKeys(const std::string& file)

@@ -3,8 +3,6 @@
 #include "tool/System.h"
 #include "tool/Text.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <cstdio>
 
@@ -28,12 +26,9 @@ std::string PrintableLines(std::string_view text)
 
 } // namespace
 
-Output::Output() : m_json(std::make_unique<JsonObject>(JsonObject::object())) {}
-Output::~Output() = default;
-
 void Output::Print(std::string_view text) const
 {
-    if (!m_isJson) {
+    if (!IsJson) {
         std::fputs(PrintableLines(text).c_str(), stdout);
     }
 }
@@ -41,16 +36,15 @@ void Output::Print(std::string_view text) const
 void Output::Problem(std::string_view text)
 {
     PrintProblem(text);
-    (*m_json)["problems"].push_back(text);
+    Json["problems"].push_back(text);
 }
 
 bool Output::Finish() const
 {
-    if (m_isJson) {
+    if (IsJson) {
         // In ASCII, so that a terminal takes nothing in it for a command; what isn't UTF-8 is replaced.
-        std::puts(
-            m_json->dump(/*indent=*/-1, ' ', /*ensure_ascii=*/true, JsonObject::error_handler_t::replace)
-                .c_str());
+        std::puts(Json.dump(/*indent=*/-1, ' ', /*ensure_ascii=*/true, JsonObject::error_handler_t::replace)
+                      .c_str());
     }
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }

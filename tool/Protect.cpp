@@ -3,15 +3,11 @@
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
-#include "tool/Json.h"
 #include "tool/SectorTrailer.h"
 #include "tool/System.h"
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -26,7 +22,6 @@ struct Options {
     std::string Sector;
     KeyOptions Key;
     LevelOptions Levels;
-    std::string ValueBlocks; ///< --value
     std::string NewA;        ///< --new-a
     std::string NewB;        ///< --new-b
     std::string NewKeysFile; ///< --new-keys
@@ -36,25 +31,14 @@ struct Options {
     bool IsAgreedTo = false; ///< --yes
 };
 
-struct NewKeys {
-    Key A;
-    Key B;
-};
-
 struct Request {
     int32_t Sector;
     LoginKey Login;
-    std::optional<NewKeys> Keys; ///< none: they stay as they are
-    SectorLevels Levels;         ///< KeysToUse: KeysAsOnCard if it isn't given
-    std::optional<uint8_t> BX;
-};
-
-/// All that goes into the trailer, but for the keys. Nothing of it comes from what the class reads on
-/// writing.
-struct NewTrailer {
+    std::vector<Key> Keys; ///< the new keys A and B; empty: they stay as they are
+    // KeysToUse is KeysAsOnCard, and BX none, if they aren't given, until Complete.
     SectorLevels Levels;
-    ConditionBytes Bytes;
-    uint8_t BX;
+    std::optional<uint8_t> BX;
+    ConditionBytes Bytes{}; ///< the access bits of the levels; set by Complete
 };
 
 /// A value block that is written again before the trailer, so that the class stores the rights of a purse.
@@ -63,33 +47,22 @@ struct Purse {
     int32_t Value;
 };
 
-std::optional<Key> NewKey(const std::string& text, const char* option, const char* variable)
-{
-    if (!text.empty()) {
-        return ParseKey(text, option);
-    }
-    if (const auto key = Variable(variable)) {
-        return ParseKey(*key, Format("the key in %s", variable));
-    }
-    return std::nullopt;
-}
-
-std::optional<NewKeys> ParseNewKeys(const Options& options)
+std::vector<Key> ParseNewKeys(const Options& options)
 {
     if (!options.NewKeysFile.empty()) {
-        const std::vector<Key> keys = ReadKeys(options.NewKeysFile);
+        std::vector<Key> keys = ReadKeys(options.NewKeysFile);
         if (keys.size() != 2) {
             throw UsageError{options.NewKeysFile + " has to have two keys: A, then B"};
         }
-        return NewKeys{keys.front(), keys.back()};
+        return keys;
     }
-    const auto keyA = NewKey(options.NewA, "--new-a", "ACG_NEW_A");
-    const auto keyB = NewKey(options.NewB, "--new-b", "ACG_NEW_B");
+    const auto keyA = GivenKey(options.NewA, "--new-a", "ACG_NEW_A");
+    const auto keyB = GivenKey(options.NewB, "--new-b", "ACG_NEW_B");
     if (keyA.has_value() != keyB.has_value()) {
         throw UsageError{keyA ? "there is a new key A, but no new key B: --new-b, or the variable ACG_NEW_B"
                               : "there is a new key B, but no new key A: --new-a, or the variable ACG_NEW_A"};
     }
-    return keyA ? std::optional(NewKeys{*keyA, *keyB}) : std::nullopt;
+    return keyA ? std::vector{*keyA, *keyB} : std::vector<Key>();
 }
 
 Request Parse(const Options& options, bool canAsk)
@@ -97,15 +70,11 @@ Request Parse(const Options& options, bool canAsk)
     Request request{.Sector = ParseSector(options.Sector),
                     .Login = TheKey(options.Key),
                     .Keys = ParseNewKeys(options),
-                    .Levels = {.Levels = ParseLevels(options.Levels.Levels), .KeysToUse = KeysAsOnCard}};
-    if (!options.ValueBlocks.empty()) {
-        ParseValueBlocks(options.ValueBlocks, request.Levels);
-    }
+                    .Levels = ParseLevels(options.Levels)};
     if (request.Sector == 0 && request.Levels.IsValueBlock[0]) {
         throw UsageError{"block 0 is the manufacturer's and can't be written: --value 0 isn't for sector 0"};
     }
-    if (!options.Levels.KeysToUse.empty()) {
-        request.Levels.KeysToUse = ParseKeysToUse(options.Levels.KeysToUse);
+    if (request.Levels.KeysToUse != KeysAsOnCard) {
         static_cast<void>(EncodeOrRefuse(request.Levels));
     }
     if (!options.BX.empty()) {
@@ -142,33 +111,33 @@ void AddParts(const Request& request, WriteReport& report)
     }
     const bool isAsB = request.Login.IsB();
     const char* with = isAsB ? " --as-b" : "";
-    if (request.Keys) {
+    if (!request.Keys.empty()) {
         with = isAsB ? ", with the new key A, or if that fails with the old key and --as-b"
                      : ", with the new key A, or if that fails with the old key";
     } else if (request.Levels.KeysToUse == KeyAAlone) {
         with = ", with key A";
     }
     const std::string look = Format("acg trailer %d --key KEY%s", request.Sector, with);
-    report.Add(
-        Format(request.Keys ? "the keys and the access bits of sector %d" : "the access bits of sector %d",
-               request.Sector),
-        look);
+    report.Add(Format(request.Keys.empty() ? "the access bits of sector %d"
+                                           : "the keys and the access bits of sector %d",
+                      request.Sector),
+               look);
 }
 
-NewTrailer MakeTrailer(const Request& request, const Trailer& onCard)
+/// Takes what isn't given from the card, so that nothing comes from what the class reads on writing.
+void Complete(Request& request, const Trailer& onCard)
 {
-    NewTrailer wanted{.Levels = request.Levels, .BX = request.BX.value_or(onCard.UserByte)};
-    if (wanted.Levels.KeysToUse == KeysAsOnCard) {
-        wanted.Levels.KeysToUse = KeysUsedBy(RightsGranted(onCard.Conditions).Trailer);
+    if (request.Levels.KeysToUse == KeysAsOnCard) {
+        request.Levels.KeysToUse = KeysUsedBy(TrailerRightsIn(onCard.Conditions));
     }
-    wanted.Bytes = EncodeOrRefuse(wanted.Levels);
-    return wanted;
+    request.BX = request.BX.value_or(onCard.UserByte);
+    request.Bytes = EncodeOrRefuse(request.Levels);
 }
 
 /// Key B is a key once the trailer is written.
-bool IsKeyB(const NewTrailer& wanted)
+bool IsKeyB(const Request& request)
 {
-    return KeysUsedBy(RightsGranted(wanted.Bytes).Trailer) == BothKeys;
+    return KeysUsedBy(TrailerRightsIn(request.Bytes)) == BothKeys;
 }
 
 /// The class stores the rights of a purse only for a block that it has written as a value block itself.
@@ -184,21 +153,19 @@ void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int
     }
 }
 
-void ShowChange(int32_t sector, const Trailer& onCard, const NewTrailer& wanted, Output& out)
+void ShowChange(const Request& request, const Trailer& onCard, Output& out)
 {
-    const ConditionBytes before = onCard.Conditions;
-    const std::vector<std::string> deviations = Deviations(wanted.Levels, wanted.Bytes, sector);
-    out.Json()["before"] = ToJson(ShownAccess{sector, before, onCard.UserByte, {}});
-    out.Json()["after"] = ToJson(ShownAccess{sector, wanted.Bytes, wanted.BX, deviations});
-    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector, FormatLevels(before).c_str(),
-                     onCard.UserByte, AccessTable(before, sector).c_str()));
+    const int32_t sector = request.Sector;
+    const ShownAccess before{sector, onCard.Conditions, onCard.UserByte, {}};
+    const ShownAccess after{sector, request.Bytes, request.BX,
+                            Deviations(request.Levels, request.Bytes, sector)};
+    out.Json["before"] = ToJson(before);
+    out.Json["after"] = ToJson(after);
+    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector,
+                     FormatLevels(before.Bytes).c_str(), onCard.UserByte, AccessTable(before).c_str()));
     out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
-                     FormatLevels(wanted.Bytes).c_str(), wanted.BX,
-                     AccessTable(wanted.Bytes, sector).c_str()));
-    for (const std::string& line : deviations) {
-        out.Print(line);
-    }
-    WarnOfPurses(before, wanted.Bytes, sector, out);
+                     FormatLevels(after.Bytes).c_str(), *request.BX, AccessTable(after).c_str()));
+    WarnOfPurses(before.Bytes, after.Bytes, sector, out);
 }
 
 /// The class sends a whole trailer, of which the card silently takes what the key may write.
@@ -207,12 +174,12 @@ void RequireRights(const Request& request, const TrailerRights& rights, bool cha
     const KeySet key = request.Login.IsB() ? KeySet::B : KeySet::A;
     const bool mayWriteKeys = Has(rights.WriteKeys, key);
     const bool mayWriteConditions = Has(rights.WriteConditions, key);
-    if (!mayWriteKeys && (request.Keys || !mayWriteConditions)) {
+    if (!mayWriteKeys && (!request.Keys.empty() || !mayWriteConditions)) {
         throw OtherFailure{
             Format("%s may not write the keys of this sector%s", NameOf(key),
                    mayWriteConditions ? ": without new keys, the access bits alone are written" : "")};
     }
-    if (mayWriteKeys && !request.Keys) {
+    if (mayWriteKeys && request.Keys.empty()) {
         throw UsageError{
             Format("%s may write the keys of this sector, so they have to be given, new or as they "
                    "are: --new-a and --new-b, --new-keys, or the variables ACG_NEW_A and ACG_NEW_B",
@@ -227,7 +194,7 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
                 Output& out)
 {
     const int32_t number = PurseBlock(request, slot);
-    const KeySet writers = RightsGranted(before).Blocks[SlotOfPurse(request, slot)].Write;
+    const KeySet writers = RightsGranted(before)[SlotOfPurse(request, slot)][Right::Write];
     if (!Has(writers, request.Login.IsB() ? KeySet::B : KeySet::A)) {
         throw OtherFailure{
             Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
@@ -238,16 +205,16 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
             Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
                    number, request.Login.IsB() ? " --as-b" : "")};
     }
-    out.Json()["values"].push_back({{"block", number}, {"value", block.Value()}});
+    out.Json["values"].push_back({{"block", number}, {"value", block.Value}});
     const std::string others = SlotOfPurse(request, slot) != slot
                                    ? Format(", for %s,", NameOfSlot(slot, request.Sector).c_str())
                                    : "";
     std::string line = Format("Block %d%s is written first, as a value block; its value stays %d", number,
-                              others.c_str(), block.Value());
-    const int address = block.Address().value_or(0); // it is a value block
+                              others.c_str(), block.Value);
+    const int address = block.Address.value_or(0); // it is a value block
     line += address != number ? Format(", its address %d becomes %d", address, number) : "";
     out.Print(line + ".");
-    return {number, block.Value()};
+    return {number, block.Value};
 }
 
 bool IsAgreedTo()
@@ -266,65 +233,66 @@ void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteRepor
 {
     report.Sent(encoder,
                 encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text, key.Type, purse.Value));
-    const ValueBlock block(report.ReadBack(encoder, [&] { return ReadBlock(encoder, purse.Block, key); }));
-    const bool isTaken = block.HasCopies() && block.Value() == purse.Value && block.Address() == purse.Block;
-    report.Found(isTaken);
-    report.RequireSameCard(encoder);
+    const bool isTaken = report.ReadBack(encoder, [&] {
+        const ValueBlock block(ReadBlock(encoder, purse.Block, key));
+        return block.HasCopies() && block.Value == purse.Value && block.Address == purse.Block;
+    });
     if (!isTaken) {
         throw OtherFailure{Format("block %d reads back as something other than was written", purse.Block)};
     }
 }
 
-void Write(Encoder& encoder, const Request& request, const NewTrailer& wanted, WriteReport& report)
+void Write(Encoder& encoder, const Request& request, WriteReport& report)
 {
     const auto level = [&](size_t slot) {
-        return static_cast<SCBS_SecurityLevelEnum>(wanted.Levels.Levels[slot]);
+        return static_cast<SCBS_SecurityLevelEnum>(request.Levels.Levels[slot]);
     };
     // Without new ones the card ignores the keys, by the rights that RequireRights has seen. The key of the
     // login would be the least harm if it took them.
-    const NewKeys keys = request.Keys.value_or(NewKeys{request.Login.Bytes, request.Login.Bytes});
+    const Key& keyA = request.Keys.empty() ? request.Login.Bytes : request.Keys.front();
+    const Key& keyB = request.Keys.empty() ? request.Login.Bytes : request.Keys.back();
     report.Sent(encoder,
                 encoder.WriteSectorTrailer(
                     request.Sector, DigitsOf(request.Login.Bytes).Text, request.Login.Type,
-                    DigitsOf(keys.A).Text, DigitsOf(keys.B).Text, wanted.Levels.KeysToUse, level(0), level(1),
-                    level(2), static_cast<SCSS_SecurityLevelEnum>(wanted.Levels.Levels[TrailerSlot]),
-                    wanted.BX));
+                    DigitsOf(keyA).Text, DigitsOf(keyB).Text, request.Levels.KeysToUse, level(0), level(1),
+                    level(2), static_cast<SCSS_SecurityLevelEnum>(request.Levels.Levels[TrailerSlot]),
+                    *request.BX));
 }
 
 /// Logs in with each key that the sector then has, and compares what reads back.
-bool IsTaken(Encoder& encoder, const Request& request, const NewTrailer& wanted)
+bool IsTaken(Encoder& encoder, const Request& request)
 {
     std::vector<LoginKey> logins = {request.Login};
-    if (request.Keys) {
-        logins = {{request.Keys->A, KeyTypeA}};
-        if (IsKeyB(wanted)) {
-            logins.push_back({request.Keys->B, KeyTypeB});
+    if (!request.Keys.empty()) {
+        logins = {{request.Keys.front(), KeyTypeA}};
+        if (IsKeyB(request)) {
+            logins.push_back({request.Keys.back(), KeyTypeB});
         }
     }
     return std::ranges::all_of(logins, [&](const LoginKey& key) {
         const Trailer trailer = ReadTrailer(encoder, request.Sector, key);
-        return trailer.Conditions == wanted.Bytes && trailer.UserByte == wanted.BX &&
-               (!request.Keys || IsKeyB(wanted) || trailer.KeyB == request.Keys->B);
+        return trailer.Conditions == request.Bytes && trailer.UserByte == request.BX &&
+               (request.Keys.empty() || IsKeyB(request) || trailer.KeyB == request.Keys.back());
     });
 }
 
 int Protect(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    const Request request = Parse(options, /*canAsk=*/!out.IsJson() && IsTerminal(stdin));
+    Request request = Parse(options, /*canAsk=*/!out.IsJson && IsTerminal(stdin));
     WriteReport report(out);
     AddParts(request, report);
     const auto encoder = OpenReader(context.Parameters);
     report.BeginCard(*encoder);
     const Trailer onCard = ReadTrailer(*encoder, request.Sector, request.Login);
     const ConditionBytes before = onCard.Conditions;
-    const TrailerRights rights = RightsGranted(before).Trailer;
-    const NewTrailer wanted = MakeTrailer(request, onCard);
-    ShowChange(request.Sector, onCard, wanted, out);
+    const TrailerRights& rights = TrailerRightsIn(before);
+    Complete(request, onCard);
+    ShowChange(request, onCard, out);
 
-    RequireRights(request, rights, before != wanted.Bytes || onCard.UserByte != wanted.BX);
-    const bool canBeReadBack = request.Keys || IsKeyB(wanted);
-    if (!request.Keys) {
+    RequireRights(request, rights, before != request.Bytes || onCard.UserByte != request.BX);
+    const bool canBeReadBack = !request.Keys.empty() || IsKeyB(request);
+    if (request.Keys.empty()) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
                          NameOf(request.Login.IsB() ? KeySet::B : KeySet::A)));
     }
@@ -337,7 +305,7 @@ int Protect(const Options& options, Context& context)
             purses.push_back(ReadPurse(*encoder, request, slot, before, out));
         }
     }
-    if (AreConditionsFixed(RightsGranted(wanted.Bytes).Trailer) && !AreConditionsFixed(rights) &&
+    if (AreConditionsFixed(TrailerRightsIn(request.Bytes)) && !AreConditionsFixed(rights) &&
         !options.IsForGood) {
         throw UsageError{"this freezes the sector for good. Give --for-good if it is meant"};
     }
@@ -352,17 +320,14 @@ int Protect(const Options& options, Context& context)
     for (const Purse& purse : purses) {
         Write(*encoder, purse, request.Login, report);
     }
-    Write(*encoder, request, wanted, report);
+    Write(*encoder, request, report);
     if (!canBeReadBack) {
         throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
     }
-    const bool isTaken = report.ReadBack(*encoder, [&] { return IsTaken(*encoder, request, wanted); });
-    report.Found(isTaken);
-    report.RequireSameCard(*encoder);
-    if (!isTaken) {
+    if (!report.ReadBack(*encoder, [&] { return IsTaken(*encoder, request); })) {
         throw OtherFailure{"the card holds something other than was written"};
     }
-    out.Print(request.Keys ? "Written, and read back with the new keys." : "Written, and read back.");
+    out.Print(request.Keys.empty() ? "Written, and read back." : "Written, and read back with the new keys.");
     return Done;
 }
 
@@ -375,11 +340,11 @@ void AddProtect(CommandLine& commands)
         "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2", Protect);
     TakesSector(command, options.Sector);
     TakesKey(command, options.Key);
-    TakesLevels(command, options.Levels, "1 for key A alone, 2 for both keys; default: as on the card");
-    command.Option("--value", "0,1,2", options.ValueBlocks,
-                   "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
-                   "written again with its value, and "
-                   "levels 9 and 13 grant the rights of a purse");
+    TakesLevels(command, options.Levels, "1 for key A alone, 2 for both keys; default: as on the card",
+                Need::Optional,
+                "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
+                "written again with its value, and "
+                "levels 9 and 13 grant the rights of a purse");
     command.Option(
         "--new-a", "KEY", options.NewA,
         "The new key A; default: the variable ACG_NEW_A. New keys are required unless the key that "

@@ -1,11 +1,8 @@
 // acg read: blocks in hexadecimal and as characters.
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
-
-#include <nlohmann/json.hpp>
 
 namespace acg::tool
 {
@@ -18,12 +15,8 @@ struct Options {
     KeyOptions Key;
 };
 
-struct BlockRange {
-    int32_t First;
-    int32_t Last;
-};
-
-BlockRange ParseBlocks(const std::string& text)
+/// The first and the last block.
+std::pair<int32_t, int32_t> ParseBlocks(const std::string& text)
 {
     const size_t sign = text.find('-', 1);
     const int32_t first = ParseBlockNumber(text.substr(0, sign));
@@ -36,11 +29,11 @@ BlockRange ParseBlocks(const std::string& text)
 
 int Read(const Options& options, Context& context)
 {
-    const BlockRange range = ParseBlocks(options.Blocks);
+    const auto [first, last] = ParseBlocks(options.Blocks);
     const LoginKey key = TheKey(options.Key);
-    JsonObject& blocks = context.Out.Json()["blocks"] = JsonObject::array();
+    JsonObject& blocks = context.Out.Json["blocks"] = JsonObject::array();
     const auto encoder = OpenReader(context.Parameters);
-    for (int32_t number = range.First; number <= range.Last; ++number) {
+    for (int32_t number = first; number <= last; ++number) {
         const Block block = ReadBlock(*encoder, number, key);
         const uint16_t known = IsTrailer(number) ? AllButKeys : AllKnown;
         context.Out.Print(HexDump(number, block, known));

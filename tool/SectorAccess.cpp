@@ -18,11 +18,12 @@ KeySet Without(KeySet set, KeySet others)
     return static_cast<KeySet>(static_cast<unsigned>(set) & ~static_cast<unsigned>(others));
 }
 
-DataRights Without(const DataRights& rights, const DataRights& others)
+Rights Without(Rights rights, const Rights& others)
 {
-    return {{Without(rights.Read, others.Read), Without(rights.Write, others.Write)},
-            Without(rights.Increment, others.Increment),
-            Without(rights.Decrement, others.Decrement)};
+    for (size_t right = 0; right < rights.size(); ++right) {
+        rights[right] = Without(rights[right], others[right]);
+    }
+    return rights;
 }
 
 /// The keys that have a right by a level, of which it is the bit for key A.
@@ -61,46 +62,51 @@ bool InvertedCopiesAgree(const ConditionBytes& bytes)
     return stored == bytes;
 }
 
-DataRights DataRightsOf(AccessTriple triple)
+Rights DataRightsOf(AccessTriple triple)
 {
     const auto at = static_cast<size_t>(triple);
-    return {BlockRightsOf(triple), Increment[at], Decrement[at]};
+    return {BlockRightsOf(triple).Read, BlockRightsOf(triple).Write, Increment[at], Decrement[at]};
+}
+
+const TrailerRights& TrailerRightsIn(const ConditionBytes& bytes)
+{
+    return TrailerRightsOf(TripleIn(bytes, TrailerSlot));
 }
 
 SectorRights RightsGranted(const ConditionBytes& bytes)
 {
-    SectorRights rights{.Trailer = TrailerRightsOf(TripleIn(bytes, TrailerSlot))};
-    const KeySet noKey = rights.Trailer.ReadKeyB == None ? None : B;
+    const TrailerRights& trailer = TrailerRightsIn(bytes);
+    const KeySet noKey = trailer.ReadKeyB == None ? None : B;
+    SectorRights rights{};
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        rights.Blocks[slot] = Without(DataRightsOf(TripleIn(bytes, slot)), {{noKey, noKey}, noKey, noKey});
+        rights[slot] = Without(DataRightsOf(TripleIn(bytes, slot)), {noKey, noKey, noKey, noKey});
     }
+    rights[Part::Keys][Right::Write] = trailer.WriteKeys;
+    rights[Part::AccessBits] = {trailer.ReadConditions, trailer.WriteConditions};
+    rights[Part::KeyB][Right::Read] = trailer.ReadKeyB;
     return rights;
 }
 
 SectorRights RightsAsked(const SectorLevels& levels)
 {
-    const int32_t ofTrailer = levels.Levels[TrailerSlot];
-    SectorRights rights{.Trailer = {.WriteKeys = KeysIn(ofTrailer, scss_A_WriteKeys),
-                                    .WriteConditions = KeysIn(ofTrailer, scss_A_WriteConditions)}};
+    SectorRights rights{};
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         const KeySet read = KeysIn(levels.Levels[slot], scbs_A_Read);
         const KeySet write = KeysIn(levels.Levels[slot], scbs_A_Write);
-        rights.Blocks[slot] = levels.IsValueBlock[slot] ? DataRights{{read, write}, write, read}
-                                                        : DataRights{{read, write}, None, None};
+        rights[slot] = levels.IsValueBlock[slot] ? Rights{read, write, write, read} : Rights{read, write};
     }
+    rights[Part::Keys][Right::Write] = KeysIn(levels.Levels[TrailerSlot], scss_A_WriteKeys);
+    rights[Part::AccessBits][Right::Write] = KeysIn(levels.Levels[TrailerSlot], scss_A_WriteConditions);
     return rights;
 }
 
 SectorRights RightsNotIn(const SectorRights& others, const SectorRights& rights)
 {
-    const TrailerRights& trailer = rights.Trailer;
-    SectorRights missing{
-        .Trailer = {.WriteKeys = Without(trailer.WriteKeys, others.Trailer.WriteKeys),
-                    .WriteConditions = Without(trailer.WriteConditions, others.Trailer.WriteConditions)}};
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        const DataRights& block = rights.Blocks[slot];
-        missing.Blocks[slot] =
-            Without(Without(block, others.Blocks[slot]), {{None, None}, block.Write, block.Write});
+    SectorRights missing{};
+    for (size_t part = 0; part < rights.size(); ++part) {
+        const KeySet writers = rights[part][Right::Write];
+        const KeySet readers = part < DataSlots ? None : AOrB; // no level says who reads the trailer
+        missing[part] = Without(Without(rights[part], others[part]), {readers, None, writers, writers});
     }
     return missing;
 }

@@ -26,22 +26,36 @@ struct SectorLevels {
 /// False: the card has blocked the sector for good, or will once these bytes are written.
 [[nodiscard]] bool InvertedCopiesAgree(const ConditionBytes& bytes);
 
-/// All that may be done with a data block. Decrement includes transfer and restore.
-struct DataRights : BlockRights {
-    KeySet Increment;
-    KeySet Decrement;
+/// Indexes of Rights. Decrement includes transfer and restore.
+struct Right {
+    enum {
+        Read,
+        Write,
+        Increment,
+        Decrement,
+        Count
+    };
 };
+/// The keys that have each right to a part of a sector.
+using Rights = std::array<KeySet, Right::Count>;
 
 /// What the card grants for a triple of a data slot, were key B a key.
-[[nodiscard]] DataRights DataRightsOf(AccessTriple triple);
+[[nodiscard]] Rights DataRightsOf(AccessTriple triple);
 
-struct SectorRights {
-    std::array<DataRights, DataSlots> Blocks;
-    TrailerRights Trailer;
+/// Indexes of SectorRights, after those of the data slots.
+struct Part {
+    enum {
+        Keys = DataSlots,
+        AccessBits,
+        KeyB,
+        Count
+    };
 };
+using SectorRights = std::array<Rights, Part::Count>;
 
 /// What the card grants. The inverted copies aren't compared.
 [[nodiscard]] SectorRights RightsGranted(const ConditionBytes& bytes);
+[[nodiscard]] const TrailerRights& TrailerRightsIn(const ConditionBytes& bytes);
 
 /// What the levels say. Of a value block, a key that reads it may decrement it, and one that writes it may
 /// increment it.

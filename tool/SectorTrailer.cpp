@@ -26,51 +26,57 @@ std::vector<std::string_view> Parts(std::string_view text)
 
 } // namespace
 
-void ParseValueBlocks(std::string_view text, SectorLevels& levels)
-{
-    for (const std::string_view part : Parts(text)) {
-        const int32_t block = ParseNumber(part, 0, DataSlots - 1, "--value is one or more of 0, 1 and 2");
-        levels.IsValueBlock[static_cast<size_t>(block)] = true;
-    }
-}
-
 int32_t ParseSector(std::string_view text)
 {
     return ParseNumber(text, 0, LastSector, "SECTOR is a number from 0 to 39, on a 1K card to 15");
 }
 
-std::array<int32_t, SectorSlots> ParseLevels(std::string_view text)
+SectorLevels ParseLevels(const LevelOptions& options)
 {
-    constexpr std::string_view problem = "--levels is four levels from 0 to 15, as in 13,13,13,12";
-    const std::vector<std::string_view> parts = Parts(text);
+    constexpr std::string_view Problem = "--levels is four levels from 0 to 15, as in 13,13,13,12";
+    const std::vector<std::string_view> parts = Parts(options.Levels);
     if (parts.size() != SectorSlots) {
-        throw UsageError{std::string(problem)};
+        throw UsageError{std::string(Problem)};
     }
-    std::array<int32_t, SectorSlots> levels{};
-    std::ranges::transform(parts, levels.begin(), [&](std::string_view part) {
-        return ParseNumber(part, 0, HighestLevel, problem);
+    SectorLevels levels{.KeysToUse = KeysAsOnCard};
+    std::ranges::transform(parts, levels.Levels.begin(), [&](std::string_view part) {
+        return ParseNumber(part, 0, HighestLevel, Problem);
     });
+    if (!options.ValueBlocks.empty()) {
+        for (const std::string_view part : Parts(options.ValueBlocks)) {
+            const int32_t slot = ParseNumber(part, 0, DataSlots - 1, "--value is one or more of 0, 1 and 2");
+            levels.IsValueBlock[static_cast<size_t>(slot)] = true;
+        }
+    }
+    if (!options.KeysToUse.empty()) {
+        levels.KeysToUse = static_cast<uint8_t>(
+            ParseNumber(options.KeysToUse, KeyAAlone, BothKeys, "--keys is 1, key A alone, or 2, both keys"));
+    }
     return levels;
-}
-
-uint8_t ParseKeysToUse(std::string_view text)
-{
-    return static_cast<uint8_t>(
-        ParseNumber(text, KeyAAlone, BothKeys, "--keys is 1, key A alone, or 2, both keys"));
 }
 
 ConditionBytes EncodeOrRefuse(const SectorLevels& levels)
 {
-    const std::optional<ConditionBytes> bytes = Encode(levels);
-    if (!bytes) {
-        throw UsageError{RefusalInWords(levels)};
+    if (const std::optional<ConditionBytes> bytes = Encode(levels)) {
+        return *bytes;
     }
-    return *bytes;
+    for (unsigned slot = 0; slot < DataSlots; ++slot) {
+        if (!BlockTriple(levels.Levels[slot], levels.KeysToUse, /*isValueBlock=*/false)) {
+            throw UsageError{
+                Format("level %d can't be stored for a data block with both keys: the card can't let key A "
+                       "do what key B may not",
+                       levels.Levels[slot])};
+        }
+    }
+    throw UsageError{
+        Format("level %d can't be stored for the trailer with both keys, only 0, 4, 8 and 12: if key B is "
+               "a key, the card doesn't let key A write the trailer",
+               levels.Levels[TrailerSlot])};
 }
 
 Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key)
 {
-    const Trailer trailer(ReadBlock(encoder, TrailerBlock(sector), key));
+    Trailer trailer(ReadBlock(encoder, TrailerBlock(sector), key));
     if (!InvertedCopiesAgree(trailer.Conditions)) {
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "
@@ -85,12 +91,14 @@ void TakesSector(CommandOptions& command, std::string& sector)
     command.Argument("SECTOR", sector, "The sector, 0 to 15, on a 4K card to 39");
 }
 
-void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded)
+void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
+                 const char* aboutValue)
 {
     command.Option("--levels", "L0,L1,L2,LT", levels.Levels,
                    "The levels of the three data blocks and of the trailer, as in 13,13,13,12",
                    Need::Required);
     command.Option("--keys", "1|2", levels.KeysToUse, aboutKeys, keysNeeded);
+    command.Option("--value", "0,1,2", levels.ValueBlocks, aboutValue);
 }
 
 } // namespace acg::tool

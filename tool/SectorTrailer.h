@@ -5,7 +5,6 @@
 #include "tool/CommandLine.h"
 #include "tool/SectorAccess.h"
 
-#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -14,26 +13,22 @@ namespace acg::tool
 
 /// What "preview" and "protect" take.
 struct LevelOptions {
-    std::string Levels;    ///< --levels
-    std::string KeysToUse; ///< --keys
+    std::string Levels;      ///< --levels
+    std::string KeysToUse;   ///< --keys
+    std::string ValueBlocks; ///< --value
 };
 
 void TakesSector(CommandOptions& command, std::string& sector);
-/// aboutKeys: the help of --keys.
-void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys,
-                 Need keysNeeded = Need::Optional);
+/// aboutKeys, aboutValue: the help of --keys and of --value.
+void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
+                 const char* aboutValue);
 
 /// Throws UsageError for a sector that no card has.
 [[nodiscard]] int32_t ParseSector(std::string_view text);
 
-/// Throws UsageError unless it is four levels, 0 to 15, joined by commas.
-[[nodiscard]] std::array<int32_t, SectorSlots> ParseLevels(std::string_view text);
-
-/// Throws UsageError for another key mode than 1 and 2.
-[[nodiscard]] uint8_t ParseKeysToUse(std::string_view text);
-
-/// Sets IsValueBlock for each; throws UsageError unless the text is numbers from 0 to 2, joined by commas.
-void ParseValueBlocks(std::string_view text, SectorLevels& levels);
+/// KeysToUse is KeysAsOnCard if --keys isn't given. Throws UsageError unless --levels is four levels, 0 to
+/// 15, joined by commas, --value one or more numbers from 0 to 2, as well, and --keys 1 or 2.
+[[nodiscard]] SectorLevels ParseLevels(const LevelOptions& options);
 
 /// The access bits; throws UsageError for levels that can't be stored.
 [[nodiscard]] ConditionBytes EncodeOrRefuse(const SectorLevels& levels);

@@ -5,9 +5,11 @@
 #include "tool/Failures.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
+#include <fstream>
 #include <system_error>
 #include <type_traits>
 
@@ -37,9 +39,8 @@ bool IsHexDigit(char character)
 
 bool IsOfWord(char character)
 {
-    return (character >= '0' && character <= '9') ||
-           ((character | 0x20) >= 'a' && (character | 0x20) <= 'z') ||
-           static_cast<unsigned char>(character) >= 0x80;
+    const auto byte = static_cast<unsigned char>(character);
+    return std::isalnum(byte) != 0 || byte >= 0x80;
 }
 
 bool IsOfSpacedDigits(char character)
@@ -133,6 +134,15 @@ std::string ToUtf8(std::wstring_view text)
 std::filesystem::path ToPath(std::string_view text)
 {
     return {std::u8string(text.begin(), text.end())};
+}
+
+std::optional<std::string> ReadFile(const std::filesystem::path& path, size_t most)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes(most, '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(most));
+    bytes.resize(static_cast<size_t>(file.gcount()));
+    return file.is_open() && !file.bad() ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
 std::optional<std::string> Variable(const char* name)

@@ -14,6 +14,9 @@ namespace acg::tool
 [[nodiscard]] std::string ToUtf8(std::wstring_view text);
 [[nodiscard]] std::filesystem::path ToPath(std::string_view text);
 
+/// The file's first bytes, so many at most; nothing if it can't be read.
+[[nodiscard]] std::optional<std::string> ReadFile(const std::filesystem::path& path, size_t most);
+
 /// Text from outside as one line of UTF-8: control characters, and bytes that aren't UTF-8, as "\x1b".
 [[nodiscard]] std::string Printable(std::string_view text);
 

@@ -1,13 +1,9 @@
 // acg trailer: what the keys of a sector may do.
 #include "tool/AccessWords.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
-#include "tool/Json.h"
 #include "tool/SectorTrailer.h"
 #include "tool/Text.h"
-
-#include <nlohmann/json.hpp>
 
 namespace acg::tool
 {
@@ -27,10 +23,11 @@ int ShowTrailer(const Options& options, Context& context)
     const auto encoder = OpenReader(context.Parameters);
     const Trailer trailer = ReadTrailer(*encoder, sector, key);
     const ConditionBytes& bytes = trailer.Conditions;
-    context.Out.Json() = ToJson(ShownAccess{sector, bytes, trailer.UserByte, {}});
+    const ShownAccess access{sector, bytes, trailer.UserByte, {}};
+    context.Out.Json = ToJson(access);
     context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
                              AccessBitsText(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
-                             AccessTable(bytes, sector).c_str()));
+                             AccessTable(access).c_str()));
     return Done;
 }
 

@@ -1,12 +1,9 @@
 // acg value: a value block.
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
-
-#include <nlohmann/json.hpp>
 
 namespace acg::tool
 {
@@ -23,15 +20,13 @@ struct Options {
 void Show(const ValueBlock& block, Output& out)
 {
     const std::string copies =
-        block.HasCopies() ? "agree"
-                          : Format("disagree: inverted %d, again %d", block.Inverted(), block.Again());
-    const std::optional<uint8_t> address = block.Address();
-    out.Print(Format("Value    %d\nCopies   %s\nAddress  %s", block.Value(), copies.c_str(),
-                     address ? std::to_string(*address).c_str() : "its four bytes disagree"));
-    JsonObject& json = out.Json();
-    json["value"] = block.Value();
+        block.HasCopies() ? "agree" : Format("disagree: inverted %d, again %d", block.Inverted, block.Again);
+    out.Print(Format("Value    %d\nCopies   %s\nAddress  %s", block.Value, copies.c_str(),
+                     block.Address ? std::to_string(*block.Address).c_str() : "its four bytes disagree"));
+    JsonObject& json = out.Json;
+    json["value"] = block.Value;
     json["isValueBlock"] = block.IsValid();
-    json["address"] = address ? JsonObject(*address) : JsonObject();
+    json["address"] = block.Address ? JsonObject(*block.Address) : JsonObject();
 }
 
 int Value(const Options& options, Context& context)
@@ -48,24 +43,25 @@ int Value(const Options& options, Context& context)
         report.Add(Format("block %d", number), ReadCommand(number, key));
     }
     const auto encoder = OpenReader(context.Parameters);
+    ValueBlock block;
+    const auto read = [&] {
+        block = ValueBlock(ReadBlock(*encoder, number, key));
+        return block.IsValid() && block.Value == wanted.value_or(block.Value);
+    };
+    bool isAsWanted = false;
     if (wanted) {
         report.BeginCard(*encoder);
         report.Sent(*encoder, encoder->WriteValueBloc(number, DigitsOf(key.Bytes).Text, key.Type, *wanted));
+        isAsWanted = report.ReadBack(*encoder, read);
+    } else {
+        isAsWanted = read();
     }
-    const auto read = [&] { return ReadBlock(*encoder, number, key); };
-    const ValueBlock block(wanted ? report.ReadBack(*encoder, read) : read());
-    const bool isAsWanted = block.IsValid() && block.Value() == wanted.value_or(block.Value());
-    if (wanted) {
-        report.Found(isAsWanted);
-        report.RequireSameCard(*encoder);
-    }
-    context.Out.Json()["block"] = number;
+    context.Out.Json["block"] = number;
     Show(block, context.Out);
-    if (wanted && !isAsWanted) {
-        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
-    }
     if (!isAsWanted) {
-        throw OtherFailure{Format("block %d isn't a value block", number)};
+        throw OtherFailure{Format(wanted ? "block %d reads back as something other than was written"
+                                         : "block %d isn't a value block",
+                                  number)};
     }
     return Done;
 }

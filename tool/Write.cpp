@@ -1,12 +1,9 @@
 // acg write: a data block.
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/Commands.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
-
-#include <nlohmann/json.hpp>
 
 namespace acg::tool
 {
@@ -34,13 +31,15 @@ int Write(const Options& options, Context& context)
     report.BeginCard(*encoder);
     std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
     report.Sent(*encoder, encoder->WriteDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
-    const Block written = report.ReadBack(*encoder, [&] { return ReadBlock(*encoder, number, key); });
-    report.Found(written == *wanted);
-    report.RequireSameCard(*encoder);
+    Block written;
+    const bool isTaken = report.ReadBack(*encoder, [&] {
+        written = ReadBlock(*encoder, number, key);
+        return written == *wanted;
+    });
     context.Out.Print(HexDump(number, written, AllKnown));
-    context.Out.Json()["block"] = number;
-    context.Out.Json()["hex"] = Digits(written, AllKnown, "");
-    if (written != *wanted) {
+    context.Out.Json["block"] = number;
+    context.Out.Json["hex"] = Digits(written, AllKnown, "");
+    if (!isTaken) {
         throw OtherFailure{Format("block %d reads back as something other than was written", number)};
     }
     return Done;

@@ -4,8 +4,6 @@
 #include "tool/System.h"
 #include "tool/Text.h"
 
-#include <nlohmann/json.hpp>
-
 namespace acg::tool
 {
 
@@ -28,83 +26,61 @@ void WriteReport::Add(std::string what, std::string look)
     Tell();
 }
 
-void WriteReport::BeginCard(Encoder& encoder)
+const std::wstring& WriteReport::BeginCard(Encoder& encoder)
 {
     m_first = SerialNumberOf(encoder);
-    m_out.Json()["card"] = ToUtf8(m_first);
+    m_out.Json["card"] = ToUtf8(m_first);
+    return m_first;
 }
 
 void WriteReport::Sent(Encoder& encoder, sceReturnCode result)
 {
     if (result != sceError || MayHaveWritten(*encoder.LastError())) {
-        m_parts.at(m_at).Now = State::Sent;
-        Tell();
+        Tell("unknown", "not known");
     }
     ThrowIfFailed(encoder, result);
 }
 
-void WriteReport::Found(bool isSame)
+bool WriteReport::ReadBack(Encoder& encoder, const std::function<bool()>& isTaken)
 {
-    m_parts.at(m_at++).Now = isSame ? State::Holds : State::Differs;
-    Tell();
-}
-
-void WriteReport::RequireSameCard(Encoder& encoder)
-{
-    RequireFirst(SerialNumberOf(encoder));
-    for (Part& part : m_parts) {
-        part.Now = part.Now == State::Holds     ? State::SurelyHolds
-                   : part.Now == State::Differs ? State::SurelyDiffers
-                                                : part.Now;
+    bool isSame = false;
+    try {
+        isSame = isTaken();
+    } catch (...) {
+        std::wstring now;
+        if (!WasInterrupted() && encoder.ReadSerialNumber(now) != sceError && !now.empty()) {
+            RequireFirst(now);
+        }
+        throw;
     }
-    Tell();
-}
-
-void WriteReport::Complete()
-{
-    for (Part& part : m_parts) {
-        part.Now = State::SurelyHolds;
+    if (isSame) {
+        Tell("unknown", "yes, but perhaps on another card than " + ToUtf8(m_first));
     }
-    Tell();
+    RequireFirst(SerialNumberOf(encoder), isSame);
+    Tell(isSame ? "yes" : "unknown", isSame ? "yes" : "not known; it reads back as something else");
+    ++m_at;
+    return isSame;
 }
 
-void WriteReport::LookForAnotherCard(Encoder& encoder)
+void WriteReport::RequireFirst(const std::wstring& now, bool isSame)
 {
-    std::wstring now;
-    if (!WasInterrupted() && encoder.ReadSerialNumber(now) != sceError && !now.empty()) {
-        RequireFirst(now);
+    if (now == m_first) {
+        return;
     }
-}
-
-void WriteReport::RequireFirst(const std::wstring& now)
-{
-    if (now != m_first) {
-        m_other = now;
-        Tell();
-        throw OtherFailure{Format("another card lies in the field: %s; the first one was %s",
-                                  ToUtf8(now).c_str(), ToUtf8(m_first).c_str())};
-    }
-}
-
-std::string WriteReport::InWords(State now) const
-{
     const std::string first = ToUtf8(m_first);
-    const std::string which =
-        m_other.empty() ? "" : Format(", on card %s or on %s", first.c_str(), ToUtf8(m_other).c_str());
-    switch (now) {
-    case State::Sent:
-    case State::Differs:
-        return "not known" + which;
-    case State::Holds:
-        return m_other.empty() ? Format("yes, but perhaps on another card than %s", first.c_str())
-                               : "yes" + which;
-    case State::SurelyHolds:
-        return "yes";
-    case State::SurelyDiffers:
-        return "not known; it reads back as something else";
-    default:
-        return "no";
+    const std::string other = ToUtf8(now);
+    if (m_parts.at(m_at).Written == "unknown") {
+        Tell("unknown", (isSame ? "yes, on card " : "not known, on card ") + first + " or on " + other);
     }
+    throw OtherFailure{
+        Format("another card lies in the field: %s; the first one was %s", other.c_str(), first.c_str())};
+}
+
+void WriteReport::Tell(std::string written, std::string inWords)
+{
+    m_parts.at(m_at).Written = std::move(written);
+    m_parts.at(m_at).InWords = std::move(inWords);
+    Tell();
 }
 
 void WriteReport::Tell()
@@ -114,16 +90,15 @@ void WriteReport::Tell()
     size_t confirmed = 0;
     const Part* unknown = nullptr;
     for (const Part& part : m_parts) {
-        lines += Format("\n  written   %s: %s", InWords(part.Now).c_str(), part.What.c_str());
-        const bool isKnown = part.Now == State::SurelyHolds || part.Now == State::NotWritten;
-        confirmed += part.Now == State::SurelyHolds ? 1 : 0;
-        unknown = unknown == nullptr && !isKnown ? &part : unknown;
-        writes.push_back({{"what", part.What},
-                          {"written", !isKnown                         ? "unknown"
-                                      : part.Now == State::SurelyHolds ? "yes"
-                                                                       : "no"}});
+        lines += Format("\n  written   %s: %s", part.InWords.c_str(), part.What.c_str());
+        if (part.Written == "yes") {
+            ++confirmed;
+        } else if (part.Written == "unknown" && unknown == nullptr) {
+            unknown = &part;
+        }
+        writes.push_back({{"what", part.What}, {"written", part.Written}});
     }
-    JsonObject& json = m_out.Json();
+    JsonObject& json = m_out.Json;
     json["written"] = unknown != nullptr            ? "unknown"
                       : confirmed == 0              ? "no"
                       : confirmed == m_parts.size() ? "yes"
@@ -132,7 +107,7 @@ void WriteReport::Tell()
         json["writes"] = writes;
     }
     json["next"] = unknown != nullptr ? JsonObject(unknown->Look) : JsonObject();
-    m_out.SetOutcome(lines + (unknown != nullptr ? "\n  next      " + unknown->Look : ""));
+    m_out.Outcome = lines + (unknown != nullptr ? "\n  next      " + unknown->Look : "");
 }
 
 } // namespace acg::tool

@@ -4,6 +4,7 @@
 #include "tool/Card.h"
 #include "tool/Output.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,59 +28,43 @@ public:
     /// A part that is written after those before it. what: "block 4". look: the command that shows it.
     void Add(std::string what, std::string look);
 
-    /// Remembers the card in the field. Throws as SerialNumberOf does.
-    void BeginCard(Encoder& encoder);
+    /// Remembers the card in the field, and returns its serial number. Throws as SerialNumberOf does.
+    const std::wstring& BeginCard(Encoder& encoder);
 
     /// To be called with the result of the operation that writes the next part. Throws as ThrowIfFailed does.
     void Sent(Encoder& encoder, sceReturnCode result);
 
-    /// Runs what reads the part back. If that fails and another card lies in the field, throws OtherFailure
-    /// for that.
-    template <class Reading>
-    auto ReadBack(Encoder& encoder, Reading read)
-    {
-        try {
-            return read();
-        } catch (...) {
-            LookForAnotherCard(encoder);
-            throw;
-        }
-    }
+    /// Runs what reads the part back, whose result is whether it holds what was to be written, and returns
+    /// that; the next part follows. Throws OtherFailure if another card than the first lies in the field
+    /// then, also after a failure of the reading, otherwise what the reading throws, and as SerialNumberOf
+    /// does.
+    [[nodiscard]] bool ReadBack(Encoder& encoder, const std::function<bool()>& isTaken);
 
-    /// The part holds what was to be written, or something else.
-    void Found(bool isSame);
+    /// Before anything is written. Throws OtherFailure if another card than the first lies in the field, and
+    /// as SerialNumberOf does.
+    void RequireSameCard(Encoder& encoder) { RequireFirst(SerialNumberOf(encoder)); }
 
-    /// Throws OtherFailure if another card than the first lies in the field, and as SerialNumberOf does.
-    void RequireSameCard(Encoder& encoder);
-
-    /// Marks every part as written: for a file, which isn't read back.
-    void Complete();
+    /// The part is a file, which isn't read back.
+    void Written() { Tell("yes", "yes"); }
 
 private:
-    enum class State {
-        NotWritten,
-        Sent,    ///< without a failure, or with one that leaves it open
-        Holds,   ///< read back, perhaps from another card
-        Differs, ///< the same, and is something else
-        SurelyHolds,
-        SurelyDiffers
-    };
     struct Part {
         std::string What;
         std::string Look;
-        State Now = State::NotWritten;
+        std::string Written = "no"; ///< as in the JSON
+        std::string InWords = "no";
     };
 
-    [[nodiscard]] std::string InWords(State now) const;
-    void LookForAnotherCard(Encoder& encoder);
-    void RequireFirst(const std::wstring& now);
+    /// isSame: the part has been read back, and holds what was to be written.
+    void RequireFirst(const std::wstring& now, bool isSame = false);
+    /// Of the part that is being written.
+    void Tell(std::string written, std::string inWords);
     void Tell();
 
     Output& m_out;
     std::vector<Part> m_parts;
     size_t m_at = 0; ///< the part that is being written
     std::wstring m_first;
-    std::wstring m_other; ///< the card in the field, if it is another one
 };
 
 } // namespace acg::tool

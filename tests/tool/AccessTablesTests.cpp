@@ -53,21 +53,21 @@ TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
         if (bytes && ofListed) {
             const AccessTriple stored = TripleIn(*bytes, 2);
             const AccessTriple listed = TripleIn(*ofListed, 2);
+            const Rights granted = RightsGranted(*bytes)[2];
             const std::string bits = Bits(stored) + (listed != stored ? ", or " + Bits(listed) : "");
             ExpectRow({number, cells(Block, asked), bits,
-                       cells(Block, LevelOf(RightsGranted(*bytes).Blocks[2])),
+                       cells(Block, LevelOf(BlockRights{granted[Right::Read], granted[Right::Write]})),
                        std::to_string(LevelOf(BlockRightsOf(stored)))});
         } else {
             ExpectRow({number, cells(Block, asked), "refused | | |"});
         }
         if (const auto written = encode(alone ? 3 : 15, asked, false)) {
-            const TrailerRights rights = RightsGranted(*written).Trailer;
+            const TrailerRights& rights = TrailerRightsIn(*written);
             const int shift = alone ? 0 : 2;
             const int32_t back = LevelOf(rights);
-            const std::string fixed = AreKeysFixed(rights) ? ", for good" : "";
             ExpectRow({number, Trailer[asked >> shift], Bits(TripleIn(*written, TrailerSlot)),
-                       Trailer[back >> shift] + fixed, std::to_string(back),
-                       std::to_string(KeysUsedBy(rights))});
+                       std::string(Trailer[back >> shift]) + (AreKeysFixed(rights) ? ", for good" : ""),
+                       std::to_string(back), std::to_string(KeysUsedBy(rights))});
         } else {
             EXPECT_TRUE((asked & 3) != 0 && !alone) << asked;
         }
@@ -82,9 +82,9 @@ TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
                                     "0; key A alone: 0"};
     for (size_t at = 0; at < std::size(storedBy); ++at) {
         const auto triple = static_cast<AccessTriple>(at);
-        const DataRights rights = DataRightsOf(triple);
-        ExpectRow({Bits(triple), storedBy[at], Holders[static_cast<int>(rights.Increment)],
-                   Holders[static_cast<int>(rights.Decrement)]});
+        const Rights rights = DataRightsOf(triple);
+        ExpectRow({Bits(triple), storedBy[at], Holders[static_cast<int>(rights[Right::Increment])],
+                   Holders[static_cast<int>(rights[Right::Decrement])]});
     }
 }
 
