@@ -4,6 +4,8 @@
 #include <string>
 #include <windows.h>
 
+extern "C" IMAGE_DOS_HEADER __ImageBase; // the start of this program or library in memory
+
 namespace acg
 {
 
@@ -41,18 +43,12 @@ EntryPoint FindIn(HMODULE library, const char* function)
 
 } // namespace
 
-SystemPath OwnFolder()
+SystemPath OwnPath()
 {
-    HMODULE self = nullptr;
-    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == FALSE) {
-        return {};
-    }
     constexpr DWORD LongestPath = 32767;
     std::wstring path(LongestPath, L'\0');
-    path.resize(GetModuleFileNameW(self, path.data(), LongestPath));
-    return path.substr(0, path.rfind(L'\\') + 1);
+    path.resize(GetModuleFileNameW(reinterpret_cast<HMODULE>(&__ImageBase), path.data(), LongestPath));
+    return path;
 }
 
 SystemPath LibraryFileName(const char* name)
