@@ -11,9 +11,9 @@ namespace acg
 struct EntryPoint {
     using Function = void (*)();
 
-    Function Address = nullptr; ///< null where nothing was found
-    bool LibraryLoaded = false; ///< true where only the function is missing
-    int32_t SystemError = 0;    ///< the loader's error code where nothing was found, else 0
+    Function Address = nullptr; ///< null if nothing was found
+    bool LibraryLoaded = false; ///< true if only the function is missing
+    int32_t SystemError = 0;    ///< the loader's error code if nothing was found, else 0
 };
 
 /// One library, loaded at the first look-up and kept until the process ends.
