@@ -59,28 +59,16 @@ public:
     }
     STDMETHODIMP get_EncoderState(::sceEncoderState* Result) override
     {
-        return CallWithResult(Result, [&] { return m_encoder.EncoderState(); });
+        return Get(&Encoder::EncoderState, Result);
     }
-    STDMETHODIMP get_ReaderType(BSTR* Result) override
-    {
-        return CallWithResult(Result, [&] { return m_encoder.ReaderType(); });
-    }
-    STDMETHODIMP get_ATRString(BSTR* Result) override
-    {
-        return CallWithResult(Result, [&] { return m_encoder.ATRString(); });
-    }
-    STDMETHODIMP get_CardType(::sceCardTypes* Result) override
-    {
-        return CallWithResult(Result, [&] { return m_encoder.CardType(); });
-    }
+    STDMETHODIMP get_ReaderType(BSTR* Result) override { return Get(&Encoder::ReaderType, Result); }
+    STDMETHODIMP get_ATRString(BSTR* Result) override { return Get(&Encoder::ATRString, Result); }
+    STDMETHODIMP get_CardType(::sceCardTypes* Result) override { return Get(&Encoder::CardType, Result); }
     STDMETHODIMP get_SerialNumberLength(LONG* Result) override
     {
-        return CallWithResult(Result, [&] { return m_encoder.SerialNumberLength(); });
+        return Get(&Encoder::SerialNumberLength, Result);
     }
-    STDMETHODIMP GetInformation(BSTR* Result) override
-    {
-        return CallWithResult(Result, [&] { return m_encoder.GetInformation(); });
-    }
+    STDMETHODIMP GetInformation(BSTR* Result) override { return Get(&Encoder::GetInformation, Result); }
     STDMETHODIMP Configure(BSTR Language, ::sceReturnCode* Result) override
     {
         return CallWithResult(Result, [&] { return m_encoder.Configure(std::wstring(ViewOf(Language))); });
@@ -91,7 +79,7 @@ public:
     }
     STDMETHODIMP CloseEncoder(::sceReturnCode* Result) override
     {
-        return CallWithResult(Result, [&] { return m_encoder.CloseEncoder(); });
+        return Get(&Encoder::CloseEncoder, Result);
     }
     STDMETHODIMP ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result) override
     {
@@ -170,6 +158,12 @@ public:
     }
 
 private:
+    template <class Own, class Callers>
+    HRESULT Get(Own (Encoder::*member)(), Callers* result)
+    {
+        return CallWithResult(result, [&] { return (m_encoder.*member)(); });
+    }
+
     Encoder m_encoder;
     Microsoft::WRL::ComPtr<_CError> m_lastError; ///< the one object for the one record
 };
