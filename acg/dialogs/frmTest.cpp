@@ -79,56 +79,42 @@ struct frmTest::Screen {
     Screen& operator=(const Screen&) = delete;
 };
 
-/// While it lives the window can't be closed; then the button can be pressed.
-class frmTest::Running
-{
-public:
-    explicit Running(Screen& screen) : m_screen(screen) { m_screen.Dialog.EnableCloseBox(false); }
-    ~Running()
-    {
-        m_screen.Dialog.EnableCloseBox(true);
-        m_screen.cmdOK.Enable(true);
-        m_screen.Dialog.SetFocus(m_screen.cmdOK);
-    }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-
-private:
-    Screen& m_screen;
-};
-
-/// What the test has opened. Whatever of it is still open at its end is closed, the reader first.
-class frmTest::Link
+/// While it lives the window can't be closed. At its end whatever it has opened is closed, the reader first;
+/// then the button can be pressed.
+class frmTest::Run
 {
 public:
     CommHandle Comm = CommHandle::None;
     ReaderHandle Reader = ReaderHandle::None;
 
-    explicit Link(const ReaderDLL& reader) : m_reader(reader) {}
-    ~Link()
+    explicit Run(Screen& screen) : m_screen(screen) { m_screen.Dialog.EnableCloseBox(false); }
+    ~Run()
     {
         CloseReader();
         CloseComm();
+        m_screen.Dialog.EnableCloseBox(true);
+        m_screen.cmdOK.Enable(true);
+        m_screen.Dialog.SetFocus(m_screen.cmdOK);
     }
-    Link(const Link&) = delete;
-    Link& operator=(const Link&) = delete;
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
 
     // The test succeeds even if a closing call fails.
     void CloseReader()
     {
         if (Reader != ReaderHandle::None) {
-            static_cast<void>(m_reader.CloseReader(std::exchange(Reader, ReaderHandle::None)));
+            static_cast<void>(m_screen.Reader.CloseReader(std::exchange(Reader, ReaderHandle::None)));
         }
     }
     void CloseComm()
     {
         if (Comm != CommHandle::None) {
-            static_cast<void>(m_reader.CloseComm(std::exchange(Comm, CommHandle::None)));
+            static_cast<void>(m_screen.Reader.CloseComm(std::exchange(Comm, CommHandle::None)));
         }
     }
 
 private:
-    const ReaderDLL& m_reader;
+    Screen& m_screen;
 };
 
 frmTest& frmTest::OfThread()
@@ -178,20 +164,18 @@ void frmTest::LogLine(std::wstring_view text)
 void frmTest::tmrTest_Timer()
 {
     m_screen->Dialog.StopTimer();
-    const Running running(*m_screen);
+    Run run(*m_screen);
     m_screen->txtLog.SetText(L"");
     LogLine(In(m_french, Texts.m_sStart));
-
-    Link link(m_screen->Reader);
-    if (const Failure failure = RunTest(link)) {
+    if (const Failure failure = RunTest(run)) {
         LogLine(Fill(In(m_french, Texts.m_sError), {DecimalText(failure.Number), failure.Description}));
     }
 }
 
 /// Returns a call failure. A link or a reader that is refused ends in the log.
-Failure frmTest::RunTest(Link& link)
+Failure frmTest::RunTest(Run& run)
 {
-    CommHandle& comm = link.Comm;
+    CommHandle& comm = run.Comm;
     LogLine(Fill(In(m_french, Texts.m_sOpening), {Device, ModeText()}));
     CommSettings settings{.BaudRate = BaudRate, .Protocol = Protocol};
     if (const Failure failure = m_screen->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
@@ -219,20 +203,20 @@ Failure frmTest::RunTest(Link& link)
     }
     LogLine(Fill(In(m_french, Texts.m_sPortOpen),
                  {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
-    return TestReader(link);
+    return TestReader(run);
 }
 
-Failure frmTest::TestReader(Link& link)
+Failure frmTest::TestReader(Run& run)
 {
-    const auto giveUp = [this, &link](const wchar_t* reason) -> Failure {
-        link.CloseComm();
+    const auto giveUp = [this, &run](const wchar_t* reason) -> Failure {
+        run.CloseComm();
         LogLine(reason);
         LogLine(In(m_french, Texts.m_sFailed));
         return {};
     };
     LogLine(In(m_french, Texts.m_sDetecting));
     std::string readers;
-    if (const Failure failure = m_screen->Reader.DetectReader(link.Comm, readers)) {
+    if (const Failure failure = m_screen->Reader.DetectReader(run.Comm, readers)) {
         return failure;
     }
     if (readers.empty()) {
@@ -243,26 +227,26 @@ Failure frmTest::TestReader(Link& link)
     LogLine(Fill(In(m_french, Texts.m_sFound), {DecimalText(count), DecimalText(readerId)}));
 
     LogLine(In(m_french, Texts.m_sOpeningEncoder));
-    if (const Failure failure = m_screen->Reader.OpenReader(link.Comm, readerId, link.Reader)) {
+    if (const Failure failure = m_screen->Reader.OpenReader(run.Comm, readerId, run.Reader)) {
         return failure;
     }
-    if (link.Reader == ReaderHandle::None) {
+    if (run.Reader == ReaderHandle::None) {
         return giveUp(In(m_french, Texts.m_sNoAccess));
     }
     std::wstring deviceId;
     // Without one the line ends after its label.
-    static_cast<void>(m_screen->Reader.GetDeviceID(link.Reader, deviceId));
+    static_cast<void>(m_screen->Reader.GetDeviceID(run.Reader, deviceId));
     LogLine(Fill(In(m_french, Texts.m_sDeviceID), {deviceId}));
     std::wstring type;
-    if (const Failure failure = m_screen->Reader.GetReaderType(link.Reader, type)) {
+    if (const Failure failure = m_screen->Reader.GetReaderType(run.Reader, type)) {
         return failure;
     }
     LogLine(Fill(In(m_french, Texts.m_sEncoderType), {type}));
 
     LogLine(In(m_french, Texts.m_sClosingEncoder));
-    link.CloseReader();
+    run.CloseReader();
     LogLine(In(m_french, Texts.m_sClosingPort));
-    link.CloseComm();
+    run.CloseComm();
     LogLine(In(m_french, Texts.m_sSuccess));
     return {};
 }
