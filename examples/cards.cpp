@@ -3,7 +3,7 @@
 //
 //     example-cards [PARAMETERS]
 //
-// Without parameters five cards are laid on a simulated reader. Ends with status 1 where a step fails, or no
+// Without parameters five cards are laid on a simulated reader. Ends with status 1 if a step fails, or no
 // other card comes in ten seconds.
 #include "acg/encoder/Encoder.h"
 

@@ -3,7 +3,7 @@
 //
 //     example-host [PARAMETERS]        as in: example-host 'Device=com1,card=4k'
 //
-// Ends with status 1, and the record shown, where the reader can't be opened or a step fails that shouldn't.
+// Ends with status 1, and the record shown, if the reader can't be opened or a step fails that shouldn't.
 #include "acg/encoder/Encoder.h"
 
 #include <clocale>
@@ -42,7 +42,7 @@ void ShowRecord(Encoder& encoder)
     std::printf("  RdrRetCode     %ls\n", record->RdrRetCode.c_str());
 }
 
-/// Ends the program where a step failed.
+/// Ends the program if a step failed.
 void MustSucceed(Encoder& encoder, const char* step, sceReturnCode result)
 {
     if (result != sceSuccess) {

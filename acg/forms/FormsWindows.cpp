@@ -105,7 +105,7 @@ private:
 
     Form& m_model;
     HWND m_dialog = nullptr;
-    std::deque<ControlWindow> m_controls; // a deque, as its elements stay where they are
+    std::deque<ControlWindow> m_controls; // a deque, as its elements never move
     bool m_isShown = false;
     std::exception_ptr m_thrown;
 };
@@ -238,7 +238,7 @@ void FormWindow::Paint(HDC context) const
     GetClientRect(m_dialog, &all);
     FillArea(context, all, {Colour::Source::Form});
     for (const Shape& shape : m_model.Shapes) {
-        RECT area = Pixels(shape.Where);
+        RECT area = Pixels(shape.Bounds);
         area.bottom = std::max(area.bottom, area.top + 1);
         FillArea(context, area, shape.Fill);
     }

@@ -18,9 +18,9 @@ struct EntryPoint {
 
 /// One library, loaded at the first look-up and kept until the process ends.
 ///
-/// It is searched in the folder of the component itself, then where the system searches by default, never
-/// in the current directory. A failed look-up can be repeated: it finds a library that was installed
-/// meanwhile. Look-ups from several threads are safe.
+/// It is searched in the folder of the component itself, then in the folders that the system searches by
+/// default, never in the current directory. A failed look-up can be repeated: it finds a library that was
+/// installed meanwhile. Look-ups from several threads are safe.
 class Library
 {
 public:
