@@ -1,6 +1,5 @@
 #include "acg/dialogs/frmConfigure.h"
 
-#include "acg/dialogs/Texts.h"
 #include "acg/encoder/NumberReading.h"
 #include "acg/platform/TextCase.h"
 #include "acg/platform/ThreadObject.h"

@@ -1,10 +1,12 @@
 // The test dialog.
 #pragma once
 
+#include "acg/dialogs/Texts.h"
 #include "acg/forms/Forms.h"
 #include "acg/reader/ReaderDLL.h"
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -43,12 +45,12 @@ private:
     void Form_Load();
     void cmdOK_Click();
     void LogLine(std::wstring_view text);
+    void Log(const Translated& text, std::initializer_list<std::wstring_view> values = {});
     void tmrTest_Timer();
 
     [[nodiscard]] std::wstring ModeText() const;
     [[nodiscard]] const wchar_t* ProtocolName(uint8_t number) const;
     Failure RunTest(Run& run);
-    Failure TestReader(Run& run);
 
     bool m_french = false;
     Screen* m_screen = nullptr; ///< while the dialog is open
