@@ -120,7 +120,6 @@ const Row Rows[] = {
      L"/OpenComm COM1 0 9600 0/SetCommTimeout 17 2200/GetCommProtocol 17/GetCommBaudRate 17/GetCommTimeout "
      L"17/DetectReader 17/OpenReader 17 65 0/GetDeviceID 34/GetReaderType 34/CloseReader 34/CloseComm 17/"
      L"0,COM1,0,9600,2200,0"},
-    {"Detection", L"", L"", L"", L"/-&Speed.*/-~9600.*/-&Protocol.*/-~ASCII.*/0,com1,1,9600,2200,1"},
     {"TooLargeTimeout", L"", L"Device=%2%2;Baud rate=4800", L"txtTimeout=2147483648;cmdTest=;cmdOK=;",
      L" (normal autodetection){2}, normal autodetection.../.* %2%2 1 9600 1/.* 17 700/.*%2,1,9600,2200"},
     {"NoTimeout", L"francais", L"Device=CoM4;Autodetect=2;Baud rate=115200", L"txtTimeout=;cmdTest=;cmdOK=;",
@@ -135,7 +134,8 @@ const Row Rows[] = {
     {"DefaultValues", L"francais", L"Device=x;Autodetect=0;Baud rate=19200;Timeout=9",
      L"cmdDefault=;cboBaudrate=4;cmdTest=;cmdOK=;",
      L" COM1, auto-détection normale.../.* COM1 1 9600 0/.* 17 2200/.*/0,COM1,1,9600,2200,0"},
-    {"Cancel", L"", L"", L"txtTimeout=1;cmdCancel=;", L"/1,com1,1,9600,2200"}};
+    {"DetectionAndCancel", L"", L"", L"txtTimeout=1;cmdCancel=;",
+     L"/-&Speed.*/-~9600.*/-&Protocol.*/-~ASCII.*/1,com1,1,9600,2200,1"}};
 INSTANTIATE_TEST_SUITE_P(Dialog, DialogTest, testing::ValuesIn(Rows),
                          [](const auto& row) { return row.param.Name; });
 
