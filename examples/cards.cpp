@@ -46,9 +46,9 @@ std::wstring Personalise(Encoder& encoder, int card)
 {
     std::wstring contents = L"0000000000000000000000000000000" + std::to_wstring(card);
     MustSucceed(encoder, encoder.WriteDataBloc(Block, FactoryKey, KeyTypeA, contents));
-    constexpr auto level = scbs_A_Read + scbs_B_ReadWrite;
-    MustSucceed(encoder, encoder.WriteSectorTrailer(Sector, FactoryKey, KeyTypeA, KeyA, KeyB, BothKeys, level,
-                                                    level, level, scss_B_WriteKeysConditions));
+    constexpr auto Level = scbs_A_Read + scbs_B_ReadWrite;
+    MustSucceed(encoder, encoder.WriteSectorTrailer(Sector, FactoryKey, KeyTypeA, KeyA, KeyB, BothKeys, Level,
+                                                    Level, Level, scss_B_WriteKeysConditions));
     MustSucceed(encoder, encoder.ReadDataBloc(Block, KeyA, KeyTypeA, contents));
     return contents;
 }

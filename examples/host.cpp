@@ -80,10 +80,10 @@ std::wstring BlockText(Encoder& encoder, int32_t block)
 /// From here on key A may only read, and key B does the writing.
 void Rekey(Encoder& encoder)
 {
-    constexpr auto level = scbs_A_Read + scbs_B_ReadWrite;
+    constexpr auto Level = scbs_A_Read + scbs_B_ReadWrite;
     const sceReturnCode result =
-        encoder.WriteSectorTrailer(DemoSector, FactoryKey, KeyTypeA, KeyA, KeyB, BothKeys, level, level,
-                                   level, scss_B_WriteKeysConditions);
+        encoder.WriteSectorTrailer(DemoSector, FactoryKey, KeyTypeA, KeyA, KeyB, BothKeys, Level, Level,
+                                   Level, scss_B_WriteKeysConditions);
     MustSucceed(encoder, result);
 
     std::wstring contents = BlockText(encoder, DemoBlock);
