@@ -3,9 +3,9 @@
 //
 //     example-cards [PARAMETERS]
 //
-// Without parameters five cards are laid on a simulated reader. Ends with status 1 where a step fails, or no
+// Without parameters five cards are laid on a simulated reader. Ends with status 1 if a step fails, or no
 // other card comes in ten seconds.
-#include "acg/encoder/Encoder.h"
+#include "examples/Host.h"
 
 #include <chrono>
 #include <cstdio>
@@ -20,35 +20,11 @@ using namespace acg;
 constexpr int CardCount = 5;
 constexpr int32_t Sector = 1;
 constexpr int32_t Block = 4;
-const std::wstring FactoryKey = L"FFFFFFFFFFFF";
-const std::wstring KeyA = L"A0A1A2A3A4A5";
-const std::wstring KeyB = L"B0B1B2B3B4B5";
 
 // A card takes 25 commands and every look for the next one takes 1. The line has a speed, so that a host
 // which waits is idle.
 const std::wstring FiveCards =
     L"Device=com1,baud=115200,place=40/A1000002,place=80/A1000003,place=120/A1000004/4k,place=160/A1000005";
-
-void MustSucceed(Encoder& encoder, sceReturnCode result)
-{
-    if (result != sceSuccess) {
-        const auto record = encoder.LastError();
-        std::printf("%ls failed: %d, %ls\n", record->ComFunction.c_str(), record->Number,
-                    record->Description.c_str());
-        encoder.CloseEncoder();
-        std::exit(EXIT_FAILURE);
-    }
-}
-
-/// The number that OpenEncoder asks for: the fifth field of the information text.
-int32_t HandleNumber(const std::wstring& information)
-{
-    size_t from = 0;
-    for (int field = 1; field < 5; ++field) {
-        from = information.find(L'|', from) + 1;
-    }
-    return static_cast<int32_t>(std::stol(information.substr(from)));
-}
 
 /// Waits until a card with another serial number lies in the field.
 std::wstring NextCard(Encoder& encoder, const std::wstring& former)
@@ -70,9 +46,9 @@ std::wstring Personalise(Encoder& encoder, int card)
 {
     std::wstring contents = L"0000000000000000000000000000000" + std::to_wstring(card);
     MustSucceed(encoder, encoder.WriteDataBloc(Block, FactoryKey, KeyTypeA, contents));
-    constexpr auto level = scbs_A_Read + scbs_B_ReadWrite;
-    MustSucceed(encoder, encoder.WriteSectorTrailer(Sector, FactoryKey, KeyTypeA, KeyA, KeyB, BothKeys, level,
-                                                    level, level, scss_B_WriteKeysConditions));
+    constexpr auto Level = scbs_A_Read + scbs_B_ReadWrite;
+    MustSucceed(encoder, encoder.WriteSectorTrailer(Sector, FactoryKey, KeyTypeA, KeyA, KeyB, BothKeys, Level,
+                                                    Level, Level, scss_B_WriteKeysConditions));
     MustSucceed(encoder, encoder.ReadDataBloc(Block, KeyA, KeyTypeA, contents));
     return contents;
 }

@@ -26,11 +26,8 @@ void ShowConfigure(const std::wstring& language)
 void ShowTest(const std::wstring& language)
 {
     frmTest& dialog = frmTest::OfThread();
-    dialog.Language = language;
-    dialog.Device = L"com1";
-    dialog.AutoDetect = 1;
-    dialog.BaudRate = 9600;
-    dialog.Timeout = 2200;
+    static_cast<DialogSettings&>(dialog) = {
+        .Language = language, .Device = L"com1", .AutoDetect = 1, .BaudRate = 9600, .Timeout = 2200};
     dialog.Show(ReaderDLL());
 }
 

@@ -3,7 +3,7 @@
 '     cscript //nologo script-host.vbs [PARAMETERS]      as in: script-host.vbs Device=com1,card=4k
 '
 ' with the 32-bit cscript: on 64-bit Windows %SystemRoot%\SysWOW64\cscript.exe. Ends with status 1, and the
-' record shown, where a step fails that shouldn't. The sector keeps the factory's keys.
+' record shown, if a step fails that shouldn't. The sector keeps the factory's keys.
 Option Explicit
 
 Const sceSuccess = 0, sceError = 2

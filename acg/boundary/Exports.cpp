@@ -1,8 +1,7 @@
 // The four functions that a host's component loader calls, and the class factories.
 #include <initguid.h> // defines the identifiers of the type library
 
-#include "acg/boundary/AutomationEncoder.h"
-#include "acg/boundary/AutomationError.h"
+#include "acg/boundary/Classes.h"
 #include "acg/boundary/Registration.h"
 
 #include <olectl.h>

@@ -2,6 +2,7 @@
 
 #include "acg/boundary/Results.h"
 #include "acg/boundary/TypeLibrary.h"
+#include "acg/platform/LibraryFile.h"
 
 #include <ACG_MultiISO_TV.h>
 #include <olectl.h>
@@ -145,7 +146,7 @@ HRESULT Register() noexcept
 {
     const HRESULT result = Guarded(&RegisterAll);
     if (FAILED(result)) {
-        static_cast<void>(Unregister()); // why the registration failed is the answer
+        static_cast<void>(Unregister()); // the result says why the registration failed
     }
     return result;
 }

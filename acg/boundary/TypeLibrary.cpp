@@ -1,12 +1,11 @@
 #include "acg/boundary/TypeLibrary.h"
 
 #include "acg/boundary/Results.h"
+#include "acg/platform/LibraryFile.h"
 
 #include <memory>
 #include <oleauto.h>
 #include <utility>
-
-extern "C" IMAGE_DOS_HEADER __ImageBase; // the start of this DLL in memory
 
 namespace acg
 {
@@ -40,14 +39,6 @@ Member MemberOf(const FUNCDESC& function)
 
 } // namespace
 
-std::wstring OwnPath()
-{
-    constexpr DWORD LongestPath = 32767;
-    std::wstring path(LongestPath, L'\0');
-    path.resize(GetModuleFileNameW(reinterpret_cast<HMODULE>(&__ImageBase), path.data(), LongestPath));
-    return path;
-}
-
 HRESULT LoadOwnTypeLibrary(ITypeLib** library)
 {
     return LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, library);
@@ -70,12 +61,12 @@ HRESULT Describe(REFIID id, InterfaceDescription& description)
 {
     InterfaceDescription described;
     HRESULT result = TypeInfoOf(id, described.Info.GetAddressOf());
-    // That is the dispinterface, as a script sees it. The vtable interface is behind it.
-    constexpr UINT behindDispatch = static_cast<UINT>(-1);
+    // That is the dispinterface, as a script sees it; it refers to the vtable interface.
+    constexpr UINT vtableInterface = static_cast<UINT>(-1);
     HREFTYPE reference = 0;
     Microsoft::WRL::ComPtr<ITypeInfo> slots;
     if (SUCCEEDED(result)) {
-        result = described.Info->GetRefTypeOfImplType(behindDispatch, &reference);
+        result = described.Info->GetRefTypeOfImplType(vtableInterface, &reference);
     }
     if (SUCCEEDED(result)) {
         result = described.Info->GetRefTypeInfo(reference, slots.GetAddressOf());

@@ -1,7 +1,6 @@
 // The type library in the resources of this DLL, and its descriptions of interfaces.
 #pragma once
 
-#include <string>
 #include <vector>
 #include <windows.h>
 
@@ -10,9 +9,6 @@
 
 namespace acg
 {
-
-/// The path of the DLL, or of the program, that this code is linked into.
-std::wstring OwnPath();
 
 HRESULT LoadOwnTypeLibrary(ITypeLib** library);
 

@@ -1,7 +1,5 @@
 #include "acg/dialogs/frmConfigure.h"
 
-#include "acg/dialogs/Texts.h"
-#include "acg/dialogs/frmTest.h"
 #include "acg/encoder/NumberReading.h"
 #include "acg/platform/TextCase.h"
 #include "acg/platform/ThreadObject.h"
@@ -195,6 +193,16 @@ void frmConfigure::Form_Load()
     screen.txtTimeout.SetText(DecimalText(Timeout));
 }
 
+/// Stores what the controls show.
+void frmConfigure::TakeSettings(DialogSettings& settings) const
+{
+    settings.Device = m_screen->cboDevice.Text();
+    TakePosition(m_screen->cboAutoDetect, settings.AutoDetect);
+    TakeNumber(m_screen->cboBaudrate.Text(), settings.BaudRate);
+    TakePosition(m_screen->cboProtocol, settings.Protocol);
+    TakeNumber(m_screen->txtTimeout.Text(), settings.Timeout);
+}
+
 void frmConfigure::cboAutoDetect_Change()
 {
     cboAutoDetect_Click();
@@ -231,11 +239,7 @@ void frmConfigure::cmdTest_Click()
 {
     frmTest& test = frmTest::OfThread();
     test.Language = Language;
-    test.Device = m_screen->cboDevice.Text();
-    TakePosition(m_screen->cboAutoDetect, test.AutoDetect);
-    TakeNumber(m_screen->cboBaudrate.Text(), test.BaudRate);
-    TakePosition(m_screen->cboProtocol, test.Protocol);
-    TakeNumber(m_screen->txtTimeout.Text(), test.Timeout);
+    TakeSettings(test);
     test.Show(m_screen->Reader, &m_screen->Dialog);
 }
 
@@ -247,11 +251,7 @@ void frmConfigure::cmdCancel_Click()
 
 void frmConfigure::cmdOK_Click()
 {
-    Device = m_screen->cboDevice.Text();
-    TakePosition(m_screen->cboAutoDetect, AutoDetect);
-    TakeNumber(m_screen->cboBaudrate.Text(), BaudRate);
-    TakePosition(m_screen->cboProtocol, Protocol);
-    TakeNumber(m_screen->txtTimeout.Text(), Timeout);
+    TakeSettings(*this);
     OKPressed = true;
     m_screen->Dialog.Close();
 }

@@ -1,29 +1,21 @@
 // The configuration dialog.
 #pragma once
 
+#include "acg/dialogs/frmTest.h"
 #include "acg/forms/Forms.h"
 #include "acg/reader/ReaderDLL.h"
-
-#include <cstdint>
-#include <string>
 
 namespace acg
 {
 
 /// Lets a user edit the communication settings, and try them in the test dialog without storing them.
-class frmConfigure
+class frmConfigure : public DialogSettings
 {
 public:
     /// The one of this thread. It outlives its window: what nobody writes on the way in, Protocol and
     /// OKPressed, keeps its value from the last dialog.
     [[nodiscard]] static frmConfigure& OfThread();
 
-    std::wstring Language;
-    std::wstring Device;
-    uint8_t AutoDetect = 0; ///< 0 disabled, 1 normal, 2 fast; the position in its list
-    int32_t BaudRate = 0;
-    uint8_t Protocol = 0; ///< 0 ASCII, 1 binary; the position in its list. For the test alone
-    int32_t Timeout = 0;  ///< milliseconds
     bool OKPressed = false;
 
     /// One dialog at a time: another can't be shown on top of it.
@@ -36,6 +28,7 @@ private:
     struct Screen;
 
     void Form_Load();
+    void TakeSettings(DialogSettings& settings) const;
     void cboAutoDetect_Change();
     void cboAutoDetect_Click();
     [[nodiscard]] static bool txtTimeout_KeyPress(wchar_t character) noexcept;

@@ -1,7 +1,6 @@
 #include "acg/dialogs/frmTest.h"
 
 #include "abi/ACGReader330.h"
-#include "acg/dialogs/Texts.h"
 #include "acg/encoder/NumberReading.h"
 #include "acg/platform/ThreadObject.h"
 
@@ -79,56 +78,42 @@ struct frmTest::Screen {
     Screen& operator=(const Screen&) = delete;
 };
 
-/// While it lives the window can't be closed; then the button can be pressed.
-class frmTest::Running
-{
-public:
-    explicit Running(Screen& screen) : m_screen(screen) { m_screen.Dialog.EnableCloseBox(false); }
-    ~Running()
-    {
-        m_screen.Dialog.EnableCloseBox(true);
-        m_screen.cmdOK.Enable(true);
-        m_screen.Dialog.SetFocus(m_screen.cmdOK);
-    }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-
-private:
-    Screen& m_screen;
-};
-
-/// What the test has opened. Whatever of it is still open at its end is closed, the reader first.
-class frmTest::Link
+/// While it lives the window can't be closed. At its end whatever it has opened is closed, the reader first;
+/// then the button can be pressed.
+class frmTest::Run
 {
 public:
     CommHandle Comm = CommHandle::None;
     ReaderHandle Reader = ReaderHandle::None;
 
-    explicit Link(const ReaderDLL& reader) : m_reader(reader) {}
-    ~Link()
+    explicit Run(Screen& screen) : m_screen(screen) { m_screen.Dialog.EnableCloseBox(false); }
+    ~Run()
     {
         CloseReader();
         CloseComm();
+        m_screen.Dialog.EnableCloseBox(true);
+        m_screen.cmdOK.Enable(true);
+        m_screen.Dialog.SetFocus(m_screen.cmdOK);
     }
-    Link(const Link&) = delete;
-    Link& operator=(const Link&) = delete;
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
 
     // The test succeeds even if a closing call fails.
     void CloseReader()
     {
         if (Reader != ReaderHandle::None) {
-            static_cast<void>(m_reader.CloseReader(std::exchange(Reader, ReaderHandle::None)));
+            static_cast<void>(m_screen.Reader.CloseReader(std::exchange(Reader, ReaderHandle::None)));
         }
     }
     void CloseComm()
     {
         if (Comm != CommHandle::None) {
-            static_cast<void>(m_reader.CloseComm(std::exchange(Comm, CommHandle::None)));
+            static_cast<void>(m_screen.Reader.CloseComm(std::exchange(Comm, CommHandle::None)));
         }
     }
 
 private:
-    const ReaderDLL& m_reader;
+    Screen& m_screen;
 };
 
 frmTest& frmTest::OfThread()
@@ -175,95 +160,91 @@ void frmTest::LogLine(std::wstring_view text)
     m_screen->Dialog.ShowNow(log);
 }
 
+void frmTest::Log(const Translated& text, std::initializer_list<std::wstring_view> values)
+{
+    LogLine(Fill(In(m_french, text), values));
+}
+
 void frmTest::tmrTest_Timer()
 {
     m_screen->Dialog.StopTimer();
-    const Running running(*m_screen);
+    Run run(*m_screen);
     m_screen->txtLog.SetText(L"");
-    LogLine(In(m_french, Texts.m_sStart));
-
-    Link link(m_screen->Reader);
-    if (const Failure failure = RunTest(link)) {
-        LogLine(Fill(In(m_french, Texts.m_sError), {DecimalText(failure.Number), failure.Description}));
+    Log(Texts.m_sStart);
+    if (const Failure failure = RunTest(run)) {
+        Log(Texts.m_sError, {DecimalText(failure.Number), failure.Description});
     }
 }
 
 /// Returns a call failure. A link or a reader that is refused ends in the log.
-Failure frmTest::RunTest(Link& link)
+Failure frmTest::RunTest(Run& run)
 {
-    CommHandle& comm = link.Comm;
-    LogLine(Fill(In(m_french, Texts.m_sOpening), {Device, ModeText()}));
+    const ReaderDLL& reader = m_screen->Reader;
+    const auto giveUp = [this, &run](const Translated& reason) -> Failure {
+        run.CloseComm();
+        Log(reason);
+        Log(Texts.m_sFailed);
+        return {};
+    };
+    Log(Texts.m_sOpening, {Device, ModeText()});
     CommSettings settings{.BaudRate = BaudRate, .Protocol = Protocol};
-    if (const Failure failure = m_screen->Reader.OpenComm(Device, AutoDetect, settings, comm)) {
+    if (const Failure failure = reader.OpenComm(Device, AutoDetect, settings, run.Comm)) {
         return failure;
     }
-    if (comm == CommHandle::None) {
-        LogLine(In(m_french, Texts.m_sOpenFailed));
-        LogLine(In(m_french, Texts.m_sFailed));
-        return {};
+    if (run.Comm == CommHandle::None) {
+        return giveUp(Texts.m_sOpenFailed);
     }
-    if (const Failure failure = m_screen->Reader.SetCommTimeout(comm, Timeout)) {
+    if (const Failure failure = reader.SetCommTimeout(run.Comm, Timeout)) {
         return failure;
     }
     uint8_t protocol = 0;
-    if (const Failure failure = m_screen->Reader.GetCommProtocol(comm, protocol)) {
+    if (const Failure failure = reader.GetCommProtocol(run.Comm, protocol)) {
         return failure;
     }
     int32_t baudRate = 0;
-    if (const Failure failure = m_screen->Reader.GetCommBaudRate(comm, baudRate)) {
+    if (const Failure failure = reader.GetCommBaudRate(run.Comm, baudRate)) {
         return failure;
     }
     int32_t timeout = 0;
-    if (const Failure failure = m_screen->Reader.GetCommTimeout(comm, timeout)) {
+    if (const Failure failure = reader.GetCommTimeout(run.Comm, timeout)) {
         return failure;
     }
-    LogLine(Fill(In(m_french, Texts.m_sPortOpen),
-                 {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)}));
-    return TestReader(link);
-}
+    Log(Texts.m_sPortOpen, {DecimalText(baudRate), ProtocolName(protocol), DecimalText(timeout)});
 
-Failure frmTest::TestReader(Link& link)
-{
-    const auto giveUp = [this, &link](const wchar_t* reason) -> Failure {
-        link.CloseComm();
-        LogLine(reason);
-        LogLine(In(m_french, Texts.m_sFailed));
-        return {};
-    };
-    LogLine(In(m_french, Texts.m_sDetecting));
+    Log(Texts.m_sDetecting);
     std::string readers;
-    if (const Failure failure = m_screen->Reader.DetectReader(link.Comm, readers)) {
+    if (const Failure failure = reader.DetectReader(run.Comm, readers)) {
         return failure;
     }
     if (readers.empty()) {
-        return giveUp(In(m_french, Texts.m_sNoEncoder));
+        return giveUp(Texts.m_sNoEncoder);
     }
     const auto readerId = static_cast<uint8_t>(readers.front());
     const auto count = static_cast<int32_t>(std::min(readers.size(), MaxReaders));
-    LogLine(Fill(In(m_french, Texts.m_sFound), {DecimalText(count), DecimalText(readerId)}));
+    Log(Texts.m_sFound, {DecimalText(count), DecimalText(readerId)});
 
-    LogLine(In(m_french, Texts.m_sOpeningEncoder));
-    if (const Failure failure = m_screen->Reader.OpenReader(link.Comm, readerId, link.Reader)) {
+    Log(Texts.m_sOpeningEncoder);
+    if (const Failure failure = reader.OpenReader(run.Comm, readerId, run.Reader)) {
         return failure;
     }
-    if (link.Reader == ReaderHandle::None) {
-        return giveUp(In(m_french, Texts.m_sNoAccess));
+    if (run.Reader == ReaderHandle::None) {
+        return giveUp(Texts.m_sNoAccess);
     }
     std::wstring deviceId;
     // Without one the line ends after its label.
-    static_cast<void>(m_screen->Reader.GetDeviceID(link.Reader, deviceId));
-    LogLine(Fill(In(m_french, Texts.m_sDeviceID), {deviceId}));
+    static_cast<void>(reader.GetDeviceID(run.Reader, deviceId));
+    Log(Texts.m_sDeviceID, {deviceId});
     std::wstring type;
-    if (const Failure failure = m_screen->Reader.GetReaderType(link.Reader, type)) {
+    if (const Failure failure = reader.GetReaderType(run.Reader, type)) {
         return failure;
     }
-    LogLine(Fill(In(m_french, Texts.m_sEncoderType), {type}));
+    Log(Texts.m_sEncoderType, {type});
 
-    LogLine(In(m_french, Texts.m_sClosingEncoder));
-    link.CloseReader();
-    LogLine(In(m_french, Texts.m_sClosingPort));
-    link.CloseComm();
-    LogLine(In(m_french, Texts.m_sSuccess));
+    Log(Texts.m_sClosingEncoder);
+    run.CloseReader();
+    Log(Texts.m_sClosingPort);
+    run.CloseComm();
+    Log(Texts.m_sSuccess);
     return {};
 }
 

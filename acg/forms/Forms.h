@@ -43,7 +43,7 @@ struct Colour {
 };
 
 enum class ControlKind {
-    Frame,        ///< a group frame; drawn behind the controls in it, but not their parent
+    Frame,        ///< a group frame; the controls in it lie on top of it, but aren't its children
     Label,        ///< names the control that follows it
     EditCombo,    ///< a line is picked, or any text typed
     DropDownList, ///< a line is picked
@@ -56,7 +56,7 @@ enum class ControlKind {
 struct ControlLook {
     const char* Name;
     ControlKind Kind;
-    Area Where;
+    Area Bounds;
     double FontPoints = 0; ///< 0 for the form's
 };
 
@@ -109,9 +109,9 @@ private:
     Colour m_background;
 };
 
-/// A filled rectangle behind the controls; a line is one without height.
+/// A filled rectangle under the controls; a line is one without height.
 struct Shape {
-    Area Where;
+    Area Bounds;
     Colour Fill;
 };
 
@@ -170,7 +170,7 @@ private:
     void ShowTimer() const;    ///< started or stopped; the layer's
     void ShowCloseBox() const; ///< the layer's
 
-    std::deque<Control> m_controls; // a deque, as its elements stay where they are
+    std::deque<Control> m_controls; // a deque, as its elements never move
     int m_timerInterval = 0;
     bool m_hasWorkingCloseBox = true;
     FormWindow* m_window = nullptr; ///< while the form is open

@@ -4,12 +4,13 @@
 // procedures, which no exception may leave: it closes the form, and ShowModal rethrows it.
 #include "acg/forms/FormsWindowsControl.h"
 #include "acg/forms/FormsWindowsDrawing.h"
-#include "acg/forms/FormsWindowsModalScope.h"
 
 #include <algorithm>
 #include <deque>
 #include <exception>
+#include <new>
 #include <utility>
+#include <vector>
 
 namespace acg
 {
@@ -31,6 +32,43 @@ struct alignas(DWORD) EmptyTemplate {
     WORD Menu = 0;
     WORD Class = 0;
     WORD Title = 0;
+};
+
+/// The modality of a form that has no owner. An invisible window stands in for one and keeps the form out of
+/// the task bar. As long as it lives, the other windows of the thread take no input: the form alone would not
+/// disable them.
+class ModalScope
+{
+public:
+    ModalScope() { EnumThreadWindows(GetCurrentThreadId(), &Disable, reinterpret_cast<LPARAM>(this)); }
+    ~ModalScope()
+    {
+        for (const HWND window : m_disabled) {
+            EnableWindow(window, TRUE);
+        }
+        DestroyWindow(m_handle); // now that one of them can become the active window
+    }
+    ModalScope(const ModalScope&) = delete;
+    ModalScope& operator=(const ModalScope&) = delete;
+
+    [[nodiscard]] HWND Handle() const { return m_handle; }
+
+private:
+    static BOOL CALLBACK Disable(HWND window, LPARAM self) noexcept
+    {
+        try {
+            if (IsWindowVisible(window) != FALSE && IsWindowEnabled(window) != FALSE) {
+                reinterpret_cast<ModalScope*>(self)->m_disabled.push_back(window);
+                EnableWindow(window, FALSE);
+            }
+        } catch (const std::bad_alloc&) { // a window that can't be recorded stays enabled
+        }
+        return TRUE;
+    }
+
+    const HWND m_handle =
+        CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    std::vector<HWND> m_disabled;
 };
 
 } // namespace
@@ -67,7 +105,7 @@ private:
 
     Form& m_model;
     HWND m_dialog = nullptr;
-    std::deque<ControlWindow> m_controls; // a deque, as its elements stay where they are
+    std::deque<ControlWindow> m_controls; // a deque, as its elements never move
     bool m_isShown = false;
     std::exception_ptr m_thrown;
 };
@@ -200,7 +238,7 @@ void FormWindow::Paint(HDC context) const
     GetClientRect(m_dialog, &all);
     FillArea(context, all, {Colour::Source::Form});
     for (const Shape& shape : m_model.Shapes) {
-        RECT area = Pixels(shape.Where);
+        RECT area = Pixels(shape.Bounds);
         area.bottom = std::max(area.bottom, area.top + 1);
         FillArea(context, area, shape.Fill);
     }

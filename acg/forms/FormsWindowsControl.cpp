@@ -80,7 +80,7 @@ ControlWindow::ControlWindow(HWND dialog, int id, Control& control, double formP
     : m_model(control), m_font(MakeFont(control.Look.FontPoints != 0 ? control.Look.FontPoints : formPoints))
 {
     const WindowKind& kind = KindOf(m_model);
-    const RECT area = Pixels(m_model.Look.Where);
+    const RECT area = Pixels(m_model.Look.Bounds);
     const int height = area.bottom - area.top;
     const bool isList = kind.Report == ReportList;
     m_handle = CreateWindowExW(kind.ExtendedStyle, kind.Class, L"", kind.Style | WS_CHILD | WS_VISIBLE,

@@ -6,7 +6,7 @@
 namespace acg
 {
 
-/// Stays where it is while its window lives.
+/// Never moves in memory: its window refers to it.
 class ControlWindow
 {
 public:

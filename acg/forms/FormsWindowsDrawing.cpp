@@ -25,23 +25,22 @@ struct ColourPair {
     COLORREF Text;
 };
 
-/// The system's pairs: its text colours change with its backgrounds.
+/// The system's pairs, in the order of Colour::Source: its text colours change with its backgrounds.
+constexpr struct {
+    int Background;
+    int Text;
+} SystemPairs[] = {{COLOR_BTNFACE, COLOR_BTNTEXT},
+                   {COLOR_WINDOW, COLOR_WINDOWTEXT},
+                   {COLOR_MENU, COLOR_MENUTEXT},
+                   {COLOR_3DHIGHLIGHT, COLOR_BTNTEXT}};
+
 ColourPair ColoursOf(const Colour& background)
 {
-    const auto pair = [](int back, int text) { return ColourPair{GetSysColor(back), GetSysColor(text)}; };
-    switch (background.From) {
-    case Colour::Source::Form:
-        return pair(COLOR_BTNFACE, COLOR_BTNTEXT);
-    case Colour::Source::Window:
-        return pair(COLOR_WINDOW, COLOR_WINDOWTEXT);
-    case Colour::Source::Menu:
-        return pair(COLOR_MENU, COLOR_MENUTEXT);
-    case Colour::Source::Highlight3D:
-        return pair(COLOR_3DHIGHLIGHT, COLOR_BTNTEXT);
-    case Colour::Source::Own:
-        break;
+    if (background.From == Colour::Source::Own) {
+        return {RGB(background.Red, background.Green, background.Blue), RGB(0, 0, 0)};
     }
-    return {RGB(background.Red, background.Green, background.Blue), RGB(0, 0, 0)};
+    const auto& pair = SystemPairs[static_cast<size_t>(background.From)];
+    return {GetSysColor(pair.Background), GetSysColor(pair.Text)};
 }
 
 HBRUSH Brush(HDC context, COLORREF colour)

@@ -3,6 +3,8 @@
 #include "acg/platform/Secret.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 namespace acg
 {
@@ -20,6 +22,23 @@ void ReplaceByAnsi(std::wstring& text, std::string_view ansi, size_t maxLength)
         FromAnsi(ansi)}; // whole, as a code page may make one character of several bytes
     const std::wstring_view whole = wide.Text;
     Replace(text, whole.substr(0, std::min(whole.find(L'\0'), maxLength)));
+}
+
+ByteString::~ByteString()
+{
+    if (m_bytes != nullptr) {
+        Wipe(m_bytes, Bytes().size());
+        Free(m_bytes);
+    }
+}
+
+std::string_view ByteString::Bytes() const
+{
+    uint32_t length = 0;
+    if (m_bytes != nullptr) {
+        std::memcpy(&length, m_bytes - sizeof length, sizeof length);
+    }
+    return {m_bytes, length};
 }
 
 } // namespace acg

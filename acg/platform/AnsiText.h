@@ -43,9 +43,9 @@ class ByteString
 public:
     explicit ByteString(char* bytes = nullptr) : m_bytes(bytes) {}
     ByteString(ByteString&& other) noexcept : m_bytes(std::exchange(other.m_bytes, nullptr)) {}
-    ByteString& operator=(ByteString&& Other) noexcept
+    ByteString& operator=(ByteString&& other) noexcept
     {
-        std::swap(m_bytes, Other.m_bytes);
+        std::swap(m_bytes, other.m_bytes);
         return *this;
     }
     ByteString(const ByteString&) = delete;
@@ -59,6 +59,8 @@ public:
     [[nodiscard]] char* Release() { return std::exchange(m_bytes, nullptr); }
 
 private:
+    static void Free(char* bytes); ///< by the system's means
+
     char* m_bytes;
 };
 

@@ -1,10 +1,8 @@
 #include "acg/platform/AnsiText.h"
-#include "acg/platform/Secret.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <iterator>
 
 namespace acg
@@ -42,8 +40,6 @@ wchar_t FromAnsi(char character)
     return isUpperControl ? UpperControls[code - FirstUpperControl] : static_cast<wchar_t>(code);
 }
 
-using Length = uint32_t;
-
 } // namespace
 
 std::string ToAnsi(std::wstring_view text)
@@ -65,22 +61,9 @@ SystemPath PathFromAnsi(std::string_view text)
     return SystemPath(text);
 }
 
-ByteString::~ByteString()
+void ByteString::Free(char* bytes)
 {
-    if (m_bytes != nullptr) {
-        Wipe(m_bytes, Bytes().size());
-        std::free(m_bytes - sizeof(Length));
-    }
-}
-
-std::string_view ByteString::Bytes() const
-{
-    if (m_bytes == nullptr) {
-        return {};
-    }
-    Length length = 0;
-    std::memcpy(&length, m_bytes - sizeof length, sizeof length);
-    return {m_bytes, length};
+    std::free(bytes - sizeof(uint32_t)); // its length comes first
 }
 
 } // namespace acg

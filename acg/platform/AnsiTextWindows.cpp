@@ -1,5 +1,4 @@
 #include "acg/platform/AnsiText.h"
-#include "acg/platform/Secret.h"
 
 #include <windows.h>
 
@@ -10,11 +9,6 @@ namespace acg
 
 namespace
 {
-
-BSTR Bstr(char* bytes)
-{
-    return reinterpret_cast<BSTR>(bytes);
-}
 
 /// One of the system's two conversions: fills the buffer, or only counts if there is none.
 int Convert(std::wstring_view text, char* buffer, int size)
@@ -55,20 +49,9 @@ SystemPath PathFromAnsi(std::string_view text)
     return FromAnsi(text);
 }
 
-ByteString::~ByteString()
+void ByteString::Free(char* bytes)
 {
-    if (m_bytes != nullptr) {
-        Wipe(m_bytes, Bytes().size());
-        SysFreeString(Bstr(m_bytes));
-    }
-}
-
-std::string_view ByteString::Bytes() const
-{
-    if (m_bytes == nullptr) {
-        return {};
-    }
-    return {m_bytes, SysStringByteLen(Bstr(m_bytes))};
+    SysFreeString(reinterpret_cast<BSTR>(bytes));
 }
 
 } // namespace acg

@@ -48,9 +48,6 @@ public:
     [[nodiscard]] std::error_code Finish(std::string_view contents);
 
 private:
-    /// Gives the temporary file its name for good.
-    [[nodiscard]] std::error_code Rename();
-
     SystemPath m_file;
     SystemPath m_temporary; ///< empty if there is none
     intptr_t m_handle = -1; ///< the system's, of the temporary file; -1 if it isn't open

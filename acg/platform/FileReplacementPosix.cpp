@@ -115,11 +115,6 @@ std::error_code FileReplacement::Finish(std::string_view contents)
     if (!WriteAll(file, contents) || (isReplaced && !CopyRights(former, file))) {
         return LastError();
     }
-    return Rename();
-}
-
-std::error_code FileReplacement::Rename()
-{
     if (m_existing == ExistingFile::Kept) {
         // Unlike a renaming, a second name never replaces a file; the first one then goes.
         if (link(m_temporary.c_str(), m_file.c_str()) == 0) {

@@ -108,11 +108,9 @@ std::error_code FileReplacement::Finish(std::string_view contents)
     }
     m_handle = -1; // an open file can't be renamed
     CloseHandle(file);
-    return written == contents.size() ? Rename() : SystemError(ERROR_DISK_FULL);
-}
-
-std::error_code FileReplacement::Rename()
-{
+    if (written != contents.size()) {
+        return SystemError(ERROR_DISK_FULL);
+    }
     const DWORD flags = m_existing == ExistingFile::Replaced ? MOVEFILE_REPLACE_EXISTING : 0;
     // Refused as long as another process reads the file, or replaces it.
     constexpr ULONGLONG LongestWait = 5000; // milliseconds

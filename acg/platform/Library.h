@@ -11,16 +11,16 @@ namespace acg
 struct EntryPoint {
     using Function = void (*)();
 
-    Function Address = nullptr; ///< null where nothing was found
-    bool LibraryLoaded = false; ///< true where only the function is missing
-    int32_t SystemError = 0;    ///< the loader's error code where nothing was found, else 0
+    Function Address = nullptr; ///< null if nothing was found
+    bool LibraryLoaded = false; ///< true if only the function is missing
+    int32_t SystemError = 0;    ///< the loader's error code if nothing was found, else 0
 };
 
 /// One library, loaded at the first look-up and kept until the process ends.
 ///
-/// It is searched in the folder of the component itself, then where the system searches by default, never
-/// in the current directory. A failed look-up can be repeated: it finds a library that was installed
-/// meanwhile. Look-ups from several threads are safe.
+/// It is searched in the folder of the component itself, then in the folders that the system searches by
+/// default, never in the current directory. A failed look-up can be repeated: it finds a library that was
+/// installed meanwhile. Look-ups from several threads are safe.
 class Library
 {
 public:

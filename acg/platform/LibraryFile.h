@@ -7,9 +7,15 @@
 namespace acg
 {
 
-/// The folder of the program or library that this code is linked into, with a separator after it, or empty
-/// text if it isn't known.
-[[nodiscard]] SystemPath OwnFolder();
+/// The path of the program or library that this code is linked into; empty if it isn't known.
+[[nodiscard]] SystemPath OwnPath();
+
+/// Its folder, with a separator after it; empty if it isn't known.
+[[nodiscard]] inline SystemPath OwnFolder()
+{
+    const SystemPath path = OwnPath();
+    return path.substr(0, path.rfind(std::filesystem::path::preferred_separator) + 1);
+}
 
 /// The file name of a library, as in libACGReader330.so or ACGReader330.dll.
 [[nodiscard]] SystemPath LibraryFileName(const char* name);

@@ -25,7 +25,7 @@ void* Load(const std::string& file)
     return handle != nullptr ? handle : dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
-/// Why Load has just failed: ENOENT where there is no such file, ELIBBAD where one was refused. The loader
+/// Why Load has just failed: ENOENT if there is no such file, ELIBBAD if one was refused. The loader
 /// reports no code, only a message in the user's language. For a missing file it begins with the file's name
 /// and ends with the system's text for ENOENT; for a missing dependency of the file the name differs.
 int32_t CauseOf(const std::string& file)
@@ -51,9 +51,9 @@ EntryPoint FindIn(void* library, const char* function)
 
 // The system lists what it has mapped by its full name, however it was loaded; the loader keeps the name as
 // it was given, which may be relative to a former current directory.
-SystemPath OwnFolder()
+SystemPath OwnPath()
 {
-    const auto ownAddress = reinterpret_cast<uintptr_t>(&OwnFolder);
+    const auto ownAddress = reinterpret_cast<uintptr_t>(&OwnPath);
     const std::unique_ptr<FILE, int (*)(FILE*)> maps(std::fopen("/proc/self/maps", "r"), &std::fclose);
     char mapping[PATH_MAX + 100]; // as in: 7f0012340000-7f0012350000 r-xp 00001000 08:01 1234   /opt/host
     while (maps && std::fgets(mapping, sizeof mapping, maps.get()) != nullptr) {
@@ -63,7 +63,7 @@ SystemPath OwnFolder()
         if (isMapping && ownAddress >= from && ownAddress < to) {
             const std::string_view line = mapping;
             const size_t start = std::min(line.find('/'), line.size());
-            return std::string(line.substr(start, line.rfind('/') + 1 - start));
+            return std::string(line.substr(start, line.find('\n') - start));
         }
     }
     return {};

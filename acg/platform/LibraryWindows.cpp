@@ -4,6 +4,8 @@
 #include <string>
 #include <windows.h>
 
+extern "C" IMAGE_DOS_HEADER __ImageBase; // the start of this program or library in memory
+
 namespace acg
 {
 
@@ -30,29 +32,23 @@ HMODULE Load(const std::wstring& file)
     return module;
 }
 
+/// library: null if it couldn't be loaded, for which the thread's last error is the reason.
 EntryPoint FindIn(HMODULE library, const char* function)
 {
-    const FARPROC address = GetProcAddress(library, function);
-    if (address == nullptr) {
-        return {.LibraryLoaded = true, .SystemError = static_cast<int32_t>(GetLastError())};
-    }
-    return {.Address = reinterpret_cast<EntryPoint::Function>(address), .LibraryLoaded = true};
+    const FARPROC address = library != nullptr ? GetProcAddress(library, function) : nullptr;
+    return {.Address = reinterpret_cast<EntryPoint::Function>(address),
+            .LibraryLoaded = library != nullptr,
+            .SystemError = address != nullptr ? 0 : static_cast<int32_t>(GetLastError())};
 }
 
 } // namespace
 
-SystemPath OwnFolder()
+SystemPath OwnPath()
 {
-    HMODULE self = nullptr;
-    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == FALSE) {
-        return {};
-    }
     constexpr DWORD LongestPath = 32767;
     std::wstring path(LongestPath, L'\0');
-    path.resize(GetModuleFileNameW(self, path.data(), LongestPath));
-    return path.substr(0, path.rfind(L'\\') + 1);
+    path.resize(GetModuleFileNameW(reinterpret_cast<HMODULE>(&__ImageBase), path.data(), LongestPath));
+    return path;
 }
 
 SystemPath LibraryFileName(const char* name)
@@ -62,25 +58,17 @@ SystemPath LibraryFileName(const char* name)
 
 EntryPoint FindInFile(const SystemPath& file, const char* function)
 {
-    HMODULE const module = LoadLibraryExW(
-        file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
-    if (module == nullptr) {
-        return {.SystemError = static_cast<int32_t>(GetLastError())};
-    }
-    return FindIn(module, function);
+    return FindIn(LoadLibraryExW(file.c_str(), nullptr,
+                                 LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS),
+                  function);
 }
 
 EntryPoint Library::Find(const char* function)
 {
-    void* handle = m_handle;
-    if (handle == nullptr) {
-        handle = Load(LibraryFileName(m_name));
-        if (handle == nullptr) {
-            return {.SystemError = static_cast<int32_t>(GetLastError())};
-        }
-        m_handle = handle;
+    if (m_handle == nullptr) {
+        m_handle = Load(LibraryFileName(m_name));
     }
-    return FindIn(static_cast<HMODULE>(handle), function);
+    return FindIn(static_cast<HMODULE>(m_handle.load()), function);
 }
 
 } // namespace acg

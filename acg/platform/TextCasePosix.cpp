@@ -11,7 +11,7 @@ namespace
 
 constexpr wchar_t FirstBeyondAscii = 0x80;
 
-/// The language-neutral locale, which knows every letter; that of ASCII where the system lacks it.
+/// The language-neutral locale, which knows every letter; that of ASCII if the system lacks it.
 locale_t Neutral()
 {
     static const locale_t locale = [] { // kept until the process ends

@@ -1,5 +1,5 @@
 // The component's objects, linked into this program: what they do without memory, and leave in it.
-#include "acg/boundary/AutomationEncoder.h"
+#include "acg/boundary/Classes.h"
 #include "tests/acg/boundary/Client.h"
 
 #include <new>

@@ -1,7 +1,7 @@
 // What memory does to the component, and the component to memory: each allocation fails in turn, and no key
 // is left in a block that is freed, under any fault either. A program of its own, as it replaces the
 // allocation of the whole process.
-#include "tests/acg/dialogs/DialogTest.h"
+#include "acg/forms/HeadlessPlayer.h"
 #include "tests/acg/encoder/Operations.h"
 
 #include <algorithm>
@@ -104,8 +104,8 @@ TEST(MemoryTest, EveryAllocationThatFailsReachesTheCaller)
     bool isTested = false;
     HeadlessPlayer() = [&isTested](Form& form) {
         isTested = static_cast<bool>(form.OnTimer); // that of the test dialog, in the other one
-        isTested ? form.OnTimer() : Press(form, "cmdTest");
-        Press(form, "cmdOK");
+        isTested ? form.OnTimer() : form.Controls()[/*cmdTest*/ 13].Press();
+        form.DefaultButton->Press();
     };
     std::vector<Operation> operations = Operations;
     operations.insert(operations.end(), OtherOperations.begin(), OtherOperations.end());

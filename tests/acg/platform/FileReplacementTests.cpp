@@ -18,8 +18,7 @@ TEST(FileReplacementTest, LeavesTheOldContentsOrTheNewOnesAndNothingElse)
     const TemporaryFolder temporary;
     const fs::path& folder = temporary.Path;
     const fs::path device = fs::exists("/dev/null") ? "/dev/null" : "NUL";
-    constexpr auto Kept = ExistingFile::Kept;
-    constexpr auto Replaced = ExistingFile::Replaced;
+    using enum ExistingFile;
     // Path; what to do with an existing file; contents; what fails; the contents of "file" afterwards.
     const std::tuple<fs::path, ExistingFile, std::string, std::errc, std::string> steps[] = {
         {folder / "file", Kept, "one", std::errc(), "one"},

@@ -1,13 +1,15 @@
-// The class Encoder of the type library.
+// The classes Encoder and CError of the type library.
 #pragma once
 
-#include "acg/boundary/AutomationError.h"
 #include "acg/boundary/AutomationObject.h"
+#include "acg/encoder/CError.h"
 #include "acg/encoder/Encoder.h"
 
 #include <ACG_MultiISO_TV.h>
 #include <algorithm>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace acg
 {
@@ -35,6 +37,44 @@ static_assert(
     SameValues({::scss_B_Nothing, ::scss_B_WriteKeys, ::scss_B_WriteConditions, ::scss_B_WriteKeysConditions},
                {scss_B_Nothing, scss_B_WriteKeys, scss_B_WriteConditions, scss_B_WriteKeysConditions}));
 
+/// A record as hosts see it: its fields, and nothing else.
+class AutomationError final : public AutomationObject<::CError, _CError>
+{
+public:
+    AutomationError() : AutomationError(std::make_shared<CError>()) {}
+    explicit AutomationError(std::shared_ptr<CError> record) : m_record(std::move(record)) {}
+
+    STDMETHODIMP get_Number(LONG* Value) override { return Get(&CError::Number, Value); }
+    STDMETHODIMP put_Number(LONG Value) override { return Put(&CError::Number, Value); }
+    STDMETHODIMP get_Description(BSTR* Value) override { return Get(&CError::Description, Value); }
+    STDMETHODIMP put_Description(BSTR Value) override { return Put(&CError::Description, Value); }
+    STDMETHODIMP get_LastDllError(LONG* Value) override { return Get(&CError::LastDllError, Value); }
+    STDMETHODIMP put_LastDllError(LONG Value) override { return Put(&CError::LastDllError, Value); }
+    STDMETHODIMP get_ComFunction(BSTR* Value) override { return Get(&CError::ComFunction, Value); }
+    STDMETHODIMP put_ComFunction(BSTR Value) override { return Put(&CError::ComFunction, Value); }
+    STDMETHODIMP get_RdrCommand(BSTR* Value) override { return Get(&CError::RdrCommand, Value); }
+    STDMETHODIMP put_RdrCommand(BSTR Value) override { return Put(&CError::RdrCommand, Value); }
+    STDMETHODIMP get_RdrRetCode(BSTR* Value) override { return Get(&CError::RdrRetCode, Value); }
+    STDMETHODIMP put_RdrRetCode(BSTR Value) override { return Put(&CError::RdrRetCode, Value); }
+
+private:
+    template <class Field, class Callers>
+    HRESULT Get(Field CError::*field, Callers* result)
+    {
+        return CallWithResult(result, [&]() -> const Field& { return (*m_record).*field; });
+    }
+    HRESULT Put(int32_t CError::*field, LONG value)
+    {
+        return Run([&] { (*m_record).*field = value; });
+    }
+    HRESULT Put(std::wstring CError::*field, BSTR value)
+    {
+        return Run([&] { (*m_record).*field = ViewOf(value); });
+    }
+
+    const std::shared_ptr<CError> m_record;
+};
+
 /// An Encoder as hosts see it. Members convert their arguments and call the class.
 class AutomationEncoder final : public AutomationObject<::Encoder, _Encoder>
 {
@@ -59,28 +99,16 @@ public:
     }
     STDMETHODIMP get_EncoderState(::sceEncoderState* Result) override
     {
-        return CallWithResult(Result, [&] { return m_encoder.EncoderState(); });
+        return Get(&Encoder::EncoderState, Result);
     }
-    STDMETHODIMP get_ReaderType(BSTR* Result) override
-    {
-        return CallWithResult(Result, [&] { return m_encoder.ReaderType(); });
-    }
-    STDMETHODIMP get_ATRString(BSTR* Result) override
-    {
-        return CallWithResult(Result, [&] { return m_encoder.ATRString(); });
-    }
-    STDMETHODIMP get_CardType(::sceCardTypes* Result) override
-    {
-        return CallWithResult(Result, [&] { return m_encoder.CardType(); });
-    }
+    STDMETHODIMP get_ReaderType(BSTR* Result) override { return Get(&Encoder::ReaderType, Result); }
+    STDMETHODIMP get_ATRString(BSTR* Result) override { return Get(&Encoder::ATRString, Result); }
+    STDMETHODIMP get_CardType(::sceCardTypes* Result) override { return Get(&Encoder::CardType, Result); }
     STDMETHODIMP get_SerialNumberLength(LONG* Result) override
     {
-        return CallWithResult(Result, [&] { return m_encoder.SerialNumberLength(); });
+        return Get(&Encoder::SerialNumberLength, Result);
     }
-    STDMETHODIMP GetInformation(BSTR* Result) override
-    {
-        return CallWithResult(Result, [&] { return m_encoder.GetInformation(); });
-    }
+    STDMETHODIMP GetInformation(BSTR* Result) override { return Get(&Encoder::GetInformation, Result); }
     STDMETHODIMP Configure(BSTR Language, ::sceReturnCode* Result) override
     {
         return CallWithResult(Result, [&] { return m_encoder.Configure(std::wstring(ViewOf(Language))); });
@@ -91,7 +119,7 @@ public:
     }
     STDMETHODIMP CloseEncoder(::sceReturnCode* Result) override
     {
-        return CallWithResult(Result, [&] { return m_encoder.CloseEncoder(); });
+        return Get(&Encoder::CloseEncoder, Result);
     }
     STDMETHODIMP ReadSerialNumber(BSTR* SerialNumber, ::sceReturnCode* Result) override
     {
@@ -170,6 +198,12 @@ public:
     }
 
 private:
+    template <class Own, class Callers>
+    HRESULT Get(Own (Encoder::*member)(), Callers* result)
+    {
+        return CallWithResult(result, [&] { return (m_encoder.*member)(); });
+    }
+
     Encoder m_encoder;
     Microsoft::WRL::ComPtr<_CError> m_lastError; ///< the one object for the one record
 };
