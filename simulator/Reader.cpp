@@ -24,7 +24,8 @@ constexpr uint8_t KeyBByte = 0xBB;
 constexpr std::string_view SilentType = "MultiISO 1.0";
 
 /// How the card keeps a counter: the value three times, least significant byte first and the second time
-/// inverted, then the block's address four times, the second and the fourth time inverted.
+/// inverted, then the block's address four times, the second and the fourth time inverted. Section 8.6.2.1,
+/// value blocks, of the data sheet that Card.h names.
 Block ValueBlock(std::span<const uint8_t> value, uint8_t address)
 {
     Block block = {};
