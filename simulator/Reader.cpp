@@ -190,19 +190,13 @@ std::string Reader::AccessBlock(Command sent, std::span<const uint8_t> data)
         return StatusReply(StatusCardRefused);
     }
     if (sent != Command::ReadBlock && m_card == m_saved) {
-        Save();
+        try {
+            SaveImage(*m_saved, m_device.Card.SavePath);
+        } catch (const std::runtime_error& reason) { // the card has changed all the same
+            acgreader::Report(std::string("SendCommandGetData: ") + reason.what());
+        }
     }
     return acg::ToHex(sent == Command::WriteValueBlock ? contents : *reply);
-}
-
-/// The card has changed whether or not that can be saved.
-void Reader::Save() const
-{
-    try {
-        SaveImage(*m_saved, m_device.Card.SavePath);
-    } catch (const std::runtime_error& reason) {
-        acgreader::Report(std::string("SendCommandGetData: ") + reason.what());
-    }
 }
 
 bool Reader::CardAnswers() const
