@@ -26,7 +26,6 @@ public:
     struct Text : std::string_view {
         Text(const char* text) : std::string_view(text) {}
         Text(const std::string& text) : std::string_view(text) {}
-        [[nodiscard]] const char* CText() const { return data(); }
     };
     using Buffer = std::span<char>;
 

@@ -15,17 +15,6 @@ namespace
 /// What a process that is killed may lose of a round that goes on.
 constexpr std::chrono::seconds LongestCount{1};
 
-/// Calls with a masked part may look the same without being it.
-bool IsComparable(const session::LoggedCall& call)
-{
-    return call.Call.find('*') == std::string::npos && call.Result.find('*') == std::string::npos;
-}
-
-bool IsSame(const session::LoggedCall& one, const session::LoggedCall& other)
-{
-    return one.Call == other.Call && one.Result == other.Result;
-}
-
 std::string ErrorText(uint32_t error)
 {
     return error != 0 ? std::system_category().message(static_cast<int>(error)) : "out of memory";
@@ -94,16 +83,19 @@ void LogWriter::Miss() noexcept
     m_written.clear();
 }
 
-/// True if the held calls go on as the last lines do, which are then m_round.
+/// True if the held calls go on as the last lines do, which are then m_round. Calls with a masked part may
+/// look the same without being it.
 bool LogWriter::MayRepeat()
 {
-    if (!IsComparable(m_held.back())) {
+    const session::LoggedCall& added = m_held.back();
+    if (added.Call.find('*') != std::string::npos || added.Result.find('*') != std::string::npos) {
         return false;
     }
     const auto isRound = [this](size_t calls) {
-        const auto line = m_written.end() - static_cast<ptrdiff_t>(calls);
+        const size_t begin = m_written.size() - calls;
         for (size_t at = 0; at < m_held.size(); ++at) {
-            if (!IsSame(m_held[at], line[static_cast<ptrdiff_t>(at % calls)])) {
+            const session::LoggedCall& line = m_written[begin + at % calls];
+            if (m_held[at].Call != line.Call || m_held[at].Result != line.Result) {
                 return false;
             }
         }

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <mutex>
+#include <type_traits>
 
 namespace recorder
 {
@@ -16,20 +17,15 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// Preserves the system's error code: the host's until the next library is called, and then that library's.
-class PreserveLastError
-{
-public:
-    PreserveLastError() = default;
-    ~PreserveLastError() { SetLastError(m_error); }
-    PreserveLastError(const PreserveLastError&) = delete;
-    PreserveLastError& operator=(const PreserveLastError&) = delete;
+/// What the system's error code is at the end: the host's until the next library is called, and then that
+/// library's.
+struct FinalLastError {
+    uint32_t Error = LastError();
 
-    void Restore() const { SetLastError(m_error); }
-    void Update() { m_error = LastError(); }
-
-private:
-    uint32_t m_error = LastError();
+    FinalLastError() = default;
+    ~FinalLastError() { SetLastError(Error); }
+    FinalLastError(const FinalLastError&) = delete;
+    FinalLastError& operator=(const FinalLastError&) = delete;
 };
 
 fs::path Beside(const fs::path& file)
@@ -64,34 +60,17 @@ std::string DateText()
            twoDigits(time.minutes().count()) + ':' + twoDigits(time.seconds().count()) + " UTC";
 }
 
-// Arguments as the next library takes them.
-template <class Number>
-Number Plain(Number number)
+/// An argument as the next library takes it.
+template <class Argument>
+auto Plain(Argument& argument)
 {
-    return number;
-}
-const char* Plain(const Recorder::Text& text)
-{
-    return text.CText();
-}
-char* Plain(const Recorder::Buffer& buffer)
-{
-    return buffer.data();
-}
-acgreader::CommSettings* Plain(acgreader::CommSettings& settings)
-{
-    return &settings;
-}
-
-// Its result as the exported functions take it.
-template <class Number>
-Number Taken(Number number)
-{
-    return number;
-}
-std::string Taken(char* byteString)
-{
-    return std::string(acg::ByteString(byteString).Bytes()); // which is wiped and freed
+    if constexpr (std::is_same_v<Argument, acgreader::CommSettings>) {
+        return &argument;
+    } else if constexpr (std::is_arithmetic_v<Argument>) {
+        return argument;
+    } else {
+        return argument.data(); // a text or a buffer
+    }
 }
 
 /// Finds a function of the next library; or throws, with the reason.
@@ -118,7 +97,7 @@ acg::EntryPoint::Function Find(const fs::path& file, acgreader::Function functio
 template <acgreader::Function function, class Result, class Describe, class... Arguments>
 Result Recorder::Call(Result closed, const Describe& describe, std::string call, Arguments&... arguments)
 {
-    PreserveLastError error;
+    FinalLastError last;
     std::shared_ptr<const NextLibrary> library;
     {
         const std::lock_guard lock(m_mutex);
@@ -126,13 +105,18 @@ Result Recorder::Call(Result closed, const Describe& describe, std::string call,
         library = m_next;
     }
     const auto start = Clock::now();
-    error.Restore();
+    SetLastError(last.Error);
     Result result = std::move(closed);
     if (library) {
         void (*const next)() = (*library)[static_cast<size_t>(function)];
-        result = Taken(reinterpret_cast<acgreader::Pointer<function>>(next)(Plain(arguments)...));
+        const auto given = reinterpret_cast<acgreader::Pointer<function>>(next)(Plain(arguments)...);
+        if constexpr (std::is_same_v<Result, std::string>) {
+            result = acg::ByteString(given).Bytes(); // which is wiped and freed
+        } else {
+            result = given;
+        }
     }
-    error.Update();
+    last.Error = LastError();
     const auto end = Clock::now();
     try {
         using std::chrono::duration_cast;

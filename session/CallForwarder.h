@@ -69,7 +69,7 @@ public:
     /// The one function whose texts may hold a key.
     std::string SendCommandGetData(Handle reader, Text command, Text data, Buffer buffer) override
     {
-        return Self().template Call<acgreader::Function::SendCommandGetData>(
+        return static_cast<Derived*>(this)->template Call<acgreader::Function::SendCommandGetData>(
             ReaderLibrary::SendCommandGetData(reader, command, data, buffer),
             [&](const std::string& reply) { return ReplyText(command, data, reply); },
             CommandText(reader, command, data), reader, command, data, buffer);
@@ -87,17 +87,12 @@ private:
     template <class Result, class... Parameters>
     static Result ResultOf(Result(ACG_READER_CALL*)(Parameters...));
 
-    Derived& Self()
-    {
-        return static_cast<Derived&>(*this);
-    }
-
     template <acgreader::Function function, class... Arguments>
     auto Forward(Arguments&... arguments)
     {
         using Returned = decltype(ResultOf(acgreader::Pointer<function>()));
         using Result = std::conditional_t<std::is_pointer_v<Returned>, std::string, Returned>;
-        return Self().template Call<function>(
+        return static_cast<Derived*>(this)->template Call<function>(
             Result(), [](const Result& result) { return ResultText(result); },
             CallText(function, {arguments...}), arguments...);
     }

@@ -52,12 +52,6 @@ bool IsHexDigit(char character)
     return acg::HexDigit(character).has_value();
 }
 
-bool IsLetter(char character)
-{
-    const char lower = acg::AsciiToLower(character);
-    return lower >= 'a' && lower <= 'z';
-}
-
 bool AreHexDigits(std::string_view text, size_t count)
 {
     return text.size() == count && std::ranges::all_of(text, IsHexDigit);
@@ -73,7 +67,9 @@ bool HoldsNoHalfKey(std::string_view text)
 {
     size_t row = 0;
     return IsPrintable(text) && std::ranges::none_of(text, [&row](char character) {
-               row = IsHexDigit(character) ? row + 1 : IsLetter(character) ? 0 : row;
+               const char lower = acg::AsciiToLower(character);
+               const bool isLetter = lower >= 'a' && lower <= 'z';
+               row = IsHexDigit(character) ? row + 1 : isLetter ? 0 : row;
                return row >= KeyDigits / 2;
            });
 }
@@ -120,14 +116,14 @@ const KnownCommand* FindWith(std::string_view command, std::string_view data)
     if (known == nullptr || data.size() != known->DataDigits) {
         return nullptr;
     }
-    if (known->Kind == Holds::Login) {
+    bool isUnderstood = AreHexDigits(data, known->DataDigits);
+    if (known->Kind == Holds::Login) { // whatever the key is
         const std::string_view keyType = data.substr(2, 2);
-        const bool hasKeyType =
-            acg::IsSameInAsciiCase(keyType, "AA") || acg::IsSameInAsciiCase(keyType, "BB");
-        return AreHexDigits(data.substr(0, 2), 2) && hasKeyType ? known : nullptr;
+        isUnderstood = AreHexDigits(data.substr(0, 2), 2) &&
+                       (acg::IsSameInAsciiCase(keyType, "AA") || acg::IsSameInAsciiCase(keyType, "BB"));
+    } else if (known->Kind == Holds::Block) {
+        isUnderstood = isUnderstood && !IsMisplacedTrailer(data);
     }
-    const bool isUnderstood =
-        AreHexDigits(data, known->DataDigits) && !(known->Kind == Holds::Block && IsMisplacedTrailer(data));
     return isUnderstood ? known : nullptr;
 }
 

@@ -1,9 +1,11 @@
 #include "session/SessionLog.h"
 
 #include "acg/platform/HexText.h"
+
 #include <algorithm>
 #include <charconv>
-#include <type_traits>
+#include <iterator>
+#include <utility>
 
 namespace session
 {
@@ -13,48 +15,20 @@ namespace
 
 constexpr char Masked = '*';
 
-// A call's shape, one letter for each value in the log: T is a text, N a number.
-constexpr std::string_view ShapeOf(std::type_identity<const char*>)
-{
-    return "T";
-}
-constexpr std::string_view ShapeOf(std::type_identity<char*>)
-{
-    return "";
-} // a buffer
-constexpr std::string_view ShapeOf(std::type_identity<acgreader::CommSettings*>)
-{
-    return "NN";
-}
-template <class Number>
-constexpr std::string_view ShapeOf(std::type_identity<Number>)
-{
-    return "N";
-}
-
-/// The arguments of a function and its result.
+/// What a call has in the log: T is a text, N a number.
 struct Shape {
     std::string_view Function;
-    std::string Arguments;
+    std::string_view Arguments;
     char Result;
 };
-template <class Result, class... Arguments>
-Shape ShapeOf(const char* name, Result(ACG_READER_CALL* /*function*/)(Arguments...))
-{
-    std::string arguments;
-    (arguments.append(ShapeOf(std::type_identity<Arguments>())), ...);
-    return {name, arguments, std::is_pointer_v<Result> ? 'T' : 'N'};
-}
-
-/// Null if there is no such function.
-const Shape* FindShape(std::string_view function)
-{
-#define ACG_SHAPE(name) ShapeOf(#name, decltype(&::name){}),
-    static const Shape shapes[] = {ACG_READER_FUNCTIONS(ACG_SHAPE)};
-#undef ACG_SHAPE
-    const auto* const found = std::ranges::find(shapes, function, &Shape::Function);
-    return found != std::end(shapes) ? found : nullptr;
-}
+constexpr Shape Shapes[] = {
+    {"OpenComm", "TNNN", 'N'},     {"SetCommTimeout", "NN", 'N'},      {"SetCommProtocol", "NN", 'N'},
+    {"GetCommProtocol", "N", 'N'}, {"GetCommBaudRate", "N", 'N'},      {"GetCommTimeout", "N", 'N'},
+    {"DetectReader", "N", 'T'},    {"OpenReader", "NNN", 'N'},         {"GetReaderType", "N", 'T'},
+    {"GetDeviceID", "N", 'T'},     {"SendCommandGetData", "NTT", 'T'}, {"CloseReader", "N", 'N'},
+    {"CloseComm", "N", 'N'},
+};
+static_assert(std::size(Shapes) == acgreader::FunctionCount);
 
 bool IsPrintable(char character)
 {
@@ -89,132 +63,113 @@ std::string Quoted(std::string_view text, const Parts& shown = Everything)
     return quoted + '"';
 }
 
-/// Takes the next character of a text between quotes off the rest; nothing if it isn't one.
-std::optional<char> TakeCharacter(std::string_view& rest)
-{
-    const auto take = [&rest](size_t count, char character) {
-        rest.remove_prefix(count);
-        return std::optional(character);
-    };
-    if (rest.empty() || !IsPrintable(rest[0]) || rest[0] == '"') {
-        return std::nullopt;
-    }
-    if (rest[0] == Masked) {
-        return take(1, '0');
-    }
-    if (rest[0] != '\\') {
-        return take(1, rest[0]);
-    }
-    if (rest.size() > 1 && IsSpecial(rest[1])) {
-        return take(2, rest[1]);
-    }
-    constexpr size_t Escape = 4; // as in \x0D
-    const auto byte = acg::FromHex(rest.substr(std::min<size_t>(2, rest.size()), 2));
-    if (rest.size() < Escape || rest[1] != 'x' || !byte) {
-        return std::nullopt;
-    }
-    return take(Escape, static_cast<char>(byte->front()));
-}
-
-bool Take(std::string_view expected, std::string_view& rest)
-{
-    const bool isThere = rest.starts_with(expected);
-    rest.remove_prefix(isThere ? expected.size() : 0);
-    return isThere;
-}
-
-std::optional<std::string> TakeText(std::string_view& rest)
-{
-    std::string text;
-    if (!Take("\"", rest)) {
-        return std::nullopt;
-    }
-    while (const std::optional<char> character = TakeCharacter(rest)) {
-        text += *character;
-    }
-    return Take("\"", rest) ? std::optional(text) : std::nullopt;
-}
-
-std::optional<int64_t> TakeNumber(std::string_view& rest)
-{
-    int64_t number = 0;
-    const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number);
-    if (error != std::errc()) {
-        return std::nullopt;
-    }
-    rest.remove_prefix(static_cast<size_t>(end - rest.data()));
-    return number;
-}
-
-bool TakeValue(char kind, std::string_view& rest)
-{
-    return kind == 'T' ? TakeText(rest).has_value() : TakeNumber(rest).has_value();
-}
-
-/// From least to most.
-std::optional<int64_t> TakeNumber(std::string_view& rest, int64_t least, int64_t most)
-{
-    const std::optional<int64_t> number = TakeNumber(rest);
-    return number && *number >= least && *number <= most ? number : std::nullopt;
-}
-
 constexpr int64_t MaxCount = 1'000'000'000'000; // thirty years, as a time
 
-std::optional<std::chrono::microseconds> TakeTime(std::string_view& rest)
-{
-    const auto milliseconds = TakeNumber(rest, 0, MaxCount);
-    const auto decimals = Take(".", rest) ? TakeNumber(rest, 0, 999) : std::nullopt;
-    if (!milliseconds || !decimals) {
-        return std::nullopt;
+/// Takes the parts of a line from its front. IsGood is false once a part wasn't what was expected.
+struct LineReader {
+    std::string_view Rest;
+    bool IsGood = true;
+
+    void Skip(std::string_view expected)
+    {
+        IsGood = IsGood && Rest.starts_with(expected);
+        Rest.remove_prefix(IsGood ? expected.size() : 0);
     }
-    return std::chrono::milliseconds(*milliseconds) + std::chrono::microseconds(*decimals);
-}
+
+    /// 0 if there is none from least to most.
+    int64_t Number(int64_t least = INT64_MIN, int64_t most = INT64_MAX)
+    {
+        int64_t number = 0;
+        const auto [end, error] = std::from_chars(Rest.data(), Rest.data() + Rest.size(), number);
+        IsGood = IsGood && error == std::errc() && number >= least && number <= most;
+        Rest.remove_prefix(static_cast<size_t>(end - Rest.data()));
+        return IsGood ? number : 0;
+    }
+
+    std::chrono::microseconds Time()
+    {
+        const std::chrono::milliseconds whole(Number(0, MaxCount));
+        Skip(".");
+        return whole + std::chrono::microseconds(Number(0, 999));
+    }
+
+    /// The next character of a text between quotes; a masked one is a zero.
+    char Character()
+    {
+        const size_t size = Rest.starts_with("\\x") ? 4 : Rest.starts_with('\\') ? 2 : 1;
+        const std::string_view character = Rest.substr(0, size);
+        Rest.remove_prefix(character.size());
+        if (size == 4) {
+            const auto byte = acg::FromHex(character.substr(2));
+            IsGood = byte && character.size() == size;
+            return IsGood ? static_cast<char>(byte->front()) : '\0';
+        }
+        const char last = character.empty() ? '\0' : character.back();
+        IsGood = size == 2 ? IsSpecial(last) : IsPrintable(last);
+        return size == 1 && last == Masked ? '0' : last;
+    }
+
+    std::string Text()
+    {
+        std::string text;
+        Skip("\"");
+        while (IsGood && !Rest.starts_with('"')) {
+            text += Character();
+        }
+        Skip("\"");
+        return text;
+    }
+
+    /// A text or a number, as it is in the log.
+    std::string_view Value(char kind)
+    {
+        const std::string_view value = Rest;
+        if (kind == 'T') {
+            Text();
+        } else {
+            Number();
+        }
+        return value.substr(0, value.size() - Rest.size());
+    }
+};
 
 constexpr std::string_view GapText = "# calls missing here: ";
 constexpr std::string_view RepeatedText = "repeated: calls ";
 constexpr std::string_view TimesText = ", times ";
 
 /// The rest of a line after its start.
-std::optional<Repetition> ParseRepetition(std::string_view rest, std::chrono::microseconds start)
+Repetition ReadRepetition(LineReader& line, std::chrono::microseconds start)
 {
-    const auto calls = Take(RepeatedText, rest) ? TakeNumber(rest, 1, LongestRound) : std::nullopt;
-    const auto times = Take(TimesText, rest) ? TakeNumber(rest, 1, MaxCount) : std::nullopt;
-    const auto duration = Take(" ", rest) ? TakeTime(rest) : std::nullopt;
-    if (!calls || !times || !duration || !rest.empty()) {
-        return std::nullopt;
-    }
-    return Repetition{static_cast<size_t>(*calls), *times, start, *duration};
+    Repetition read{.Start = start};
+    line.Skip(RepeatedText);
+    read.Calls = static_cast<size_t>(line.Number(1, LongestRound));
+    line.Skip(TimesText);
+    read.Times = line.Number(1, MaxCount);
+    line.Skip(" ");
+    read.Duration = line.Time();
+    return read;
 }
 
 /// The rest of a line after its start.
-std::optional<LoggedCall> ParseCall(std::string_view rest, std::chrono::microseconds start)
+LoggedCall ReadCall(LineReader& line, std::chrono::microseconds start)
 {
-    const std::string_view call = rest;
-    const Shape* const shape = FindShape(call.substr(0, call.find(' ')));
-    if (shape == nullptr) {
-        return std::nullopt;
+    const std::string_view call = line.Rest;
+    const auto* const shape = std::ranges::find(Shapes, call.substr(0, call.find(' ')), &Shape::Function);
+    if (shape == std::end(Shapes)) {
+        line.IsGood = false;
+        return {};
     }
-    rest.remove_prefix(shape->Function.size());
+    line.Skip(shape->Function);
     for (const char kind : shape->Arguments) {
-        if (!Take(" ", rest) || !TakeValue(kind, rest)) {
-            return std::nullopt;
-        }
+        line.Skip(" ");
+        line.Value(kind);
     }
-    LoggedCall logged{.Call = std::string(call.substr(0, call.size() - rest.size())), .Start = start};
-    if (!Take(" = ", rest)) {
-        return std::nullopt;
-    }
-    const std::string_view result = rest;
-    if (!TakeValue(shape->Result, rest)) {
-        return std::nullopt;
-    }
-    logged.Result = result.substr(0, result.size() - rest.size());
-    const auto duration = Take(" ", rest) ? TakeTime(rest) : std::nullopt;
-    if (!duration || !rest.empty()) {
-        return std::nullopt;
-    }
-    logged.Duration = *duration;
-    return logged;
+    LoggedCall read{.Call = std::string(call.substr(0, call.size() - line.Rest.size())), .Start = start};
+    line.Skip(" = ");
+    read.Result = line.Value(shape->Result);
+    line.Skip(" ");
+    read.Duration = line.Time();
+    return read;
 }
 
 /// Milliseconds, with three decimals.
@@ -327,24 +282,25 @@ std::string NoteLine(std::string_view note)
 
 std::optional<LoggedLine> ParseLine(std::string_view line)
 {
-    Take("\xEF\xBB\xBF", line); // an editor's mark of UTF-8
-    if (line.ends_with('\r')) {
-        line.remove_suffix(1);
-    }
-    if (Take(GapText, line)) {
-        return Gap{TakeNumber(line, 0, MaxCount).value_or(0)};
+    constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF"; // of an editor
+    line.remove_prefix(line.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
+    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+    if (line.starts_with(GapText)) {
+        return Gap{LineReader{line.substr(GapText.size())}.Number(0, MaxCount)};
     }
     if (line.empty() || line.starts_with('#')) {
         return LoggedLine();
     }
-    const auto start = TakeTime(line);
-    if (!start || !Take(" ", line)) {
-        return std::nullopt;
+    LineReader reader{line};
+    const auto start = reader.Time();
+    reader.Skip(" ");
+    LoggedLine read;
+    if (reader.Rest.starts_with(RepeatedText)) {
+        read = ReadRepetition(reader, start);
+    } else {
+        read = ReadCall(reader, start);
     }
-    if (line.starts_with(RepeatedText)) {
-        return ParseRepetition(line, *start);
-    }
-    return ParseCall(line, *start);
+    return reader.IsGood && reader.Rest.empty() ? std::optional(std::move(read)) : std::nullopt;
 }
 
 bool IsSameCall(std::string_view call, std::string_view other)
@@ -357,14 +313,12 @@ bool IsSameCall(std::string_view call, std::string_view other)
 
 int64_t ParseNumber(const std::string& result)
 {
-    std::string_view rest = result;
-    return TakeNumber(rest).value_or(0);
+    return LineReader{result}.Number();
 }
 
 std::string ParseText(const std::string& result)
 {
-    std::string_view rest = result;
-    return TakeText(rest).value_or("");
+    return LineReader{result}.Text();
 }
 
 } // namespace session

@@ -4,6 +4,7 @@
 #include <bitset>
 #include <cstring>
 #include <initializer_list>
+#include <utility>
 
 namespace simulator
 {
@@ -103,13 +104,9 @@ bool Allows(KeySet holders, KeyType type)
     return (holders & (type == KeyType::A ? A : B)) != 0;
 }
 
-struct FieldRight {
-    Field Place;
-    KeySet Holders;
-};
-
 /// Copies the fields to which the key has the right; true if there is one.
-bool CopyFields(const Block& from, Block& to, KeyType type, std::initializer_list<FieldRight> fields)
+bool CopyFields(const Block& from, Block& to, KeyType type,
+                std::initializer_list<std::pair<Field, KeySet>> fields)
 {
     bool copied = false;
     for (const auto& [place, holders] : fields) {

@@ -1,5 +1,7 @@
-// A Mifare Classic card: its geometry, its access rights and its contents, written from the data sheets of
-// the 1K and the 4K card, MF1S50yyX and MF1S70yyX, chapter 8 (memory organisation, memory access).
+// A Mifare Classic card: its geometry, its access rights and its contents, written from chapter 8 (memory
+// organisation, memory access) of the product data sheets of NXP Semiconductors: "MIFARE Classic EV1 1K -
+// Mainstream contactless smart card IC for fast and easy solution development", MF1S50YYX_V1, revision 3.2,
+// and the same for 4K, MF1S70YYX_V1, revision 3.2.
 #pragma once
 
 #include <array>

@@ -29,16 +29,20 @@ std::string_view CutOff(std::string_view& text, char separator)
 
 bool ParseCard(std::string_view value, Device& device)
 {
-    if (value == "1k") {
-        device.Card.BlockCount = BlocksOf1K;
-    } else if (value == "4k") {
-        device.Card.BlockCount = BlocksOf4K;
-    } else if (value == "none") {
-        device.Card.BlockCount = 0;
-    } else {
-        return false;
+    static const std::map<std::string_view, std::size_t> sizes = {
+        {"1k", BlocksOf1K}, {"4k", BlocksOf4K}, {"none", 0}};
+    const auto size = sizes.find(value);
+    if (size != sizes.end()) {
+        device.Card.BlockCount = size->second;
     }
-    return true;
+    return size != sizes.end();
+}
+
+template <std::string CardOptions::*path>
+bool ParseCardPath(std::string_view value, Device& device)
+{
+    device.Card.*path = value;
+    return !value.empty();
 }
 
 bool ParseSerialNumber(std::string_view value, Device& device)
@@ -85,6 +89,12 @@ bool AddChange(std::string_view number, const FieldChange& change, Device& devic
     return after && device.FieldChanges.try_emplace(*after, change).second;
 }
 
+template <FieldChange::Kind kind>
+bool ParseChange(std::string_view value, Device& device)
+{
+    return AddChange(value, {kind}, device);
+}
+
 bool ParsePlace(std::string_view value, Device& device)
 {
     const std::string_view number = CutOff(value, '/');
@@ -104,16 +114,8 @@ struct Option {
 constexpr Option Options[] = {
     {"card", "1k, 4k or none", ParseCard},
     {"uid", "8 hexadecimal digits", ParseSerialNumber},
-    {"image", "the path of a file",
-     [](std::string_view value, Device& device) {
-         device.Card.ImagePath = value;
-         return !value.empty();
-     }},
-    {"save", "the path of a file",
-     [](std::string_view value, Device& device) {
-         device.Card.SavePath = value;
-         return !value.empty();
-     }},
+    {"image", "the path of a file", ParseCardPath<&CardOptions::ImagePath>},
+    {"save", "the path of a file", ParseCardPath<&CardOptions::SavePath>},
     {"reader", "a text",
      [](std::string_view value, Device& device) {
          device.ReaderType = value;
@@ -123,13 +125,9 @@ constexpr Option Options[] = {
     {"fault", "COMMAND/N/LETTER, with N from 1 and one of the letters LNXFOR?IC or none", ParseFault},
     {"place", "N/UID or N/UID/4k, with no other change of the field after N commands", ParsePlace},
     {"remove", "a number of commands, with no other change of the field after as many",
-     [](std::string_view value, Device& device) {
-         return AddChange(value, {FieldChange::Kind::Remove}, device);
-     }},
+     ParseChange<FieldChange::Kind::Remove>},
     {"return", "a number of commands, with no other change of the field after as many",
-     [](std::string_view value, Device& device) {
-         return AddChange(value, {FieldChange::Kind::Return}, device);
-     }},
+     ParseChange<FieldChange::Kind::Return>},
     {"baud", "a speed in baud, from 1",
      [](std::string_view value, Device& device) {
          device.BaudRate = ParseNumber(value);

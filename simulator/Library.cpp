@@ -6,34 +6,10 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
-#include <mutex>
 #include <utility>
 
 namespace simulator
 {
-
-template <class Opened, class Result, class Body>
-Result Library::With(std::map<Handle, Opened>& all, Handle handle, Result otherwise, const Body& body)
-{
-    const std::lock_guard lock(m_mutex);
-    const auto found = all.find(handle);
-    return found == all.end() ? otherwise : body(found->second);
-}
-
-template <class Value>
-Value Library::Get(Handle comm, Value Line::*setting)
-{
-    return With(m_lines, comm, Value(), [&](const Line& line) { return line.*setting; });
-}
-
-template <class Value>
-int32_t Library::Set(Handle comm, Value Line::*setting, Value value)
-{
-    return With(m_lines, comm, 0, [&](Line& line) {
-        line.*setting = value;
-        return 0;
-    });
-}
 
 acgreader::ReaderLibrary& Library::Answering()
 {
@@ -65,31 +41,6 @@ Library::Handle Library::Open(const Device& device, const acgreader::CommSetting
     m_lines.insert(
         {++m_lastHandle, {device, m_cards.Place(device.Card), settings.BaudRate, settings.Protocol}});
     return m_lastHandle;
-}
-
-int32_t Library::SetCommTimeout(Handle comm, int32_t timeout)
-{
-    return Set(comm, &Line::Timeout, timeout);
-}
-
-int32_t Library::SetCommProtocol(Handle comm, uint8_t protocol)
-{
-    return Set(comm, &Line::Protocol, protocol);
-}
-
-uint8_t Library::GetCommProtocol(Handle comm)
-{
-    return Get(comm, &Line::Protocol);
-}
-
-int32_t Library::GetCommBaudRate(Handle comm)
-{
-    return Get(comm, &Line::BaudRate);
-}
-
-int32_t Library::GetCommTimeout(Handle comm)
-{
-    return Get(comm, &Line::Timeout);
 }
 
 std::string Library::DetectReader(Handle comm, Buffer /*buffer*/)

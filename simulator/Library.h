@@ -10,6 +10,7 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 
 namespace simulator
 {
@@ -27,11 +28,11 @@ public:
     /// What answers the next call: the replay once a device has named one, else this library. It lives as
     /// long as this.
     [[nodiscard]] acgreader::ReaderLibrary& Answering();
-    int32_t SetCommTimeout(Handle comm, int32_t timeout) override;
-    int32_t SetCommProtocol(Handle comm, uint8_t protocol) override;
-    uint8_t GetCommProtocol(Handle comm) override;
-    int32_t GetCommBaudRate(Handle comm) override;
-    int32_t GetCommTimeout(Handle comm) override;
+    int32_t SetCommTimeout(Handle comm, int32_t value) override { return Set(comm, &Line::Timeout, value); }
+    int32_t SetCommProtocol(Handle comm, uint8_t value) override { return Set(comm, &Line::Protocol, value); }
+    uint8_t GetCommProtocol(Handle comm) override { return Get(comm, &Line::Protocol); }
+    int32_t GetCommBaudRate(Handle comm) override { return Get(comm, &Line::BaudRate); }
+    int32_t GetCommTimeout(Handle comm) override { return Get(comm, &Line::Timeout); }
     std::string DetectReader(Handle comm, Buffer) override;
     Handle OpenReader(Handle comm, uint8_t id, int32_t third) override;
     std::string GetReaderType(Handle reader, Buffer) override;
@@ -55,14 +56,28 @@ private:
         Reader Device;
     };
 
-    /// What the body makes of the open line or reader with all other threads locked out; `otherwise` if
-    /// the handle isn't open.
+    /// What the body makes of the open line or reader with all other threads locked out; `closed` if the
+    /// handle isn't open.
     template <class Opened, class Result, class Body>
-    Result With(std::map<Handle, Opened>& all, Handle handle, Result otherwise, const Body& body);
+    Result With(std::map<Handle, Opened>& all, Handle handle, Result closed, const Body& body)
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto found = all.find(handle);
+        return found == all.end() ? closed : body(found->second);
+    }
     template <class Value>
-    Value Get(Handle comm, Value Line::*setting);
+    Value Get(Handle comm, Value Line::*setting)
+    {
+        return With(m_lines, comm, Value(), [&](const Line& line) { return line.*setting; });
+    }
     template <class Value>
-    int32_t Set(Handle comm, Value Line::*setting, Value value);
+    int32_t Set(Handle comm, Value Line::*setting, Value value)
+    {
+        return With(m_lines, comm, 0, [&](Line& line) {
+            line.*setting = value;
+            return 0;
+        });
+    }
 
     acg::Mutex m_mutex;
     CardBox m_cards;

@@ -24,7 +24,8 @@ constexpr uint8_t KeyBByte = 0xBB;
 constexpr std::string_view SilentType = "MultiISO 1.0";
 
 /// How the card keeps a counter: the value three times, least significant byte first and the second time
-/// inverted, then the block's address four times, the second and the fourth time inverted.
+/// inverted, then the block's address four times, the second and the fourth time inverted. Section 8.6.2.1,
+/// value blocks, of the data sheet that Card.h names.
 Block ValueBlock(std::span<const uint8_t> value, uint8_t address)
 {
     Block block = {};
@@ -189,19 +190,13 @@ std::string Reader::AccessBlock(Command sent, std::span<const uint8_t> data)
         return StatusReply(StatusCardRefused);
     }
     if (sent != Command::ReadBlock && m_card == m_saved) {
-        Save();
+        try {
+            SaveImage(*m_saved, m_device.Card.SavePath);
+        } catch (const std::runtime_error& reason) { // the card has changed all the same
+            acgreader::Report(std::string("SendCommandGetData: ") + reason.what());
+        }
     }
     return acg::ToHex(sent == Command::WriteValueBlock ? contents : *reply);
-}
-
-/// The card has changed whether or not that can be saved.
-void Reader::Save() const
-{
-    try {
-        SaveImage(*m_saved, m_device.Card.SavePath);
-    } catch (const std::runtime_error& reason) {
-        acgreader::Report(std::string("SendCommandGetData: ") + reason.what());
-    }
 }
 
 bool Reader::CardAnswers() const

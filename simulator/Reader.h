@@ -50,7 +50,6 @@ private:
     [[nodiscard]] std::string AccessBlock(Command sent, std::span<const uint8_t> data);
     [[nodiscard]] bool CardAnswers() const;
     void EndSelection();
-    void Save() const;
 
     Device m_device; ///< what is counted in it counts down
     CardBox* m_cards;

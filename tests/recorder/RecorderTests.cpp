@@ -3,7 +3,6 @@
 #include "acg/platform/AnsiText.h"
 #include "acg/platform/LibraryFile.h"
 #include "acg/reader/ReaderDLL.h"
-#include "recorder/System.h"
 #include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
