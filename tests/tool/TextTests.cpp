@@ -42,16 +42,6 @@ TEST(ToolText, ShowsControlCharactersAndBytesThatAreNoTextAsDigits)
     }
 }
 
-TEST(ToolText, WrapsAtBlanksWithin80Columns)
-{
-    const std::string word(20, 'w');
-    const std::string three = word + ' ' + word + ' ' + word; // 62 columns
-    EXPECT_EQ(Wrap(three, 18), three);
-    EXPECT_EQ(Wrap(three, 19), word + ' ' + word + '\n' + std::string(19, ' ') + word);
-    EXPECT_EQ(Wrap(std::string(100, 'w') + " end", 0), std::string(100, 'w') + "\nend");
-    EXPECT_EQ(Wrap("", 24), "");
-}
-
 TEST(ToolText, ReadsWholeNumbersInTheirRangeAlone)
 {
     EXPECT_EQ(ParseNumber("-2147483648", INT32_MIN, INT32_MAX, ""), INT32_MIN);
