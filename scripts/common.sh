@@ -99,7 +99,7 @@ install_missing() {
 }
 
 # install_wine: the same for wine_tools, whose 32-bit Wine belongs to another architecture. Its packages must be of
-# the very versions of the machine's own. Where one of several suites can't be read for i386 they aren't: then all
+# the very versions of the machine's own. If one of several suites can't be read for i386, they aren't: then all
 # that matters is taken from the main suite, older versions included.
 install_wine() {
     [ -n "$(missing_packages "${wine_tools[@]}")" ] || return 0
