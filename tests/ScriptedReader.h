@@ -18,7 +18,7 @@ namespace acg
 class RunningCode
 {
 public:
-    explicit RunningCode(bool OfComponent) : m_former(std::exchange(IsComponents, OfComponent)) {}
+    explicit RunningCode(bool ofComponent) : m_former(std::exchange(IsComponents, ofComponent)) {}
     ~RunningCode() { IsComponents = m_former; }
     RunningCode(const RunningCode&) = delete;
     RunningCode& operator=(const RunningCode&) = delete;
@@ -56,7 +56,7 @@ public:
     std::map<std::string, std::string> Replies = {
         {"use iso14443a", ""}, {"antenna on", ""}, {"select", "04a1B2C3"}, {"login", Status('L')}};
     /// A reply of a status letter.
-    [[nodiscard]] static std::string Status(char Letter) { return {Letter, '\0'}; }
+    [[nodiscard]] static std::string Status(char letter) { return {letter, '\0'}; }
 
     std::set<ReaderFunction> Missing; ///< can't be found
     bool LibraryMissing = false;
@@ -68,7 +68,7 @@ public:
         int Times = 0;
         std::optional<std::string> Reply;
 
-        [[nodiscard]] bool Hits(int Call) const { return Call >= FromCall && Call - FromCall < Times; }
+        [[nodiscard]] bool Hits(int call) const { return call >= FromCall && call - FromCall < Times; }
     };
     Fault Injected;
 
@@ -107,7 +107,7 @@ private:
     template <class Result, class... Arguments>
     Result Answer(const Result& result, const Arguments&... arguments)
     {
-        const RunningCode ofTest(/*OfComponent=*/false);
+        const RunningCode ofTest(/*ofComponent=*/false);
         std::ostringstream line;
         line << m_function;
         ((line << ' ' << arguments), ...);

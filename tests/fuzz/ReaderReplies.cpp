@@ -37,9 +37,9 @@ acgreader::ReaderLibrary& acgreader::TheLibrary()
     return library;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    FuzzedDataProvider input(Data, Size);
+    FuzzedDataProvider input(data, size);
     const auto find = [&](ReaderFunction function) -> EntryPoint {
         library.Reply = input.ConsumeRandomLengthString();
         if (library.Reply == "-" && function < ReaderFunction::CloseReader) { // or it would never be closed

@@ -7,9 +7,9 @@
 #include <cassert>
 #include <fuzzer/FuzzedDataProvider.h>
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    FuzzedDataProvider input(Data, Size);
+    FuzzedDataProvider input(data, size);
     simulator::Library library;
     const acgreader::CommSettings settings;
     uint32_t comm = 0;

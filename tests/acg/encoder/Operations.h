@@ -28,7 +28,7 @@ struct Operation {
     /// Returns a result code, or for EncoderState a state.
     std::function<int32_t(Encoder&, HostArguments&)> Run;
     /// True if the arguments are as Encoder.h says, after a success or a failure with that path.
-    std::function<bool(const HostArguments&, bool Succeeded, const std::wstring& Path)> LeavesArguments =
+    std::function<bool(const HostArguments&, bool succeeded, const std::wstring& path)> LeavesArguments =
         [](auto&&...) { return true; };
 };
 
