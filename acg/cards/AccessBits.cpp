@@ -2,7 +2,6 @@
 
 #include "acg/cards/BlockText.h"
 #include "acg/cards/TrailerLayout.h"
-#include "acg/encoder/Enums.h"
 #include "acg/platform/HexText.h"
 
 #include <optional>
@@ -99,11 +98,6 @@ int32_t Level(KeySet lower, KeySet upper)
 constexpr int32_t RightsOfKeyA = 3;
 constexpr unsigned NibbleBits = 4;
 
-constexpr uint8_t HighNibble(uint8_t mask)
-{
-    return static_cast<uint8_t>(mask << NibbleBits);
-}
-
 /// A byte of a block that the reader sent. A pair that isn't hexadecimal counts as far as it can be read,
 /// with blanks skipped: " 5" is 5, like "5 " and "5G", and "G5" is 0.
 uint8_t ByteOf(std::wstring_view block, size_t byte)
@@ -152,7 +146,7 @@ void StoreAccessBits(AccessTriple triple, uint8_t mask, ConditionBytes& bytes)
     const bool c2 = (bits & 2U) != 0;
     const bool c3 = (bits & 1U) != 0;
     const auto store = [mask](uint8_t& byte, bool highBit, bool lowBit) {
-        const uint8_t high = HighNibble(mask);
+        const auto high = static_cast<uint8_t>(mask << NibbleBits);
         byte = static_cast<uint8_t>((byte & ~(high | mask)) | (highBit ? high : 0) | (lowBit ? mask : 0));
     };
     store(bytes[0], /*highBit=*/!c2, /*lowBit=*/!c1);

@@ -16,7 +16,7 @@
 // is the trailer itself.
 #pragma once
 
-#include "acg/encoder/ConditionBytes.h"
+#include "acg/encoder/Enums.h"
 
 #include <cstdint>
 #include <optional>
@@ -58,8 +58,8 @@ inline constexpr unsigned SectorSlots = DataSlots + 1;
 /// Stores the triple in the slot with that mask (1, 2, 4 or 8), inverted copies included.
 void StoreAccessBits(AccessTriple triple, uint8_t mask, ConditionBytes& bytes);
 
-/// Bytes 6 to 8 and byte 9 of a trailer, which has 32 characters. A pair that isn't hexadecimal counts
-/// as far as it can be read.
+/// Bytes 6 to 8 and byte 9 of a trailer, which has 32 characters. Of a pair that isn't hexadecimal, the
+/// digits before the first other character count; blanks are skipped.
 [[nodiscard]] ConditionBytes ConditionBytesOf(std::wstring_view trailer);
 [[nodiscard]] uint8_t UserByteOf(std::wstring_view trailer);
 
@@ -91,19 +91,19 @@ struct TrailerRights {
     KeySet WriteKeys;
     KeySet WriteConditions; ///< the access bits of all slots, and byte 9
     KeySet ReadConditions;
-    KeySet ReadKeyB; ///< if it can be read, key B is no key and has no rights
+    KeySet ReadKeyB; ///< if any key has it, key B is data and has no rights
 };
 
-/// What the card grants for a triple of a data slot, were key B a key.
+/// What the card grants for a triple of a data slot, if key B is a key.
 [[nodiscard]] const BlockRights& BlockRightsOf(AccessTriple triple);
 /// What the card grants for a triple of the trailer's slot.
 [[nodiscard]] const TrailerRights& TrailerRightsOf(AccessTriple triple);
 
-/// The SCBS level as which a data slot with these rights reads back.
+/// The SCBS level that ReadSectorTrailer reports for these rights.
 [[nodiscard]] int32_t LevelOf(const BlockRights& rights);
-/// The SCSS level as which a trailer with these rights reads back.
+/// The SCSS level that ReadSectorTrailer reports for these rights.
 [[nodiscard]] int32_t LevelOf(const TrailerRights& rights);
-/// The key mode as which it reads back: KeyAAlone if key B can be read out, else BothKeys.
+/// The key mode that it reports for them: KeyAAlone if key B can be read out, else BothKeys.
 [[nodiscard]] uint8_t KeysUsedBy(const TrailerRights& rights);
 
 } // namespace acg

@@ -37,9 +37,4 @@ int32_t TrailerBlock(int32_t sectorNumber)
     return static_cast<int32_t>(next - 1);
 }
 
-int32_t BlockBefore(int32_t blocNumber, uint32_t blocks)
-{
-    return static_cast<int32_t>(static_cast<uint32_t>(blocNumber) - blocks);
-}
-
 } // namespace acg

@@ -26,7 +26,4 @@ namespace acg
 /// The last block of a sector.
 [[nodiscard]] int32_t TrailerBlock(int32_t sectorNumber);
 
-/// The block that many blocks before another.
-[[nodiscard]] int32_t BlockBefore(int32_t blocNumber, uint32_t blocks);
-
 } // namespace acg

@@ -100,7 +100,8 @@ sceReturnCode Encoder::WriteSectorTrailer(int32_t SectorNumber, std::wstring_vie
     ConditionBytes bytes = ConditionBytesOf(trailer.Text);
     // In a sector of 16 blocks too, its last three data blocks are looked up as value blocks.
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        const int32_t block = BlockBefore(trailerBlock, DataSlots - slot);
+        const auto block =
+            static_cast<int32_t>(static_cast<uint32_t>(trailerBlock) - (DataSlots - slot)); // may wrap
         if (const Failure failure = SetBlockAccess(levels[slot], keyMode, MaskOf(slot), block, bytes)) {
             return Fail(failure, OperationName);
         }

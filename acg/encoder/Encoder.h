@@ -6,7 +6,6 @@
 #endif
 
 #include "acg/encoder/CError.h"
-#include "acg/encoder/ConditionBytes.h"
 #include "acg/encoder/Enums.h"
 #include "acg/reader/ReaderDLL.h"
 

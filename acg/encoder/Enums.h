@@ -1,6 +1,8 @@
-// The public enums, as the type library declares them, and the small numbers by which operations name keys.
+// The public enums, as the type library declares them, the small numbers by which operations name keys, and
+// the bytes of a trailer that hold its access bits.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 namespace acg
@@ -77,5 +79,9 @@ inline constexpr uint8_t KeyTypeB = 2;
 inline constexpr uint8_t KeysAsOnCard = 0; ///< only on writing
 inline constexpr uint8_t KeyAAlone = 1;
 inline constexpr uint8_t BothKeys = 2;
+
+/// Bytes 6, 7 and 8 of a trailer, drawn in acg/cards/AccessBits.h: the access triple (C1, C2, C3) of each
+/// slot, stored twice. The conditions of the interface are something else: the level of slot 3.
+using ConditionBytes = std::array<uint8_t, 3>;
 
 } // namespace acg

@@ -14,7 +14,8 @@ namespace acg
 /// What a text begins with.
 struct NumberRead {
     int64_t Number = 0; ///< the nearest whole number, with exact halves rounded to even
-    bool IsAll = false; ///< there is a number, and nothing after it
+    bool IsAll = false; ///< there is a number, and nothing after it; the command-line program refuses what
+                        ///< is read in part
 };
 
 /// Reads a number from the start of the text, and stops at the first character that can't continue it; 0 if

@@ -42,23 +42,24 @@ sceReturnCode Encoder::OpenEncoder(int32_t Handle)
     }
 
     CommSettings settings{.BaudRate = m_lBaudRate, .Protocol = AsciiProtocol};
-    Failure failure = m_oReaderDLL.OpenComm(m_sDevice, m_bAutodetect, settings, m_hComm);
-    if (!failure && m_hComm == CommHandle::None) {
-        failure = CannotOpenLink;
+    Failure ofLink = m_oReaderDLL.OpenComm(m_sDevice, m_bAutodetect, settings, m_hComm);
+    if (!ofLink && m_hComm == CommHandle::None) {
+        ofLink = CannotOpenLink;
     }
-    if (failure) {
-        return Fail(failure, L"OpenEncoder", L"OpenComm");
+    if (ofLink) {
+        return Fail(ofLink, L"OpenEncoder", L"OpenComm");
     }
     try {
-        if ((failure = OpenFirstReader())) {
+        if (const Failure failure = OpenFirstReader()) {
             ReleaseDevice();
             return sceError;
         }
         const auto deadline = m_oClock() + WaitForCard;
+        Failure selection;
         Failure ofReaderType; // a pass in which the reader's type can't be queried is repeated, too
         do {
-            failure = SelectCardInRange(&ofReaderType);
-        } while ((failure || ofReaderType) && m_oClock() < deadline);
+            selection = SelectCardInRange(&ofReaderType);
+        } while ((selection || ofReaderType) && m_oClock() < deadline);
         ResetLastError(L"OpenEncoder");
     } catch (...) { // out of memory: a host that receives no result has nothing to close
         ReleaseDevice();

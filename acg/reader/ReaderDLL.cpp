@@ -91,11 +91,10 @@ Failure ReaderDLL::Call(Result& result, Arguments... arguments) const
 template <ReaderFunction function, class... Arguments>
 Failure ReaderDLL::CallForText(std::wstring& text, Arguments... arguments) const
 {
-    char* bytes = nullptr;
-    const Failure failure = Call<function>(bytes, arguments...);
-    const ByteString owner(bytes);
+    ByteString reply;
+    const Failure failure = Call<function>(reply, arguments...);
     if (!failure) {
-        ReplaceByAnsi(text, owner.Bytes());
+        ReplaceByAnsi(text, reply.Bytes());
     }
     return failure;
 }
@@ -136,11 +135,10 @@ Failure ReaderDLL::GetCommTimeout(CommHandle comm, int32_t& timeout) const
 Failure ReaderDLL::DetectReader(CommHandle comm, std::string& readers) const
 {
     Buffer<256> buffer{};
-    char* bytes = nullptr;
-    const Failure failure = Call<ReaderFunction::DetectReader>(bytes, comm, buffer.data());
-    const ByteString owner(bytes);
+    ByteString reply;
+    const Failure failure = Call<ReaderFunction::DetectReader>(reply, comm, buffer.data());
     if (!failure) {
-        readers = owner.Bytes().substr(0, owner.Bytes().find('\0'));
+        readers = reply.Bytes().substr(0, reply.Bytes().find('\0'));
     }
     return failure;
 }
@@ -166,11 +164,10 @@ Failure ReaderDLL::GetDeviceID(ReaderHandle reader, std::wstring& id) const
 Failure ReaderDLL::SendCommandGetData(ReaderHandle reader, const char* command, const char* data,
                                       ByteString& reply)
 {
-    char* bytes = nullptr;
+    reply = ByteString();
     const Failure failure =
-        Call<ReaderFunction::SendCommandGetData>(bytes, reader, command, data, m_replyBuffer);
+        Call<ReaderFunction::SendCommandGetData>(reply, reader, command, data, m_replyBuffer);
     Wipe(m_replyBuffer, sizeof m_replyBuffer);
-    reply = ByteString(bytes);
     return failure;
 }
 
