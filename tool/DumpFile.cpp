@@ -66,15 +66,12 @@ Dump ReadDump(const std::string& name)
     const std::string& bytes = *contents;
     Dump dump;
     if (IsText(path)) {
-        for (size_t at = 0; at < bytes.size();) {
-            const size_t end = std::min(bytes.find('\n', at), bytes.size());
-            std::string line = bytes.substr(at, end - at);
-            at = end + 1;
-            if (line.ends_with('\r')) {
-                line.pop_back();
-            }
-            dump.push_back(
-                ParseLine(line, Format("%s, line %d,", name.c_str(), static_cast<int>(dump.size()) + 1)));
+        std::string_view text = bytes;
+        text.remove_suffix(text.ends_with('\n') ? 1 : 0);
+        for (std::string_view line : Split(text, '\n')) {
+            line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+            dump.push_back(ParseLine(
+                std::string(line), Format("%s, line %d,", name.c_str(), static_cast<int>(dump.size()) + 1)));
         }
     } else {
         for (size_t at = 0; at + std::size(Block()) <= bytes.size(); at += std::size(Block())) {

@@ -92,9 +92,9 @@ std::vector<Key> ReadKeys(const std::string& file)
     std::string_view text = bytes;
     text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
     std::vector<Key> keys;
-    for (int number = 1; !text.empty(); ++number) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    int number = 0;
+    for (const std::string_view line : Split(text, '\n')) {
+        ++number;
         std::string key(line.substr(0, line.find('#')));
         std::ranges::replace_if(
             key, [](char blank) { return blank == '\t' || blank == '\r'; }, ' ');

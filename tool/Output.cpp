@@ -3,7 +3,6 @@
 #include "tool/System.h"
 #include "tool/Text.h"
 
-#include <algorithm>
 #include <cstdio>
 
 namespace acg::tool
@@ -16,10 +15,9 @@ namespace
 std::string PrintableLines(std::string_view text)
 {
     std::string lines;
-    for (size_t at = 0; at < text.size();) {
-        const size_t end = std::min(text.find('\n', at), text.size());
-        lines += Printable(text.substr(at, end - at)) + '\n';
-        at = end + 1;
+    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
+    for (const std::string_view line : Split(text, '\n')) {
+        lines += Printable(line) + '\n';
     }
     return lines;
 }

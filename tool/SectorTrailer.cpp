@@ -10,22 +10,6 @@
 namespace acg::tool
 {
 
-namespace
-{
-
-std::vector<std::string_view> Parts(std::string_view text)
-{
-    std::vector<std::string_view> parts;
-    for (size_t at = 0; at <= text.size();) {
-        const size_t comma = std::min(text.find(',', at), text.size());
-        parts.push_back(text.substr(at, comma - at));
-        at = comma + 1;
-    }
-    return parts;
-}
-
-} // namespace
-
 int32_t ParseSector(std::string_view text)
 {
     return ParseNumber(text, 0, LastSector, "SECTOR is a number from 0 to 39, on a 1K card to 15");
@@ -34,7 +18,7 @@ int32_t ParseSector(std::string_view text)
 SectorLevels ParseLevels(const LevelOptions& options)
 {
     constexpr std::string_view Problem = "--levels is four levels from 0 to 15, as in 13,13,13,12";
-    const std::vector<std::string_view> parts = Parts(options.Levels);
+    const std::vector<std::string_view> parts = Split(options.Levels, ',');
     if (parts.size() != SectorSlots) {
         throw UsageError{std::string(Problem)};
     }
@@ -43,7 +27,7 @@ SectorLevels ParseLevels(const LevelOptions& options)
         return ParseNumber(part, 0, HighestLevel, Problem);
     });
     if (!options.ValueBlocks.empty()) {
-        for (const std::string_view part : Parts(options.ValueBlocks)) {
+        for (const std::string_view part : Split(options.ValueBlocks, ',')) {
             const int32_t slot = ParseNumber(part, 0, DataSlots - 1, "--value is one or more of 0, 1 and 2");
             levels.IsValueBlock[static_cast<size_t>(slot)] = true;
         }

@@ -95,6 +95,15 @@ std::string MaskKeys(std::string_view text)
     return masked;
 }
 
+std::vector<std::string_view> Split(std::string_view text, char separator)
+{
+    std::vector<std::string_view> parts;
+    for (size_t at = 0; at <= text.size(); at += parts.back().size() + 1) {
+        parts.push_back(text.substr(at, text.find(separator, at) - at));
+    }
+    return parts;
+}
+
 std::string Wrap(std::string_view text, size_t indent)
 {
     constexpr size_t Columns = 80;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace acg::tool
 {
@@ -23,6 +24,9 @@ namespace acg::tool
 /// Text from the command line with stars for whatever may be a key: 10 or more hexadecimal digits, with
 /// blanks, colons or hyphens between them, or in one word with a slip of the finger.
 [[nodiscard]] std::string MaskKeys(std::string_view text);
+
+/// The parts between the separators, one more than there are separators.
+[[nodiscard]] std::vector<std::string_view> Split(std::string_view text, char separator);
 
 /// The text, broken at blanks so that no line passes column 80; lines after the first begin at column indent,
 /// as the first one is to do.
