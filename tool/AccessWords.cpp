@@ -1,6 +1,7 @@
 #include "tool/AccessWords.h"
 
 #include "acg/cards/BlockAddress.h"
+#include "acg/platform/HexText.h"
 #include "tool/Text.h"
 
 namespace acg::tool
@@ -148,11 +149,6 @@ std::string NameOfSlot(unsigned slot, SectorNumber sector)
     return inSlot == 1 ? Format("block %d", block) : Format("blocks %d-%d", block, block + inSlot - 1);
 }
 
-std::string AccessBitsText(const ConditionBytes& bytes)
-{
-    return Format("%02X%02X%02X", bytes[0], bytes[1], bytes[2]);
-}
-
 std::string FormatLevels(const ConditionBytes& bytes)
 {
     const auto [first, second, third, trailer] = LevelsIn(bytes);
@@ -190,7 +186,7 @@ JsonObject ToJson(const ShownAccess& access)
     }
     return {
         {"sector", access.Sector ? JsonObject(*access.Sector) : JsonObject()},
-        {"accessBits", AccessBitsText(access.Bytes)},
+        {"accessBits", ToHex(access.Bytes)},
         {"byte9", access.UserByte ? JsonObject(*access.UserByte) : JsonObject()},
         {"levels", LevelsIn(access.Bytes)},
         {"keys", KeysUsedBy(trailer)},

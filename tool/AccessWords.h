@@ -18,9 +18,6 @@ using SectorNumber = std::optional<int32_t>;
 /// "nobody", "key A", "key B" or "key A or key B".
 [[nodiscard]] const char* NameOf(KeySet holders);
 
-/// Bytes 6 to 8 of the trailer, as "FF0780".
-[[nodiscard]] std::string AccessBitsText(const ConditionBytes& bytes);
-
 /// As --levels and --keys take it: "13,13,13,12 with both keys".
 [[nodiscard]] std::string FormatLevels(const ConditionBytes& bytes);
 

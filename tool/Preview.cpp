@@ -1,4 +1,5 @@
 // acg preview: what levels let each key of a sector do, without a card.
+#include "acg/platform/HexText.h"
 #include "tool/AccessWords.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
@@ -18,7 +19,7 @@ int Preview(const LevelOptions& options, Context& context)
     const ShownAccess access{{}, bytes, {}, Deviations(levels, bytes, /*Sector=*/{})};
     context.Out.Json = ToJson(access);
     context.Out.Print(Format("Access bits %s\nThese levels read back as %s\n\n%s",
-                             AccessBitsText(bytes).c_str(), FormatLevels(bytes).c_str(),
+                             ToHex(bytes).c_str(), FormatLevels(bytes).c_str(),
                              AccessTable(access).c_str()));
     return Done;
 }

@@ -1,7 +1,7 @@
 #include "tool/SectorTrailer.h"
 
 #include "acg/cards/BlockAddress.h"
-#include "tool/AccessWords.h"
+#include "acg/platform/HexText.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
@@ -65,7 +65,7 @@ Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key)
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "
                    "copies: don't write this sector",
-                   sector, AccessBitsText(trailer.Conditions).c_str())};
+                   sector, ToHex(trailer.Conditions).c_str())};
     }
     return trailer;
 }

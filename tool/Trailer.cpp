@@ -1,4 +1,5 @@
 // acg trailer: what the keys of a sector may do.
+#include "acg/platform/HexText.h"
 #include "tool/AccessWords.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
@@ -26,7 +27,7 @@ int ShowTrailer(const Options& options, Context& context)
     const ShownAccess access{sector, bytes, trailer.UserByte, {}};
     context.Out.Json = ToJson(access);
     context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
-                             AccessBitsText(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
+                             ToHex(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
                              AccessTable(access).c_str()));
     return Done;
 }

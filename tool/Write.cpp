@@ -1,4 +1,5 @@
 // acg write: a data block.
+#include "acg/platform/HexText.h"
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
@@ -29,7 +30,7 @@ int Write(const Options& options, Context& context)
     report.Add(Format("block %d", number), ReadCommand(number, key));
     const auto encoder = OpenReader(context.Parameters);
     report.BeginCard(*encoder);
-    std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
+    std::wstring contents = ToWide(ToHex(*wanted));
     report.Sent(*encoder, encoder->WriteDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
     Block written;
     const bool isTaken = report.ReadBack(*encoder, [&] {
@@ -38,7 +39,7 @@ int Write(const Options& options, Context& context)
     });
     context.Out.Print(HexDump(number, written, AllKnown));
     context.Out.Json["block"] = number;
-    context.Out.Json["hex"] = Digits(written, AllKnown, "");
+    context.Out.Json["hex"] = ToHex(written);
     if (!isTaken) {
         throw OtherFailure{Format("block %d reads back as something other than was written", number)};
     }
