@@ -18,9 +18,8 @@ int Preview(const LevelOptions& options, Context& context)
     const ConditionBytes bytes = EncodeOrRefuse(levels);
     const ShownAccess access{{}, bytes, {}, Deviations(levels, bytes, /*Sector=*/{})};
     context.Out.Json = ToJson(access);
-    context.Out.Print(Format("Access bits %s\nThese levels read back as %s\n\n%s",
-                             ToHex(bytes).c_str(), FormatLevels(bytes).c_str(),
-                             AccessTable(access).c_str()));
+    context.Out.Print(Format("Access bits %s\nThese levels read back as %s\n\n%s", ToHex(bytes).c_str(),
+                             FormatLevels(bytes).c_str(), AccessTable(access).c_str()));
     return Done;
 }
 

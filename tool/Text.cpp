@@ -32,11 +32,6 @@ bool IsUtf8(std::string_view text)
     }
 }
 
-bool IsHexDigit(char character)
-{
-    return HexDigit(static_cast<unsigned char>(character)).has_value();
-}
-
 bool IsOfWord(char character)
 {
     const auto byte = static_cast<unsigned char>(character);
