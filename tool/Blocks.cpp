@@ -94,7 +94,7 @@ ValueBlock::ValueBlock(const Block& bytes)
 
 std::string ReadCommand(int32_t number, const LoginKey& key)
 {
-    return Format("acg read %d --key KEY%s", number, key.IsB() ? " --as-b" : "");
+    return Format("acg read %d --key KEY%s", number, key.Option());
 }
 
 } // namespace acg::tool

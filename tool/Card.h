@@ -1,6 +1,7 @@
 // The reader and the card of one command: opened, and every result tested.
 #pragma once
 
+#include "acg/cards/AccessBits.h"
 #include "acg/cards/TrailerLayout.h"
 #include "acg/encoder/Encoder.h"
 #include "acg/platform/Secret.h"
@@ -32,6 +33,9 @@ struct LoginKey {
     uint8_t Type = KeyTypeA;
 
     [[nodiscard]] bool IsB() const { return Type == KeyTypeB; }
+    [[nodiscard]] KeySet Letter() const { return IsB() ? KeySet::B : KeySet::A; }
+    /// What follows --key in a command that logs in with it.
+    [[nodiscard]] const char* Option() const { return IsB() ? " --as-b" : ""; }
 };
 
 inline constexpr int32_t LastBlock = 255; ///< of a 4K card

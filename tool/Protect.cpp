@@ -109,11 +109,10 @@ void AddParts(const Request& request, WriteReport& report)
             report.Add(Format("block %d", block), ReadCommand(block, request.Login));
         }
     }
-    const bool isAsB = request.Login.IsB();
-    const char* with = isAsB ? " --as-b" : "";
+    const char* with = request.Login.Option();
     if (!request.Keys.empty()) {
-        with = isAsB ? ", with the new key A, or if that fails with the old key and --as-b"
-                     : ", with the new key A, or if that fails with the old key";
+        with = request.Login.IsB() ? ", with the new key A, or if that fails with the old key and --as-b"
+                                   : ", with the new key A, or if that fails with the old key";
     } else if (request.Levels.KeysToUse == KeyAAlone) {
         with = ", with key A";
     }
@@ -171,7 +170,7 @@ void ShowChange(const Request& request, const Trailer& onCard, Output& out)
 /// The class sends a whole trailer, of which the card silently takes what the key may write.
 void RequireRights(const Request& request, const TrailerRights& rights, bool changesConditions)
 {
-    const KeySet key = request.Login.IsB() ? KeySet::B : KeySet::A;
+    const KeySet key = request.Login.Letter();
     const bool mayWriteKeys = Has(rights.WriteKeys, key);
     const bool mayWriteConditions = Has(rights.WriteConditions, key);
     if (!mayWriteKeys && (!request.Keys.empty() || !mayWriteConditions)) {
@@ -195,7 +194,7 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
 {
     const int32_t number = PurseBlock(request, slot);
     const KeySet writers = RightsGranted(before)[SlotOfPurse(request, slot)][Right::Write];
-    if (!Has(writers, request.Login.IsB() ? KeySet::B : KeySet::A)) {
+    if (!Has(writers, request.Login.Letter())) {
         throw OtherFailure{
             Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
     }
@@ -203,7 +202,7 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
     if (!block.IsValid()) {
         throw OtherFailure{
             Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
-                   number, request.Login.IsB() ? " --as-b" : "")};
+                   number, request.Login.Option())};
     }
     out.Json["values"].push_back({{"block", number}, {"value", block.Value}});
     const std::string others = SlotOfPurse(request, slot) != slot
@@ -294,7 +293,7 @@ int Protect(const Options& options, Context& context)
     const bool canBeReadBack = !request.Keys.empty() || IsKeyB(request);
     if (request.Keys.empty()) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
-                         NameOf(request.Login.IsB() ? KeySet::B : KeySet::A)));
+                         NameOf(request.Login.Letter())));
     }
     if (!canBeReadBack) {
         out.Print("Key B opens nothing afterwards, so this can't be read back with it.");
