@@ -247,7 +247,7 @@ int DumpCard(const Options& options, Context& context)
     const ExistingFile existing = options.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
     RequireWritable(name, existing);
     WriteReport report(out);
-    report.Add(MaskKeys(name), /*Look=*/{});
+    report.Add(MaskKeys(name), /*look=*/{});
     const auto encoder = OpenReader(context.Parameters);
     const std::wstring serial = report.BeginCard(*encoder);
     CardReading reading(*encoder, keys, out);

@@ -46,6 +46,7 @@ std::string ReadText(const std::string& name)
 
 Key ParseKey(std::string_view text, std::string_view what)
 {
+    // Not by FromHex, whose memory isn't wiped.
     Key key;
     const size_t from = std::min(text.find_first_not_of(' '), text.size());
     const std::string_view digits = text.substr(from, text.find_last_not_of(' ') + 1 - from);

@@ -53,7 +53,7 @@ void PrintProblem(std::string_view text)
     const bool isColoured = IsColourTerminal(stderr);
     const std::string name = isColoured ? "\033[31macg:\033[0m " : "acg: ";
     const std::string_view first = text.substr(0, text.find('\n'));
-    const std::string wrapped = IsTerminal(stderr) ? Wrap(first, /*Indent=*/5) : std::string(first);
+    const std::string wrapped = IsTerminal(stderr) ? Wrap(first, /*indent=*/5) : std::string(first);
     std::fputs((name + PrintableLines(wrapped + std::string(text.substr(first.size())))).c_str(), stderr);
     std::fflush(stderr); // some systems buffer it
 }

@@ -16,7 +16,7 @@ int Preview(const LevelOptions& options, Context& context)
 {
     const SectorLevels levels = ParseLevels(options);
     const ConditionBytes bytes = EncodeOrRefuse(levels);
-    const ShownAccess access{{}, bytes, {}, Deviations(levels, bytes, /*Sector=*/{})};
+    const ShownAccess access{{}, bytes, {}, Deviations(levels, bytes, /*sector=*/{})};
     context.Out.Json = ToJson(access);
     context.Out.Print(Format("Access bits %s\nThese levels read back as %s\n\n%s", ToHex(bytes).c_str(),
                              FormatLevels(bytes).c_str(), AccessTable(access).c_str()));
