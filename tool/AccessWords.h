@@ -22,7 +22,7 @@ using SectorNumber = std::optional<int32_t>;
 [[nodiscard]] std::string FormatLevels(const ConditionBytes& bytes);
 
 /// A sector's access as "trailer", "preview" and "protect" show it.
-struct ShownAccess {
+struct AccessReport {
     SectorNumber Sector; ///< none for "preview"
     ConditionBytes Bytes;
     std::optional<uint8_t> UserByte;
@@ -31,8 +31,8 @@ struct ShownAccess {
 
 /// The table, and below it who can change what again, and the deviations. Each thing that can never be
 /// changed again has a line that begins with "FOR GOOD".
-[[nodiscard]] std::string AccessTable(const ShownAccess& access);
-[[nodiscard]] JsonObject ToJson(const ShownAccess& access);
+[[nodiscard]] std::string AccessTable(const AccessReport& access);
+[[nodiscard]] JsonObject ToJson(const AccessReport& access);
 
 /// "block 4", "blocks 128-132", or "data block 0".
 [[nodiscard]] std::string NameOfSlot(unsigned slot, SectorNumber sector);

@@ -24,11 +24,11 @@ namespace acg::tool
 {
     return static_cast<uint16_t>(((1U << count) - 1) << first);
 }
-inline constexpr uint16_t AllKnown = 0xFFFF;
+inline constexpr uint16_t WholeBlock = 0xFFFF;
 // Of a sector trailer.
 inline constexpr uint16_t KeyABits = BitsOf(0, KeySize);
 inline constexpr uint16_t KeyBBits = BitsOf(KeyBAt, KeySize);
-inline constexpr uint16_t AllButKeys = AllKnown & ~(KeyABits | KeyBBits);
+inline constexpr uint16_t AllButKeys = WholeBlock & ~(KeyABits | KeyBBits);
 
 [[nodiscard]] bool IsTrailer(int32_t number);
 

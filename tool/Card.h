@@ -59,7 +59,7 @@ struct Trailer {
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.
 void Open(Encoder& encoder);
-[[nodiscard]] std::unique_ptr<Encoder> OpenReader(const std::string& parameters);
+[[nodiscard]] std::unique_ptr<Encoder> OpenEncoder(const std::string& parameters);
 
 /// To be called with the result of each operation: throws CardFailure after sceError, and Interruption after
 /// Ctrl-C.

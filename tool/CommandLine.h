@@ -103,8 +103,8 @@ inline constexpr void (*AllCommands[])(CommandLine&) = {
 };
 
 /// --key and --key-file. aboutFile: the help of the latter.
-void TakesKeys(CommandOptions& command, KeyOptions& key, const char* aboutFile);
+void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile);
 /// The options of a command that logs in with one key.
-void TakesKey(CommandOptions& command, KeyOptions& key);
+void AddLoginOptions(CommandOptions& command, KeyOptions& key);
 
 } // namespace acg::tool

@@ -27,7 +27,7 @@ bool IsText(const std::filesystem::path& file)
 /// A line of text: 32 digits, of which "--" stands for a byte that isn't known.
 DumpedBlock ParseLine(std::string line, const std::string& place)
 {
-    DumpedBlock block{.Known = AllKnown};
+    DumpedBlock block{.Known = WholeBlock};
     for (size_t at = 0; at < block.Bytes.size() && 2 * at + 1 < line.size(); ++at) {
         if (line.compare(2 * at, 2, "--") == 0) {
             line.replace(2 * at, 2, "00");
@@ -75,7 +75,7 @@ Dump ReadDump(const std::string& name)
         }
     } else {
         for (size_t at = 0; at + std::size(Block()) <= bytes.size(); at += std::size(Block())) {
-            DumpedBlock& block = dump.emplace_back(DumpedBlock{.Known = AllKnown});
+            DumpedBlock& block = dump.emplace_back(DumpedBlock{.Known = WholeBlock});
             std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), block.Bytes.size(),
                         block.Bytes.begin());
         }

@@ -62,7 +62,7 @@ Key ParseKey(std::string_view text, std::string_view what)
     return key;
 }
 
-std::optional<Key> GivenKey(const std::string& text, const char* option, const char* variable)
+std::optional<Key> KeyFromOption(const std::string& text, const char* option, const char* variable)
 {
     if (!text.empty()) {
         return ParseKey(text, option);
@@ -73,13 +73,13 @@ std::optional<Key> GivenKey(const std::string& text, const char* option, const c
     return std::nullopt;
 }
 
-LoginKey TheKey(const KeyOptions& options)
+LoginKey ReadLoginKey(const KeyOptions& options)
 {
     const uint8_t type = options.AsB ? KeyTypeB : KeyTypeA;
     if (!options.File.empty()) { // --key isn't given
         return {ReadKeys(options.File).front(), type};
     }
-    if (const auto key = GivenKey(options.Text, "--key", "ACG_KEY")) {
+    if (const auto key = KeyFromOption(options.Text, "--key", "ACG_KEY")) {
         return {*key, type};
     }
     throw UsageError{"a key is required: --key, --key-file, or the variable ACG_KEY"};

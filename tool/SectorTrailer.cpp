@@ -70,13 +70,13 @@ Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key)
     return trailer;
 }
 
-void TakesSector(CommandOptions& command, std::string& sector)
+void AddSectorArgument(CommandOptions& command, std::string& sector)
 {
     command.Argument("SECTOR", sector, "The sector, 0 to 15, on a 4K card to 39");
 }
 
-void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
-                 const char* aboutValue)
+void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
+                     const char* aboutValue)
 {
     command.Option("--levels", "L0,L1,L2,LT", levels.Levels,
                    "The levels of the three data blocks and of the trailer, as in 13,13,13,12",

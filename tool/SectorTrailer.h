@@ -18,10 +18,10 @@ struct LevelOptions {
     std::string ValueBlocks; ///< --value
 };
 
-void TakesSector(CommandOptions& command, std::string& sector);
+void AddSectorArgument(CommandOptions& command, std::string& sector);
 /// aboutKeys, aboutValue: the help of --keys and of --value.
-void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
-                 const char* aboutValue);
+void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
+                     const char* aboutValue);
 
 /// Throws UsageError for a sector that no card has.
 [[nodiscard]] int32_t ParseSector(std::string_view text);

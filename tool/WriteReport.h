@@ -32,7 +32,7 @@ public:
     const std::wstring& BeginCard(Encoder& encoder);
 
     /// To be called with the result of the operation that writes the next part. Throws as ThrowIfFailed does.
-    void Sent(Encoder& encoder, sceReturnCode result);
+    void NoteSending(Encoder& encoder, sceReturnCode result);
 
     /// Runs what reads the part back, whose result is whether it holds what was to be written, and returns
     /// that; the next part follows. Throws OtherFailure if another card than the first lies in the field
@@ -45,7 +45,7 @@ public:
     void RequireSameCard(Encoder& encoder) { RequireFirst(SerialNumberOf(encoder)); }
 
     /// The part is a file, which isn't read back.
-    void Written() { Tell("yes", "yes"); }
+    void ConfirmFile() { Tell("yes", "yes"); }
 
 private:
     struct Part {
