@@ -53,8 +53,8 @@ struct Trailer {
     Key KeyB;         ///< zeros if it is a key
 };
 
-/// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if that is empty, else with
-/// the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
+/// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if --reader is empty, else
+/// with the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
 [[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters);
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.

@@ -39,7 +39,7 @@ struct Right {
 /// The keys that have each right to a part of a sector.
 using Rights = std::array<KeySet, Right::Count>;
 
-/// What the card grants for a triple of a data slot, were key B a key.
+/// What the card grants for a triple of a data slot, if key B is a key.
 [[nodiscard]] Rights DataRightsOf(AccessTriple triple);
 
 /// Indexes of SectorRights, after those of the data slots.

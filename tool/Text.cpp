@@ -170,12 +170,12 @@ std::string Format(const char* pattern, ...)
     return text;
 }
 
-int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::string_view what)
+int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::string_view problem)
 {
     int32_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc() || end != text.data() + text.size() || number < least || number > most) {
-        throw UsageError{std::string(what)};
+        throw UsageError{std::string(problem)};
     }
     return number;
 }

@@ -38,8 +38,8 @@ namespace acg::tool
 /// As printf, without the conversions that Windows lacks, such as z.
 [[gnu::format(printf, 1, 2)]] [[nodiscard]] std::string Format(const char* pattern, ...);
 
-/// The number that the whole text is in decimal digits, with a minus if least is negative; throws
-/// UsageError with what if it isn't one from least to most.
-[[nodiscard]] int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::string_view what);
+/// The text as a decimal number. Throws UsageError{problem} unless it is one from least to most.
+[[nodiscard]] int32_t ParseNumber(std::string_view text, int32_t least, int32_t most,
+                                  std::string_view problem);
 
 } // namespace acg::tool
