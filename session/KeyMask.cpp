@@ -47,14 +47,9 @@ const KnownCommand* Find(std::string_view name)
     return found == std::end(KnownCommands) ? nullptr : found;
 }
 
-bool IsHexDigit(char character)
-{
-    return acg::HexDigit(character).has_value();
-}
-
 bool AreHexDigits(std::string_view text, size_t count)
 {
-    return text.size() == count && std::ranges::all_of(text, IsHexDigit);
+    return text.size() == count && std::ranges::all_of(text, acg::IsHexDigit);
 }
 
 bool IsPrintable(std::string_view text)
@@ -69,7 +64,7 @@ bool HoldsNoHalfKey(std::string_view text)
     return IsPrintable(text) && std::ranges::none_of(text, [&row](char character) {
                const char lower = acg::AsciiToLower(character);
                const bool isLetter = lower >= 'a' && lower <= 'z';
-               row = IsHexDigit(character) ? row + 1 : isLetter ? 0 : row;
+               row = acg::IsHexDigit(character) ? row + 1 : isLetter ? 0 : row;
                return row >= KeyDigits / 2;
            });
 }
@@ -171,7 +166,7 @@ Parts ShownOfReply(std::string_view command, std::string_view data, std::string_
         return {NoKeyInTrailer, {BlockDigits, upToNul.End}};
     }
     const bool isShown = isTrailer ? HoldsNoHalfKey(text)
-                                   : IsPrintable(text) && std::ranges::count_if(text, IsHexDigit) <
+                                   : IsPrintable(text) && std::ranges::count_if(text, acg::IsHexDigit) <
                                                               static_cast<ptrdiff_t>(KeyDigits);
     if (isLetter || isShown) {
         return {upToNul};

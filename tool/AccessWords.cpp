@@ -1,6 +1,7 @@
 #include "tool/AccessWords.h"
 
 #include "acg/cards/BlockAddress.h"
+#include "acg/platform/HexText.h"
 #include "tool/Text.h"
 
 namespace acg::tool
@@ -12,7 +13,7 @@ namespace
 /// The manufacturer's block can't be written, whatever the access bits say.
 SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
 {
-    SectorRights rights = RightsGranted(bytes);
+    SectorRights rights = RightsOfBits(bytes);
     if (sector == 0) {
         rights[0] = {rights[0][Right::Read]};
     }
@@ -49,7 +50,7 @@ std::vector<AccessRow> Rows(const SectorRights& rights, SectorNumber sector)
 }
 
 /// Without that of key B, if it is a key.
-std::vector<AccessRow> ShownRows(const ShownAccess& access)
+std::vector<AccessRow> TableRows(const AccessReport& access)
 {
     std::vector<AccessRow> rows = Rows(RightsIn(access.Bytes, access.Sector), access.Sector);
     if (TrailerRightsIn(access.Bytes).ReadKeyB == KeySet::None) {
@@ -109,7 +110,7 @@ void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, 
 }
 
 /// What nobody can change again, if the access bits are fixed.
-std::string FixedForGood(const ShownAccess& access, const TrailerRights& trailer)
+std::string PermanenceText(const AccessReport& access, const TrailerRights& trailer)
 {
     std::string text = "FOR GOOD: nobody can ever change again what the keys of this sector may do.\n";
     text += AreKeysFixed(trailer)
@@ -148,11 +149,6 @@ std::string NameOfSlot(unsigned slot, SectorNumber sector)
     return inSlot == 1 ? Format("block %d", block) : Format("blocks %d-%d", block, block + inSlot - 1);
 }
 
-std::string AccessBitsText(const ConditionBytes& bytes)
-{
-    return Format("%02X%02X%02X", bytes[0], bytes[1], bytes[2]);
-}
-
 std::string FormatLevels(const ConditionBytes& bytes)
 {
     const auto [first, second, third, trailer] = LevelsIn(bytes);
@@ -160,11 +156,11 @@ std::string FormatLevels(const ConditionBytes& bytes)
                   KeysUsedBy(TrailerRightsIn(bytes)) == KeyAAlone ? "key A alone" : "both keys");
 }
 
-std::string AccessTable(const ShownAccess& access)
+std::string AccessTable(const AccessReport& access)
 {
     constexpr const char* Columns = "%-16s%-18s%s\n";
     std::string text = Format(Columns, "", "key A may", "key B may");
-    for (const AccessRow& row : ShownRows(access)) {
+    for (const AccessRow& row : TableRows(access)) {
         text +=
             Format(Columns, row.What.c_str(), InShort(row.Verbs[0]).c_str(), InShort(row.Verbs[1]).c_str());
     }
@@ -173,7 +169,7 @@ std::string AccessTable(const ShownAccess& access)
         text += "Key B is only data here: it can be read, and opens nothing.\n";
     }
     text += AreConditionsFixed(trailer)
-                ? FixedForGood(access, trailer)
+                ? PermanenceText(access, trailer)
                 : Format("All of this can be changed again by %s.\n", NameOf(trailer.WriteConditions));
     for (const std::string& line : access.Deviations) {
         text += line + '\n';
@@ -181,16 +177,16 @@ std::string AccessTable(const ShownAccess& access)
     return text;
 }
 
-JsonObject ToJson(const ShownAccess& access)
+JsonObject ToJson(const AccessReport& access)
 {
     const TrailerRights& trailer = TrailerRightsIn(access.Bytes);
     JsonObject rows = JsonObject::array();
-    for (const AccessRow& row : ShownRows(access)) {
+    for (const AccessRow& row : TableRows(access)) {
         rows.push_back({{"what", row.What}, {"keyA", row.Verbs[0]}, {"keyB", row.Verbs[1]}});
     }
     return {
         {"sector", access.Sector ? JsonObject(*access.Sector) : JsonObject()},
-        {"accessBits", AccessBitsText(access.Bytes)},
+        {"accessBits", ToHex(access.Bytes)},
         {"byte9", access.UserByte ? JsonObject(*access.UserByte) : JsonObject()},
         {"levels", LevelsIn(access.Bytes)},
         {"keys", KeysUsedBy(trailer)},
@@ -204,7 +200,7 @@ JsonObject ToJson(const ShownAccess& access)
 std::vector<std::string> Deviations(const SectorLevels& levels, const ConditionBytes& bytes,
                                     SectorNumber sector)
 {
-    const SectorRights asked = RightsAsked(levels);
+    const SectorRights asked = RightsOfLevels(levels);
     const SectorRights granted = RightsIn(bytes, sector);
     std::vector<std::string> lines;
     AddDeviations(lines, RightsNotIn(asked, granted), sector, "Beyond what was asked, %s may %s: %s");

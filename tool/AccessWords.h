@@ -18,14 +18,11 @@ using SectorNumber = std::optional<int32_t>;
 /// "nobody", "key A", "key B" or "key A or key B".
 [[nodiscard]] const char* NameOf(KeySet holders);
 
-/// Bytes 6 to 8 of the trailer, as "FF0780".
-[[nodiscard]] std::string AccessBitsText(const ConditionBytes& bytes);
-
 /// As --levels and --keys take it: "13,13,13,12 with both keys".
 [[nodiscard]] std::string FormatLevels(const ConditionBytes& bytes);
 
 /// A sector's access as "trailer", "preview" and "protect" show it.
-struct ShownAccess {
+struct AccessReport {
     SectorNumber Sector; ///< none for "preview"
     ConditionBytes Bytes;
     std::optional<uint8_t> UserByte;
@@ -34,8 +31,8 @@ struct ShownAccess {
 
 /// The table, and below it who can change what again, and the deviations. Each thing that can never be
 /// changed again has a line that begins with "FOR GOOD".
-[[nodiscard]] std::string AccessTable(const ShownAccess& access);
-[[nodiscard]] JsonObject ToJson(const ShownAccess& access);
+[[nodiscard]] std::string AccessTable(const AccessReport& access);
+[[nodiscard]] JsonObject ToJson(const AccessReport& access);
 
 /// "block 4", "blocks 128-132", or "data block 0".
 [[nodiscard]] std::string NameOfSlot(unsigned slot, SectorNumber sector);

@@ -1,7 +1,6 @@
 #include "tool/Blocks.h"
 
 #include "acg/cards/BlockAddress.h"
-#include "tool/Failures.h"
 #include "tool/Text.h"
 
 namespace acg::tool
@@ -92,9 +91,14 @@ ValueBlock::ValueBlock(const Block& bytes)
     }
 }
 
+OtherFailure ReadsBackOtherwise(int32_t number)
+{
+    return {Format("block %d reads back as something other than was written", number)};
+}
+
 std::string ReadCommand(int32_t number, const LoginKey& key)
 {
-    return Format("acg read %d --key KEY%s", number, key.IsB() ? " --as-b" : "");
+    return Format("acg read %d --key KEY%s", number, key.Option());
 }
 
 } // namespace acg::tool

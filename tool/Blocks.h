@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tool/Card.h"
+#include "tool/Failures.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,23 +12,23 @@
 namespace acg::tool
 {
 
-/// A block's bytes in two digits each, as hexdump shows them; those whose bit isn't set in known, bit 0 for
-/// byte 0, as "--".
+/// A block's bytes, two hexadecimal digits each. Bit n of known stands for byte n; a byte whose bit isn't set
+/// is "--".
 [[nodiscard]] std::string Digits(const Block& bytes, uint16_t known, std::string_view between);
 [[nodiscard]] std::string Characters(const Block& bytes, uint16_t known);
 /// One line, with the number and without its end.
 [[nodiscard]] std::string HexDump(int32_t number, const Block& bytes, uint16_t known);
 
-/// The bits of so many bytes.
+/// A mask of count bytes from byte first on, one bit each.
 [[nodiscard]] constexpr uint16_t BitsOf(size_t first, size_t count)
 {
     return static_cast<uint16_t>(((1U << count) - 1) << first);
 }
-inline constexpr uint16_t AllKnown = 0xFFFF;
+inline constexpr uint16_t WholeBlock = 0xFFFF;
 // Of a sector trailer.
 inline constexpr uint16_t KeyABits = BitsOf(0, KeySize);
 inline constexpr uint16_t KeyBBits = BitsOf(KeyBAt, KeySize);
-inline constexpr uint16_t AllButKeys = AllKnown & ~(KeyABits | KeyBBits);
+inline constexpr uint16_t AllButKeys = WholeBlock & ~(KeyABits | KeyBBits);
 
 [[nodiscard]] bool IsTrailer(int32_t number);
 
@@ -36,7 +37,7 @@ inline constexpr uint16_t AllButKeys = AllKnown & ~(KeyABits | KeyBBits);
 /// The data block that a write is meant for; throws UsageError for a trailer and for block 0, too.
 [[nodiscard]] int32_t ParseDataBlock(std::string_view text);
 
-/// Why a block can't be read, when others of the card still can.
+/// Why a block can't be read, if other blocks of the card still can.
 enum class Refusal {
     None,
     WrongKey, ///< or no such sector, or a blocked one
@@ -60,6 +61,9 @@ struct ValueBlock {
     [[nodiscard]] bool HasCopies() const { return Inverted == Value && Again == Value; }
     [[nodiscard]] bool IsValid() const { return HasCopies() && Address; }
 };
+
+/// What is thrown for a block that doesn't read back as it was written.
+[[nodiscard]] OtherFailure ReadsBackOtherwise(int32_t number);
 
 /// The command that shows a block, for a person to type. The key itself isn't shown.
 [[nodiscard]] std::string ReadCommand(int32_t number, const LoginKey& key);

@@ -42,7 +42,7 @@ void CheckParameters(std::wstring_view text)
     }
 }
 
-/// The fifth field of the information text: the number that OpenEncoder requires.
+/// The fifth field of the information text: the number that Encoder::OpenEncoder requires.
 int32_t HandleNumber(const std::wstring& information)
 {
     size_t from = 0;
@@ -91,7 +91,7 @@ void Open(Encoder& encoder)
     ThrowIfFailed(encoder, encoder.OpenEncoder(HandleNumber(encoder.GetInformation())));
 }
 
-std::unique_ptr<Encoder> OpenReader(const std::string& parameters)
+std::unique_ptr<Encoder> OpenEncoder(const std::string& parameters)
 {
     auto encoder = MakeEncoder(parameters);
     Open(*encoder);

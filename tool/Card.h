@@ -1,6 +1,7 @@
 // The reader and the card of one command: opened, and every result tested.
 #pragma once
 
+#include "acg/cards/AccessBits.h"
 #include "acg/cards/TrailerLayout.h"
 #include "acg/encoder/Encoder.h"
 #include "acg/platform/Secret.h"
@@ -32,6 +33,9 @@ struct LoginKey {
     uint8_t Type = KeyTypeA;
 
     [[nodiscard]] bool IsB() const { return Type == KeyTypeB; }
+    [[nodiscard]] KeySet Letter() const { return IsB() ? KeySet::B : KeySet::A; }
+    /// What follows --key in a command that logs in with it.
+    [[nodiscard]] const char* Option() const { return IsB() ? " --as-b" : ""; }
 };
 
 inline constexpr int32_t LastBlock = 255; ///< of a 4K card
@@ -49,13 +53,13 @@ struct Trailer {
     Key KeyB;         ///< zeros if it is a key
 };
 
-/// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if that is empty, else with
-/// the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
+/// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if --reader is empty, else
+/// with the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
 [[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters);
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.
 void Open(Encoder& encoder);
-[[nodiscard]] std::unique_ptr<Encoder> OpenReader(const std::string& parameters);
+[[nodiscard]] std::unique_ptr<Encoder> OpenEncoder(const std::string& parameters);
 
 /// To be called with the result of each operation: throws CardFailure after sceError, and Interruption after
 /// Ctrl-C.

@@ -224,7 +224,7 @@ std::string CommandLine::Explain(const CLI::Error& error) const
            "--help shows what there is";
 }
 
-void TakesKeys(CommandOptions& command, KeyOptions& key, const char* aboutFile)
+void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile)
 {
     command.Option(
         "--key", "KEY", key.Text,
@@ -233,11 +233,11 @@ void TakesKeys(CommandOptions& command, KeyOptions& key, const char* aboutFile)
     command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
 }
 
-void TakesKey(CommandOptions& command, KeyOptions& key)
+void AddLoginOptions(CommandOptions& command, KeyOptions& key)
 {
-    TakesKeys(command, key,
-              "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
-              "the variable ACG_KEY");
+    AddKeyOptions(command, key,
+                  "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
+                  "the variable ACG_KEY");
     command.Flag("--as-b", key.AsB, "Log in with it as key B; default: as key A");
 }
 

@@ -39,8 +39,9 @@ public:
 
     /// By its place; the name is in capitals.
     void Argument(const char* name, std::string& value, const char* description, Need need = Need::Required);
-    /// name: with "--". type: what the help calls the value. others: options added before that exclude this
-    /// one.
+    /// name: with "--". type: what the help calls the value. others: options added earlier that can't be
+    /// given together with this one. The commands check ranges themselves: CLI11's validators run in another
+    /// order and have other words than the program's own messages.
     void Option(const char* name, const char* type, std::string& value, const char* description,
                 Need need = Need::Optional, std::initializer_list<const char*> others = {});
     void Flag(const char* name, bool& isGiven, const char* description);
@@ -103,8 +104,8 @@ inline constexpr void (*AllCommands[])(CommandLine&) = {
 };
 
 /// --key and --key-file. aboutFile: the help of the latter.
-void TakesKeys(CommandOptions& command, KeyOptions& key, const char* aboutFile);
+void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile);
 /// The options of a command that logs in with one key.
-void TakesKey(CommandOptions& command, KeyOptions& key);
+void AddLoginOptions(CommandOptions& command, KeyOptions& key);
 
 } // namespace acg::tool

@@ -64,22 +64,21 @@ int Compare(const Options& options, Context& context)
     int differences = 0;
     out.Json["blocks"] = JsonObject::array();
     for (int32_t number = 0; number < common; ++number) {
-        const DumpedBlock* const blocks[] = {&one[static_cast<size_t>(number)],
-                                             &other[static_cast<size_t>(number)]};
-        if (*blocks[0] == *blocks[1]) {
+        const DumpedBlock& first = one[static_cast<size_t>(number)];
+        const DumpedBlock& second = other[static_cast<size_t>(number)];
+        if (first == second) {
             continue;
         }
         ++differences;
         if (IsTrailer(number)) {
-            ShowTrailer(number, *blocks[0], *blocks[1], out);
+            ShowTrailer(number, first, second, out);
             continue;
         }
-        out.Print("< " + HexDump(number, blocks[0]->Bytes, blocks[0]->Known));
-        out.Print("> " + HexDump(number, blocks[1]->Bytes, blocks[1]->Known));
-        out.Json["blocks"].push_back({{"block", number},
-                                      {"hex",
-                                       {Digits(blocks[0]->Bytes, blocks[0]->Known, ""),
-                                        Digits(blocks[1]->Bytes, blocks[1]->Known, "")}}});
+        out.Print("< " + HexDump(number, first.Bytes, first.Known));
+        out.Print("> " + HexDump(number, second.Bytes, second.Known));
+        out.Json["blocks"].push_back(
+            {{"block", number},
+             {"hex", {Digits(first.Bytes, first.Known, ""), Digits(second.Bytes, second.Known, "")}}});
     }
     if (sizes[0] != sizes[1]) {
         const size_t larger = sizes[0] > sizes[1] ? 0 : 1;

@@ -74,7 +74,7 @@ private:
 Refusal CardReading::Read(int32_t number, const LoginKey& key, DumpedBlock& block)
 {
     const Refusal refusal = TryReadBlock(m_encoder, number, key, block.Bytes);
-    block.Known = refusal == Refusal::None ? AllKnown : block.Known;
+    block.Known = refusal == Refusal::None ? WholeBlock : block.Known;
     return refusal;
 }
 
@@ -168,11 +168,11 @@ std::vector<Key> KeysOf(const KeyOptions& options)
     if (!options.File.empty()) {
         return ReadKeys(options.File);
     }
-    return {GivenKey(options.Text, "--key", "ACG_KEY").value_or(ParseKey("FFFFFFFFFFFF", {}))};
+    return {KeyFromOption(options.Text, "--key", "ACG_KEY").value_or(ParseKey("FFFFFFFFFFFF", {}))};
 }
 
 /// What a key of that list is called.
-std::string NameOf(const std::optional<size_t>& key, const KeyOptions& options)
+std::string PlaceInList(const std::optional<size_t>& key, const KeyOptions& options)
 {
     if (!key) {
         return "unknown";
@@ -205,8 +205,8 @@ void ShowOpenings(const std::vector<Opening>& openings, const KeyOptions& keys, 
             std::find_if(from, openings.end(), [&](const Opening& other) { return other != *from; });
         const auto first = static_cast<int>(from - openings.begin());
         const auto last = static_cast<int>(end - openings.begin()) - 1;
-        const std::string keyA = NameOf(from->A, keys);
-        const std::string keyB = from->ShowsB ? "shown by the card" : NameOf(from->B, keys);
+        const std::string keyA = PlaceInList(from->A, keys);
+        const std::string keyB = from->ShowsB ? "shown by the card" : PlaceInList(from->B, keys);
         out.Print(Format("sectors %2d to %2d  key A %s, key B %s", first, last, keyA.c_str(), keyB.c_str()));
         out.Json["sectors"].push_back({{"first", first}, {"last", last}, {"keyA", keyA}, {"keyB", keyB}});
         from = end;
@@ -216,7 +216,7 @@ void ShowOpenings(const std::vector<Opening>& openings, const KeyOptions& keys, 
 /// Of a trailer, what it shows.
 bool IsRead(const DumpedBlock& block, int32_t number)
 {
-    const uint16_t shown = IsTrailer(number) ? AllButKeys : AllKnown;
+    const uint16_t shown = IsTrailer(number) ? AllButKeys : WholeBlock;
     return (block.Known & shown) == shown;
 }
 
@@ -247,8 +247,8 @@ int DumpCard(const Options& options, Context& context)
     const ExistingFile existing = options.MayReplace ? ExistingFile::Replaced : ExistingFile::Kept;
     RequireWritable(name, existing);
     WriteReport report(out);
-    report.Add(MaskKeys(name), /*Look=*/{});
-    const auto encoder = OpenReader(context.Parameters);
+    report.Add(MaskKeys(name), /*look=*/{});
+    const auto encoder = OpenEncoder(context.Parameters);
     const std::wstring serial = report.BeginCard(*encoder);
     CardReading reading(*encoder, keys, out);
     {
@@ -272,7 +272,7 @@ int DumpCard(const Options& options, Context& context)
         }
     }
     WriteDump(name, reading.Result(), existing);
-    report.Written();
+    report.ConfirmFile();
     ShowOpenings(reading.Openings(), options.Key, out);
     int blocks = 0;
     int read = 0;
@@ -298,9 +298,10 @@ void AddDump(CommandLine& commands)
     command.Argument("FILE", options.File,
                      "The file: raw bytes, or 32 digits a line if its name ends in .txt. A key that the card "
                      "doesn't show is filled in from the one that opened the sector");
-    TakesKeys(command, options.Key,
-              "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
-              "options: the variable ACG_KEY, else FFFFFFFFFFFF");
+    AddKeyOptions(
+        command, options.Key,
+        "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
+        "options: the variable ACG_KEY, else FFFFFFFFFFFF");
     command.Option("--card", "1k|4k", options.Card,
                    "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
     command.Flag("--force", options.MayReplace, "Replace FILE if it exists");

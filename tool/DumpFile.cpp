@@ -27,7 +27,7 @@ bool IsText(const std::filesystem::path& file)
 /// A line of text: 32 digits, of which "--" stands for a byte that isn't known.
 DumpedBlock ParseLine(std::string line, const std::string& place)
 {
-    DumpedBlock block{.Known = AllKnown};
+    DumpedBlock block{.Known = WholeBlock};
     for (size_t at = 0; at < block.Bytes.size() && 2 * at + 1 < line.size(); ++at) {
         if (line.compare(2 * at, 2, "--") == 0) {
             line.replace(2 * at, 2, "00");
@@ -66,19 +66,16 @@ Dump ReadDump(const std::string& name)
     const std::string& bytes = *contents;
     Dump dump;
     if (IsText(path)) {
-        for (size_t at = 0; at < bytes.size();) {
-            const size_t end = std::min(bytes.find('\n', at), bytes.size());
-            std::string line = bytes.substr(at, end - at);
-            at = end + 1;
-            if (line.ends_with('\r')) {
-                line.pop_back();
-            }
-            dump.push_back(
-                ParseLine(line, Format("%s, line %d,", name.c_str(), static_cast<int>(dump.size()) + 1)));
+        std::string_view text = bytes;
+        text.remove_suffix(text.ends_with('\n') ? 1 : 0);
+        for (std::string_view line : Split(text, '\n')) {
+            line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+            dump.push_back(ParseLine(
+                std::string(line), Format("%s, line %d,", name.c_str(), static_cast<int>(dump.size()) + 1)));
         }
     } else {
         for (size_t at = 0; at + std::size(Block()) <= bytes.size(); at += std::size(Block())) {
-            DumpedBlock& block = dump.emplace_back(DumpedBlock{.Known = AllKnown});
+            DumpedBlock& block = dump.emplace_back(DumpedBlock{.Known = WholeBlock});
             std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), block.Bytes.size(),
                         block.Bytes.begin());
         }

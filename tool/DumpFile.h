@@ -13,7 +13,7 @@ namespace acg::tool
 
 /// In text an unknown byte is "--", in raw bytes 00, which reads as known.
 struct DumpedBlock {
-    Block Bytes = {};   ///< of those that aren't known, anything; from a file, 0
+    Block Bytes = {};   ///< an unknown byte has any value; from a text file, 0
     uint16_t Known = 0; ///< bit 0 for byte 0
 
     bool operator==(const DumpedBlock&) const = default;

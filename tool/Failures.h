@@ -53,7 +53,7 @@ struct Remedy {
 /// The row of a record; null if there is none.
 [[nodiscard]] const Remedy* FindRemedy(const CError& record);
 
-/// The action of a remedy, and what is known of this machine beside it.
+/// The action of a remedy; if the library wasn't found, also where it was searched for.
 [[nodiscard]] std::string ActionOf(const Remedy& row);
 
 /// A record in words: several lines, the last one without its end.

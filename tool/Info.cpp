@@ -80,7 +80,10 @@ int Info(Context& context)
     Show("Reader type", "readerType", type, context.Out);
     Show("State", "state", StateOf(*encoder), context.Out);
     Show("Serial", "serial", serial, context.Out);
-    return failed ? throw *std::move(failed) : Done;
+    if (failed) {
+        throw *failed;
+    }
+    return Done;
 }
 
 } // namespace

@@ -46,6 +46,7 @@ std::string ReadText(const std::string& name)
 
 Key ParseKey(std::string_view text, std::string_view what)
 {
+    // Not by FromHex, whose memory isn't wiped.
     Key key;
     const size_t from = std::min(text.find_first_not_of(' '), text.size());
     const std::string_view digits = text.substr(from, text.find_last_not_of(' ') + 1 - from);
@@ -61,7 +62,7 @@ Key ParseKey(std::string_view text, std::string_view what)
     return key;
 }
 
-std::optional<Key> GivenKey(const std::string& text, const char* option, const char* variable)
+std::optional<Key> KeyFromOption(const std::string& text, const char* option, const char* variable)
 {
     if (!text.empty()) {
         return ParseKey(text, option);
@@ -72,13 +73,13 @@ std::optional<Key> GivenKey(const std::string& text, const char* option, const c
     return std::nullopt;
 }
 
-LoginKey TheKey(const KeyOptions& options)
+LoginKey ReadLoginKey(const KeyOptions& options)
 {
     const uint8_t type = options.AsB ? KeyTypeB : KeyTypeA;
     if (!options.File.empty()) { // --key isn't given
         return {ReadKeys(options.File).front(), type};
     }
-    if (const auto key = GivenKey(options.Text, "--key", "ACG_KEY")) {
+    if (const auto key = KeyFromOption(options.Text, "--key", "ACG_KEY")) {
         return {*key, type};
     }
     throw UsageError{"a key is required: --key, --key-file, or the variable ACG_KEY"};
@@ -92,9 +93,9 @@ std::vector<Key> ReadKeys(const std::string& file)
     std::string_view text = bytes;
     text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
     std::vector<Key> keys;
-    for (int number = 1; !text.empty(); ++number) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    int number = 0;
+    for (const std::string_view line : Split(text, '\n')) {
+        ++number;
         std::string key(line.substr(0, line.find('#')));
         std::ranges::replace_if(
             key, [](char blank) { return blank == '\t' || blank == '\r'; }, ' ');

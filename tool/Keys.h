@@ -23,11 +23,12 @@ struct KeyOptions {
 [[nodiscard]] Key ParseKey(std::string_view text, std::string_view what);
 
 /// The key that an option has, else the variable; nothing without both. Throws UsageError if it isn't a key.
-[[nodiscard]] std::optional<Key> GivenKey(const std::string& text, const char* option, const char* variable);
+[[nodiscard]] std::optional<Key> KeyFromOption(const std::string& text, const char* option,
+                                               const char* variable);
 
 /// From --key, else the first key of --key-file, else the variable ACG_KEY. Throws UsageError if there is
 /// none, or it isn't a key.
-[[nodiscard]] LoginKey TheKey(const KeyOptions& options);
+[[nodiscard]] LoginKey ReadLoginKey(const KeyOptions& options);
 
 /// The keys of a file, one a line, with blanks and tabs around them; "#" begins a comment. Throws UsageError
 /// if the file can't be read, isn't UTF-8, or has no key or a line that isn't one.

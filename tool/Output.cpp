@@ -3,7 +3,6 @@
 #include "tool/System.h"
 #include "tool/Text.h"
 
-#include <algorithm>
 #include <cstdio>
 
 namespace acg::tool
@@ -16,10 +15,9 @@ namespace
 std::string PrintableLines(std::string_view text)
 {
     std::string lines;
-    for (size_t at = 0; at < text.size();) {
-        const size_t end = std::min(text.find('\n', at), text.size());
-        lines += Printable(text.substr(at, end - at)) + '\n';
-        at = end + 1;
+    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
+    for (const std::string_view line : Split(text, '\n')) {
+        lines += Printable(line) + '\n';
     }
     return lines;
 }
@@ -55,7 +53,7 @@ void PrintProblem(std::string_view text)
     const bool isColoured = IsColourTerminal(stderr);
     const std::string name = isColoured ? "\033[31macg:\033[0m " : "acg: ";
     const std::string_view first = text.substr(0, text.find('\n'));
-    const std::string wrapped = IsTerminal(stderr) ? Wrap(first, /*Indent=*/5) : std::string(first);
+    const std::string wrapped = IsTerminal(stderr) ? Wrap(first, /*indent=*/5) : std::string(first);
     std::fputs((name + PrintableLines(wrapped + std::string(text.substr(first.size())))).c_str(), stderr);
     std::fflush(stderr); // some systems buffer it
 }

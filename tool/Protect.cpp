@@ -56,8 +56,8 @@ std::vector<Key> ParseNewKeys(const Options& options)
         }
         return keys;
     }
-    const auto keyA = GivenKey(options.NewA, "--new-a", "ACG_NEW_A");
-    const auto keyB = GivenKey(options.NewB, "--new-b", "ACG_NEW_B");
+    const auto keyA = KeyFromOption(options.NewA, "--new-a", "ACG_NEW_A");
+    const auto keyB = KeyFromOption(options.NewB, "--new-b", "ACG_NEW_B");
     if (keyA.has_value() != keyB.has_value()) {
         throw UsageError{keyA ? "there is a new key A, but no new key B: --new-b, or the variable ACG_NEW_B"
                               : "there is a new key B, but no new key A: --new-a, or the variable ACG_NEW_A"};
@@ -68,7 +68,7 @@ std::vector<Key> ParseNewKeys(const Options& options)
 Request Parse(const Options& options, bool canAsk)
 {
     Request request{.Sector = ParseSector(options.Sector),
-                    .Login = TheKey(options.Key),
+                    .Login = ReadLoginKey(options.Key),
                     .Keys = ParseNewKeys(options),
                     .Levels = ParseLevels(options.Levels)};
     if (request.Sector == 0 && request.Levels.IsValueBlock[0]) {
@@ -109,11 +109,10 @@ void AddParts(const Request& request, WriteReport& report)
             report.Add(Format("block %d", block), ReadCommand(block, request.Login));
         }
     }
-    const bool isAsB = request.Login.IsB();
-    const char* with = isAsB ? " --as-b" : "";
+    const char* with = request.Login.Option();
     if (!request.Keys.empty()) {
-        with = isAsB ? ", with the new key A, or if that fails with the old key and --as-b"
-                     : ", with the new key A, or if that fails with the old key";
+        with = request.Login.IsB() ? ", with the new key A, or if that fails with the old key and --as-b"
+                                   : ", with the new key A, or if that fails with the old key";
     } else if (request.Levels.KeysToUse == KeyAAlone) {
         with = ", with key A";
     }
@@ -156,9 +155,9 @@ void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int
 void ShowChange(const Request& request, const Trailer& onCard, Output& out)
 {
     const int32_t sector = request.Sector;
-    const ShownAccess before{sector, onCard.Conditions, onCard.UserByte, {}};
-    const ShownAccess after{sector, request.Bytes, request.BX,
-                            Deviations(request.Levels, request.Bytes, sector)};
+    const AccessReport before{sector, onCard.Conditions, onCard.UserByte, {}};
+    const AccessReport after{sector, request.Bytes, request.BX,
+                             Deviations(request.Levels, request.Bytes, sector)};
     out.Json["before"] = ToJson(before);
     out.Json["after"] = ToJson(after);
     out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector,
@@ -171,7 +170,7 @@ void ShowChange(const Request& request, const Trailer& onCard, Output& out)
 /// The class sends a whole trailer, of which the card silently takes what the key may write.
 void RequireRights(const Request& request, const TrailerRights& rights, bool changesConditions)
 {
-    const KeySet key = request.Login.IsB() ? KeySet::B : KeySet::A;
+    const KeySet key = request.Login.Letter();
     const bool mayWriteKeys = Has(rights.WriteKeys, key);
     const bool mayWriteConditions = Has(rights.WriteConditions, key);
     if (!mayWriteKeys && (!request.Keys.empty() || !mayWriteConditions)) {
@@ -194,8 +193,8 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
                 Output& out)
 {
     const int32_t number = PurseBlock(request, slot);
-    const KeySet writers = RightsGranted(before)[SlotOfPurse(request, slot)][Right::Write];
-    if (!Has(writers, request.Login.IsB() ? KeySet::B : KeySet::A)) {
+    const KeySet writers = RightsOfBits(before)[SlotOfPurse(request, slot)][Right::Write];
+    if (!Has(writers, request.Login.Letter())) {
         throw OtherFailure{
             Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
     }
@@ -203,7 +202,7 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
     if (!block.IsValid()) {
         throw OtherFailure{
             Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
-                   number, request.Login.IsB() ? " --as-b" : "")};
+                   number, request.Login.Option())};
     }
     out.Json["values"].push_back({{"block", number}, {"value", block.Value}});
     const std::string others = SlotOfPurse(request, slot) != slot
@@ -231,14 +230,14 @@ bool IsAgreedTo()
 
 void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteReport& report)
 {
-    report.Sent(encoder,
-                encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text, key.Type, purse.Value));
+    report.NoteSending(encoder,
+                       encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text, key.Type, purse.Value));
     const bool isTaken = report.ReadBack(encoder, [&] {
         const ValueBlock block(ReadBlock(encoder, purse.Block, key));
         return block.HasCopies() && block.Value == purse.Value && block.Address == purse.Block;
     });
     if (!isTaken) {
-        throw OtherFailure{Format("block %d reads back as something other than was written", purse.Block)};
+        throw ReadsBackOtherwise(purse.Block);
     }
 }
 
@@ -251,12 +250,12 @@ void Write(Encoder& encoder, const Request& request, WriteReport& report)
     // login would be the least harm if it took them.
     const Key& keyA = request.Keys.empty() ? request.Login.Bytes : request.Keys.front();
     const Key& keyB = request.Keys.empty() ? request.Login.Bytes : request.Keys.back();
-    report.Sent(encoder,
-                encoder.WriteSectorTrailer(
-                    request.Sector, DigitsOf(request.Login.Bytes).Text, request.Login.Type,
-                    DigitsOf(keyA).Text, DigitsOf(keyB).Text, request.Levels.KeysToUse, level(0), level(1),
-                    level(2), static_cast<SCSS_SecurityLevelEnum>(request.Levels.Levels[TrailerSlot]),
-                    *request.BX));
+    report.NoteSending(encoder, encoder.WriteSectorTrailer(
+                                    request.Sector, DigitsOf(request.Login.Bytes).Text, request.Login.Type,
+                                    DigitsOf(keyA).Text, DigitsOf(keyB).Text, request.Levels.KeysToUse,
+                                    level(0), level(1), level(2),
+                                    static_cast<SCSS_SecurityLevelEnum>(request.Levels.Levels[TrailerSlot]),
+                                    *request.BX));
 }
 
 /// Logs in with each key that the sector then has, and compares what reads back.
@@ -282,7 +281,7 @@ int Protect(const Options& options, Context& context)
     Request request = Parse(options, /*canAsk=*/!out.IsJson && IsTerminal(stdin));
     WriteReport report(out);
     AddParts(request, report);
-    const auto encoder = OpenReader(context.Parameters);
+    const auto encoder = OpenEncoder(context.Parameters);
     report.BeginCard(*encoder);
     const Trailer onCard = ReadTrailer(*encoder, request.Sector, request.Login);
     const ConditionBytes before = onCard.Conditions;
@@ -294,7 +293,7 @@ int Protect(const Options& options, Context& context)
     const bool canBeReadBack = !request.Keys.empty() || IsKeyB(request);
     if (request.Keys.empty()) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
-                         NameOf(request.Login.IsB() ? KeySet::B : KeySet::A)));
+                         NameOf(request.Login.Letter())));
     }
     if (!canBeReadBack) {
         out.Print("Key B opens nothing afterwards, so this can't be read back with it.");
@@ -338,13 +337,13 @@ void AddProtect(CommandLine& commands)
     auto [command, options] = commands.Add(
         "protect", "Writes new keys and levels for a sector, and says first what that means",
         "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2", Protect);
-    TakesSector(command, options.Sector);
-    TakesKey(command, options.Key);
-    TakesLevels(command, options.Levels, "1 for key A alone, 2 for both keys; default: as on the card",
-                Need::Optional,
-                "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
-                "written again with its value, and "
-                "levels 9 and 13 grant the rights of a purse");
+    AddSectorArgument(command, options.Sector);
+    AddLoginOptions(command, options.Key);
+    AddLevelOptions(command, options.Levels, "1 for key A alone, 2 for both keys; default: as on the card",
+                    Need::Optional,
+                    "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
+                    "written again with its value, and "
+                    "levels 9 and 13 grant the rights of a purse");
     command.Option(
         "--new-a", "KEY", options.NewA,
         "The new key A; default: the variable ACG_NEW_A. New keys are required unless the key that "

@@ -30,12 +30,12 @@ std::pair<int32_t, int32_t> ParseBlocks(const std::string& text)
 int Read(const Options& options, Context& context)
 {
     const auto [first, last] = ParseBlocks(options.Blocks);
-    const LoginKey key = TheKey(options.Key);
+    const LoginKey key = ReadLoginKey(options.Key);
     JsonObject& blocks = context.Out.Json["blocks"] = JsonObject::array();
-    const auto encoder = OpenReader(context.Parameters);
+    const auto encoder = OpenEncoder(context.Parameters);
     for (int32_t number = first; number <= last; ++number) {
         const Block block = ReadBlock(*encoder, number, key);
-        const uint16_t known = IsTrailer(number) ? AllButKeys : AllKnown;
+        const uint16_t known = IsTrailer(number) ? AllButKeys : WholeBlock;
         context.Out.Print(HexDump(number, block, known));
         blocks.push_back(
             {{"block", number}, {"hex", Digits(block, known, "")}, {"characters", Characters(block, known)}});
@@ -50,7 +50,7 @@ void AddRead(CommandLine& commands)
     auto [command, options] = commands.Add("read", "Shows blocks in hexadecimal and as characters",
                                            "acg read 4-6 --key FFFFFFFFFFFF", Read);
     command.Argument("BLOCK", options.Blocks, "A block, or the first and the last one: BLOCK-BLOCK");
-    TakesKey(command, options.Key);
+    AddLoginOptions(command, options.Key);
 }
 
 } // namespace acg::tool

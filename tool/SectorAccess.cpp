@@ -73,7 +73,7 @@ const TrailerRights& TrailerRightsIn(const ConditionBytes& bytes)
     return TrailerRightsOf(TripleIn(bytes, TrailerSlot));
 }
 
-SectorRights RightsGranted(const ConditionBytes& bytes)
+SectorRights RightsOfBits(const ConditionBytes& bytes)
 {
     const TrailerRights& trailer = TrailerRightsIn(bytes);
     const KeySet noKey = trailer.ReadKeyB == None ? None : B;
@@ -87,7 +87,7 @@ SectorRights RightsGranted(const ConditionBytes& bytes)
     return rights;
 }
 
-SectorRights RightsAsked(const SectorLevels& levels)
+SectorRights RightsOfLevels(const SectorLevels& levels)
 {
     SectorRights rights{};
     for (unsigned slot = 0; slot < DataSlots; ++slot) {

@@ -39,7 +39,7 @@ struct Right {
 /// The keys that have each right to a part of a sector.
 using Rights = std::array<KeySet, Right::Count>;
 
-/// What the card grants for a triple of a data slot, were key B a key.
+/// What the card grants for a triple of a data slot, if key B is a key.
 [[nodiscard]] Rights DataRightsOf(AccessTriple triple);
 
 /// Indexes of SectorRights, after those of the data slots.
@@ -54,12 +54,12 @@ struct Part {
 using SectorRights = std::array<Rights, Part::Count>;
 
 /// What the card grants. The inverted copies aren't compared.
-[[nodiscard]] SectorRights RightsGranted(const ConditionBytes& bytes);
+[[nodiscard]] SectorRights RightsOfBits(const ConditionBytes& bytes);
 [[nodiscard]] const TrailerRights& TrailerRightsIn(const ConditionBytes& bytes);
 
 /// What the levels say. Of a value block, a key that reads it may decrement it, and one that writes it may
 /// increment it.
-[[nodiscard]] SectorRights RightsAsked(const SectorLevels& levels);
+[[nodiscard]] SectorRights RightsOfLevels(const SectorLevels& levels);
 
 /// The rights to data blocks, and to write the trailer, that aren't among the others. A key that may
 /// write a block gains nothing by incrementing or decrementing it, so for such a key those don't count.

@@ -1,7 +1,7 @@
 #include "tool/SectorTrailer.h"
 
 #include "acg/cards/BlockAddress.h"
-#include "tool/AccessWords.h"
+#include "acg/platform/HexText.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
@@ -9,22 +9,6 @@
 
 namespace acg::tool
 {
-
-namespace
-{
-
-std::vector<std::string_view> Parts(std::string_view text)
-{
-    std::vector<std::string_view> parts;
-    for (size_t at = 0; at <= text.size();) {
-        const size_t comma = std::min(text.find(',', at), text.size());
-        parts.push_back(text.substr(at, comma - at));
-        at = comma + 1;
-    }
-    return parts;
-}
-
-} // namespace
 
 int32_t ParseSector(std::string_view text)
 {
@@ -34,7 +18,7 @@ int32_t ParseSector(std::string_view text)
 SectorLevels ParseLevels(const LevelOptions& options)
 {
     constexpr std::string_view Problem = "--levels is four levels from 0 to 15, as in 13,13,13,12";
-    const std::vector<std::string_view> parts = Parts(options.Levels);
+    const std::vector<std::string_view> parts = Split(options.Levels, ',');
     if (parts.size() != SectorSlots) {
         throw UsageError{std::string(Problem)};
     }
@@ -43,7 +27,7 @@ SectorLevels ParseLevels(const LevelOptions& options)
         return ParseNumber(part, 0, HighestLevel, Problem);
     });
     if (!options.ValueBlocks.empty()) {
-        for (const std::string_view part : Parts(options.ValueBlocks)) {
+        for (const std::string_view part : Split(options.ValueBlocks, ',')) {
             const int32_t slot = ParseNumber(part, 0, DataSlots - 1, "--value is one or more of 0, 1 and 2");
             levels.IsValueBlock[static_cast<size_t>(slot)] = true;
         }
@@ -81,18 +65,18 @@ Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key)
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "
                    "copies: don't write this sector",
-                   sector, AccessBitsText(trailer.Conditions).c_str())};
+                   sector, ToHex(trailer.Conditions).c_str())};
     }
     return trailer;
 }
 
-void TakesSector(CommandOptions& command, std::string& sector)
+void AddSectorArgument(CommandOptions& command, std::string& sector)
 {
     command.Argument("SECTOR", sector, "The sector, 0 to 15, on a 4K card to 39");
 }
 
-void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
-                 const char* aboutValue)
+void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
+                     const char* aboutValue)
 {
     command.Option("--levels", "L0,L1,L2,LT", levels.Levels,
                    "The levels of the three data blocks and of the trailer, as in 13,13,13,12",

@@ -18,16 +18,16 @@ struct LevelOptions {
     std::string ValueBlocks; ///< --value
 };
 
-void TakesSector(CommandOptions& command, std::string& sector);
+void AddSectorArgument(CommandOptions& command, std::string& sector);
 /// aboutKeys, aboutValue: the help of --keys and of --value.
-void TakesLevels(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
-                 const char* aboutValue);
+void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
+                     const char* aboutValue);
 
 /// Throws UsageError for a sector that no card has.
 [[nodiscard]] int32_t ParseSector(std::string_view text);
 
-/// KeysToUse is KeysAsOnCard if --keys isn't given. Throws UsageError unless --levels is four levels, 0 to
-/// 15, joined by commas, --value one or more numbers from 0 to 2, as well, and --keys 1 or 2.
+/// KeysToUse is KeysAsOnCard if --keys isn't given. Throws UsageError unless --levels is four numbers from 0
+/// to 15, --value, if given, numbers from 0 to 2, both joined by commas, and --keys, if given, 1 or 2.
 [[nodiscard]] SectorLevels ParseLevels(const LevelOptions& options);
 
 /// The access bits; throws UsageError for levels that can't be stored.

@@ -72,10 +72,10 @@ bool IsTerminal(std::FILE* stream)
 
 bool IsColourTerminal(std::FILE* stream)
 {
-    constexpr DWORD escapeSequences = 0x0004; // since Windows 10
+    constexpr DWORD EscapeSequences = 0x0004; // since Windows 10
     DWORD mode = 0;
     return GetConsoleMode(HandleOf(stream), &mode) != FALSE && !Variable("NO_COLOR") &&
-           SetConsoleMode(HandleOf(stream), mode | escapeSequences) != FALSE;
+           SetConsoleMode(HandleOf(stream), mode | EscapeSequences) != FALSE;
 }
 
 LoadedLibrary LibraryOf(EntryPoint::Function function)

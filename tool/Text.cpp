@@ -32,11 +32,6 @@ bool IsUtf8(std::string_view text)
     }
 }
 
-bool IsHexDigit(char character)
-{
-    return HexDigit(static_cast<unsigned char>(character)).has_value();
-}
-
 bool IsOfWord(char character)
 {
     const auto byte = static_cast<unsigned char>(character);
@@ -93,6 +88,15 @@ std::string MaskKeys(std::string_view text)
     MaskRuns(masked, IsOfSpacedDigits);
     MaskRuns(masked, IsOfWord);
     return masked;
+}
+
+std::vector<std::string_view> Split(std::string_view text, char separator)
+{
+    std::vector<std::string_view> parts;
+    for (size_t at = 0; at <= text.size(); at += parts.back().size() + 1) {
+        parts.push_back(text.substr(at, text.find(separator, at) - at));
+    }
+    return parts;
 }
 
 std::string Wrap(std::string_view text, size_t indent)
@@ -166,12 +170,12 @@ std::string Format(const char* pattern, ...)
     return text;
 }
 
-int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::string_view what)
+int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::string_view problem)
 {
     int32_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc() || end != text.data() + text.size() || number < least || number > most) {
-        throw UsageError{std::string(what)};
+        throw UsageError{std::string(problem)};
     }
     return number;
 }

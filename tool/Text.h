@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace acg::tool
 {
@@ -24,6 +25,9 @@ namespace acg::tool
 /// blanks, colons or hyphens between them, or in one word with a slip of the finger.
 [[nodiscard]] std::string MaskKeys(std::string_view text);
 
+/// The parts between the separators, one more than there are separators.
+[[nodiscard]] std::vector<std::string_view> Split(std::string_view text, char separator);
+
 /// The text, broken at blanks so that no line passes column 80; lines after the first begin at column indent,
 /// as the first one is to do.
 [[nodiscard]] std::string Wrap(std::string_view text, size_t indent);
@@ -34,8 +38,8 @@ namespace acg::tool
 /// As printf, without the conversions that Windows lacks, such as z.
 [[gnu::format(printf, 1, 2)]] [[nodiscard]] std::string Format(const char* pattern, ...);
 
-/// The number that the whole text is in decimal digits, with a minus if least is negative; throws
-/// UsageError with what if it isn't one from least to most.
-[[nodiscard]] int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::string_view what);
+/// The text as a decimal number. Throws UsageError{problem} unless it is one from least to most.
+[[nodiscard]] int32_t ParseNumber(std::string_view text, int32_t least, int32_t most,
+                                  std::string_view problem);
 
 } // namespace acg::tool

@@ -1,4 +1,5 @@
 // acg trailer: what the keys of a sector may do.
+#include "acg/platform/HexText.h"
 #include "tool/AccessWords.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
@@ -19,14 +20,14 @@ struct Options {
 int ShowTrailer(const Options& options, Context& context)
 {
     const int32_t sector = ParseSector(options.Sector);
-    const LoginKey key = TheKey(options.Key);
-    const auto encoder = OpenReader(context.Parameters);
+    const LoginKey key = ReadLoginKey(options.Key);
+    const auto encoder = OpenEncoder(context.Parameters);
     const Trailer trailer = ReadTrailer(*encoder, sector, key);
     const ConditionBytes& bytes = trailer.Conditions;
-    const ShownAccess access{sector, bytes, trailer.UserByte, {}};
+    const AccessReport access{sector, bytes, trailer.UserByte, {}};
     context.Out.Json = ToJson(access);
     context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
-                             AccessBitsText(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
+                             ToHex(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
                              AccessTable(access).c_str()));
     return Done;
 }
@@ -37,8 +38,8 @@ void AddTrailer(CommandLine& commands)
 {
     auto [command, options] = commands.Add("trailer", "Shows what each key of a sector may do",
                                            "acg trailer 1 --key FFFFFFFFFFFF", ShowTrailer);
-    TakesSector(command, options.Sector);
-    TakesKey(command, options.Key);
+    AddSectorArgument(command, options.Sector);
+    AddLoginOptions(command, options.Key);
 }
 
 } // namespace acg::tool

@@ -37,12 +37,12 @@ int Value(const Options& options, Context& context)
         wanted = ParseNumber(options.Number, INT32_MIN, INT32_MAX,
                              "NUMBER is a whole number from -2^31 to 2^31 - 1");
     }
-    const LoginKey key = TheKey(options.Key);
+    const LoginKey key = ReadLoginKey(options.Key);
     WriteReport report(context.Out);
     if (wanted) {
         report.Add(Format("block %d", number), ReadCommand(number, key));
     }
-    const auto encoder = OpenReader(context.Parameters);
+    const auto encoder = OpenEncoder(context.Parameters);
     ValueBlock block;
     const auto read = [&] {
         block = ValueBlock(ReadBlock(*encoder, number, key));
@@ -51,7 +51,8 @@ int Value(const Options& options, Context& context)
     bool isAsWanted = false;
     if (wanted) {
         report.BeginCard(*encoder);
-        report.Sent(*encoder, encoder->WriteValueBloc(number, DigitsOf(key.Bytes).Text, key.Type, *wanted));
+        report.NoteSending(*encoder,
+                           encoder->WriteValueBloc(number, DigitsOf(key.Bytes).Text, key.Type, *wanted));
         isAsWanted = report.ReadBack(*encoder, read);
     } else {
         isAsWanted = read();
@@ -59,9 +60,8 @@ int Value(const Options& options, Context& context)
     context.Out.Json["block"] = number;
     Show(block, context.Out);
     if (!isAsWanted) {
-        throw OtherFailure{Format(wanted ? "block %d reads back as something other than was written"
-                                         : "block %d isn't a value block",
-                                  number)};
+        throw wanted ? ReadsBackOtherwise(number)
+                     : OtherFailure{Format("block %d isn't a value block", number)};
     }
     return Done;
 }
@@ -76,7 +76,7 @@ void AddValue(CommandLine& commands)
                      "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
     command.Argument("NUMBER", options.Number, "The value to write, from -2147483648 to 2147483647",
                      Need::Optional);
-    TakesKey(command, options.Key);
+    AddLoginOptions(command, options.Key);
 }
 
 } // namespace acg::tool

@@ -1,4 +1,5 @@
 // acg write: a data block.
+#include "acg/platform/HexText.h"
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
@@ -24,23 +25,24 @@ int Write(const Options& options, Context& context)
     if (!wanted) {
         throw UsageError{"HEX isn't 32 hexadecimal digits"};
     }
-    const LoginKey key = TheKey(options.Key);
+    const LoginKey key = ReadLoginKey(options.Key);
     WriteReport report(context.Out);
     report.Add(Format("block %d", number), ReadCommand(number, key));
-    const auto encoder = OpenReader(context.Parameters);
+    const auto encoder = OpenEncoder(context.Parameters);
     report.BeginCard(*encoder);
-    std::wstring contents = ToWide(Digits(*wanted, AllKnown, ""));
-    report.Sent(*encoder, encoder->WriteDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
+    std::wstring contents = ToWide(ToHex(*wanted));
+    report.NoteSending(*encoder,
+                       encoder->WriteDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
     Block written;
     const bool isTaken = report.ReadBack(*encoder, [&] {
         written = ReadBlock(*encoder, number, key);
         return written == *wanted;
     });
-    context.Out.Print(HexDump(number, written, AllKnown));
+    context.Out.Print(HexDump(number, written, WholeBlock));
     context.Out.Json["block"] = number;
-    context.Out.Json["hex"] = Digits(written, AllKnown, "");
+    context.Out.Json["hex"] = ToHex(written);
     if (!isTaken) {
-        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
+        throw ReadsBackOtherwise(number);
     }
     return Done;
 }
@@ -55,7 +57,7 @@ void AddWrite(CommandLine& commands)
     command.Argument("BLOCK", options.Block,
                      "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
     command.Argument("HEX", options.Contents, "Its 16 bytes, in 32 hexadecimal digits");
-    TakesKey(command, options.Key);
+    AddLoginOptions(command, options.Key);
 }
 
 } // namespace acg::tool

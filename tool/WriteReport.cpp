@@ -33,7 +33,7 @@ const std::wstring& WriteReport::BeginCard(Encoder& encoder)
     return m_first;
 }
 
-void WriteReport::Sent(Encoder& encoder, sceReturnCode result)
+void WriteReport::NoteSending(Encoder& encoder, sceReturnCode result)
 {
     if (result != sceError || MayHaveWritten(*encoder.LastError())) {
         Tell("unknown", "not known");

@@ -32,12 +32,11 @@ public:
     const std::wstring& BeginCard(Encoder& encoder);
 
     /// To be called with the result of the operation that writes the next part. Throws as ThrowIfFailed does.
-    void Sent(Encoder& encoder, sceReturnCode result);
+    void NoteSending(Encoder& encoder, sceReturnCode result);
 
-    /// Runs what reads the part back, whose result is whether it holds what was to be written, and returns
-    /// that; the next part follows. Throws OtherFailure if another card than the first lies in the field
-    /// then, also after a failure of the reading, otherwise what the reading throws, and as SerialNumberOf
-    /// does.
+    /// Calls isTaken, which reads the part back and says whether it holds what was written; returns that, and
+    /// goes on to the next part. Throws OtherFailure if another card lies in the field afterwards, even if
+    /// the reading failed; otherwise what isTaken or SerialNumberOf throws.
     [[nodiscard]] bool ReadBack(Encoder& encoder, const std::function<bool()>& isTaken);
 
     /// Before anything is written. Throws OtherFailure if another card than the first lies in the field, and
@@ -45,7 +44,7 @@ public:
     void RequireSameCard(Encoder& encoder) { RequireFirst(SerialNumberOf(encoder)); }
 
     /// The part is a file, which isn't read back.
-    void Written() { Tell("yes", "yes"); }
+    void ConfirmFile() { Tell("yes", "yes"); }
 
 private:
     struct Part {

@@ -29,6 +29,11 @@ template <class Char>
     return std::nullopt;
 }
 
+[[nodiscard]] constexpr bool IsHexDigit(char character)
+{
+    return HexDigit(character).has_value();
+}
+
 /// Upper-case digits, two a byte.
 [[nodiscard]] std::string ToHex(std::span<const uint8_t> bytes);
 

@@ -53,7 +53,7 @@ TEST(AccessTables, DocumentHasEachRowAsTheRulesSay)
         if (bytes && ofListed) {
             const AccessTriple stored = TripleIn(*bytes, 2);
             const AccessTriple listed = TripleIn(*ofListed, 2);
-            const Rights granted = RightsGranted(*bytes)[2];
+            const Rights granted = RightsOfBits(*bytes)[2];
             const std::string bits = Bits(stored) + (listed != stored ? ", or " + Bits(listed) : "");
             ExpectRow({number, cells(Block, asked), bits,
                        cells(Block, LevelOf(BlockRights{granted[Right::Read], granted[Right::Write]})),
