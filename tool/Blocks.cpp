@@ -1,6 +1,7 @@
 #include "tool/Blocks.h"
 
 #include "acg/cards/BlockAddress.h"
+#include "tool/Failures.h"
 #include "tool/Text.h"
 
 namespace acg::tool
@@ -89,11 +90,6 @@ ValueBlock::ValueBlock(const Block& bytes)
     if (bytes[14] == bytes[12] && bytes[15] == bytes[13] && (bytes[12] ^ bytes[13]) == 0xFF) {
         Address = bytes[12];
     }
-}
-
-OtherFailure ReadsBackOtherwise(int32_t number)
-{
-    return {Format("block %d reads back as something other than was written", number)};
 }
 
 std::string ReadCommand(int32_t number, const LoginKey& key)

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "tool/Card.h"
-#include "tool/Failures.h"
 
 #include <cstdint>
 #include <optional>
@@ -61,9 +60,6 @@ struct ValueBlock {
     [[nodiscard]] bool HasCopies() const { return Inverted == Value && Again == Value; }
     [[nodiscard]] bool IsValid() const { return HasCopies() && Address; }
 };
-
-/// What is thrown for a block that doesn't read back as it was written.
-[[nodiscard]] OtherFailure ReadsBackOtherwise(int32_t number);
 
 /// The command that shows a block, for a person to type. The key itself isn't shown.
 [[nodiscard]] std::string ReadCommand(int32_t number, const LoginKey& key);

@@ -237,7 +237,7 @@ void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteRepor
         return block.HasCopies() && block.Value == purse.Value && block.Address == purse.Block;
     });
     if (!isTaken) {
-        throw ReadsBackOtherwise(purse.Block);
+        throw OtherFailure{Format("block %d reads back as something other than was written", purse.Block)};
     }
 }
 

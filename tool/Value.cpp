@@ -60,8 +60,9 @@ int Value(const Options& options, Context& context)
     context.Out.Json["block"] = number;
     Show(block, context.Out);
     if (!isAsWanted) {
-        throw wanted ? ReadsBackOtherwise(number)
-                     : OtherFailure{Format("block %d isn't a value block", number)};
+        throw OtherFailure{Format(wanted ? "block %d reads back as something other than was written"
+                                         : "block %d isn't a value block",
+                                  number)};
     }
     return Done;
 }

@@ -42,7 +42,7 @@ int Write(const Options& options, Context& context)
     context.Out.Json["block"] = number;
     context.Out.Json["hex"] = ToHex(written);
     if (!isTaken) {
-        throw ReadsBackOtherwise(number);
+        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
     }
     return Done;
 }
