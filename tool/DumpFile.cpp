@@ -20,8 +20,8 @@ namespace
 
 bool IsText(const std::filesystem::path& file)
 {
-    return std::ranges::equal(file.extension().u8string(), std::wstring_view(L".txt"),
-                              [](char8_t one, wchar_t other) { return AsciiToLower(one) == other; });
+    return std::ranges::equal(file.extension().u8string(), std::u8string_view(u8".txt"), {},
+                              [](char8_t character) { return AsciiToLower(character); });
 }
 
 /// A line of text: 32 digits, of which "--" stands for a byte that isn't known.

@@ -24,6 +24,7 @@ constexpr int32_t EntryPointNotFound = 453;
 
 #define ACG_NOT_FOUND(name) L"Can't find entry point " #name " in " ACG_LIBRARY,
 /// By ReaderFunction.
+// NOLINTNEXTLINE(bugprone-suspicious-missing-comma): each text is of three literals
 constexpr LiteralText NotFoundTexts[] = {ACG_READER_FUNCTIONS(ACG_NOT_FOUND)};
 #undef ACG_NOT_FOUND
 
