@@ -28,7 +28,8 @@ constexpr Shape Shapes[] = {
     {"GetDeviceID", "N", 'T'},     {"SendCommandGetData", "NTT", 'T'}, {"CloseReader", "N", 'N'},
     {"CloseComm", "N", 'N'},
 };
-static_assert(std::size(Shapes) == acgreader::FunctionCount);
+static_assert(std::ranges::equal(Shapes, acgreader::FunctionNames, std::equal_to<std::string_view>(),
+                                 &Shape::Function));
 
 bool IsPrintable(char character)
 {
