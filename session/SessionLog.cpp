@@ -28,8 +28,7 @@ constexpr Shape Shapes[] = {
     {"GetDeviceID", "N", 'T'},     {"SendCommandGetData", "NTT", 'T'}, {"CloseReader", "N", 'N'},
     {"CloseComm", "N", 'N'},
 };
-static_assert(std::ranges::equal(Shapes, acgreader::FunctionNames, std::equal_to<std::string_view>(),
-                                 &Shape::Function));
+static_assert(std::ranges::equal(Shapes, acgreader::FunctionNames, {}, &Shape::Function));
 
 bool IsPrintable(char character)
 {

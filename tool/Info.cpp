@@ -81,7 +81,7 @@ int Info(Context& context)
     Show("State", "state", StateOf(*encoder), context.Out);
     Show("Serial", "serial", serial, context.Out);
     if (failed) {
-        throw *failed;
+        throw CardFailure(*failed);
     }
     return Done;
 }
