@@ -33,7 +33,7 @@ struct LoginKey {
     uint8_t Type = KeyTypeA;
 
     [[nodiscard]] bool IsB() const { return Type == KeyTypeB; }
-    [[nodiscard]] KeySet Letter() const { return IsB() ? KeySet::B : KeySet::A; }
+    [[nodiscard]] KeySet AsKeySet() const { return IsB() ? KeySet::B : KeySet::A; }
     /// What follows --key in a command that logs in with it.
     [[nodiscard]] const char* Option() const { return IsB() ? " --as-b" : ""; }
 };

@@ -170,7 +170,7 @@ void ShowChange(const Request& request, const Trailer& onCard, Output& out)
 /// The class sends a whole trailer, of which the card silently takes what the key may write.
 void RequireRights(const Request& request, const TrailerRights& rights, bool changesConditions)
 {
-    const KeySet key = request.Login.Letter();
+    const KeySet key = request.Login.AsKeySet();
     const bool mayWriteKeys = Has(rights.WriteKeys, key);
     const bool mayWriteConditions = Has(rights.WriteConditions, key);
     if (!mayWriteKeys && (!request.Keys.empty() || !mayWriteConditions)) {
@@ -194,7 +194,7 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
 {
     const int32_t number = PurseBlock(request, slot);
     const KeySet writers = RightsOfBits(before)[SlotOfPurse(request, slot)][Right::Write];
-    if (!Has(writers, request.Login.Letter())) {
+    if (!Has(writers, request.Login.AsKeySet())) {
         throw OtherFailure{
             Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
     }
@@ -293,7 +293,7 @@ int Protect(const Options& options, Context& context)
     const bool canBeReadBack = !request.Keys.empty() || IsKeyB(request);
     if (request.Keys.empty()) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
-                         NameOf(request.Login.Letter())));
+                         NameOf(request.Login.AsKeySet())));
     }
     if (!canBeReadBack) {
         out.Print("Key B opens nothing afterwards, so this can't be read back with it.");
