@@ -49,6 +49,13 @@ bool IsTrailer(int32_t number)
     return number == TrailerBlock(SectorOf(number));
 }
 
+unsigned SlotOf(int32_t number)
+{
+    const int32_t first = TrailerBlock(SectorOf(number) - 1) + 1;
+    const int32_t blocksInSlot = (TrailerBlock(SectorOf(number)) - first) / static_cast<int32_t>(DataSlots);
+    return static_cast<unsigned>((number - first) / blocksInSlot);
+}
+
 int32_t ParseBlockNumber(std::string_view text)
 {
     return ParseNumber(text, 0, LastBlock, "BLOCK is a number from 0 to 255, on a 1K card to 63");
@@ -65,23 +72,6 @@ int32_t ParseDataBlock(std::string_view text)
                                 number, SectorOf(number))};
     }
     return number;
-}
-
-Refusal TryReadBlock(Encoder& encoder, int32_t number, const LoginKey& key, Block& contents)
-{
-    try {
-        contents = ReadBlock(encoder, number, key);
-        return Refusal::None;
-    } catch (const CardFailure& failure) {
-        const CError& record = failure.Record;
-        const bool isLogin = record.RdrCommand.ends_with(L"login");
-        const wchar_t letter = record.RdrRetCode.empty() ? L'\0' : record.RdrRetCode.front();
-        if ((!isLogin && !record.RdrCommand.ends_with(L"read block")) || letter == L'\0' || letter == L'N') {
-            throw;
-        }
-        // A reader that doesn't judge the login answers O or R to the block command.
-        return isLogin || letter == L'O' || letter == L'R' ? Refusal::WrongKey : Refusal::NotGranted;
-    }
 }
 
 ValueBlock::ValueBlock(const Block& bytes)

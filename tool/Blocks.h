@@ -30,22 +30,13 @@ inline constexpr uint16_t KeyBBits = BitsOf(KeyBAt, KeySize);
 inline constexpr uint16_t AllButKeys = WholeBlock & ~(KeyABits | KeyBBits);
 
 [[nodiscard]] bool IsTrailer(int32_t number);
+/// Whose access bits hold for the block: 0 to 2, or 3 for the trailer.
+[[nodiscard]] unsigned SlotOf(int32_t number);
 
 /// Throws UsageError for a number that no card has.
 [[nodiscard]] int32_t ParseBlockNumber(std::string_view text);
 /// The data block that a write is meant for; throws UsageError for a trailer and for block 0, too.
 [[nodiscard]] int32_t ParseDataBlock(std::string_view text);
-
-/// Why a block can't be read, if other blocks of the card still can.
-enum class Refusal {
-    None,
-    WrongKey, ///< or no such sector, or a blocked one
-    NotGranted
-};
-
-/// contents is changed only for Refusal::None. Throws like ReadBlock if the failure concerns more than this
-/// block: if the card has left, for example.
-[[nodiscard]] Refusal TryReadBlock(Encoder& encoder, int32_t number, const LoginKey& key, Block& contents);
 
 /// What a value block holds three times, and its address. The numbers are stored with the lowest byte first.
 struct ValueBlock {

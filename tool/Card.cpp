@@ -91,11 +91,9 @@ void Open(Encoder& encoder)
     ThrowIfFailed(encoder, encoder.OpenEncoder(HandleNumber(encoder.GetInformation())));
 }
 
-std::unique_ptr<Encoder> OpenEncoder(const std::string& parameters)
+std::optional<CError> FailureOf(Encoder& encoder, sceReturnCode result)
 {
-    auto encoder = MakeEncoder(parameters);
-    Open(*encoder);
-    return encoder;
+    return result == sceError ? std::optional(*encoder.LastError()) : std::nullopt;
 }
 
 void ThrowIfFailed(Encoder& encoder, sceReturnCode result)
@@ -103,33 +101,9 @@ void ThrowIfFailed(Encoder& encoder, sceReturnCode result)
     if (WasInterrupted()) {
         throw Interruption{};
     }
-    if (result == sceError) {
-        throw CardFailure{*encoder.LastError()};
+    if (const std::optional<CError> failure = FailureOf(encoder, result)) {
+        throw CardFailure{*failure};
     }
-}
-
-std::wstring SerialNumberOf(Encoder& encoder)
-{
-    std::wstring serial;
-    ThrowIfFailed(encoder, encoder.ReadSerialNumber(serial));
-    if (serial.empty()) {
-        throw OtherFailure{"the reader's reply to selecting the card has no serial number"};
-    }
-    return serial;
-}
-
-Block ReadBlock(Encoder& encoder, int32_t number, const LoginKey& key)
-{
-    std::wstring contents;
-    ThrowIfFailed(encoder, encoder.ReadDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
-    if (!encoder.LastReplyWasWhole()) {
-        throw OtherFailure{Format("the reader's reply to reading block %d isn't a whole block", number)};
-    }
-    const std::optional<Block> block = ParseBlock(ToUtf8(contents));
-    if (!block) {
-        throw OtherFailure{Format("the reader's reply to reading block %d isn't hexadecimal", number)};
-    }
-    return *block;
 }
 
 std::optional<Block> ParseBlock(std::string_view digits)

@@ -1,4 +1,4 @@
-// The reader and the card of one command: opened, and every result tested.
+// Keys, blocks and trailers, and the encoder of one command.
 #pragma once
 
 #include "acg/cards/AccessBits.h"
@@ -36,6 +36,8 @@ struct LoginKey {
     [[nodiscard]] KeySet AsKeySet() const { return IsB() ? KeySet::B : KeySet::A; }
     /// What follows --key in a command that logs in with it.
     [[nodiscard]] const char* Option() const { return IsB() ? " --as-b" : ""; }
+
+    bool operator==(const LoginKey&) const = default;
 };
 
 inline constexpr int32_t LastBlock = 255; ///< of a 4K card
@@ -59,17 +61,13 @@ struct Trailer {
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.
 void Open(Encoder& encoder);
-[[nodiscard]] std::unique_ptr<Encoder> OpenEncoder(const std::string& parameters);
+
+/// The record of an operation that has returned sceError.
+[[nodiscard]] std::optional<CError> FailureOf(Encoder& encoder, sceReturnCode result);
 
 /// To be called with the result of each operation: throws CardFailure after sceError, and Interruption after
 /// Ctrl-C.
 void ThrowIfFailed(Encoder& encoder, sceReturnCode result);
-
-/// The serial number of the card in the field. Throws OtherFailure if the reader's reply has none.
-[[nodiscard]] std::wstring SerialNumberOf(Encoder& encoder);
-
-/// Throws OtherFailure if the reader's reply isn't a whole block in hexadecimal.
-[[nodiscard]] Block ReadBlock(Encoder& encoder, int32_t number, const LoginKey& key);
 
 /// The bytes of 32 hexadecimal digits, blanks anywhere allowed; nothing for any other text.
 [[nodiscard]] std::optional<Block> ParseBlock(std::string_view digits);

@@ -87,6 +87,15 @@ void RefuseEmpty(const std::vector<std::string>& arguments)
     }
 }
 
+void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile)
+{
+    command.Option(
+        "--key", "KEY", key.Text,
+        "The key to log in with, 12 hexadecimal digits. An option stands in the process list and in "
+        "the shell's history; a file or a variable doesn't");
+    command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
+}
+
 } // namespace
 
 void CommandOptions::Argument(const char* name, std::string& value, const char* description, Need need)
@@ -224,13 +233,12 @@ std::string CommandLine::Explain(const CLI::Error& error) const
            "--help shows what there is";
 }
 
-void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile)
+void AddKeyRingOptions(CommandOptions& command, KeyOptions& key)
 {
-    command.Option(
-        "--key", "KEY", key.Text,
-        "The key to log in with, 12 hexadecimal digits. An option stands in the process list and in "
-        "the shell's history; a file or a variable doesn't");
-    command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
+    AddKeyOptions(
+        command, key,
+        "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
+        "options: the variable ACG_KEY, else FFFFFFFFFFFF");
 }
 
 void AddLoginOptions(CommandOptions& command, KeyOptions& key)

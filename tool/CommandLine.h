@@ -103,9 +103,9 @@ inline constexpr void (*AllCommands[])(CommandLine&) = {
     AddInfo, AddRead, AddWrite, AddValue, AddTrailer, AddPreview, AddProtect, AddDump, AddCompare,
 };
 
-/// --key and --key-file. aboutFile: the help of the latter.
-void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFile);
-/// The options of a command that logs in with one key.
+/// The options of a command that tries a list of keys: ReadKeyRing.
+void AddKeyRingOptions(CommandOptions& command, KeyOptions& key);
+/// The options of a command that logs in with one key: ReadLoginKey.
 void AddLoginOptions(CommandOptions& command, KeyOptions& key);
 
 } // namespace acg::tool

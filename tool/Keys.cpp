@@ -42,6 +42,18 @@ std::string ReadText(const std::string& name)
     return *std::move(contents);
 }
 
+/// Of a line of a file of keys: ", " and the comment, if it has one. What may be a key is masked.
+std::string CommentIn(std::string_view line)
+{
+    line.remove_prefix(std::min(line.find('#'), line.size()));
+    const size_t from = line.find_first_not_of("# \t\r");
+    if (from == std::string_view::npos) {
+        return {};
+    }
+    line = line.substr(from, line.find_last_not_of(" \t\r") + 1 - from);
+    return ", " + Printable(MaskKeys(line));
+}
+
 } // namespace
 
 Key ParseKey(std::string_view text, std::string_view what)
@@ -77,7 +89,7 @@ LoginKey ReadLoginKey(const KeyOptions& options)
 {
     const uint8_t type = options.AsB ? KeyTypeB : KeyTypeA;
     if (!options.File.empty()) { // --key isn't given
-        return {ReadKeys(options.File).front(), type};
+        return {ReadKeys(options.File).front().Bytes, type};
     }
     if (const auto key = KeyFromOption(options.Text, "--key", "ACG_KEY")) {
         return {*key, type};
@@ -85,14 +97,14 @@ LoginKey ReadLoginKey(const KeyOptions& options)
     throw UsageError{"a key is required: --key, --key-file, or the variable ACG_KEY"};
 }
 
-std::vector<Key> ReadKeys(const std::string& file)
+KeyRing ReadKeys(const std::string& file)
 {
     constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 
     const std::string bytes = ReadText(file);
     std::string_view text = bytes;
     text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
-    std::vector<Key> keys;
+    KeyRing keys;
     int number = 0;
     for (const std::string_view line : Split(text, '\n')) {
         ++number;
@@ -100,13 +112,24 @@ std::vector<Key> ReadKeys(const std::string& file)
         std::ranges::replace_if(
             key, [](char blank) { return blank == '\t' || blank == '\r'; }, ' ');
         if (key.find_first_not_of(' ') != std::string::npos) {
-            keys.push_back(ParseKey(key, Format("%s, line %d", file.c_str(), number)));
+            keys.push_back(
+                {ParseKey(key, Format("%s, line %d", file.c_str(), number)),
+                 Format("key %d of the file", static_cast<int>(keys.size()) + 1) + CommentIn(line)});
         }
     }
     if (keys.empty()) {
         throw UsageError{file + " has no key"};
     }
     return keys;
+}
+
+KeyRing ReadKeyRing(const KeyOptions& options)
+{
+    if (!options.File.empty()) {
+        return ReadKeys(options.File);
+    }
+    return {
+        {KeyFromOption(options.Text, "--key", "ACG_KEY").value_or(ParseKey("FFFFFFFFFFFF", {})), "the key"}};
 }
 
 } // namespace acg::tool

@@ -30,8 +30,17 @@ struct KeyOptions {
 /// none, or it isn't a key.
 [[nodiscard]] LoginKey ReadLoginKey(const KeyOptions& options);
 
+struct NamedKey {
+    Key Bytes;
+    std::string Name; ///< "the key", or "key 2 of the file", with the comment in its line if it has one
+};
+using KeyRing = std::vector<NamedKey>;
+
 /// The keys of a file, one a line, with blanks and tabs around them; "#" begins a comment. Throws UsageError
 /// if the file can't be read, isn't UTF-8, or has no key or a line that isn't one.
-[[nodiscard]] std::vector<Key> ReadKeys(const std::string& file);
+[[nodiscard]] KeyRing ReadKeys(const std::string& file);
+
+/// All keys of --key-file, else the one of --key or of the variable ACG_KEY, else FFFFFFFFFFFF.
+[[nodiscard]] KeyRing ReadKeyRing(const KeyOptions& options);
 
 } // namespace acg::tool

@@ -2,6 +2,7 @@
 #include "acg/cards/BlockAddress.h"
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
+#include "tool/CardSession.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
 #include "tool/SectorTrailer.h"
@@ -50,11 +51,11 @@ struct Purse {
 std::vector<Key> ParseNewKeys(const Options& options)
 {
     if (!options.NewKeysFile.empty()) {
-        std::vector<Key> keys = ReadKeys(options.NewKeysFile);
+        const KeyRing keys = ReadKeys(options.NewKeysFile);
         if (keys.size() != 2) {
             throw UsageError{options.NewKeysFile + " has to have two keys: A, then B"};
         }
-        return keys;
+        return {keys.front().Bytes, keys.back().Bytes};
     }
     const auto keyA = KeyFromOption(options.NewA, "--new-a", "ACG_NEW_A");
     const auto keyB = KeyFromOption(options.NewB, "--new-b", "ACG_NEW_B");
@@ -189,7 +190,7 @@ void RequireRights(const Request& request, const TrailerRights& rights, bool cha
     }
 }
 
-Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const ConditionBytes& before,
+Purse ReadPurse(CardSession& card, const Request& request, unsigned slot, const ConditionBytes& before,
                 Output& out)
 {
     const int32_t number = PurseBlock(request, slot);
@@ -198,7 +199,7 @@ Purse ReadPurse(Encoder& encoder, const Request& request, unsigned slot, const C
         throw OtherFailure{
             Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
     }
-    const ValueBlock block(ReadBlock(encoder, number, request.Login));
+    const ValueBlock block(card.ReadBlock(number, request.Login));
     if (!block.IsValid()) {
         throw OtherFailure{
             Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
@@ -228,12 +229,13 @@ bool IsAgreedTo()
     return isAnswered && std::string_view(answer) == "yes\n";
 }
 
-void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteReport& report)
+void Write(CardSession& card, const Purse& purse, const LoginKey& key, WriteReport& report)
 {
-    report.NoteSending(encoder,
-                       encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text, key.Type, purse.Value));
-    const bool isTaken = report.ReadBack(encoder, [&] {
-        const ValueBlock block(ReadBlock(encoder, purse.Block, key));
+    Encoder& encoder = card.Class();
+    report.NoteSending(card, FailureOf(encoder, encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text,
+                                                                       key.Type, purse.Value)));
+    const bool isTaken = report.ReadBack(card, [&] {
+        const ValueBlock block(card.ReadBlock(purse.Block, key));
         return block.HasCopies() && block.Value == purse.Value && block.Address == purse.Block;
     });
     if (!isTaken) {
@@ -241,7 +243,7 @@ void Write(Encoder& encoder, const Purse& purse, const LoginKey& key, WriteRepor
     }
 }
 
-void Write(Encoder& encoder, const Request& request, WriteReport& report)
+void Write(CardSession& card, const Request& request, WriteReport& report)
 {
     const auto level = [&](size_t slot) {
         return static_cast<SCBS_SecurityLevelEnum>(request.Levels.Levels[slot]);
@@ -250,16 +252,18 @@ void Write(Encoder& encoder, const Request& request, WriteReport& report)
     // login would be the least harm if it took them.
     const Key& keyA = request.Keys.empty() ? request.Login.Bytes : request.Keys.front();
     const Key& keyB = request.Keys.empty() ? request.Login.Bytes : request.Keys.back();
-    report.NoteSending(encoder, encoder.WriteSectorTrailer(
-                                    request.Sector, DigitsOf(request.Login.Bytes).Text, request.Login.Type,
-                                    DigitsOf(keyA).Text, DigitsOf(keyB).Text, request.Levels.KeysToUse,
-                                    level(0), level(1), level(2),
-                                    static_cast<SCSS_SecurityLevelEnum>(request.Levels.Levels[TrailerSlot]),
-                                    *request.BX));
+    Encoder& encoder = card.Class();
+    report.NoteSending(
+        card, FailureOf(encoder, encoder.WriteSectorTrailer(
+                                     request.Sector, DigitsOf(request.Login.Bytes).Text, request.Login.Type,
+                                     DigitsOf(keyA).Text, DigitsOf(keyB).Text, request.Levels.KeysToUse,
+                                     level(0), level(1), level(2),
+                                     static_cast<SCSS_SecurityLevelEnum>(request.Levels.Levels[TrailerSlot]),
+                                     *request.BX)));
 }
 
 /// Logs in with each key that the sector then has, and compares what reads back.
-bool IsTaken(Encoder& encoder, const Request& request)
+bool IsTaken(CardSession& card, const Request& request)
 {
     std::vector<LoginKey> logins = {request.Login};
     if (!request.Keys.empty()) {
@@ -269,7 +273,7 @@ bool IsTaken(Encoder& encoder, const Request& request)
         }
     }
     return std::ranges::all_of(logins, [&](const LoginKey& key) {
-        const Trailer trailer = ReadTrailer(encoder, request.Sector, key);
+        const Trailer trailer = ReadTrailer(card, request.Sector, key);
         return trailer.Conditions == request.Bytes && trailer.UserByte == request.BX &&
                (request.Keys.empty() || IsKeyB(request) || trailer.KeyB == request.Keys.back());
     });
@@ -281,9 +285,9 @@ int Protect(const Options& options, Context& context)
     Request request = Parse(options, /*canAsk=*/!out.IsJson && IsTerminal(stdin));
     WriteReport report(out);
     AddParts(request, report);
-    const auto encoder = OpenEncoder(context.Parameters);
-    report.BeginCard(*encoder);
-    const Trailer onCard = ReadTrailer(*encoder, request.Sector, request.Login);
+    CardSession card(context.Parameters);
+    report.BeginCard(card);
+    const Trailer onCard = ReadTrailer(card, request.Sector, request.Login);
     const ConditionBytes before = onCard.Conditions;
     const TrailerRights& rights = TrailerRightsIn(before);
     Complete(request, onCard);
@@ -301,7 +305,7 @@ int Protect(const Options& options, Context& context)
     std::vector<Purse> purses;
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         if (request.Levels.IsValueBlock[slot]) {
-            purses.push_back(ReadPurse(*encoder, request, slot, before, out));
+            purses.push_back(ReadPurse(card, request, slot, before, out));
         }
     }
     if (AreConditionsFixed(TrailerRightsIn(request.Bytes)) && !AreConditionsFixed(rights) &&
@@ -315,15 +319,15 @@ int Protect(const Options& options, Context& context)
     if (!options.IsAgreedTo && !IsAgreedTo()) {
         throw OtherFailure{"not agreed to"};
     }
-    report.RequireSameCard(*encoder);
+    card.Select();
     for (const Purse& purse : purses) {
-        Write(*encoder, purse, request.Login, report);
+        Write(card, purse, request.Login, report);
     }
-    Write(*encoder, request, report);
+    Write(card, request, report);
     if (!canBeReadBack) {
         throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
     }
-    if (!report.ReadBack(*encoder, [&] { return IsTaken(*encoder, request); })) {
+    if (!report.ReadBack(card, [&] { return IsTaken(card, request); })) {
         throw OtherFailure{"the card holds something other than was written"};
     }
     out.Print(request.Keys.empty() ? "Written, and read back." : "Written, and read back with the new keys.");

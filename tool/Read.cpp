@@ -1,5 +1,6 @@
 // acg read: blocks in hexadecimal and as characters.
 #include "tool/Blocks.h"
+#include "tool/CardSession.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
@@ -32,9 +33,9 @@ int Read(const Options& options, Context& context)
     const auto [first, last] = ParseBlocks(options.Blocks);
     const LoginKey key = ReadLoginKey(options.Key);
     JsonObject& blocks = context.Out.Json["blocks"] = JsonObject::array();
-    const auto encoder = OpenEncoder(context.Parameters);
+    CardSession card(context.Parameters);
     for (int32_t number = first; number <= last; ++number) {
-        const Block block = ReadBlock(*encoder, number, key);
+        const Block block = card.ReadBlock(number, key);
         const uint16_t known = IsTrailer(number) ? AllButKeys : WholeBlock;
         context.Out.Print(HexDump(number, block, known));
         blocks.push_back(

@@ -58,9 +58,9 @@ ConditionBytes EncodeOrRefuse(const SectorLevels& levels)
                levels.Levels[TrailerSlot])};
 }
 
-Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key)
+Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key)
 {
-    Trailer trailer(ReadBlock(encoder, TrailerBlock(sector), key));
+    Trailer trailer(card.ReadBlock(TrailerBlock(sector), key));
     if (!InvertedCopiesAgree(trailer.Conditions)) {
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "

@@ -1,7 +1,7 @@
 // A sector's trailer as it is read, and the access that the command line asks for.
 #pragma once
 
-#include "tool/Card.h"
+#include "tool/CardSession.h"
 #include "tool/CommandLine.h"
 #include "tool/SectorAccess.h"
 
@@ -34,6 +34,6 @@ void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* 
 [[nodiscard]] ConditionBytes EncodeOrRefuse(const SectorLevels& levels);
 
 /// Throws OtherFailure if the reply isn't a whole block, or the access bits contradict themselves.
-[[nodiscard]] Trailer ReadTrailer(Encoder& encoder, int32_t sector, const LoginKey& key);
+[[nodiscard]] Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key);
 
 } // namespace acg::tool

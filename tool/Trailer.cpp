@@ -1,6 +1,7 @@
 // acg trailer: what the keys of a sector may do.
 #include "acg/platform/HexText.h"
 #include "tool/AccessWords.h"
+#include "tool/CardSession.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
 #include "tool/SectorTrailer.h"
@@ -21,8 +22,8 @@ int ShowTrailer(const Options& options, Context& context)
 {
     const int32_t sector = ParseSector(options.Sector);
     const LoginKey key = ReadLoginKey(options.Key);
-    const auto encoder = OpenEncoder(context.Parameters);
-    const Trailer trailer = ReadTrailer(*encoder, sector, key);
+    CardSession card(context.Parameters);
+    const Trailer trailer = ReadTrailer(card, sector, key);
     const ConditionBytes& bytes = trailer.Conditions;
     const AccessReport access{sector, bytes, trailer.UserByte, {}};
     context.Out.Json = ToJson(access);

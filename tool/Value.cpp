@@ -1,5 +1,6 @@
 // acg value: a value block.
 #include "tool/Blocks.h"
+#include "tool/CardSession.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
@@ -42,18 +43,19 @@ int Value(const Options& options, Context& context)
     if (wanted) {
         report.Add(Format("block %d", number), ReadCommand(number, key));
     }
-    const auto encoder = OpenEncoder(context.Parameters);
+    CardSession card(context.Parameters);
     ValueBlock block;
     const auto read = [&] {
-        block = ValueBlock(ReadBlock(*encoder, number, key));
+        block = ValueBlock(card.ReadBlock(number, key));
         return block.IsValid() && block.Value == wanted.value_or(block.Value);
     };
     bool isAsWanted = false;
     if (wanted) {
-        report.BeginCard(*encoder);
-        report.NoteSending(*encoder,
-                           encoder->WriteValueBloc(number, DigitsOf(key.Bytes).Text, key.Type, *wanted));
-        isAsWanted = report.ReadBack(*encoder, read);
+        report.BeginCard(card);
+        Encoder& encoder = card.Class();
+        report.NoteSending(card, FailureOf(encoder, encoder.WriteValueBloc(number, DigitsOf(key.Bytes).Text,
+                                                                           key.Type, *wanted)));
+        isAsWanted = report.ReadBack(card, read);
     } else {
         isAsWanted = read();
     }

@@ -1,6 +1,7 @@
 // acg write: a data block.
 #include "acg/platform/HexText.h"
 #include "tool/Blocks.h"
+#include "tool/CardSession.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
@@ -28,14 +29,12 @@ int Write(const Options& options, Context& context)
     const LoginKey key = ReadLoginKey(options.Key);
     WriteReport report(context.Out);
     report.Add(Format("block %d", number), ReadCommand(number, key));
-    const auto encoder = OpenEncoder(context.Parameters);
-    report.BeginCard(*encoder);
-    std::wstring contents = ToWide(ToHex(*wanted));
-    report.NoteSending(*encoder,
-                       encoder->WriteDataBloc(number, DigitsOf(key.Bytes).Text, key.Type, contents));
+    CardSession card(context.Parameters);
+    report.BeginCard(card);
+    report.NoteSending(card, card.WriteBlock(number, key, *wanted));
     Block written;
-    const bool isTaken = report.ReadBack(*encoder, [&] {
-        written = ReadBlock(*encoder, number, key);
+    const bool isTaken = report.ReadBack(card, [&] {
+        written = card.ReadBlock(number, key);
         return written == *wanted;
     });
     context.Out.Print(HexDump(number, written, WholeBlock));

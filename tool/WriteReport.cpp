@@ -26,54 +26,63 @@ void WriteReport::Add(std::string what, std::string look)
     Tell();
 }
 
-const std::wstring& WriteReport::BeginCard(Encoder& encoder)
+void WriteReport::BeginCard(CardSession& card)
 {
-    m_first = SerialNumberOf(encoder);
-    m_out.Json["card"] = ToUtf8(m_first);
-    return m_first;
+    m_out.Json["card"] = card.SerialNumber();
 }
 
-void WriteReport::NoteSending(Encoder& encoder, sceReturnCode result)
+void WriteReport::NoteSending(CardSession& card, const std::optional<CError>& failure)
 {
-    if (result != sceError || MayHaveWritten(*encoder.LastError())) {
+    if (!failure || MayHaveWritten(*failure)) {
         Tell("unknown", "not known");
     }
-    ThrowIfFailed(encoder, result);
+    if (WasInterrupted()) {
+        throw Interruption{};
+    }
+    if (failure) {
+        LookForAnotherCard(card);
+        throw CardFailure{*failure};
+    }
 }
 
-bool WriteReport::ReadBack(Encoder& encoder, const std::function<bool()>& isTaken)
+bool WriteReport::ReadBack(CardSession& card, const std::function<bool()>& isTaken)
 {
+    RequireFirstCard(card, /*isSame=*/false); // also so that the reading logs in again
     bool isSame = false;
     try {
         isSame = isTaken();
     } catch (...) {
-        std::wstring now;
-        if (!WasInterrupted() && encoder.ReadSerialNumber(now) != sceError && !now.empty()) {
-            RequireFirst(now);
-        }
+        LookForAnotherCard(card);
         throw;
     }
     if (isSame) {
-        Tell("unknown", "yes, but perhaps on another card than " + ToUtf8(m_first));
+        Tell("unknown", "yes, but perhaps on another card than " + card.SerialNumber());
     }
-    RequireFirst(SerialNumberOf(encoder), isSame);
+    RequireFirstCard(card, isSame);
     Tell(isSame ? "yes" : "unknown", isSame ? "yes" : "not known; it reads back as something else");
     ++m_at;
     return isSame;
 }
 
-void WriteReport::RequireFirst(const std::wstring& now, bool isSame)
+void WriteReport::RequireFirstCard(CardSession& card, bool isSame)
 {
-    if (now == m_first) {
-        return;
+    try {
+        card.Select();
+    } catch (const AnotherCard& other) {
+        if (m_parts.at(m_at).Written == "unknown") {
+            Tell("unknown", (isSame ? "yes, on card " : "not known, on card ") + card.SerialNumber() +
+                                " or on " + other.Now);
+        }
+        throw;
     }
-    const std::string first = ToUtf8(m_first);
-    const std::string other = ToUtf8(now);
-    if (m_parts.at(m_at).Written == "unknown") {
-        Tell("unknown", (isSame ? "yes, on card " : "not known, on card ") + first + " or on " + other);
+}
+
+void WriteReport::LookForAnotherCard(CardSession& card)
+{
+    try {
+        RequireFirstCard(card, /*isSame=*/false);
+    } catch (const CardFailure&) { // no card at all
     }
-    throw OtherFailure{
-        Format("another card lies in the field: %s; the first one was %s", other.c_str(), first.c_str())};
 }
 
 void WriteReport::Tell(std::string written, std::string inWords)

@@ -1,10 +1,11 @@
 // What became of what a command writes, said with whatever ends the command.
 #pragma once
 
-#include "tool/Card.h"
+#include "tool/CardSession.h"
 #include "tool/Output.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,20 +29,17 @@ public:
     /// A part that is written after those before it. what: "block 4". look: the command that shows it.
     void Add(std::string what, std::string look);
 
-    /// Remembers the card in the field, and returns its serial number. Throws as SerialNumberOf does.
-    const std::wstring& BeginCard(Encoder& encoder);
+    /// Remembers the card of the session. Throws as CardSession::SerialNumber does.
+    void BeginCard(CardSession& card);
 
-    /// To be called with the result of the operation that writes the next part. Throws as ThrowIfFailed does.
-    void NoteSending(Encoder& encoder, sceReturnCode result);
+    /// To be called with the failure of the operation that writes the next part, if it failed: throws it as
+    /// CardFailure, or AnotherCard if another card lies in the field now; and Interruption after Ctrl-C.
+    void NoteSending(CardSession& card, const std::optional<CError>& failure);
 
-    /// Calls isTaken, which reads the part back and says whether it holds what was written; returns that, and
-    /// goes on to the next part. Throws OtherFailure if another card lies in the field afterwards, even if
-    /// the reading failed; otherwise what isTaken or SerialNumberOf throws.
-    [[nodiscard]] bool ReadBack(Encoder& encoder, const std::function<bool()>& isTaken);
-
-    /// Before anything is written. Throws OtherFailure if another card than the first lies in the field, and
-    /// as SerialNumberOf does.
-    void RequireSameCard(Encoder& encoder) { RequireFirst(SerialNumberOf(encoder)); }
+    /// Calls isTaken, which logs in anew, reads the part back and says whether it holds what was written;
+    /// returns that, and goes on to the next part. Throws AnotherCard if another card lies in the field
+    /// afterwards, even if the reading failed; otherwise what isTaken or CardSession::Select throws.
+    [[nodiscard]] bool ReadBack(CardSession& card, const std::function<bool()>& isTaken);
 
     /// The part is a file, which isn't read back.
     void ConfirmFile() { Tell("yes", "yes"); }
@@ -54,8 +52,11 @@ private:
         std::string InWords = "no";
     };
 
-    /// isSame: the part has been read back, and holds what was to be written.
-    void RequireFirst(const std::wstring& now, bool isSame = false);
+    /// Selects the card; throws AnotherCard if it isn't the first one. isSame: the part has been read back,
+    /// and holds what was to be written.
+    void RequireFirstCard(CardSession& card, bool isSame);
+    /// After a failure: throws AnotherCard if another card lies in the field.
+    void LookForAnotherCard(CardSession& card);
     /// Of the part that is being written.
     void Tell(std::string written, std::string inWords);
     void Tell();
@@ -63,7 +64,6 @@ private:
     Output& m_out;
     std::vector<Part> m_parts;
     size_t m_at = 0; ///< the part that is being written
-    std::wstring m_first;
 };
 
 } // namespace acg::tool

@@ -3,9 +3,8 @@
 #include "acg/cards/BlockText.h"
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/Failures.h"
-#include "acg/platform/AnsiText.h"
 #include "acg/platform/HexText.h"
-#include "acg/reader/CommandData.h"
+#include "acg/reader/CommandExchange.h"
 
 namespace acg
 {
@@ -27,29 +26,21 @@ namespace
 } // namespace
 
 /// Logs in on the sector of a block. A failure is recorded whole, under the name of the calling operation.
-///
-/// The good reply to "login" is the status letter "L"; a reply of data is a failure of the reader. One type
-/// of reader answers otherwise: there the block command shows whether the login succeeded.
 Failure Encoder::SectorLogin(int32_t BlocNumber, std::wstring_view key, uint8_t KeyType,
                              std::wstring_view OperationName)
 {
-    constexpr std::wstring_view ReaderWithSilentLogin = L"multiiso 1.0";
-
     CommandData data;
     data.AddByte(LoginSector(BlocNumber)).AddByte(KeyType == KeyTypeB ? 0xBB : 0xAA).AddText(key);
     ByteString reply;
-    Failure failure = Exchange("login", data, reply);
-    if (m_sReaderType == ReaderWithSilentLogin || failure.Letter == StatusLoggedIn) {
+    const Failure failure = JudgeLogin(Exchange("login", data, reply), m_sReaderType);
+    if (!failure) {
         return {};
     }
-    if (failure) {
-        failure.Number = AuthenticationFailure.Number;
-        failure.Description = AuthenticationFailure.Description;
-        RecordExchange(failure, "login");
-    } else { // the other fields keep what the selection has set
-        failure = EncoderFailure;
+    if (failure.Number == EncoderFailure.Number) { // the other fields keep what the selection has set
         m_oLastError->Number = failure.Number;
         m_oLastError->Description = failure.Description;
+    } else {
+        RecordExchange(failure, "login");
     }
     TraceLastError(OperationName);
     return failure;

@@ -179,6 +179,10 @@ public:
     /// with data of another length than 32 characters, so that BlocContents is filled with "0" or cut.
     [[nodiscard]] bool LastReplyWasWhole() const { return m_bReplyIsWhole; }
 
+    /// The opened reader, for commands of the host's own through a ReaderDLL; None while the encoder is
+    /// closed. Every operation on a card selects it again, and ends such a command's login.
+    [[nodiscard]] ReaderHandle OpenedReader() const { return m_hReader; }
+
 private:
     friend struct EncoderInside; // the tests look inside
 

@@ -1,10 +1,10 @@
 // The exchange of one reader command, and the selection of the card.
+#include "acg/reader/CommandExchange.h"
+
 #include "acg/encoder/Encoder.h"
 #include "acg/encoder/Failures.h"
-#include "acg/platform/AnsiText.h"
 #include "acg/platform/Secret.h"
 #include "acg/platform/TextCase.h"
-#include "acg/reader/CommandData.h"
 
 #include <cstring>
 
@@ -31,13 +31,10 @@ wchar_t StatusLetter(std::string_view reply)
 
 } // namespace
 
-/// Sends a command with its data text. A status letter in place of data is failure -5.
-Failure Encoder::Exchange(const char* command, const CommandData& data, ByteString& reply)
+Failure Exchange(ReaderDLL& library, ReaderHandle reader, const char* command, const CommandData& data,
+                 ByteString& reply)
 {
-    if (m_hReader == ReaderHandle::None) {
-        return EncoderIsClosed;
-    }
-    if (const Failure failure = m_oReaderDLL.SendCommandGetData(m_hReader, command, data.Text(), reply)) {
+    if (const Failure failure = library.SendCommandGetData(reader, command, data.Text(), reply)) {
         return failure;
     }
     const wchar_t letter = StatusLetter(reply.Bytes());
@@ -45,6 +42,25 @@ Failure Encoder::Exchange(const char* command, const CommandData& data, ByteStri
         return {};
     }
     return {EncoderCommandFailed.Number, EncoderCommandFailed.Description, /*LastDllError=*/0, letter};
+}
+
+Failure JudgeLogin(const Failure& exchange, std::wstring_view readerType)
+{
+    if (readerType == ReaderWithSilentLogin || exchange.Letter == StatusLoggedIn) {
+        return {};
+    }
+    if (!exchange) {
+        return EncoderFailure;
+    }
+    return {AuthenticationFailure.Number, AuthenticationFailure.Description, exchange.LastDllError,
+            exchange.Letter};
+}
+
+/// As acg::Exchange; a closed encoder is failure -1.
+Failure Encoder::Exchange(const char* command, const CommandData& data, ByteString& reply)
+{
+    return m_hReader == ReaderHandle::None ? EncoderIsClosed
+                                           : acg::Exchange(m_oReaderDLL, m_hReader, command, data, reply);
 }
 
 /// The record holds the command, never its data.

@@ -1,0 +1,238 @@
+#include "tool/WholeCard.h"
+
+#include "acg/cards/BlockAddress.h"
+#include "tool/Blocks.h"
+#include "tool/Failures.h"
+#include "tool/ProgressBar.h"
+#include "tool/SectorAccess.h"
+#include "tool/Text.h"
+
+#include <algorithm>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+class Reading
+{
+public:
+    Reading(CardSession& card, const KeyRing& keys, const CardSize& size, Output& out)
+        : m_card(card), m_keys(keys), m_out(out), m_bar(TrailerBlock(size.LastSector) + 1)
+    {
+        m_result.SerialNumber = card.SerialNumber();
+        m_result.Size = size;
+    }
+
+    /// Reads the sector that follows those in the result.
+    void ReadSector();
+    /// Changes the size to the card's own.
+    void FindSize();
+    [[nodiscard]] const CardSize& Size() const { return m_result.Size; }
+    [[nodiscard]] WholeCard Take() { return std::move(m_result); }
+
+private:
+    std::optional<size_t> FindKey(int32_t sector, uint8_t type);
+    void ReadUnread(const LoginKey& key);
+    void SayWhatIsMissing(int32_t sector, const Opening& opening, bool isTrailerRead);
+    void Miss(const std::string& what)
+    {
+        m_result.IsComplete = false;
+        m_bar.Erase();
+        m_out.Problem(what);
+    }
+
+    CardSession& m_card;
+    const KeyRing& m_keys;
+    Output& m_out;
+    WholeCard m_result;
+    ProgressBar m_bar;
+    // Of the sector that is being read:
+    int32_t m_first = 0; ///< its first block
+    Dump m_blocks;
+    std::vector<std::string> m_refusals; ///< by block, why it couldn't be read; empty: it wasn't tried
+};
+
+/// The first key that opens the sector; it stays logged in.
+std::optional<size_t> Reading::FindKey(int32_t sector, uint8_t type)
+{
+    for (size_t at = 0; at < m_keys.size(); ++at) {
+        if (m_card.TryLogIn(sector, {m_keys[at].Bytes, type}) == Refusal::None) {
+            return at;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Reads those blocks that haven't been read, first the trailer. It says which of the others the key may
+/// read.
+void Reading::ReadUnread(const LoginKey& key)
+{
+    const auto read = [&](size_t at) {
+        DumpedBlock& block = m_blocks[at];
+        const int32_t number = m_first + static_cast<int32_t>(at);
+        if (m_card.TryReadBlock(number, key, block.Bytes) == Refusal::None) {
+            block.Known = WholeBlock;
+            return;
+        }
+        const CError& record = m_card.LastRefusal();
+        const Remedy* const remedy = FindRemedy(record);
+        m_refusals[at] = remedy != nullptr ? std::string(remedy->Meaning) : ToUtf8(record.Description);
+    };
+    const size_t last = m_blocks.size() - 1;
+    if (m_blocks[last].Known == 0) {
+        read(last);
+    }
+    const Trailer trailer(m_blocks[last].Bytes);
+    const bool isTold = m_blocks[last].Known != 0 && InvertedCopiesAgree(trailer.Conditions);
+    const SectorRights rights = RightsOfBits(trailer.Conditions);
+    for (size_t at = 0; at < last; ++at) {
+        const unsigned slot = SlotOf(m_first + static_cast<int32_t>(at));
+        if (m_blocks[at].Known == 0 && (!isTold || Has(rights[slot][Right::Read], key.AsKeySet()))) {
+            read(at);
+            m_bar.Show(m_first + static_cast<int32_t>(at) + 1);
+        }
+    }
+}
+
+/// Puts the key that opened the sector in place of what the trailer shows of it.
+void PutKey(const Key* key, size_t at, uint16_t bytes, DumpedBlock& trailer)
+{
+    trailer.Known = static_cast<uint16_t>(trailer.Known & ~bytes);
+    if (key != nullptr) {
+        std::ranges::copy(*key, trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
+        trailer.Known = static_cast<uint16_t>(trailer.Known | bytes);
+    }
+}
+
+void Reading::ReadSector()
+{
+    const auto sector = static_cast<int32_t>(m_result.Openings.size());
+    const int32_t last = TrailerBlock(sector);
+    m_first = static_cast<int32_t>(m_result.Blocks.size());
+    m_blocks.assign(static_cast<size_t>(last - m_first + 1), {});
+    m_refusals.assign(m_blocks.size(), {});
+    DumpedBlock& trailer = m_blocks.back();
+    const auto keyAt = [&](const std::optional<size_t>& at) { return at ? &m_keys[*at].Bytes : nullptr; };
+
+    Opening opening;
+    opening.A = FindKey(sector, KeyTypeA);
+    if (opening.A) {
+        ReadUnread({*keyAt(opening.A), KeyTypeA});
+        opening.ShowsB =
+            trailer.Known != 0 && KeysUsedBy(TrailerRightsIn(Trailer(trailer.Bytes).Conditions)) == KeyAAlone;
+    }
+    if (!opening.ShowsB) {
+        opening.B = FindKey(sector, KeyTypeB);
+        if (opening.B) {
+            ReadUnread({*keyAt(opening.B), KeyTypeB});
+        }
+    }
+    const bool isTrailerRead = trailer.Known != 0;
+    PutKey(keyAt(opening.A), 0, KeyABits, trailer);
+    if (!opening.ShowsB) {
+        PutKey(keyAt(opening.B), KeyBAt, KeyBBits, trailer);
+    }
+    SayWhatIsMissing(sector, opening, isTrailerRead);
+    m_result.Blocks.insert(m_result.Blocks.end(), m_blocks.begin(), m_blocks.end());
+    m_result.Openings.push_back(opening);
+    m_bar.Show(last + 1);
+}
+
+void Reading::FindSize()
+{
+    try {
+        m_result.Size = tool::FindSize(m_card, m_keys);
+    } catch (const CardFailure&) {
+        m_bar.Erase();
+        m_out.Problem("whether the card has a sector 16 isn't known; --card 1k doesn't ask");
+        throw;
+    }
+    m_bar.SetSteps(TrailerBlock(m_result.Size.LastSector) + 1);
+}
+
+void Reading::SayWhatIsMissing(int32_t sector, const Opening& opening, bool isTrailerRead)
+{
+    const int32_t last = TrailerBlock(sector);
+    if (!opening.A && !opening.B) {
+        Miss(Format("blocks %d to %d, sector %d: not read, as no key opens it", m_first, last, sector));
+        return;
+    }
+    for (size_t at = 0; at + 1 < m_blocks.size(); ++at) {
+        if (m_blocks[at].Known == 0) {
+            Miss(Format("block %d: not read: ", m_first + static_cast<int32_t>(at)) +
+                 (m_refusals[at].empty() ? "its access bits allow it to no key that opens the sector"
+                                         : m_refusals[at]));
+        }
+    }
+    if (!isTrailerRead) {
+        Miss(Format("block %d, the trailer of sector %d: not read", last, sector));
+    }
+    for (const auto& [name, bytes] : {std::pair{'A', KeyABits}, std::pair{'B', KeyBBits}}) {
+        if ((m_blocks.back().Known & bytes) == 0) {
+            Miss(Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
+        }
+    }
+}
+
+} // namespace
+
+void AddCardOption(CommandOptions& command, std::string& size)
+{
+    command.Option("--card", "1k|4k", size,
+                   "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
+}
+
+std::optional<CardSize> ParseCardSize(const std::string& size)
+{
+    if (size.empty()) {
+        return std::nullopt;
+    }
+    if (size != "1k" && size != "4k") {
+        throw UsageError{"--card is 1k or 4k"};
+    }
+    return CardSize{size == "1k" ? LastSector1K : LastSector, "--card says so"};
+}
+
+CardSize FindSize(CardSession& card, const KeyRing& keys)
+{
+    bool isAbsent = true; // by the letter that the simulated reader has for it
+    for (int32_t sector = LastSector1K + 1; sector <= LastSector; ++sector) {
+        for (const NamedKey& key : keys) {
+            for (const uint8_t type : {KeyTypeA, KeyTypeB}) {
+                if (card.TryLogIn(sector, {key.Bytes, type}) == Refusal::None) {
+                    return {LastSector, Format("a key opens sector %d", sector)};
+                }
+                isAbsent = isAbsent && card.LastRefusal().RdrRetCode == L"R";
+            }
+        }
+        if (isAbsent) {
+            return {LastSector1K, Format("the reader answers R to a login on sector %d", sector)};
+        }
+    }
+    return {LastSector1K, Format("no key opens a sector from %d on", LastSector1K + 1)};
+}
+
+WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys, const std::optional<CardSize>& size,
+                        Output& out)
+{
+    Reading reading(card, keys, size.value_or(CardSize{LastSector1K, {}}), out);
+    for (int32_t sector = 0; sector <= reading.Size().LastSector; ++sector) {
+        try {
+            reading.ReadSector();
+            card.Select();
+        } catch (const AnotherCard& other) {
+            const std::string known =
+                sector == 0 ? "no block is surely"
+                            : Format("only blocks 0 to %d are surely", TrailerBlock(sector - 1));
+            throw AnotherCard{{other.Text + "; " + known + " of that"}, other.Now};
+        }
+        if (sector == LastSector1K && !size) {
+            reading.FindSize();
+        }
+    }
+    return reading.Take();
+}
+
+} // namespace acg::tool

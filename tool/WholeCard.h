@@ -1,0 +1,57 @@
+// A card as a whole: how large it is, which keys of a list open its sectors, and what they read of it.
+#pragma once
+
+#include "tool/CardSession.h"
+#include "tool/CommandLine.h"
+#include "tool/DumpFile.h"
+#include "tool/Keys.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace acg::tool
+{
+
+inline constexpr int32_t LastSector1K = 15;
+
+struct CardSize {
+    int32_t LastSector;
+    std::string Reason; ///< how it was found out, as in "a key opens sector 16"
+
+    [[nodiscard]] const char* Name() const { return LastSector <= LastSector1K ? "1K" : "4K"; }
+};
+
+/// Which key of the list opens a sector, as the index; nothing if none does.
+struct Opening {
+    std::optional<size_t> A;
+    std::optional<size_t> B;
+    bool ShowsB = false; ///< the trailer shows key B, which opens nothing
+
+    bool operator==(const Opening&) const = default;
+};
+
+struct WholeCard {
+    std::string SerialNumber;
+    CardSize Size;
+    Dump Blocks;                   ///< a trailer has the keys that opened the sector
+    std::vector<Opening> Openings; ///< one for each sector
+    bool IsComplete = true;        ///< otherwise what is missing has been said, by Output::Problem
+};
+
+void AddCardOption(CommandOptions& command, std::string& size);
+
+/// --card: the size that it says, or nothing if it is empty. Throws UsageError.
+[[nodiscard]] std::optional<CardSize> ParseCardSize(const std::string& size);
+
+/// 4K if a key opens a sector that a card of 1K lacks. Throws CardFailure if a reply concerns more than the
+/// sector: if the card has left, for example.
+[[nodiscard]] CardSize FindSize(CardSession& card, const KeyRing& keys);
+
+/// Reads it with a progress bar; all keys are tried on each sector. The serial number is compared after each
+/// sector. size: none to find it out. Throws as CardSession does.
+[[nodiscard]] WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys,
+                                      const std::optional<CardSize>& size, Output& out);
+
+} // namespace acg::tool
