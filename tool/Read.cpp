@@ -16,21 +16,9 @@ struct Options {
     KeyOptions Key;
 };
 
-/// The first and the last block.
-std::pair<int32_t, int32_t> ParseBlocks(const std::string& text)
-{
-    const size_t sign = text.find('-', 1);
-    const int32_t first = ParseBlockNumber(text.substr(0, sign));
-    const int32_t last = sign == std::string::npos ? first : ParseBlockNumber(text.substr(sign + 1));
-    if (last < first) {
-        throw UsageError{"BLOCK-BLOCK ends before it begins"};
-    }
-    return {first, last};
-}
-
 int Read(const Options& options, Context& context)
 {
-    const auto [first, last] = ParseBlocks(options.Blocks);
+    const auto [first, last] = ParseRange(options.Blocks, ParseBlockNumber);
     const LoginKey key = ReadLoginKey(options.Key);
     JsonObject& blocks = context.Out.Json["blocks"] = JsonObject::array();
     CardSession card(context.Parameters);

@@ -180,4 +180,15 @@ int32_t ParseNumber(std::string_view text, int32_t least, int32_t most, std::str
     return number;
 }
 
+std::pair<int32_t, int32_t> ParseRange(std::string_view text, int32_t (*parse)(std::string_view))
+{
+    const size_t sign = text.find('-', 1);
+    const int32_t first = parse(text.substr(0, sign));
+    const int32_t last = sign == std::string_view::npos ? first : parse(text.substr(sign + 1));
+    if (last < first) {
+        throw UsageError{std::string(text) + " ends before it begins"};
+    }
+    return {first, last};
+}
+
 } // namespace acg::tool

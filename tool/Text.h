@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace acg::tool
@@ -41,5 +42,10 @@ namespace acg::tool
 /// The text as a decimal number. Throws UsageError{problem} unless it is one from least to most.
 [[nodiscard]] int32_t ParseNumber(std::string_view text, int32_t least, int32_t most,
                                   std::string_view problem);
+
+/// The first and the last number of "4-6", or twice that of "4". Throws as parse does, and UsageError if it
+/// ends before it begins.
+[[nodiscard]] std::pair<int32_t, int32_t> ParseRange(std::string_view text,
+                                                     int32_t (*parse)(std::string_view));
 
 } // namespace acg::tool

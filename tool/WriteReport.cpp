@@ -98,8 +98,14 @@ void WriteReport::Tell()
     JsonObject writes = JsonObject::array();
     size_t confirmed = 0;
     const Part* unknown = nullptr;
-    for (const Part& part : m_parts) {
-        lines += Format("\n  written   %s: %s", part.InWords.c_str(), part.What.c_str());
+    std::string line;
+    for (size_t at = 0; at < m_parts.size(); ++at) {
+        const Part& part = m_parts[at];
+        line += (line.empty() ? part.InWords + ": " : ", ") + part.What;
+        if (at + 1 == m_parts.size() || m_parts[at + 1].InWords != part.InWords) {
+            lines += "\n  written   " + Wrap(line, /*indent=*/12);
+            line.clear();
+        }
         if (part.Written == "yes") {
             ++confirmed;
         } else if (part.Written == "unknown" && unknown == nullptr) {
