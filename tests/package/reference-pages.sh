@@ -22,7 +22,7 @@ entry '<td><code>NAME</code></td>' "${values[@]}"
 entry '^<p><code>NAME</code>' "${calls[@]}"
 entry '<td>NAME [A-Z]' "${failures[@]}"
 
-examples() { sed 's/\r//' "$repository/package/reference/reference-$1.md" | sed -n '/^```vb/,/^```/{/^```/!p}' | grep -v Configure; }
+examples() { sed 's/\r//' "$repository/package/pages/reference-$1.md" | sed -n '/^```vb/,/^```/{/^```/!p}' | grep -v Configure; }
 diff <(examples en) <(examples fr)
 on_wine regsvr32 /s ACG_MultiISO_TV.dll
 cp simulator/ACGReader330.dll .
