@@ -111,7 +111,7 @@ void Reading::ReadSector()
     const auto sector = static_cast<int32_t>(m_result.Openings.size());
     const int32_t last = TrailerBlock(sector);
     m_first = static_cast<int32_t>(m_result.Blocks.size());
-    m_blocks.assign(static_cast<size_t>(last - m_first + 1), {});
+    m_blocks.assign(static_cast<size_t>(last) - static_cast<size_t>(m_first) + 1, {});
     m_refusals.assign(m_blocks.size(), {});
     DumpedBlock& trailer = m_blocks.back();
     const auto keyAt = [&](const std::optional<size_t>& at) { return at ? &m_keys[*at].Bytes : nullptr; };
@@ -217,7 +217,7 @@ CardSize FindSize(CardSession& card, const KeyRing& keys)
 WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys, const std::optional<CardSize>& size,
                         Output& out)
 {
-    Reading reading(card, keys, size.value_or(CardSize{LastSector1K, {}}), out);
+    Reading reading(card, keys, size.value_or(CardSize()), out);
     for (int32_t sector = 0; sector <= reading.Size().LastSector; ++sector) {
         try {
             reading.ReadSector();

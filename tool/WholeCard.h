@@ -17,7 +17,7 @@ namespace acg::tool
 inline constexpr int32_t LastSector1K = 15;
 
 struct CardSize {
-    int32_t LastSector;
+    int32_t LastSector = LastSector1K;
     std::string Reason; ///< how it was found out, as in "a key opens sector 16"
 
     [[nodiscard]] const char* Name() const { return LastSector <= LastSector1K ? "1K" : "4K"; }
