@@ -17,6 +17,11 @@ namespace
 
 namespace fs = std::filesystem;
 
+#define ACG_IS_FORWARDED(name)                                                                               \
+    static_assert(!std::is_same_v<decltype(&Recorder::name), decltype(&acgreader::ReaderLibrary::name)>);
+ACG_READER_FUNCTIONS(ACG_IS_FORWARDED)
+#undef ACG_IS_FORWARDED
+
 /// What the system's error code is at the end: the host's until the next library is called, and then that
 /// library's.
 struct FinalLastError {

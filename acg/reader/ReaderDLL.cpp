@@ -55,11 +55,6 @@ using Buffer = std::array<char, Characters + 1>;
 
 const int ReaderFunctionCount = acgreader::FunctionCount;
 
-const char* Name(ReaderFunction function)
-{
-    return acgreader::NameOf(function);
-}
-
 EntryPoint FindInLibrary(ReaderFunction function)
 {
     static constinit Library library(ACG_LIBRARY);
@@ -69,7 +64,7 @@ EntryPoint FindInLibrary(ReaderFunction function)
     if (const EntryPoint::Function address = known) {
         return {.Address = address, .LibraryLoaded = true};
     }
-    const EntryPoint entry = library.Find(Name(function));
+    const EntryPoint entry = library.Find(NameOf(function));
     known = entry.Address;
     return entry;
 }

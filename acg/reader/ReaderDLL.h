@@ -24,9 +24,6 @@ class ByteString;
 using ReaderFunction = acgreader::Function;
 extern const int ReaderFunctionCount;
 
-/// The name under which the library exports the function.
-[[nodiscard]] const char* Name(ReaderFunction function);
-
 /// Passed to OpenComm by reference. What the library writes into it isn't read.
 using CommSettings = acgreader::CommSettings;
 

@@ -90,7 +90,7 @@ protected:
     Library simulator{"ACGReader330"};
     Encoder encoder{ReaderDLL([this](ReaderFunction function) {
                         duringCall(function);
-                        return simulator.Find(Name(function));
+                        return simulator.Find(NameOf(function));
                     }),
                     std::chrono::steady_clock::now};
 };
