@@ -52,16 +52,11 @@ bool AreHexDigits(std::string_view text, size_t count)
     return text.size() == count && std::ranges::all_of(text, acg::IsHexDigit);
 }
 
-bool IsPrintable(std::string_view text)
-{
-    return std::ranges::all_of(text, [](char character) { return character >= ' ' && character <= '~'; });
-}
-
 /// Printable, with fewer hexadecimal digits in a row than half a key. Blanks and signs don't end a row.
 bool HoldsNoHalfKey(std::string_view text)
 {
     size_t row = 0;
-    return IsPrintable(text) && std::ranges::none_of(text, [&row](char character) {
+    return std::ranges::all_of(text, IsPrintable) && std::ranges::none_of(text, [&row](char character) {
                const char lower = acg::AsciiToLower(character);
                const bool isLetter = lower >= 'a' && lower <= 'z';
                row = acg::IsHexDigit(character) ? row + 1 : isLetter ? 0 : row;
@@ -165,9 +160,10 @@ Parts ShownOfReply(std::string_view command, std::string_view data, std::string_
     if (isTrailer && AreHexDigits(text, BlockDigits)) {
         return {NoKeyInTrailer, {BlockDigits, upToNul.End}};
     }
-    const bool isShown = isTrailer ? HoldsNoHalfKey(text)
-                                   : IsPrintable(text) && std::ranges::count_if(text, acg::IsHexDigit) <
-                                                              static_cast<ptrdiff_t>(KeyDigits);
+    const bool isShown =
+        isTrailer ? HoldsNoHalfKey(text)
+                  : std::ranges::all_of(text, IsPrintable) &&
+                        std::ranges::count_if(text, acg::IsHexDigit) < static_cast<ptrdiff_t>(KeyDigits);
     if (isLetter || isShown) {
         return {upToNul};
     }

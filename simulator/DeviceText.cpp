@@ -29,13 +29,8 @@ std::string_view CutOff(std::string_view& text, char separator)
 
 bool ParseCard(std::string_view value, Device& device)
 {
-    static const std::map<std::string_view, std::size_t> sizes = {
-        {"1k", BlocksOf1K}, {"4k", BlocksOf4K}, {"none", 0}};
-    const auto size = sizes.find(value);
-    if (size != sizes.end()) {
-        device.Card.BlockCount = size->second;
-    }
-    return size != sizes.end();
+    device.Card.BlockCount = value == "1k" ? BlocksOf1K : value == "4k" ? BlocksOf4K : 0;
+    return device.Card.BlockCount != 0U || value == "none";
 }
 
 template <std::string CardOptions::*path>

@@ -1,4 +1,5 @@
 // What only windows show of the dialogs, used by keys, from a thread beside the test's. It needs a display.
+#include "abi/ACGReader330.h"
 #include "acg/dialogs/frmConfigure.h"
 #include "acg/encoder/Encoder.h"
 
