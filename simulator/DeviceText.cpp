@@ -66,7 +66,7 @@ bool ParseFault(std::string_view value, Device& device)
     if (std::ranges::count(value, '/') != 2) {
         return false;
     }
-    const CommandText* const command = FindCommand(CutOff(value, '/'));
+    const KnownCommand* const command = FindCommand(CutOff(value, '/'));
     const unsigned occurrence = ParseNumber(CutOff(value, '/')).value_or(0);
     const std::string_view letter = value;
     if (command == nullptr || occurrence == 0 || letter.size() > 1 ||
