@@ -45,12 +45,6 @@ fs::path NextLibraryFile()
                         : fs::absolute(file);
 }
 
-fs::path LogFile()
-{
-    const fs::path file = acg::EnvironmentVariable("ACG_READER_LOG");
-    return file.empty() ? Beside("ACGReader330.log") : file;
-}
-
 /// As in 2026-11-23 09:42:13 UTC.
 std::string DateText()
 {
@@ -146,7 +140,8 @@ void Recorder::Begin(bool isOpening)
     if (!m_begun) {
         m_begun = true;
         m_start = Clock::now();
-        m_log.Open(LogFile());
+        const fs::path log = acg::EnvironmentVariable("ACG_READER_LOG");
+        m_log.Open(log.empty() ? Beside("ACGReader330.log") : log);
         Load();
     } else if (!m_next && isOpening) {
         Load();

@@ -131,9 +131,6 @@ frmConfigure& frmConfigure::OfThread()
 
 void frmConfigure::Show(const ReaderDLL& reader)
 {
-    if (IsOpen()) {
-        return;
-    }
     Screen screen(*this, reader);
     screen.cboAutoDetect.OnPick = [this] { cboAutoDetect_Click(); };
     screen.cboAutoDetect.OnEdit = [this] { cboAutoDetect_Change(); };

@@ -81,7 +81,7 @@ public:
 
 private:
     template <ReaderFunction function, class Result, class... Arguments>
-    Failure Call(Result& result, Arguments... arguments) const;
+    Failure Call(Result&& result, Arguments... arguments) const; ///< a temporary result isn't wanted
     template <ReaderFunction function, class... Arguments>
     Failure CallForText(std::wstring& text, Arguments... arguments) const;
 
