@@ -31,25 +31,25 @@ enum class Holds {
 
 struct KnownCommand {
     Command Meaning;
+    Holds Key;
     std::string_view Name;
     std::size_t DataBytes; ///< the size of its data text, two hexadecimal digits a byte
-    Holds Key;
     std::chrono::milliseconds CardTime{0};
 };
 
 using namespace std::chrono_literals;
 
 inline constexpr KnownCommand KnownCommands[] = {
-    {Command::UseIso14443A, "use iso14443a", 0, Holds::NoKey},
-    {Command::AntennaOn, "antenna on", 0, Holds::NoKey},
-    {Command::AntennaOff, "antenna off", 0, Holds::NoKey},
+    {Command::UseIso14443A, Holds::NoKey, "use iso14443a", 0},
+    {Command::AntennaOn, Holds::NoKey, "antenna on", 0},
+    {Command::AntennaOff, Holds::NoKey, "antenna off", 0},
     // Select, login and a block take 7 ms together; how they share them is a guess.
-    {Command::Select, "select", 0, Holds::NoKey, 3ms},
-    {Command::Login, "login", 1 + 1 + 6, Holds::Login, 2ms},
-    {Command::ReadBlock, "read block", 1, Holds::Block, 2ms},
-    {Command::WriteBlock, "write block", 1 + 16, Holds::Block, 2ms},
+    {Command::Select, Holds::NoKey, "select", 0, 3ms},
+    {Command::Login, Holds::Login, "login", 1 + 1 + 6, 2ms},
+    {Command::ReadBlock, Holds::Block, "read block", 1, 2ms},
+    {Command::WriteBlock, Holds::Block, "write block", 1 + 16, 2ms},
     // Block, value with its most significant byte first.
-    {Command::WriteValueBlock, "write vblock", 1 + 4, Holds::NoKey, 2ms},
+    {Command::WriteValueBlock, Holds::NoKey, "write vblock", 1 + 4, 2ms},
 };
 
 /// Null if the reader has no such command.

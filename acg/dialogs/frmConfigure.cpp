@@ -125,7 +125,7 @@ struct frmConfigure::Screen {
 frmConfigure& frmConfigure::OfThread()
 {
     // Never destroyed: the component may have been unloaded when the thread ends.
-    thread_local frmConfigure* const dialog = new frmConfigure;
+    thread_local auto* const dialog = new frmConfigure;
     return *dialog;
 }
 

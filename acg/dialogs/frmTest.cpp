@@ -116,7 +116,7 @@ private:
 frmTest& frmTest::OfThread()
 {
     // Never destroyed: the component may have been unloaded when the thread ends.
-    thread_local frmTest* const dialog = new frmTest;
+    thread_local auto* const dialog = new frmTest;
     return *dialog;
 }
 

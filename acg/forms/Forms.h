@@ -128,6 +128,7 @@ class Form
 {
 public:
     explicit Form(const FormLook& look) : Look(look) {}
+    ~Form() = default;
     Form(const Form&) = delete;
     Form& operator=(const Form&) = delete;
 
