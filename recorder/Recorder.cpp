@@ -17,6 +17,11 @@ namespace
 
 namespace fs = std::filesystem;
 
+#define ACG_IS_FORWARDED(name)                                                                               \
+    static_assert(!std::is_same_v<decltype(&Recorder::name), decltype(&acgreader::ReaderLibrary::name)>);
+ACG_READER_FUNCTIONS(ACG_IS_FORWARDED)
+#undef ACG_IS_FORWARDED
+
 /// What the system's error code is at the end: the host's until the next library is called, and then that
 /// library's.
 struct FinalLastError {
@@ -38,12 +43,6 @@ fs::path NextLibraryFile()
     const fs::path file = acg::EnvironmentVariable("ACG_READER_LIBRARY");
     return file.empty() ? Beside(fs::path("vendor") / acg::LibraryFileName("ACGReader330"))
                         : fs::absolute(file);
-}
-
-fs::path LogFile()
-{
-    const fs::path file = acg::EnvironmentVariable("ACG_READER_LOG");
-    return file.empty() ? Beside("ACGReader330.log") : file;
 }
 
 /// As in 2026-11-23 09:42:13 UTC.
@@ -141,7 +140,8 @@ void Recorder::Begin(bool isOpening)
     if (!m_begun) {
         m_begun = true;
         m_start = Clock::now();
-        m_log.Open(LogFile());
+        const fs::path log = acg::EnvironmentVariable("ACG_READER_LOG");
+        m_log.Open(log.empty() ? Beside("ACGReader330.log") : log);
         Load();
     } else if (!m_next && isOpening) {
         Load();

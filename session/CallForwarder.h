@@ -8,6 +8,8 @@
 namespace session
 {
 
+using acgreader::Function;
+
 /// Each function calls the member template of the derived class
 ///
 ///     Result Call<Function>(Result closed, const Describe& describe, std::string call, arguments...)
@@ -18,76 +20,53 @@ template <class Derived>
 class CallForwarder : public acgreader::ReaderLibrary
 {
 public:
-    CallForwarder()
-    {
-#define ACG_IS_OVERRIDDEN(name)                                                                              \
-    static_assert(!std::is_same_v<decltype(&CallForwarder::name), decltype(&ReaderLibrary::name)>);
-        ACG_READER_FUNCTIONS(ACG_IS_OVERRIDDEN)
-#undef ACG_IS_OVERRIDDEN
-    }
-
     Handle OpenComm(Text device, uint8_t autodetect, acgreader::CommSettings& settings) override
     {
-        return Forward<acgreader::Function::OpenComm>(device, autodetect, settings);
+        return Forward<Function::OpenComm>(device, autodetect, settings);
     }
     int32_t SetCommTimeout(Handle comm, int32_t milliseconds) override
     {
-        return Forward<acgreader::Function::SetCommTimeout>(comm, milliseconds);
+        return Forward<Function::SetCommTimeout>(comm, milliseconds);
     }
     int32_t SetCommProtocol(Handle comm, uint8_t protocol) override
     {
-        return Forward<acgreader::Function::SetCommProtocol>(comm, protocol);
+        return Forward<Function::SetCommProtocol>(comm, protocol);
     }
-    uint8_t GetCommProtocol(Handle comm) override
-    {
-        return Forward<acgreader::Function::GetCommProtocol>(comm);
-    }
-    int32_t GetCommBaudRate(Handle comm) override
-    {
-        return Forward<acgreader::Function::GetCommBaudRate>(comm);
-    }
-    int32_t GetCommTimeout(Handle comm) override
-    {
-        return Forward<acgreader::Function::GetCommTimeout>(comm);
-    }
+    uint8_t GetCommProtocol(Handle comm) override { return Forward<Function::GetCommProtocol>(comm); }
+    int32_t GetCommBaudRate(Handle comm) override { return Forward<Function::GetCommBaudRate>(comm); }
+    int32_t GetCommTimeout(Handle comm) override { return Forward<Function::GetCommTimeout>(comm); }
     std::string DetectReader(Handle comm, Buffer buffer) override
     {
-        return Forward<acgreader::Function::DetectReader>(comm, buffer);
+        return Forward<Function::DetectReader>(comm, buffer);
     }
     Handle OpenReader(Handle comm, uint8_t id, int32_t zero) override
     {
-        return Forward<acgreader::Function::OpenReader>(comm, id, zero);
+        return Forward<Function::OpenReader>(comm, id, zero);
     }
     std::string GetReaderType(Handle reader, Buffer buffer) override
     {
-        return Forward<acgreader::Function::GetReaderType>(reader, buffer);
+        return Forward<Function::GetReaderType>(reader, buffer);
     }
     std::string GetDeviceID(Handle reader, Buffer buffer) override
     {
-        return Forward<acgreader::Function::GetDeviceID>(reader, buffer);
+        return Forward<Function::GetDeviceID>(reader, buffer);
     }
     /// The one function whose texts may hold a key.
     std::string SendCommandGetData(Handle reader, Text command, Text data, Buffer buffer) override
     {
-        return static_cast<Derived*>(this)->template Call<acgreader::Function::SendCommandGetData>(
+        return static_cast<Derived*>(this)->template Call<Function::SendCommandGetData>(
             ReaderLibrary::SendCommandGetData(reader, command, data, buffer),
             [&](const std::string& reply) { return ReplyText(command, data, reply); },
             CommandText(reader, command, data), reader, command, data, buffer);
     }
-    int32_t CloseReader(Handle reader) override
-    {
-        return Forward<acgreader::Function::CloseReader>(reader);
-    }
-    int32_t CloseComm(Handle comm) override
-    {
-        return Forward<acgreader::Function::CloseComm>(comm);
-    }
+    int32_t CloseReader(Handle reader) override { return Forward<Function::CloseReader>(reader); }
+    int32_t CloseComm(Handle comm) override { return Forward<Function::CloseComm>(comm); }
 
 private:
     template <class Result, class... Parameters>
     static Result ResultOf(Result(ACG_READER_CALL*)(Parameters...));
 
-    template <acgreader::Function function, class... Arguments>
+    template <Function function, class... Arguments>
     auto Forward(Arguments&... arguments)
     {
         using Returned = decltype(ResultOf(acgreader::Pointer<function>()));

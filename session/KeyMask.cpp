@@ -2,6 +2,7 @@
 
 #include "acg/platform/HexText.h"
 #include "acg/platform/TextCase.h"
+#include "session/Command.h"
 
 #include <algorithm>
 #include <iterator>
@@ -20,25 +21,6 @@ constexpr Part NoKeyInTrailer = {12, 20};
 
 constexpr Parts Nothing = {};
 
-enum class Holds {
-    NoKey,
-    Login, // sector, AA or BB, key
-    Block  // block number, contents if there are any; the reply is the block
-};
-
-struct KnownCommand {
-    std::string_view Name;
-    size_t DataDigits;
-    Holds Kind;
-};
-
-constexpr KnownCommand KnownCommands[] = {
-    {"use iso14443a", 0, Holds::NoKey}, {"antenna on", 0, Holds::NoKey},
-    {"antenna off", 0, Holds::NoKey},   {"select", 0, Holds::NoKey},
-    {"write vblock", 10, Holds::NoKey}, {"login", 4 + KeyDigits, Holds::Login},
-    {"read block", 2, Holds::Block},    {"write block", 2 + BlockDigits, Holds::Block},
-};
-
 /// Null for a command that isn't known. The reader may not mind the case.
 const KnownCommand* Find(std::string_view name)
 {
@@ -52,16 +34,11 @@ bool AreHexDigits(std::string_view text, size_t count)
     return text.size() == count && std::ranges::all_of(text, acg::IsHexDigit);
 }
 
-bool IsPrintable(std::string_view text)
-{
-    return std::ranges::all_of(text, [](char character) { return character >= ' ' && character <= '~'; });
-}
-
 /// Printable, with fewer hexadecimal digits in a row than half a key. Blanks and signs don't end a row.
 bool HoldsNoHalfKey(std::string_view text)
 {
     size_t row = 0;
-    return IsPrintable(text) && std::ranges::none_of(text, [&row](char character) {
+    return std::ranges::all_of(text, IsPrintable) && std::ranges::none_of(text, [&row](char character) {
                const char lower = acg::AsciiToLower(character);
                const bool isLetter = lower >= 'a' && lower <= 'z';
                row = acg::IsHexDigit(character) ? row + 1 : isLetter ? 0 : row;
@@ -108,15 +85,15 @@ bool IsMisplacedTrailer(std::string_view digits)
 const KnownCommand* FindWith(std::string_view command, std::string_view data)
 {
     const KnownCommand* const known = Find(command);
-    if (known == nullptr || data.size() != known->DataDigits) {
+    if (known == nullptr || data.size() != 2 * known->DataBytes) {
         return nullptr;
     }
-    bool isUnderstood = AreHexDigits(data, known->DataDigits);
-    if (known->Kind == Holds::Login) { // whatever the key is
+    bool isUnderstood = AreHexDigits(data, data.size());
+    if (known->Key == Holds::Login) { // whatever the key is
         const std::string_view keyType = data.substr(2, 2);
         isUnderstood = AreHexDigits(data.substr(0, 2), 2) &&
                        (acg::IsSameInAsciiCase(keyType, "AA") || acg::IsSameInAsciiCase(keyType, "BB"));
-    } else if (known->Kind == Holds::Block) {
+    } else if (known->Key == Holds::Block) {
         isUnderstood = isUnderstood && !IsMisplacedTrailer(data);
     }
     return isUnderstood ? known : nullptr;
@@ -135,10 +112,10 @@ Parts ShownOfData(std::string_view command, std::string_view data)
     if (known == nullptr) {
         return Nothing;
     }
-    if (known->Kind == Holds::Login) {
+    if (known->Key == Holds::Login) {
         return {Part{0, 4}}; // the sector and the type of the key
     }
-    if (known->Kind == Holds::Block && IsTrailer(data)) {
+    if (known->Key == Holds::Block && IsTrailer(data)) {
         return {Part{0, 2}, {2 + NoKeyInTrailer.Begin, 2 + NoKeyInTrailer.End}};
     }
     return Everything;
@@ -152,9 +129,9 @@ Part UpToNul(std::string_view text)
 Parts ShownOfReply(std::string_view command, std::string_view data, std::string_view reply)
 {
     const KnownCommand* const known = FindWith(command, data);
-    const bool isTrailer = known != nullptr && known->Kind == Holds::Block && IsTrailer(data);
+    const bool isTrailer = known != nullptr && known->Key == Holds::Block && IsTrailer(data);
     const Part upToNul = UpToNul(reply);
-    if (known != nullptr && known->Kind != Holds::Login && !isTrailer) {
+    if (known != nullptr && known->Key != Holds::Login && !isTrailer) {
         return {upToNul};
     }
     std::string_view text = reply.substr(0, reply.find('\0'));
@@ -165,9 +142,10 @@ Parts ShownOfReply(std::string_view command, std::string_view data, std::string_
     if (isTrailer && AreHexDigits(text, BlockDigits)) {
         return {NoKeyInTrailer, {BlockDigits, upToNul.End}};
     }
-    const bool isShown = isTrailer ? HoldsNoHalfKey(text)
-                                   : IsPrintable(text) && std::ranges::count_if(text, acg::IsHexDigit) <
-                                                              static_cast<ptrdiff_t>(KeyDigits);
+    const bool isShown =
+        isTrailer ? HoldsNoHalfKey(text)
+                  : std::ranges::all_of(text, IsPrintable) &&
+                        std::ranges::count_if(text, acg::IsHexDigit) < static_cast<ptrdiff_t>(KeyDigits);
     if (isLetter || isShown) {
         return {upToNul};
     }

@@ -18,6 +18,11 @@ struct Part {
 using Parts = std::array<Part, 2>;
 inline constexpr Parts Everything = {Part{0, std::string_view::npos}};
 
+[[nodiscard]] constexpr bool IsPrintable(char character)
+{
+    return character >= ' ' && character <= '~';
+}
+
 /// A command that isn't known is shown if it is printable ASCII with fewer than 6 hexadecimal digits, half a
 /// key, in a row; other characters than letters don't end a row.
 [[nodiscard]] Parts ShownOfCommand(std::string_view command);

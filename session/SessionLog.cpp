@@ -30,11 +30,6 @@ constexpr Shape Shapes[] = {
 };
 static_assert(std::ranges::equal(Shapes, acgreader::FunctionNames, {}, &Shape::Function));
 
-bool IsPrintable(char character)
-{
-    return character >= ' ' && character <= '~';
-}
-
 bool IsSpecial(char character)
 {
     return character == '"' || character == '\\' || character == Masked;
@@ -55,7 +50,7 @@ std::string Quoted(std::string_view text, const Parts& shown = Everything)
             quoted += Masked;
         } else if (!IsPrintable(character)) {
             const auto byte = static_cast<uint8_t>(character);
-            quoted += {'\\', 'x', acg::HexDigits[byte >> 4U], acg::HexDigits[byte & 0x0FU]};
+            quoted += "\\x" + acg::ToHex({&byte, 1});
         } else {
             quoted += IsSpecial(character) ? std::string{'\\', character} : std::string{character};
         }

@@ -43,16 +43,6 @@ Card CardFromImage(const CardOptions& options)
     throw Refusal(option, "expected a file of 1024 bytes, or 4096 for a 4K card, and card= to agree");
 }
 
-/// The card with the contents that it has when its number is placed for the first time.
-Card NewCard(const CardOptions& options)
-{
-    Card card = options.ImagePath.empty() ? FactoryCard(options) : CardFromImage(options);
-    if (options.Number) {
-        card.SetSerialNumber(*options.Number);
-    }
-    return card;
-}
-
 } // namespace
 
 void SaveImage(const Card& saved, const std::string& path)
@@ -75,7 +65,10 @@ Card* CardBox::Place(const CardOptions& options)
     }
     auto card = options.Number ? m_cards.find(*options.Number) : m_cards.end();
     if (card == m_cards.end()) {
-        const Card created = NewCard(options);
+        Card created = options.ImagePath.empty() ? FactoryCard(options) : CardFromImage(options);
+        if (options.Number) {
+            created.SetSerialNumber(*options.Number);
+        }
         card = m_cards.try_emplace(created.GetSerialNumber(), created).first;
     }
     if (!options.SavePath.empty()) {

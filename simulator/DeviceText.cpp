@@ -29,13 +29,8 @@ std::string_view CutOff(std::string_view& text, char separator)
 
 bool ParseCard(std::string_view value, Device& device)
 {
-    static const std::map<std::string_view, std::size_t> sizes = {
-        {"1k", BlocksOf1K}, {"4k", BlocksOf4K}, {"none", 0}};
-    const auto size = sizes.find(value);
-    if (size != sizes.end()) {
-        device.Card.BlockCount = size->second;
-    }
-    return size != sizes.end();
+    device.Card.BlockCount = value == "1k" ? BlocksOf1K : value == "4k" ? BlocksOf4K : 0;
+    return device.Card.BlockCount != 0U || value == "none";
 }
 
 template <std::string CardOptions::*path>
@@ -71,7 +66,7 @@ bool ParseFault(std::string_view value, Device& device)
     if (std::ranges::count(value, '/') != 2) {
         return false;
     }
-    const CommandText* const command = FindCommand(CutOff(value, '/'));
+    const KnownCommand* const command = FindCommand(CutOff(value, '/'));
     const unsigned occurrence = ParseNumber(CutOff(value, '/')).value_or(0);
     const std::string_view letter = value;
     if (command == nullptr || occurrence == 0 || letter.size() > 1 ||

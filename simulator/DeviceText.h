@@ -1,8 +1,8 @@
 // The text that names a device says what the simulated reader is to be.
 #pragma once
 
+#include "session/Command.h"
 #include "simulator/Card.h"
-#include "simulator/Command.h"
 
 #include <cstdint>
 #include <map>
@@ -14,6 +14,8 @@
 
 namespace simulator
 {
+
+using namespace session; // the reader's commands and status letters
 
 /// A command that is answered instead of carried out.
 struct Fault {

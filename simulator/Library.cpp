@@ -1,11 +1,11 @@
 #include "simulator/Library.h"
 
 #include "acg/platform/HexText.h"
-#include "acg/platform/Process.h"
 
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <thread>
 #include <utility>
 
 namespace simulator
@@ -82,7 +82,7 @@ std::string Library::SendCommandGetData(Handle reader, Text command, Text data, 
         taken = opened.Device.TimeOf(command, data, reply);
         return reply;
     });
-    acg::Wait(taken); // with the other threads let in
+    std::this_thread::sleep_for(taken); // with the other threads let in
     return sent;
 }
 

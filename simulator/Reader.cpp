@@ -48,7 +48,7 @@ Reader::Reader(Device device, CardBox& cards, Card* inField)
 std::string Reader::Send(std::string_view commandName, std::string_view data)
 {
     ChangeField();
-    const CommandText* const command = FindCommand(commandName);
+    const KnownCommand* const command = FindCommand(commandName);
     if (command == nullptr) {
         return StatusReply(StatusUnknownCommand);
     }
@@ -71,7 +71,7 @@ std::chrono::microseconds Reader::TimeOf(std::string_view commandName, std::stri
     }
     constexpr uint64_t BitsOfByte = 10; // with the start bit and the stop bit
     const uint64_t bits = (commandName.size() + data.size() + reply.size()) * BitsOfByte;
-    const CommandText* const command = FindCommand(commandName);
+    const KnownCommand* const command = FindCommand(commandName);
     return std::chrono::microseconds(bits * std::micro::den / *m_device.BaudRate) +
            (command != nullptr ? command->CardTime : std::chrono::milliseconds());
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "simulator/CardBox.h"
-#include "simulator/Command.h"
 #include "simulator/DeviceText.h"
 
 #include <chrono>

@@ -23,7 +23,7 @@ EntryPoint ScriptedReader::Find(ReaderFunction function)
 {
     const RunningCode ofTest(/*OfComponent=*/false);
     current = this;
-    m_function = Name(function);
+    m_function = NameOf(function);
     const bool isFault = Injected.Hits(++m_calls) && !Injected.Reply;
     if (LibraryMissing || Missing.contains(function) || isFault) {
         return {.LibraryLoaded = !LibraryMissing, .SystemError = MissingError};

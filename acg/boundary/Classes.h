@@ -2,6 +2,7 @@
 #pragma once
 
 #include "acg/boundary/AutomationObject.h"
+#include "acg/dialogs/frmConfigure.h"
 #include "acg/encoder/CError.h"
 #include "acg/encoder/Encoder.h"
 
@@ -81,6 +82,10 @@ class AutomationEncoder final : public AutomationObject<::Encoder, _Encoder>
 public:
     AutomationEncoder()
     {
+        // Thread-local memory that can't be allocated ends the process. So this thread's is allocated here,
+        // not when a dialog is shown.
+        static_cast<void>(frmConfigure::OfThread());
+        static_cast<void>(frmTest::OfThread());
         // Takes over the first reference. Attach doesn't in every version of the system's headers.
         *m_lastError.GetAddressOf() = new AutomationError(m_encoder.LastError());
     }

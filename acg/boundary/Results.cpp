@@ -30,11 +30,6 @@ ComPtr<IErrorInfo> ErrorInfoOf(const RaisedFailure& raised)
     return info;
 }
 
-HRESULT ResultOf(int32_t number)
-{
-    return number < 0 ? number : MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number);
-}
-
 } // namespace
 
 HRESULT ResultOfException() noexcept
@@ -44,7 +39,8 @@ HRESULT ResultOfException() noexcept
     try {
         throw;
     } catch (const RaisedFailure& raised) {
-        result = ResultOf(raised.Number);
+        const int32_t number = raised.Number;
+        result = number < 0 ? number : MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number);
         info = ErrorInfoOf(raised);
     } catch (const std::bad_alloc&) {
         result = E_OUTOFMEMORY;

@@ -2,7 +2,6 @@
 
 #include "acg/encoder/NumberReading.h"
 #include "acg/platform/TextCase.h"
-#include "acg/platform/ThreadObject.h"
 
 #include <algorithm>
 
@@ -11,8 +10,6 @@ namespace acg
 
 namespace
 {
-
-const ThreadObject<frmConfigure> OwnDialog;
 
 // The frame, and the rows in it.
 constexpr Area Frame = {97, 90, 6540, 2895};
@@ -127,14 +124,13 @@ struct frmConfigure::Screen {
 
 frmConfigure& frmConfigure::OfThread()
 {
-    return OwnDialog.Get();
+    // Never destroyed: the component may have been unloaded when the thread ends.
+    thread_local auto* const dialog = new frmConfigure;
+    return *dialog;
 }
 
 void frmConfigure::Show(const ReaderDLL& reader)
 {
-    if (IsOpen()) {
-        return;
-    }
     Screen screen(*this, reader);
     screen.cboAutoDetect.OnPick = [this] { cboAutoDetect_Click(); };
     screen.cboAutoDetect.OnEdit = [this] { cboAutoDetect_Change(); };

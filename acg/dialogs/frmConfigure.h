@@ -18,10 +18,9 @@ public:
 
     bool OKPressed = false;
 
-    /// One dialog at a time: another can't be shown on top of it.
     [[nodiscard]] bool IsOpen() const { return m_screen != nullptr; }
-    /// Shows the dialog without an owner, and returns when it has been closed, or at once if it can't be
-    /// shown.
+    /// Shows the dialog, which isn't open, without an owner, and returns when it has been closed, or at once
+    /// if it can't be shown.
     void Show(const ReaderDLL& reader);
 
 private:

@@ -2,7 +2,6 @@
 
 #include "abi/ACGReader330.h"
 #include "acg/encoder/NumberReading.h"
-#include "acg/platform/ThreadObject.h"
 
 #include <algorithm>
 #include <utility>
@@ -12,8 +11,6 @@ namespace acg
 
 namespace
 {
-
-const ThreadObject<frmTest> OwnDialog;
 
 constexpr int StartDelay = 1000; // milliseconds
 constexpr Colour LogBackground = {Colour::Source::Own, 0xF8, 0xF8, 0xF0};
@@ -118,7 +115,9 @@ private:
 
 frmTest& frmTest::OfThread()
 {
-    return OwnDialog.Get();
+    // Never destroyed: the component may have been unloaded when the thread ends.
+    thread_local auto* const dialog = new frmTest;
+    return *dialog;
 }
 
 void frmTest::Show(const ReaderDLL& reader, const Form* owner)

@@ -35,10 +35,7 @@ public:
     /// Steps over the next character if it is a digit to that base.
     std::optional<int> TakeDigit(int base)
     {
-        if (m_rest.empty()) {
-            return std::nullopt;
-        }
-        const std::optional<int> digit = HexDigit(m_rest.front());
+        const std::optional<int> digit = m_rest.empty() ? std::nullopt : HexDigit(m_rest.front());
         if (!digit || *digit >= base) {
             return std::nullopt;
         }

@@ -21,8 +21,7 @@ std::wstring Encoder::GetInformation()
     ResetLastError();
     DrawHandleNumber();
     std::wstring information = L"Tarvello|ACG Multi-ISO|" ACG_VERSION L"|1|";
-    information += DecimalText(m_lHandleNumber);
-    information += L'|';
+    information += DecimalText(m_lHandleNumber) + L'|';
     information += Capabilities;
     ResetLastError(L"GetInformation");
     return information;

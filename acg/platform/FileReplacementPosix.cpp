@@ -1,10 +1,10 @@
 #include "acg/platform/FileReplacement.h"
 
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <sys/stat.h>
@@ -21,26 +21,14 @@ std::error_code LastError()
     return {errno, std::generic_category()};
 }
 
-bool IsMissing(const std::string& file)
-{
-    struct stat status = {};
-    return lstat(file.c_str(), &status) != 0 && errno == ENOENT;
-}
-
 /// The path at which a chain of links ends.
-std::string ResolveLinks(std::string file)
+std::filesystem::path ResolveLinks(std::filesystem::path file)
 {
     constexpr int MaxLinks = 40; // as the system follows
-    for (int links = 0; links < MaxLinks; ++links) {
-        char text[PATH_MAX];
-        const ssize_t length = readlink(file.c_str(), text, sizeof text);
-        if (length <= 0) {
-            break;
-        }
-        const std::string_view named(text, static_cast<size_t>(length));
-        const size_t folder = named.starts_with('/') ? 0 : file.rfind('/') + 1; // none: npos, whose next is 0
-        file.resize(folder);
-        file += named;
+    std::error_code end;         // the last file is no link
+    for (int links = 0; links < MaxLinks && !end; ++links) {
+        const std::filesystem::path named = std::filesystem::read_symlink(file, end);
+        file = end ? file : file.parent_path() / named;
     }
     return file;
 }
@@ -96,7 +84,7 @@ std::error_code FileReplacement::Create(const SystemPath& path, ExistingFile exi
     if (exists && (status.st_mode & S_IWUSR) == 0) {
         return make_error_code(std::errc::permission_denied); // a renaming doesn't look at the mode
     }
-    m_file = ResolveLinks(path);
+    m_file = ResolveLinks(path).native();
     m_existing = existing;
     std::string name = m_file + ".XXXXXX";
     m_handle = mkostemp(name.data(), O_CLOEXEC);
@@ -121,7 +109,7 @@ std::error_code FileReplacement::Finish(std::string_view contents)
             return {};
         }
         // A file system without links, as on a stick, leaves a moment between looking and renaming.
-        if (errno == EEXIST || !IsMissing(m_file)) {
+        if (errno == EEXIST || lstat(m_file.c_str(), &former) == 0 || errno != ENOENT) {
             return make_error_code(std::errc::file_exists);
         }
     }

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cinttypes>
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
-#include <memory>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -54,16 +53,14 @@ EntryPoint FindIn(void* library, const char* function)
 SystemPath OwnPath()
 {
     const auto ownAddress = reinterpret_cast<uintptr_t>(&OwnPath);
-    const std::unique_ptr<FILE, int (*)(FILE*)> maps(std::fopen("/proc/self/maps", "r"), &std::fclose);
-    char mapping[PATH_MAX + 100]; // as in: 7f0012340000-7f0012350000 r-xp 00001000 08:01 1234   /opt/host
-    while (maps && std::fgets(mapping, sizeof mapping, maps.get()) != nullptr) {
+    std::ifstream maps("/proc/self/maps");
+    std::string mapping; // as in: 7f0012340000-7f0012350000 r-xp 00001000 08:01 1234   /opt/host
+    while (std::getline(maps, mapping)) {
         uintptr_t from = 0;
         uintptr_t to = 0;
-        const bool isMapping = std::sscanf(mapping, "%" SCNxPTR "-%" SCNxPTR, &from, &to) == 2;
-        if (isMapping && ownAddress >= from && ownAddress < to) {
-            const std::string_view line = mapping;
-            const size_t start = std::min(line.find('/'), line.size());
-            return std::string(line.substr(start, line.find('\n') - start));
+        std::sscanf(mapping.c_str(), "%" SCNxPTR "-%" SCNxPTR, &from, &to);
+        if (ownAddress >= from && ownAddress < to) {
+            return mapping.substr(std::min(mapping.find('/'), mapping.size()));
         }
     }
     return {};

@@ -15,11 +15,4 @@ SystemPath EnvironmentVariable(const char* name)
     return value;
 }
 
-void Wait(std::chrono::microseconds time)
-{
-    if (time.count() > 0) {
-        Sleep(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(time).count()));
-    }
-}
-
 } // namespace acg

@@ -55,11 +55,6 @@ using Buffer = std::array<char, Characters + 1>;
 
 const int ReaderFunctionCount = acgreader::FunctionCount;
 
-const char* Name(ReaderFunction function)
-{
-    return acgreader::NameOf(function);
-}
-
 EntryPoint FindInLibrary(ReaderFunction function)
 {
     static constinit Library library(ACG_LIBRARY);
@@ -69,7 +64,7 @@ EntryPoint FindInLibrary(ReaderFunction function)
     if (const EntryPoint::Function address = known) {
         return {.Address = address, .LibraryLoaded = true};
     }
-    const EntryPoint entry = library.Find(Name(function));
+    const EntryPoint entry = library.Find(NameOf(function));
     known = entry.Address;
     return entry;
 }
@@ -79,13 +74,14 @@ ReaderDLL::ReaderDLL() : ReaderDLL(FindInLibrary) {}
 ReaderDLL::ReaderDLL(EntryPointLookUp lookUp) : m_lookUp(std::move(lookUp)) {}
 
 template <ReaderFunction function, class Result, class... Arguments>
-Failure ReaderDLL::Call(Result& result, Arguments... arguments) const
+Failure ReaderDLL::Call(Result&& result, Arguments... arguments) const
 {
     const EntryPoint entry = m_lookUp(function);
     if (entry.Address == nullptr) {
         return CallFailure(function, entry);
     }
-    result = Result{reinterpret_cast<acgreader::Pointer<function>>(entry.Address)(Plain(arguments)...)};
+    result = std::remove_reference_t<Result>{
+        reinterpret_cast<acgreader::Pointer<function>>(entry.Address)(Plain(arguments)...)};
     return {};
 }
 
@@ -108,14 +104,12 @@ Failure ReaderDLL::OpenComm(std::wstring_view device, uint8_t autodetect, CommSe
 
 Failure ReaderDLL::SetCommTimeout(CommHandle comm, int32_t timeout) const
 {
-    int32_t notRead = 0;
-    return Call<ReaderFunction::SetCommTimeout>(notRead, comm, timeout);
+    return Call<ReaderFunction::SetCommTimeout>(int32_t(), comm, timeout);
 }
 
 Failure ReaderDLL::SetCommProtocol(CommHandle comm, uint8_t protocol) const
 {
-    int32_t notRead = 0;
-    return Call<ReaderFunction::SetCommProtocol>(notRead, comm, protocol);
+    return Call<ReaderFunction::SetCommProtocol>(int32_t(), comm, protocol);
 }
 
 Failure ReaderDLL::GetCommProtocol(CommHandle comm, uint8_t& protocol) const
@@ -174,14 +168,12 @@ Failure ReaderDLL::SendCommandGetData(ReaderHandle reader, const char* command, 
 
 Failure ReaderDLL::CloseReader(ReaderHandle reader) const
 {
-    int32_t notRead = 0;
-    return Call<ReaderFunction::CloseReader>(notRead, reader);
+    return Call<ReaderFunction::CloseReader>(int32_t(), reader);
 }
 
 Failure ReaderDLL::CloseComm(CommHandle comm) const
 {
-    int32_t notRead = 0;
-    return Call<ReaderFunction::CloseComm>(notRead, comm);
+    return Call<ReaderFunction::CloseComm>(int32_t(), comm);
 }
 
 } // namespace acg

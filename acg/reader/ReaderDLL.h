@@ -24,9 +24,6 @@ class ByteString;
 using ReaderFunction = acgreader::Function;
 extern const int ReaderFunctionCount;
 
-/// The name under which the library exports the function.
-[[nodiscard]] const char* Name(ReaderFunction function);
-
 /// Passed to OpenComm by reference. What the library writes into it isn't read.
 using CommSettings = acgreader::CommSettings;
 
@@ -84,7 +81,7 @@ public:
 
 private:
     template <ReaderFunction function, class Result, class... Arguments>
-    Failure Call(Result& result, Arguments... arguments) const;
+    Failure Call(Result&& result, Arguments... arguments) const; ///< a temporary result isn't wanted
     template <ReaderFunction function, class... Arguments>
     Failure CallForText(std::wstring& text, Arguments... arguments) const;
 

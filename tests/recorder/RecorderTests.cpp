@@ -53,7 +53,7 @@ std::string ResultsOf(acg::ReaderDLL& library, std::wstring_view device)
 acg::ReaderDLL LibraryIn(const fs::path& file)
 {
     return acg::ReaderDLL(
-        [file](acg::ReaderFunction function) { return acg::FindInFile(file.native(), acg::Name(function)); });
+        [file](acg::ReaderFunction function) { return acg::FindInFile(file.native(), NameOf(function)); });
 }
 
 TEST(RecorderTest, EveryFunctionIsPassedOnWithItsResultAndReplayed)

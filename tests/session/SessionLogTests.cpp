@@ -87,18 +87,24 @@ TEST(SessionLogTest, ALineIsReadBackAsItWasWritten)
     EXPECT_EQ(ParseText(ResultText(bytes.substr(1) + '\0')), bytes.substr(1) + '\0');
     EXPECT_TRUE(IsSameCall(R"(X "01AA***" "*" 1)", R"(X "01AA****" "07" 1)"));
     EXPECT_FALSE(IsSameCall(R"(X "01AA***" 1)", R"(X "01BB***" 1)"));
+    EXPECT_FALSE(IsSameCall(R"(X "01**" 1)", R"(X "01" 1 1)"));
+    EXPECT_FALSE(IsSameCall(R"(X "01**" 1)", R"(X "01)"));
     EXPECT_EQ(ParseText(R"("**\*")"), "00*");
 
     for (const char* wrong :
          {"text", "1.0", "1.0 Dance 1 = 1 0.0", "1.0 CloseComm = 1 0.0", "1.0 CloseComm 1 1 = 1 0.0",
           "1.0 CloseComm 1 = \"\" 0.0", "1.0 CloseComm 1 = 1", "1.0 CloseComm 1 = 1 0.0 ",
-          R"(1.0 GetReaderType 1 = "\x4" 0.0)", "-1.0 CloseComm 1 = 1 0.0", "1.0 CloseComm 1 = 1 0.1000",
-          "1.0 repeated: calls 0, times 1 0.0", "1.0 repeated: calls 9, times 1 0.0",
-          "1.0 repeated: calls 1, times 0 0.0", R"(1.0 GetReaderType 1 = "\q" 0.0)",
-          "1.0 GetReaderType 1 = \"A 0.0", "1.0 GetReaderType 1 = \"\xE9\" 0.0"}) {
+          R"(1.0 GetReaderType 1 = "\x4" 0.0)", R"(1.0 GetReaderType 1 = "\x4)", "-1.0 CloseComm 1 = 1 0.0",
+          "1.0 CloseComm 1 = 1 0.1000", "1.0 repeated: calls 0, times 1 0.0",
+          "1.0 repeated: calls 9, times 1 0.0", "1.0 repeated: calls 1, times 0 0.0",
+          R"(1.0 GetReaderType 1 = "\q" 0.0)", "1.0 GetReaderType 1 = \"A 0.0",
+          "1.0 GetReaderType 1 = \"\xE9\" 0.0"}) {
         EXPECT_FALSE(ParseLine(wrong)) << wrong;
     }
-    EXPECT_EQ(ParseLine("# a note").value_or(Gap{}).index(), 0);
+    for (const char* note : {"# a note", "", "\xEF\xBB\xBF"}) {
+        EXPECT_EQ(ParseLine(note).value_or(Gap{}).index(), 0) << note;
+    }
+    EXPECT_EQ(NoteLine("one\nline"), "# one?line\n");
 }
 
 } // namespace

@@ -31,13 +31,14 @@ TEST(SimulatorTest, UnknownOptionsAreRefusedWithALineThatSaysWhy)
     for (const char* device : {"com1", ",reader=", ",readers=", ",fault=write vblock/12/?"}) {
         EXPECT_NE(OpenLine(library, device), 0U) << device;
     }
+    EXPECT_EQ(library.OpenReader(OpenLine(library, ",readers="), 0x41, 0), 0U);
     std::istringstream refused(
         "card=2k card= CARD=1k uid=A1B2C3 uid=A1B2C3DG reader readers=4100 colour=red "
         "remove= remove=1x remove=4294967296 fault=login/1 fault=login/0/N "
         "fault=login/1/Z fault=login/1/NX fault=login/1/N/ fault=dance/1/N ,card=1k "
         "image= image=. image=no\x01where save= save=nowhere/card save=c,card=none "
         "baud=0 baud=fast place=1/A1B2C3 place=x/A1B2C3D4 place=1/A1B2C3D4/2k return=1 "
-        "return=1,remove=2 remove=1,remove=1 replay=log,card=1k");
+        "return=1,remove=2 remove=1,remove=1 replay=log,card=1k readers=4 replay= replay=nowhere");
     for (std::string option; refused >> option;) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(OpenLine(library, "com1," + option), 0U);

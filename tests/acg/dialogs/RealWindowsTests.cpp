@@ -1,4 +1,5 @@
 // What only windows show of the dialogs, used by keys, from a thread beside the test's. It needs a display.
+#include "abi/ACGReader330.h"
 #include "acg/dialogs/frmConfigure.h"
 #include "acg/encoder/Encoder.h"
 
@@ -90,7 +91,7 @@ protected:
     Library simulator{"ACGReader330"};
     Encoder encoder{ReaderDLL([this](ReaderFunction function) {
                         duringCall(function);
-                        return simulator.Find(Name(function));
+                        return simulator.Find(NameOf(function));
                     }),
                     std::chrono::steady_clock::now};
 };

@@ -41,8 +41,8 @@ TEST(ThreadTest, SeveralUseTheLibraryAndTheRecorderAtOnce)
     Library library("ACGReader330");
     const EntryPointLookUp lookUps[] = {
         FindInLibrary,
-        [&](ReaderFunction function) { return library.Find(Name(function)); },
-        [](ReaderFunction function) { return FindInFile(ACG_RECORDER, Name(function)); },
+        [&](ReaderFunction function) { return library.Find(NameOf(function)); },
+        [](ReaderFunction function) { return FindInFile(ACG_RECORDER, NameOf(function)); },
     };
     for (const EntryPointLookUp& lookUp : lookUps) {
         std::atomic<int> good = 0;

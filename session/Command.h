@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace simulator
+namespace session
 {
 
 enum class Command {
@@ -22,8 +22,16 @@ enum class Command {
     WriteValueBlock
 };
 
-struct CommandText {
+/// Where a command has a key, in its data or in the reply.
+enum class Holds {
+    NoKey,
+    Login, ///< the data: login sector, AA or BB for the key type, key
+    Block  ///< the data: block, and contents if there are any; the reply is the block
+};
+
+struct KnownCommand {
     Command Meaning;
+    Holds Key;
     std::string_view Name;
     std::size_t DataBytes; ///< the size of its data text, two hexadecimal digits a byte
     std::chrono::milliseconds CardTime{0};
@@ -31,24 +39,24 @@ struct CommandText {
 
 using namespace std::chrono_literals;
 
-inline constexpr CommandText CommandTexts[] = {
-    {Command::UseIso14443A, "use iso14443a", 0},
-    {Command::AntennaOn, "antenna on", 0},
-    {Command::AntennaOff, "antenna off", 0},
+inline constexpr KnownCommand KnownCommands[] = {
+    {Command::UseIso14443A, Holds::NoKey, "use iso14443a", 0},
+    {Command::AntennaOn, Holds::NoKey, "antenna on", 0},
+    {Command::AntennaOff, Holds::NoKey, "antenna off", 0},
     // Select, login and a block take 7 ms together; how they share them is a guess.
-    {Command::Select, "select", 0, 3ms},
-    {Command::Login, "login", 1 + 1 + 6, 2ms},         // login sector, AA or BB for the key type, key
-    {Command::ReadBlock, "read block", 1, 2ms},        // block
-    {Command::WriteBlock, "write block", 1 + 16, 2ms}, // block, contents
-    {Command::WriteValueBlock, "write vblock", 1 + 4,
-     2ms} // block, value with its most significant byte first
+    {Command::Select, Holds::NoKey, "select", 0, 3ms},
+    {Command::Login, Holds::Login, "login", 1 + 1 + 6, 2ms},
+    {Command::ReadBlock, Holds::Block, "read block", 1, 2ms},
+    {Command::WriteBlock, Holds::Block, "write block", 1 + 16, 2ms},
+    // Block, value with its most significant byte first.
+    {Command::WriteValueBlock, Holds::NoKey, "write vblock", 1 + 4, 2ms},
 };
 
 /// Null if the reader has no such command.
-[[nodiscard]] constexpr const CommandText* FindCommand(std::string_view name)
+[[nodiscard]] constexpr const KnownCommand* FindCommand(std::string_view name)
 {
-    const auto* found = std::ranges::find(CommandTexts, name, &CommandText::Name);
-    return found == std::end(CommandTexts) ? nullptr : found;
+    const auto* found = std::ranges::find(KnownCommands, name, &KnownCommand::Name);
+    return found == std::end(KnownCommands) ? nullptr : found;
 }
 
 inline constexpr char StatusLoggedIn = 'L';
@@ -67,4 +75,4 @@ inline constexpr std::string_view StatusLetters = "LNXFOR?IC";
     return {letter, '\0'};
 }
 
-} // namespace simulator
+} // namespace session
