@@ -2,7 +2,7 @@
 // written whole or not at all.
 #pragma once
 
-#include "recorder/System.h"
+#include "acg/platform/AppendedFile.h"
 #include "session/SessionLog.h"
 
 #include <chrono>
@@ -38,7 +38,7 @@ private:
     void WriteCount();
     bool Write(const std::string& line, int64_t calls);
 
-    AppendedFile m_file;
+    acg::AppendedFile m_file;
     std::string m_name;
     int64_t m_missing = 0; ///< calls since the last line that could be written
     uint32_t m_error = 0;  ///< the system's code, if the last line couldn't be written

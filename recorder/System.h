@@ -1,9 +1,7 @@
-// What the recorder needs of the system, beside the loading of a library.
+// What the recorder needs of the system, beside the loading of a library and the file of its log.
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
-#include <string_view>
 
 namespace recorder
 {
@@ -11,31 +9,5 @@ namespace recorder
 /// The error code that a host reads after a call: errno, or GetLastError.
 [[nodiscard]] uint32_t LastError();
 void SetLastError(uint32_t error);
-
-/// A file that text is appended to, all of it or nothing.
-class AppendedFile
-{
-public:
-    AppendedFile() = default;
-    ~AppendedFile();
-    AppendedFile(const AppendedFile&) = delete;
-    AppendedFile& operator=(const AppendedFile&) = delete;
-
-    /// Creates the file, for its owner alone, if there is none. What the file has already ends with its line.
-    /// Returns 0, or the system's error code.
-    [[nodiscard]] uint32_t Open(const std::filesystem::path& file);
-    [[nodiscard]] bool IsOpen() const { return m_file != Closed; }
-    /// Returns 0, or the system's error code: the file is then as before, or, if it can't be cut back, ends
-    /// with a piece of the text, whose line the next text ends.
-    [[nodiscard]] uint32_t Append(std::string_view text);
-
-private:
-    static constexpr intptr_t Closed = -1;
-
-    void CutBack(size_t bytes);
-
-    intptr_t m_file = Closed;
-    bool m_isInLine = false; ///< the next text begins with a line feed
-};
 
 } // namespace recorder

@@ -2,6 +2,7 @@
 
 #include "acg/platform/AnsiText.h"
 #include "acg/platform/FileReplacement.h"
+#include "acg/platform/HexText.h"
 
 #include <span>
 #include <string>
@@ -26,7 +27,7 @@ Card FactoryCard(const CardOptions& options)
 
 Card CardFromImage(const CardOptions& options)
 {
-    const std::string option = "image=" + options.ImagePath;
+    const std::string option = (options.IsInFolder ? "cards=" : "image=") + options.ImagePath;
     std::vector<uint8_t> image(BlocksOf4K * sizeof(Block) + 1); // one more shows a file that is no card
     const std::error_code error = acg::ReadContents(acg::PathFromAnsi(options.ImagePath), image);
     if (error == std::errc::no_such_file_or_directory && options.ImagePath == options.SavePath) {
@@ -45,16 +46,27 @@ Card CardFromImage(const CardOptions& options)
 
 } // namespace
 
-void SaveImage(const Card& saved, const std::string& path)
+CardOptions InFolder(CardOptions card, const std::string& folder)
+{
+    if (!folder.empty() && card.BlockCount != 0U) {
+        card.Number = card.Number.value_or(FactoryCard(card).GetSerialNumber());
+        card.ImagePath = card.SavePath = folder + '/' + acg::ToHex(*card.Number) + ".bin";
+        card.IsInFolder = true;
+    }
+    return card;
+}
+
+void SaveImage(const Card& saved, const CardOptions& options)
 {
     const std::span<const Block> image = saved.Image();
     acg::FileReplacement file;
-    std::error_code error = file.Create(acg::PathFromAnsi(path), acg::ExistingFile::Replaced);
+    std::error_code error = file.Create(acg::PathFromAnsi(options.SavePath), acg::ExistingFile::Replaced);
     if (!error) {
         error = file.Finish({reinterpret_cast<const char*>(image.data()), image.size_bytes()});
     }
     if (error) {
-        throw Refusal("save=" + path, error == acg::NotARegularFile ? "not a regular file" : error.message());
+        throw Refusal((options.IsInFolder ? "cards=" : "save=") + options.SavePath,
+                      error == acg::NotARegularFile ? "not a regular file" : error.message());
     }
 }
 
@@ -72,7 +84,7 @@ Card* CardBox::Place(const CardOptions& options)
         card = m_cards.try_emplace(created.GetSerialNumber(), created).first;
     }
     if (!options.SavePath.empty()) {
-        SaveImage(card->second, options.SavePath);
+        SaveImage(card->second, options);
     }
     return &card->second;
 }

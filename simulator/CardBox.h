@@ -10,9 +10,13 @@
 namespace simulator
 {
 
-/// Replaces the file by an image of the card in one step, as FileReplacement does. Throws a Refusal if it
-/// can't be written.
-void SaveImage(const Card& saved, const std::string& path);
+/// The same card, read from its image in the folder, if it exists, and saved to it. Unchanged if there is no
+/// folder, or no card.
+[[nodiscard]] CardOptions InFolder(CardOptions card, const std::string& folder);
+
+/// Replaces the file that the options name by an image of the card in one step, as FileReplacement does.
+/// Throws a Refusal if it can't be written.
+void SaveImage(const Card& saved, const CardOptions& options);
 
 /// A card is identified by its serial number: placing the same number again returns the same card with its
 /// current contents, and the other options don't count. A card keeps its address as long as its box lives.

@@ -40,6 +40,13 @@ bool ParseCardPath(std::string_view value, Device& device)
     return !value.empty();
 }
 
+template <std::string Device::*path>
+bool ParsePath(std::string_view value, Device& device)
+{
+    device.*path = value;
+    return !value.empty();
+}
+
 bool ParseSerialNumber(std::string_view value, Device& device)
 {
     const auto bytes = acg::FromHex(value);
@@ -90,14 +97,38 @@ bool ParseChange(std::string_view value, Device& device)
     return AddChange(value, {kind}, device);
 }
 
+/// UID or UID/4k.
+std::optional<CardOptions> ParseOtherCard(std::string_view value)
+{
+    Device other;
+    const bool isNumber = ParseSerialNumber(CutOff(value, '/'), other);
+    other.Card.BlockCount = value.empty() ? BlocksOf1K : BlocksOf4K;
+    return isNumber && (value.empty() || value == "4k") ? std::optional(other.Card) : std::nullopt;
+}
+
 bool ParsePlace(std::string_view value, Device& device)
 {
     const std::string_view number = CutOff(value, '/');
-    const std::string_view serialNumber = CutOff(value, '/');
-    Device placed;
-    const bool isKnown = ParseSerialNumber(serialNumber, placed) && (value.empty() || value == "4k");
-    placed.Card.BlockCount = value.empty() ? BlocksOf1K : BlocksOf4K;
-    return isKnown && AddChange(number, {FieldChange::Kind::Place, placed.Card}, device);
+    const std::optional<CardOptions> placed = ParseOtherCard(value);
+    return placed && AddChange(number, {FieldChange::Kind::Place, *placed}, device);
+}
+
+bool ParseFeed(std::string_view value, Device& device)
+{
+    constexpr unsigned MaxCards = 1000;
+    const unsigned count = ParseNumber(CutOff(value, '/')).value_or(0);
+    std::optional<CardOptions> card = ParseOtherCard(value);
+    if (!card || count == 0 || count > MaxCards) {
+        return false;
+    }
+    for (unsigned fed = 0; fed < count; ++fed) {
+        device.Feed.push_back(*card);
+        auto digit = card->Number->rbegin(); // the number counts up, its last byte first
+        while (digit != card->Number->rend() && ++*digit == 0) {
+            ++digit;
+        }
+    }
+    return true;
 }
 
 struct Option {
@@ -128,11 +159,9 @@ constexpr Option Options[] = {
          device.BaudRate = ParseNumber(value);
          return device.BaudRate.value_or(0) != 0;
      }},
-    {"replay", "the path of a file",
-     [](std::string_view value, Device& device) {
-         device.ReplayPath = value;
-         return !value.empty();
-     }},
+    {"cards", "the path of a folder", ParsePath<&Device::Folder>},
+    {"feed", "N/UID or N/UID/4k, with N from 1 to 1000", ParseFeed},
+    {"replay", "the path of a file", ParsePath<&Device::ReplayPath>},
 };
 
 /// Two options had other names formerly, which are still taken.
@@ -154,6 +183,9 @@ void RefuseContradictions(const Device& device)
 {
     if (device.Card.BlockCount == 0U && !device.Card.SavePath.empty()) {
         throw Refusal("save=" + device.Card.SavePath, "with card=none there is no card to save");
+    }
+    if (!device.Folder.empty() && (!device.Card.ImagePath.empty() || !device.Card.SavePath.empty())) {
+        throw Refusal("cards=" + device.Folder, "expected neither image= nor save= beside it");
     }
     bool hasLeft = false;
     for (const auto& [after, change] : device.FieldChanges) {

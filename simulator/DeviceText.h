@@ -30,6 +30,7 @@ struct CardOptions {
     std::optional<SerialNumber> Number;
     std::string ImagePath;
     std::string SavePath;
+    bool IsInFolder = false; ///< both paths are those of cards=
 };
 
 /// A card is placed in the field instead of the former, or the card leaves it, or the one that left comes
@@ -51,7 +52,9 @@ struct Device {
     std::map<unsigned, FieldChange> FieldChanges; ///< by the commands since the reader was opened
     std::optional<unsigned> BaudRate;             ///< of a line on which time passes
     CardOptions Card;
-    std::string ReplayPath; ///< of the log that is to answer; empty for a simulated card
+    std::string Folder;            ///< of all cards' images, named by serial number; empty for none
+    std::vector<CardOptions> Feed; ///< the next card comes when the host only selects
+    std::string ReplayPath;        ///< of the log that is to answer; empty for a simulated card
 };
 
 /// Why a device can't be opened: what is wrong with the option, given as in the device text.

@@ -1,10 +1,13 @@
 #include "simulator/Library.h"
 
+#include "acg/platform/AnsiText.h"
 #include "acg/platform/HexText.h"
 
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <filesystem>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -37,9 +40,14 @@ Library::Handle Library::OpenComm(Text deviceText, uint8_t autodetect, acgreader
 
 Library::Handle Library::Open(const Device& device, const acgreader::CommSettings& settings)
 {
+    std::error_code unreadable;
+    if (!device.Folder.empty() &&
+        !std::filesystem::is_directory(acg::PathFromAnsi(device.Folder), unreadable)) {
+        throw Refusal("cards=" + device.Folder, "expected a folder that exists");
+    }
     const std::lock_guard lock(m_mutex);
-    m_lines.insert(
-        {++m_lastHandle, {device, m_cards.Place(device.Card), settings.BaudRate, settings.Protocol}});
+    Card* const inField = m_cards.Place(InFolder(device.Card, device.Folder));
+    m_lines.insert({++m_lastHandle, {device, inField, settings.BaudRate, settings.Protocol}});
     return m_lastHandle;
 }
 

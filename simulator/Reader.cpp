@@ -1,11 +1,14 @@
 #include "simulator/Reader.h"
 
 #include "abi/ReaderLibrary.h"
+#include "acg/platform/AnsiText.h"
 #include "acg/platform/HexText.h"
 #include "acg/platform/TextCase.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <ratio>
+#include <system_error>
 #include <utility>
 
 namespace simulator
@@ -40,9 +43,15 @@ Block ValueBlock(std::span<const uint8_t> value, uint8_t address)
 } // namespace
 
 Reader::Reader(Device device, CardBox& cards, Card* inField)
-    : m_device(std::move(device)), m_cards(&cards), m_card(inField),
-      m_saved(m_device.Card.SavePath.empty() ? nullptr : inField)
+    : m_device(std::move(device)), m_cards(&cards), m_card(inField)
 {
+    m_options[inField] = InFolder(m_device.Card, m_device.Folder);
+    // A feed goes on from the last card that was in the field of some process.
+    for (std::size_t card = 0; card < m_device.Feed.size(); ++card) {
+        const std::string image = InFolder(m_device.Feed[card], m_device.Folder).ImagePath;
+        std::error_code unreadable;
+        m_fed = std::filesystem::exists(acg::PathFromAnsi(image), unreadable) ? card : m_fed;
+    }
 }
 
 std::string Reader::Send(std::string_view commandName, std::string_view data)
@@ -86,7 +95,7 @@ void Reader::ChangeField()
     EndSelection();
     switch (change->second.What) {
     case FieldChange::Kind::Place:
-        m_card = m_cards->Place(change->second.Card);
+        Place(change->second.Card);
         break;
     case FieldChange::Kind::Remove:
         m_removed = m_card != nullptr ? m_card : m_removed;
@@ -95,6 +104,34 @@ void Reader::ChangeField()
     case FieldChange::Kind::Return:
         m_card = m_removed;
         break;
+    }
+}
+
+void Reader::Place(const CardOptions& card)
+{
+    const CardOptions placed = InFolder(card, m_device.Folder);
+    try {
+        m_card = m_cards->Place(placed);
+        m_options.try_emplace(m_card, placed);
+    } catch (const std::runtime_error& reason) { // no card rather than another one
+        m_card = nullptr;
+        acgreader::Report(std::string("SendCommandGetData: ") + reason.what());
+    }
+}
+
+/// At a select: a host that has only selected since the field changed has seen it.
+void Reader::Feed()
+{
+    constexpr unsigned SelectsOfCard = 5; // more than precede a login
+    constexpr unsigned SelectsOfEmptyField = 2;
+    if (m_device.Feed.empty() || ++m_selects <= (m_card != nullptr ? SelectsOfCard : SelectsOfEmptyField)) {
+        return;
+    }
+    m_selects = 1;
+    if (m_card != nullptr) {
+        m_card = nullptr;
+    } else if (m_fed < m_device.Feed.size()) {
+        Place(m_device.Feed[m_fed++]);
     }
 }
 
@@ -139,6 +176,7 @@ std::string Reader::Run(Command sent, std::span<const uint8_t> data)
 std::string Reader::Select()
 {
     EndSelection();
+    Feed();
     if (!CardAnswers()) {
         return StatusReply(StatusNoCard);
     }
@@ -148,6 +186,7 @@ std::string Reader::Select()
 
 std::string Reader::LogIn(std::span<const uint8_t> data)
 {
+    m_selects = 0;
     const std::size_t firstBlock = data[0] * BlocksOfLoginSector;
     const std::size_t sector = SectorOf(firstBlock);
     if (firstBlock >= m_card->BlockCount() || firstBlock != FirstBlockOf(sector)) {
@@ -189,9 +228,10 @@ std::string Reader::AccessBlock(Command sent, std::span<const uint8_t> data)
         EndSelection();
         return StatusReply(StatusCardRefused);
     }
-    if (sent != Command::ReadBlock && m_card == m_saved) {
+    if (const CardOptions& options = m_options[m_card];
+        sent != Command::ReadBlock && !options.SavePath.empty()) {
         try {
-            SaveImage(*m_saved, m_device.Card.SavePath);
+            SaveImage(*m_card, options);
         } catch (const std::runtime_error& reason) { // the card has changed all the same
             acgreader::Report(std::string("SendCommandGetData: ") + reason.what());
         }

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -42,6 +43,8 @@ private:
     };
 
     void ChangeField();
+    void Place(const CardOptions& card);
+    void Feed();
     [[nodiscard]] std::optional<std::string> PlannedReply(Command sent);
     [[nodiscard]] std::string Run(Command sent, std::span<const uint8_t> data);
     [[nodiscard]] std::string Select();
@@ -53,9 +56,11 @@ private:
     Device m_device; ///< what is counted in it counts down
     CardBox* m_cards;
     Card* m_card;
-    Card* m_removed = nullptr; ///< the last card that has left the field
-    const Card* m_saved;       ///< the card that is saved when it changes; null for none
-    unsigned m_commands = 0;   ///< since the reader was opened
+    Card* m_removed = nullptr;                    ///< the last card that has left the field
+    std::map<const Card*, CardOptions> m_options; ///< of the cards that have been in the field
+    unsigned m_commands = 0;                      ///< since the reader was opened
+    std::size_t m_fed = 0;                        ///< the next card of the feed
+    unsigned m_selects = 0; ///< since the last login, or the last change of the field by the feed
     bool m_iso14443A = false;
     bool m_antennaOn = false;
     bool m_selected = false;

@@ -6,41 +6,12 @@
 #include "tool/Text.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace acg::tool
 {
 
 namespace
 {
-
-/// The bytes of a file of keys. Throws UsageError.
-std::string ReadText(const std::string& name)
-{
-    const std::filesystem::path path = ToPath(name);
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (std::filesystem::is_directory(status)) {
-        throw UsageError{name + " is a folder, not a file"};
-    }
-    if (!std::filesystem::exists(status)) {
-        throw UsageError{"there is no file " + name};
-    }
-    constexpr size_t MaxSize = 1 << 20; // a file of the wrong kind may have no end
-    std::optional<std::string> contents = ReadFile(path, MaxSize);
-    if (!contents) {
-        throw UsageError{"can't read " + name};
-    }
-    const std::string& bytes = *contents;
-    if (bytes.size() == MaxSize) {
-        throw UsageError{name + " is too long for a file of keys"};
-    }
-    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
-        (bytes.size() > 1 && (bytes[0] == '\0') != (bytes[1] == '\0'))) {
-        throw UsageError{name + " is UTF-16; save it as UTF-8"};
-    }
-    return *std::move(contents);
-}
 
 /// Of a line of a file of keys: ", " and the comment, if it has one. What may be a key is masked.
 std::string CommentIn(std::string_view line)
@@ -99,9 +70,8 @@ LoginKey ReadLoginKey(const KeyOptions& options)
 
 KeyRing ReadKeys(const std::string& file)
 {
-    constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
-
-    const std::string bytes = ReadText(file);
+    constexpr size_t MaxSize = 1 << 20;
+    const std::string bytes = ReadTextFile(file, "file of keys", MaxSize);
     std::string_view text = bytes;
     text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
     KeyRing keys;

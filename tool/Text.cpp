@@ -22,16 +22,6 @@ namespace
 // A path converts these from and to UTF-8 in any locale; wchar_t by the locale.
 using WideUnit = std::conditional_t<sizeof(wchar_t) == sizeof(char16_t), char16_t, char32_t>;
 
-bool IsUtf8(std::string_view text)
-{
-    try {
-        static_cast<void>(ToWide(text));
-        return true;
-    } catch (const UsageError&) {
-        return false;
-    }
-}
-
 bool IsOfWord(char character)
 {
     const auto byte = static_cast<unsigned char>(character);
@@ -147,6 +137,42 @@ std::optional<std::string> ReadFile(const std::filesystem::path& path, size_t mo
     file.read(bytes.data(), static_cast<std::streamsize>(most));
     bytes.resize(static_cast<size_t>(file.gcount()));
     return file.is_open() && !file.bad() ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+bool IsUtf8(std::string_view text)
+{
+    try {
+        static_cast<void>(ToWide(text));
+        return true;
+    } catch (const UsageError&) {
+        return false;
+    }
+}
+
+std::string ReadTextFile(const std::string& name, std::string_view kind, size_t most)
+{
+    const std::filesystem::path path = ToPath(name);
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (std::filesystem::is_directory(status)) {
+        throw UsageError{name + " is a folder, not a file"};
+    }
+    if (!std::filesystem::exists(status)) {
+        throw UsageError{"there is no file " + name};
+    }
+    std::optional<std::string> contents = ReadFile(path, most);
+    if (!contents) {
+        throw UsageError{"can't read " + name};
+    }
+    const std::string& bytes = *contents;
+    if (bytes.size() == most) {
+        throw UsageError{name + " is too long for a " + std::string(kind)};
+    }
+    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
+        (bytes.size() > 1 && (bytes[0] == '\0') != (bytes[1] == '\0'))) {
+        throw UsageError{name + " is UTF-16; save it as UTF-8"};
+    }
+    return *std::move(contents);
 }
 
 std::optional<std::string> Variable(const char* name)

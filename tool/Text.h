@@ -19,6 +19,13 @@ namespace acg::tool
 /// The file's first bytes, so many at most; nothing if it can't be read.
 [[nodiscard]] std::optional<std::string> ReadFile(const std::filesystem::path& path, size_t most);
 
+inline constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF"; ///< what a text file may begin with
+[[nodiscard]] bool IsUtf8(std::string_view text);
+
+/// All bytes of a file of text. Throws UsageError if it can't be read, has `most` bytes or more (a file of
+/// the wrong kind may have no end) and so is too long for a `kind`, or is UTF-16.
+[[nodiscard]] std::string ReadTextFile(const std::string& name, std::string_view kind, size_t most);
+
 /// Text from outside as one line of UTF-8: control characters, and bytes that aren't UTF-8, as "\x1b".
 [[nodiscard]] std::string Printable(std::string_view text);
 

@@ -16,6 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     try {
         simulator::Device device = simulator::ParseDeviceText(input.ConsumeRandomLengthString());
         device.Card.SavePath.clear(); // it neither writes files nor sleeps
+        device.Folder.clear();
         device.BaudRate.reset();
         comm = library.Open(device, settings);
     } catch (const std::runtime_error&) { // what OpenComm reports on the standard error

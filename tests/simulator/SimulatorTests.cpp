@@ -37,6 +37,8 @@ TEST(SimulatorTest, UnknownOptionsAreRefusedWithALineThatSaysWhy)
         "remove= remove=1x remove=4294967296 fault=login/1 fault=login/0/N "
         "fault=login/1/Z fault=login/1/NX fault=login/1/N/ fault=dance/1/N ,card=1k "
         "image= image=. image=no\x01where save= save=nowhere/card save=c,card=none "
+        "cards= cards=nowhere cards=.,image=c cards=.,save=c feed=A1B2C3D4 feed=0/A1B2C3D4 "
+        "feed=1001/A1B2C3D4 "
         "baud=0 baud=fast place=1/A1B2C3 place=x/A1B2C3D4 place=1/A1B2C3D4/2k return=1 "
         "return=1,remove=2 remove=1,remove=1 replay=log,card=1k readers=4 replay= replay=nowhere");
     for (std::string option; refused >> option;) {
@@ -65,6 +67,7 @@ const std::pair<const char*, const char*> Abbreviations[] = {
     {"in (..)", "login:$1AAFFFFFFFFFFFF"},
     {"get ", "read block:"},
     {"\\(ones\\)", "11111111111111111111111111111111"},
+    {"\\(polls\\)", "select;select;select;"},
     {"uid(.);", "uid=$1$1$1$1$1$1$1$1;"},
 };
 
@@ -110,6 +113,15 @@ const Session Sessions[] = {
      "- - DEADBEEF - - 01020308"},
     {"AnImageOf4K", ",image=@4096,card=4k;start;in 20", "- - DEADBEEF <X>"},
     {"WrongImages", ",image=@1024,card=4k;select;,image=@1023;select;,image=nowhere;select", "<?> <?> <?>"},
+    {"ABoxOfCards",
+     ",cards=@,card=none,place=2/66666666;life;,image=@66666666.bin,save=@88888888.bin,uid7;"
+     ",save=@AAAAAAAA.bin,uid7;,cards=@,place=5/AAAAAAAA/4k,uid8;start;in 00;get 01;select",
+     "- - 6 <L> 0 6 <L> 1 6 <L> 1 - - 8 <L> 1 <N>"},
+    {"AStackOfCards",
+     ",cards=@,card=none,feed=2/A10000FF;start;select;select;in 00;(polls)(polls)select;select;"
+     ",cards=@,card=none,feed=2/A10000FF;start;select;select",
+     "- - <N> <N> A10000FF <L> A10000FF A10000FF A10000FF A10000FF A10000FF <N> <N> A1000100 "
+     "- - <N> <N> A1000100"},
     {"ASavedCard", ",image=@new,save=@new,uid5;life;,image=@new,uid6;start;in 00;get 01",
      "- - 5 <L> 0 5 <L> 1 5 <L> 1 - - 6 <L> 1"},
 };
