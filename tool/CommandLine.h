@@ -98,10 +98,12 @@ void AddProtect(CommandLine& commands);
 void AddDump(CommandLine& commands);
 void AddCompare(CommandLine& commands);
 void AddRestore(CommandLine& commands);
+void AddWatch(CommandLine& commands);
 
 /// In the order in which --help lists them.
 inline constexpr void (*AllCommands[])(CommandLine&) = {
-    AddInfo, AddRead, AddWrite, AddValue, AddTrailer, AddPreview, AddProtect, AddDump, AddCompare, AddRestore,
+    AddInfo,    AddRead, AddWrite,   AddValue,   AddTrailer, AddPreview,
+    AddProtect, AddDump, AddCompare, AddRestore, AddWatch,
 };
 
 /// The options of a command that tries a list of keys: ReadKeyRing.
