@@ -132,10 +132,10 @@ void RestorePlan::Add(int32_t sector, const SectorContents& contents, const KeyR
 
     const DumpedBlock& trailer = contents.Blocks.back();
     const char* obstacle = IsContradictory(m_dump[static_cast<size_t>(last)])
-                               ? "the access bits that the dump has for its sector contradict themselves"
-                           : !contents.Keys.A && !contents.Keys.B ? "no key opens its sector"
-                           : !contents.IsTrailerRead  ? "no key that opens its sector reads its access bits"
-                           : IsContradictory(trailer) ? "the access bits of its sector contradict themselves"
+                               ? "the access bits that the dump has for the sector contradict themselves"
+                           : !contents.Keys.A && !contents.Keys.B ? "no key opens the sector"
+                           : !contents.IsTrailerRead  ? "no key that opens the sector reads its access bits"
+                           : IsContradictory(trailer) ? "the access bits of the sector contradict themselves"
                                                       : nullptr;
     if (obstacle != nullptr) {
         for (int32_t number = std::max(first, 1); number < last + (m_hasTrailers ? 1 : 0); ++number) {
@@ -238,7 +238,7 @@ void RestorePlan::Show(Output& out) const
         }
     }
     for (const RestoreStep& step : m_lateData) {
-        out.Print(step.Name() + ": written after the trailer, which the rights to do so come with");
+        out.Print(step.Name() + ": written last, as only the new trailer allows it");
     }
     for (const int32_t sector : m_frozen) {
         out.Print(

@@ -64,7 +64,9 @@ void Show(const PlacedCard& placed, Output& out)
     const std::string local = TimeText("%Y-%m-%d %H:%M:%S", *std::localtime(&now));
     std::string line = local + "  " + placed.SerialNumber;
     out.Json["serial"] = placed.SerialNumber;
-    out.Json["size"] = out.Json["sizeReason"] = out.Json["sector0"] = JsonObject();
+    for (const char* const member : {"size", "sizeReason", "sector0"}) {
+        out.Json[member] = JsonObject(); // unless it is known
+    }
     if (placed.Size) {
         line += Format("  %s", placed.Size->Name());
         out.Json["size"] = placed.Size->LastSector == LastSector1K ? "1k" : "4k";
