@@ -71,11 +71,11 @@ Trailer::Trailer(const Block& block) : UserByte(block[UserByteAt])
     std::copy_n(block.begin() + KeyBAt, KeySize, KeyB.begin());
 }
 
-std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters)
+std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters, CardWait wait)
 {
-    // After Ctrl-C the clock advances by an hour at each look, so that a wait ends.
-    const auto clock = [late = std::chrono::hours(0)]() mutable {
-        late += std::chrono::hours(WasInterrupted() ? 1 : 0);
+    // After Ctrl-C the clock advances by an hour at each look, so that a wait ends; without a wait, always.
+    const auto clock = [wait, late = std::chrono::hours(0)]() mutable {
+        late += std::chrono::hours(wait == CardWait::None || WasInterrupted() ? 1 : 0);
         return std::chrono::steady_clock::now() + late;
     };
     auto encoder = std::make_unique<Encoder>(ReaderDLL(), clock);

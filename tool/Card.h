@@ -55,11 +55,18 @@ struct Trailer {
     Key KeyB;         ///< zeros if it is a key
 };
 
+/// Whether opening waits for a card: for 5 seconds, with the processor busy, or not at all.
+enum class CardWait {
+    FiveSeconds,
+    None
+};
+
 /// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if --reader is empty, else
 /// with the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
-[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters);
+[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters,
+                                                   CardWait wait = CardWait::FiveSeconds);
 
-/// Opens it. Its destruction closes it again. Ctrl-C ends the wait for a card.
+/// Opens it. Its destruction closes it again. Ctrl-C ends a wait for a card.
 void Open(Encoder& encoder);
 
 /// The record of an operation that has returned sceError.

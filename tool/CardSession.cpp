@@ -46,7 +46,8 @@ Refusal RefusalIn(const CError& record)
 
 } // namespace
 
-CardSession::CardSession(const std::string& parameters) : m_encoder(MakeEncoder(parameters))
+CardSession::CardSession(const std::string& parameters, CardWait wait)
+    : m_encoder(MakeEncoder(parameters, wait))
 {
     Open(*m_encoder);
     try {

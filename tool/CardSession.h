@@ -30,8 +30,8 @@ struct AnotherCard : OtherFailure {
 class CardSession
 {
 public:
-    /// Opens the reader with the settings of MakeEncoder, and waits up to 5 seconds for a card.
-    explicit CardSession(const std::string& parameters);
+    /// Opens the reader with the settings of MakeEncoder.
+    explicit CardSession(const std::string& parameters, CardWait wait = CardWait::FiveSeconds);
 
     /// For operations of the class, which select the card and log in by themselves.
     [[nodiscard]] Encoder& Class();
@@ -41,6 +41,8 @@ public:
 
     /// Selects the card, which ends the login.
     void Select();
+    /// The next card that is selected counts as the first one.
+    void ForgetCard() { m_serial.reset(); }
 
     /// WrongKey or None. Throws if the failure concerns more than this sector and key.
     [[nodiscard]] Refusal TryLogIn(int32_t sector, const LoginKey& key);

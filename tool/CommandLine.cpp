@@ -193,7 +193,6 @@ int CommandLine::Run(std::vector<std::string> arguments)
     } catch (const std::exception& error) { // no memory
         fail(Failed, error.what());
     }
-    out.Json.emplace("failure", nullptr);
     if (!out.Finish()) {
         problem += (problem.empty() ? "" : "\n") + std::string("standard output can't be written");
         status = status == Done ? Failed : status;

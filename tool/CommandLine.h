@@ -97,10 +97,13 @@ void AddPreview(CommandLine& commands);
 void AddProtect(CommandLine& commands);
 void AddDump(CommandLine& commands);
 void AddCompare(CommandLine& commands);
+void AddRestore(CommandLine& commands);
+void AddWatch(CommandLine& commands);
 
 /// In the order in which --help lists them.
 inline constexpr void (*AllCommands[])(CommandLine&) = {
-    AddInfo, AddRead, AddWrite, AddValue, AddTrailer, AddPreview, AddProtect, AddDump, AddCompare,
+    AddInfo,    AddRead, AddWrite,   AddValue,   AddTrailer, AddPreview,
+    AddProtect, AddDump, AddCompare, AddRestore, AddWatch,
 };
 
 /// The options of a command that tries a list of keys: ReadKeyRing.

@@ -1,9 +1,6 @@
 // acg compare: the differences of two dumps.
-#include "acg/cards/BlockAddress.h"
-#include "tool/AccessWords.h"
-#include "tool/Blocks.h"
 #include "tool/CommandLine.h"
-#include "tool/DumpFile.h"
+#include "tool/DumpDifference.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
@@ -20,37 +17,6 @@ struct Options {
     std::string Second;
 };
 
-/// Keys are compared, but not shown. What isn't known of both counts as alike, access bits as a whole.
-void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other, Output& out)
-{
-    constexpr Block Factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
-    constexpr unsigned AccessBytes = BitsOf(AccessBitsAt, std::tuple_size_v<ConditionBytes>);
-    unsigned known = one.Known & other.Known;
-    if ((known & AccessBytes) != AccessBytes) {
-        known &= ~AccessBytes;
-    }
-    Block first = one.Bytes;
-    Block second = other.Bytes;
-    for (size_t at = 0; at < first.size(); ++at) {
-        if ((known >> at & 1) == 0) {
-            first[at] = second[at] = Factory[at];
-        }
-    }
-    std::vector<TrailerDifference> differences =
-        TrailerDifferences(Trailer(first), Trailer(second), SectorOf(number));
-    if (one.Known != other.Known) {
-        differences.push_back({' ', "not all of it is known in both"});
-    }
-    out.Print(Format("block %d, the trailer of sector %d:", number, SectorOf(number)));
-    JsonObject lines = JsonObject::array();
-    for (const auto& [mark, text] : differences) {
-        out.Print(Format("%c    %s", mark, text.c_str()));
-        lines.push_back(
-            {{"file", mark == ' ' ? JsonObject() : JsonObject(mark == '<' ? 1 : 2)}, {"text", text}});
-    }
-    out.Json["blocks"].push_back({{"block", number}, {"differences", lines}});
-}
-
 int Compare(const Options& options, Context& context)
 {
     Output& out = context.Out;
@@ -66,19 +32,10 @@ int Compare(const Options& options, Context& context)
     for (int32_t number = 0; number < common; ++number) {
         const DumpedBlock& first = one[static_cast<size_t>(number)];
         const DumpedBlock& second = other[static_cast<size_t>(number)];
-        if (first == second) {
-            continue;
+        if (first != second) {
+            ++differences;
+            ShowDifference(number, first, second, out);
         }
-        ++differences;
-        if (IsTrailer(number)) {
-            ShowTrailer(number, first, second, out);
-            continue;
-        }
-        out.Print("< " + HexDump(number, first.Bytes, first.Known));
-        out.Print("> " + HexDump(number, second.Bytes, second.Known));
-        out.Json["blocks"].push_back(
-            {{"block", number},
-             {"hex", {Digits(first.Bytes, first.Known, ""), Digits(second.Bytes, second.Known, "")}}});
     }
     if (sizes[0] != sizes[1]) {
         const size_t larger = sizes[0] > sizes[1] ? 0 : 1;

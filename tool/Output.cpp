@@ -37,13 +37,16 @@ void Output::Problem(std::string_view text)
     Json["problems"].push_back(text);
 }
 
-bool Output::Finish() const
+bool Output::Finish()
 {
-    if (IsJson) {
+    if (IsJson && !(HasFinished && Json.empty())) {
+        Json.emplace("failure", nullptr);
         // In ASCII, so that a terminal takes nothing in it for a command; what isn't UTF-8 is replaced.
         std::puts(Json.dump(/*indent=*/-1, ' ', /*ensure_ascii=*/true, JsonObject::error_handler_t::replace)
                       .c_str());
     }
+    Json = JsonObject::object();
+    HasFinished = true;
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 

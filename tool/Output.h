@@ -11,7 +11,8 @@ namespace acg::tool
 
 using JsonObject = nlohmann::ordered_json;
 
-/// For a person: lines on standard output as they come. With --json: one JSON object at the program's end.
+/// For a person: lines on standard output as they come. With --json: one JSON object at the program's end, or
+/// several, if the command prints them by Finish itself.
 struct Output {
     bool IsJson = false;                    ///< --json
     JsonObject Json = JsonObject::object(); ///< not printed without --json
@@ -28,8 +29,11 @@ struct Output {
     /// With --json it is also in the list "problems".
     void Problem(std::string_view text);
 
-    /// Prints the object. False: standard output couldn't be written.
-    [[nodiscard]] bool Finish() const;
+    /// Prints the object at once, and begins the next one; an empty one after another isn't printed. False:
+    /// standard output couldn't be written.
+    [[nodiscard]] bool Finish();
+
+    bool HasFinished = false; ///< once at least
 };
 
 /// "acg: " and the text on standard error; the first line of it fits a terminal of 80 columns.

@@ -1,17 +1,16 @@
 // acg protect: new keys and levels for a sector, with all that can't be undone said before it is done.
 #include "acg/cards/BlockAddress.h"
 #include "tool/AccessWords.h"
+#include "tool/Agreement.h"
 #include "tool/Blocks.h"
 #include "tool/CardSession.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
 #include "tool/SectorTrailer.h"
-#include "tool/System.h"
 #include "tool/Text.h"
 #include "tool/WriteReport.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace acg::tool
 {
@@ -66,7 +65,7 @@ std::vector<Key> ParseNewKeys(const Options& options)
     return keyA ? std::vector{*keyA, *keyB} : std::vector<Key>();
 }
 
-Request Parse(const Options& options, bool canAsk)
+Request Parse(const Options& options, const Output& out)
 {
     Request request{.Sector = ParseSector(options.Sector),
                     .Login = ReadLoginKey(options.Key),
@@ -82,8 +81,8 @@ Request Parse(const Options& options, bool canAsk)
         request.BX =
             static_cast<uint8_t>(ParseNumber(options.BX, 0, UINT8_MAX, "--bx is a number from 0 to 255"));
     }
-    if (!options.IsDryRun && !options.IsAgreedTo && !canAsk) {
-        throw UsageError{"there is nobody to ask: give --yes to write, or --dry-run to look"};
+    if (!options.IsDryRun && !options.IsAgreedTo) {
+        RequireSomebodyToAsk(out);
     }
     return request;
 }
@@ -217,18 +216,6 @@ Purse ReadPurse(CardSession& card, const Request& request, unsigned slot, const 
     return {number, block.Value};
 }
 
-bool IsAgreedTo()
-{
-    std::fflush(stdout);
-    std::fputs("Write this? Type yes: ", stderr);
-    char answer[8] = {};
-    const bool isAnswered = std::fgets(answer, sizeof answer, stdin) != nullptr;
-    if (WasInterrupted()) {
-        throw Interruption{};
-    }
-    return isAnswered && std::string_view(answer) == "yes\n";
-}
-
 void Write(CardSession& card, const Purse& purse, const LoginKey& key, WriteReport& report)
 {
     Encoder& encoder = card.Class();
@@ -282,7 +269,7 @@ bool IsTaken(CardSession& card, const Request& request)
 int Protect(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    Request request = Parse(options, /*canAsk=*/!out.IsJson && IsTerminal(stdin));
+    Request request = Parse(options, out);
     WriteReport report(out);
     AddParts(request, report);
     CardSession card(context.Parameters);

@@ -4,6 +4,7 @@
 
 #include "acg/platform/Library.h"
 
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -28,6 +29,8 @@ struct LoadedLibrary {
 
 /// Prepares the terminal for UTF-8, and has the first Ctrl-C noted; a second one ends the program at once.
 void PrepareConsole();
+/// Sleeps so long; Ctrl-C ends it.
+void Pause(std::chrono::milliseconds duration);
 /// True once Ctrl-C was pressed, or the system asked the program to end.
 [[nodiscard]] bool WasInterrupted();
 

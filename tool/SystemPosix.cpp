@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
+#include <poll.h>
 #include <string_view>
 #include <unistd.h>
 
@@ -70,6 +71,12 @@ void PrepareConsole()
     }
     action.sa_handler = SIG_IGN; // a reader that has gone is a failure of writing, which is reported
     sigaction(SIGPIPE, &action, nullptr);
+}
+
+void Pause(std::chrono::milliseconds duration)
+{
+    const auto milliseconds = static_cast<int>(duration.count());
+    static_cast<void>(poll(nullptr, 0, milliseconds)); // a signal ends it
 }
 
 bool WasInterrupted()

@@ -2,6 +2,7 @@
 
 #include "tool/Text.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <io.h>
@@ -103,6 +104,14 @@ void PrepareConsole()
         static_cast<void>(std::atexit([] { SetConsoleOutputCP(formerCodePage); }));
     }
     SetConsoleCtrlHandler(NoteInterrupt, TRUE);
+}
+
+void Pause(std::chrono::milliseconds duration)
+{
+    constexpr std::chrono::milliseconds Step{50}; // Ctrl-C is noted in a thread of its own
+    for (; duration.count() > 0 && !WasInterrupted(); duration -= Step) {
+        Sleep(static_cast<DWORD>(std::min(duration, Step).count()));
+    }
 }
 
 bool WasInterrupted()

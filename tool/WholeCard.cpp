@@ -3,7 +3,6 @@
 #include "acg/cards/BlockAddress.h"
 #include "tool/Blocks.h"
 #include "tool/Failures.h"
-#include "tool/ProgressBar.h"
 #include "tool/SectorAccess.h"
 #include "tool/Text.h"
 
@@ -14,6 +13,110 @@ namespace acg::tool
 
 namespace
 {
+
+class SectorReading
+{
+public:
+    SectorReading(CardSession& card, int32_t sector, const KeyRing& keys, const ProgressBar& bar)
+        : m_card(card), m_keys(keys), m_bar(bar), m_sector(sector), m_first(TrailerBlock(sector - 1) + 1)
+    {
+        m_result.Blocks.resize(static_cast<size_t>(TrailerBlock(sector) - m_first + 1));
+        m_result.Refusals.resize(m_result.Blocks.size());
+    }
+
+    [[nodiscard]] SectorContents Read();
+
+private:
+    std::optional<size_t> FindKey(uint8_t type);
+    void ReadUnread(const LoginKey& key);
+
+    CardSession& m_card;
+    const KeyRing& m_keys;
+    const ProgressBar& m_bar;
+    int32_t m_sector;
+    int32_t m_first; ///< its first block
+    SectorContents m_result;
+};
+
+/// The first key that opens the sector; it stays logged in.
+std::optional<size_t> SectorReading::FindKey(uint8_t type)
+{
+    for (size_t at = 0; at < m_keys.size(); ++at) {
+        if (m_card.TryLogIn(m_sector, {m_keys[at].Bytes, type}) == Refusal::None) {
+            return at;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Reads those blocks that haven't been read, first the trailer. It says which of the others the key may
+/// read.
+void SectorReading::ReadUnread(const LoginKey& key)
+{
+    Dump& blocks = m_result.Blocks;
+    const auto read = [&](size_t at) {
+        DumpedBlock& block = blocks[at];
+        const int32_t number = m_first + static_cast<int32_t>(at);
+        if (m_card.TryReadBlock(number, key, block.Bytes) == Refusal::None) {
+            block.Known = WholeBlock;
+            return;
+        }
+        const CError& record = m_card.LastRefusal();
+        const Remedy* const remedy = FindRemedy(record);
+        m_result.Refusals[at] = remedy != nullptr ? std::string(remedy->Meaning) : ToUtf8(record.Description);
+    };
+    const size_t last = blocks.size() - 1;
+    if (blocks[last].Known == 0) {
+        read(last);
+    }
+    const Trailer trailer(blocks[last].Bytes);
+    const bool isTold = blocks[last].Known != 0 && InvertedCopiesAgree(trailer.Conditions);
+    const SectorRights rights = RightsOfBits(trailer.Conditions);
+    for (size_t at = 0; at < last; ++at) {
+        const unsigned slot = SlotOf(m_first + static_cast<int32_t>(at));
+        if (blocks[at].Known == 0 && (!isTold || Has(rights[slot][Right::Read], key.AsKeySet()))) {
+            read(at);
+            m_bar.Show(m_first + static_cast<int32_t>(at) + 1);
+        }
+    }
+}
+
+/// Puts the key that opened the sector in place of what the trailer shows of it.
+void PutKey(const Key* key, size_t at, uint16_t bytes, DumpedBlock& trailer)
+{
+    trailer.Known = static_cast<uint16_t>(trailer.Known & ~bytes);
+    if (key != nullptr) {
+        std::ranges::copy(*key, trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
+        trailer.Known = static_cast<uint16_t>(trailer.Known | bytes);
+    }
+}
+
+SectorContents SectorReading::Read()
+{
+    DumpedBlock& trailer = m_result.Blocks.back();
+    Opening& opening = m_result.Keys;
+    const auto keyAt = [&](const std::optional<size_t>& at) { return at ? &m_keys[*at].Bytes : nullptr; };
+
+    opening.A = FindKey(KeyTypeA);
+    if (opening.A) {
+        ReadUnread({*keyAt(opening.A), KeyTypeA});
+        opening.ShowsB =
+            trailer.Known != 0 && KeysUsedBy(TrailerRightsIn(Trailer(trailer.Bytes).Conditions)) == KeyAAlone;
+    }
+    if (!opening.ShowsB) {
+        opening.B = FindKey(KeyTypeB);
+        if (opening.B) {
+            ReadUnread({*keyAt(opening.B), KeyTypeB});
+        }
+    }
+    m_result.IsTrailerRead = trailer.Known != 0;
+    PutKey(keyAt(opening.A), 0, KeyABits, trailer);
+    if (!opening.ShowsB) {
+        PutKey(keyAt(opening.B), KeyBAt, KeyBBits, trailer);
+    }
+    m_bar.Show(TrailerBlock(m_sector) + 1);
+    return std::move(m_result);
+}
 
 class Reading
 {
@@ -33,9 +136,7 @@ public:
     [[nodiscard]] WholeCard Take() { return std::move(m_result); }
 
 private:
-    std::optional<size_t> FindKey(int32_t sector, uint8_t type);
-    void ReadUnread(const LoginKey& key);
-    void SayWhatIsMissing(int32_t sector, const Opening& opening, bool isTrailerRead);
+    void SayWhatIsMissing(int32_t sector, const SectorContents& contents);
     void Miss(const std::string& what)
     {
         m_result.IsComplete = false;
@@ -48,96 +149,15 @@ private:
     Output& m_out;
     WholeCard m_result;
     ProgressBar m_bar;
-    // Of the sector that is being read:
-    int32_t m_first = 0; ///< its first block
-    Dump m_blocks;
-    std::vector<std::string> m_refusals; ///< by block, why it couldn't be read; empty: it wasn't tried
 };
-
-/// The first key that opens the sector; it stays logged in.
-std::optional<size_t> Reading::FindKey(int32_t sector, uint8_t type)
-{
-    for (size_t at = 0; at < m_keys.size(); ++at) {
-        if (m_card.TryLogIn(sector, {m_keys[at].Bytes, type}) == Refusal::None) {
-            return at;
-        }
-    }
-    return std::nullopt;
-}
-
-/// Reads those blocks that haven't been read, first the trailer. It says which of the others the key may
-/// read.
-void Reading::ReadUnread(const LoginKey& key)
-{
-    const auto read = [&](size_t at) {
-        DumpedBlock& block = m_blocks[at];
-        const int32_t number = m_first + static_cast<int32_t>(at);
-        if (m_card.TryReadBlock(number, key, block.Bytes) == Refusal::None) {
-            block.Known = WholeBlock;
-            return;
-        }
-        const CError& record = m_card.LastRefusal();
-        const Remedy* const remedy = FindRemedy(record);
-        m_refusals[at] = remedy != nullptr ? std::string(remedy->Meaning) : ToUtf8(record.Description);
-    };
-    const size_t last = m_blocks.size() - 1;
-    if (m_blocks[last].Known == 0) {
-        read(last);
-    }
-    const Trailer trailer(m_blocks[last].Bytes);
-    const bool isTold = m_blocks[last].Known != 0 && InvertedCopiesAgree(trailer.Conditions);
-    const SectorRights rights = RightsOfBits(trailer.Conditions);
-    for (size_t at = 0; at < last; ++at) {
-        const unsigned slot = SlotOf(m_first + static_cast<int32_t>(at));
-        if (m_blocks[at].Known == 0 && (!isTold || Has(rights[slot][Right::Read], key.AsKeySet()))) {
-            read(at);
-            m_bar.Show(m_first + static_cast<int32_t>(at) + 1);
-        }
-    }
-}
-
-/// Puts the key that opened the sector in place of what the trailer shows of it.
-void PutKey(const Key* key, size_t at, uint16_t bytes, DumpedBlock& trailer)
-{
-    trailer.Known = static_cast<uint16_t>(trailer.Known & ~bytes);
-    if (key != nullptr) {
-        std::ranges::copy(*key, trailer.Bytes.begin() + static_cast<std::ptrdiff_t>(at));
-        trailer.Known = static_cast<uint16_t>(trailer.Known | bytes);
-    }
-}
 
 void Reading::ReadSector()
 {
     const auto sector = static_cast<int32_t>(m_result.Openings.size());
-    const int32_t last = TrailerBlock(sector);
-    m_first = static_cast<int32_t>(m_result.Blocks.size());
-    m_blocks.assign(static_cast<size_t>(last) - static_cast<size_t>(m_first) + 1, {});
-    m_refusals.assign(m_blocks.size(), {});
-    DumpedBlock& trailer = m_blocks.back();
-    const auto keyAt = [&](const std::optional<size_t>& at) { return at ? &m_keys[*at].Bytes : nullptr; };
-
-    Opening opening;
-    opening.A = FindKey(sector, KeyTypeA);
-    if (opening.A) {
-        ReadUnread({*keyAt(opening.A), KeyTypeA});
-        opening.ShowsB =
-            trailer.Known != 0 && KeysUsedBy(TrailerRightsIn(Trailer(trailer.Bytes).Conditions)) == KeyAAlone;
-    }
-    if (!opening.ShowsB) {
-        opening.B = FindKey(sector, KeyTypeB);
-        if (opening.B) {
-            ReadUnread({*keyAt(opening.B), KeyTypeB});
-        }
-    }
-    const bool isTrailerRead = trailer.Known != 0;
-    PutKey(keyAt(opening.A), 0, KeyABits, trailer);
-    if (!opening.ShowsB) {
-        PutKey(keyAt(opening.B), KeyBAt, KeyBBits, trailer);
-    }
-    SayWhatIsMissing(sector, opening, isTrailerRead);
-    m_result.Blocks.insert(m_result.Blocks.end(), m_blocks.begin(), m_blocks.end());
-    m_result.Openings.push_back(opening);
-    m_bar.Show(last + 1);
+    const SectorContents contents = tool::ReadSector(m_card, sector, m_keys, m_bar);
+    SayWhatIsMissing(sector, contents);
+    m_result.Blocks.insert(m_result.Blocks.end(), contents.Blocks.begin(), contents.Blocks.end());
+    m_result.Openings.push_back(contents.Keys);
 }
 
 void Reading::FindSize()
@@ -152,25 +172,27 @@ void Reading::FindSize()
     m_bar.SetSteps(TrailerBlock(m_result.Size.LastSector) + 1);
 }
 
-void Reading::SayWhatIsMissing(int32_t sector, const Opening& opening, bool isTrailerRead)
+void Reading::SayWhatIsMissing(int32_t sector, const SectorContents& contents)
 {
+    const Dump& blocks = contents.Blocks;
     const int32_t last = TrailerBlock(sector);
-    if (!opening.A && !opening.B) {
-        Miss(Format("blocks %d to %d, sector %d: not read, as no key opens it", m_first, last, sector));
+    const int32_t first = TrailerBlock(sector - 1) + 1;
+    if (!contents.Keys.A && !contents.Keys.B) {
+        Miss(Format("blocks %d to %d, sector %d: not read, as no key opens it", first, last, sector));
         return;
     }
-    for (size_t at = 0; at + 1 < m_blocks.size(); ++at) {
-        if (m_blocks[at].Known == 0) {
-            Miss(Format("block %d: not read: ", m_first + static_cast<int32_t>(at)) +
-                 (m_refusals[at].empty() ? "its access bits allow it to no key that opens the sector"
-                                         : m_refusals[at]));
+    for (size_t at = 0; at + 1 < blocks.size(); ++at) {
+        if (blocks[at].Known == 0) {
+            Miss(Format("block %d: not read: ", first + static_cast<int32_t>(at)) +
+                 (contents.Refusals[at].empty() ? "its access bits allow it to no key that opens the sector"
+                                                : contents.Refusals[at]));
         }
     }
-    if (!isTrailerRead) {
+    if (!contents.IsTrailerRead) {
         Miss(Format("block %d, the trailer of sector %d: not read", last, sector));
     }
     for (const auto& [name, bytes] : {std::pair{'A', KeyABits}, std::pair{'B', KeyBBits}}) {
-        if ((m_blocks.back().Known & bytes) == 0) {
+        if ((blocks.back().Known & bytes) == 0) {
             Miss(Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
         }
     }
@@ -212,6 +234,11 @@ CardSize FindSize(CardSession& card, const KeyRing& keys)
         }
     }
     return {LastSector1K, Format("no key opens a sector from %d on", LastSector1K + 1)};
+}
+
+SectorContents ReadSector(CardSession& card, int32_t sector, const KeyRing& keys, const ProgressBar& bar)
+{
+    return SectorReading(card, sector, keys, bar).Read();
 }
 
 WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys, const std::optional<CardSize>& size,

@@ -5,6 +5,7 @@
 #include "tool/CommandLine.h"
 #include "tool/DumpFile.h"
 #include "tool/Keys.h"
+#include "tool/ProgressBar.h"
 
 #include <cstdint>
 #include <optional>
@@ -32,6 +33,14 @@ struct Opening {
     bool operator==(const Opening&) const = default;
 };
 
+/// What the keys of a list read of a sector.
+struct SectorContents {
+    Opening Keys;
+    Dump Blocks; ///< the trailer has the keys that opened the sector
+    bool IsTrailerRead = false;
+    std::vector<std::string> Refusals; ///< by block, why it couldn't be read; empty: it wasn't tried
+};
+
 struct WholeCard {
     std::string SerialNumber;
     CardSize Size;
@@ -48,6 +57,10 @@ void AddCardOption(CommandOptions& command, std::string& size);
 /// 4K if a key opens a sector that a card of 1K lacks. Throws CardFailure if a reply concerns more than the
 /// sector: if the card has left, for example.
 [[nodiscard]] CardSize FindSize(CardSession& card, const KeyRing& keys);
+
+/// Tries all keys. Throws as CardSession does. bar: its steps are the card's blocks.
+[[nodiscard]] SectorContents ReadSector(CardSession& card, int32_t sector, const KeyRing& keys,
+                                        const ProgressBar& bar);
 
 /// Reads it with a progress bar; all keys are tried on each sector. The serial number is compared after each
 /// sector. size: none to find it out. Throws as CardSession does.

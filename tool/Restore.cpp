@@ -1,0 +1,234 @@
+// acg restore: the blocks of a dump back onto a card.
+#include "acg/cards/BlockAddress.h"
+#include "acg/platform/HexText.h"
+#include "tool/Agreement.h"
+#include "tool/Blocks.h"
+#include "tool/CommandLine.h"
+#include "tool/Failures.h"
+#include "tool/RestorePlan.h"
+#include "tool/SectorTrailer.h"
+#include "tool/Text.h"
+#include "tool/WriteReport.h"
+
+#include <algorithm>
+#include <span>
+#include <tuple>
+
+namespace acg::tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string File;
+    std::string Sectors;
+    KeyOptions Key;
+    bool HasTrailers = false; ///< --trailers
+    bool IsOtherCard = false; ///< --other-card
+    bool IsForGood = false;   ///< --for-good
+    bool IsDryRun = false;    ///< --dry-run
+    bool IsAgreedTo = false;  ///< --yes
+};
+
+struct Request {
+    Dump Wanted;
+    int32_t First; ///< the first sector
+    int32_t Last;
+    KeyRing Keys;
+};
+
+const DumpedBlock& TrailerIn(const Dump& dump, int32_t sector)
+{
+    return dump[static_cast<size_t>(TrailerBlock(sector))];
+}
+
+Request Parse(const Options& options, const Output& out)
+{
+    Request request{.Wanted = ReadDump(options.File), .First = 0, .Keys = ReadKeyRing(options.Key)};
+    const auto blocks = static_cast<int32_t>(request.Wanted.size());
+    if (blocks != TrailerBlock(LastSector1K) + 1 && blocks != LastBlock + 1) {
+        throw UsageError{Format("%s has %d blocks; the dump of a card has 64, or 256 if it is a 4K card",
+                                options.File.c_str(), blocks)};
+    }
+    request.Last = SectorOf(blocks - 1);
+    if (!options.Sectors.empty()) {
+        const int32_t lastOfDump = request.Last;
+        std::tie(request.First, request.Last) = ParseRange(options.Sectors, ParseSector);
+        if (request.Last > lastOfDump) {
+            throw UsageError{Format("the dump ends with sector %d; acg restore DUMP 1-%d, for example",
+                                    lastOfDump, lastOfDump)};
+        }
+    }
+    for (int32_t sector = request.First; options.HasTrailers && sector <= request.Last; ++sector) {
+        if (IsContradictory(TrailerIn(request.Wanted, sector))) {
+            throw UsageError{Format("the access bits that %s has for sector %d contradict themselves: with "
+                                    "them, the card would block the sector for good",
+                                    options.File.c_str(), sector)};
+        }
+    }
+    if (!options.IsDryRun && !options.IsAgreedTo) {
+        RequireSomebodyToAsk(out);
+    }
+    return request;
+}
+
+void AddKeys(const DumpedBlock& trailer, KeyRing& keys)
+{
+    for (const std::optional<Key>& key : {KeyAIn(trailer), KeyBIn(trailer)}) {
+        if (key && std::ranges::find(keys, *key, &NamedKey::Bytes) == keys.end()) {
+            keys.push_back({*key, "a key of the dump"});
+        }
+    }
+}
+
+void RequireSameCard(CardSession& card, const Request& request, const Options& options)
+{
+    constexpr size_t SerialSize = 4;
+    constexpr uint16_t SerialBits = BitsOf(0, SerialSize);
+    const DumpedBlock& block = request.Wanted.front();
+    const std::string ofDump = ToHex(std::span(block.Bytes).first(SerialSize));
+    if ((block.Known & SerialBits) == SerialBits && !card.SerialNumber().starts_with(ofDump) &&
+        !options.IsOtherCard) {
+        throw UsageError{Format("the dump is of card %s, and card %s lies in the field. Give --other-card "
+                                "if it is meant",
+                                ofDump.c_str(), card.SerialNumber().c_str())};
+    }
+}
+
+/// If sectors are wanted that a card of 1K lacks.
+void RequireSize(CardSession& card, const Request& request)
+{
+    if (request.Last <= LastSector1K) {
+        return;
+    }
+    KeyRing keys;
+    for (int32_t sector = LastSector1K + 1; sector <= LastSector; ++sector) {
+        AddKeys(TrailerIn(request.Wanted, sector), keys);
+    }
+    keys.insert(keys.end(), request.Keys.begin(), request.Keys.end());
+    const CardSize size = FindSize(card, keys);
+    if (size.LastSector == LastSector1K) {
+        throw OtherFailure{Format("the card is taken for 1K, since %s; sectors up to 15 can be restored: acg "
+                                  "restore DUMP 0-15",
+                                  size.Reason.c_str())};
+    }
+}
+
+RestorePlan MakePlan(CardSession& card, const Request& request, bool hasTrailers)
+{
+    RestorePlan plan(request.Wanted, hasTrailers);
+    const ProgressBar bar(TrailerBlock(request.Last) + 1);
+    for (int32_t sector = request.First; sector <= request.Last; ++sector) {
+        KeyRing keys;
+        AddKeys(TrailerIn(request.Wanted, sector), keys); // they fit if the card has been restored already
+        keys.insert(keys.end(), request.Keys.begin(), request.Keys.end());
+        plan.Add(sector, ReadSector(card, sector, keys, bar), keys);
+    }
+    return plan;
+}
+
+/// A command that shows what the card lacks, for a person to type.
+std::string LookCommand(const Options& options)
+{
+    const std::string& keys = options.Key.File;
+    return "acg restore " + MaskKeys(options.File) + (options.Sectors.empty() ? "" : ' ' + options.Sectors) +
+           (options.HasTrailers ? " --trailers" : "") + (options.IsOtherCard ? " --other-card" : "") +
+           (!keys.empty()               ? " --key-file " + MaskKeys(keys)
+            : !options.Key.Text.empty() ? " --key KEY"
+                                        : "") +
+           " --dry-run";
+}
+
+/// Logs in with each key that the sector then has.
+bool HoldsTrailer(CardSession& card, int32_t number, const DumpedBlock& wanted)
+{
+    const Trailer trailer(wanted.Bytes);
+    const std::vector<LoginKey> logins = LoginsOf(trailer);
+    return std::ranges::all_of(logins, [&](const LoginKey& key) {
+        const Trailer onCard(card.ReadBlock(number, key));
+        return onCard.Conditions == trailer.Conditions && onCard.UserByte == trailer.UserByte &&
+               (logins.size() > 1 || onCard.KeyB == trailer.KeyB);
+    });
+}
+
+void Write(CardSession& card, const RestoreStep& step, const Dump& wanted, WriteReport& report)
+{
+    const auto at = [&](int32_t number) -> const DumpedBlock& { return wanted[static_cast<size_t>(number)]; };
+    for (const int32_t number : step.Blocks) {
+        report.NoteSending(card, card.WriteBlock(number, step.Login, at(number).Bytes));
+    }
+    const bool isTaken = report.ReadBack(card, [&] {
+        return std::ranges::all_of(step.Blocks, [&](int32_t number) {
+            return step.IsOfTrailer() ? HoldsTrailer(card, number, at(number))
+                                      : card.ReadBlock(number, step.Login) == at(number).Bytes;
+        });
+    });
+    if (!isTaken) {
+        throw OtherFailure{step.Name() + ": the card holds something other than was written"};
+    }
+}
+
+int Restore(const Options& options, Context& context)
+{
+    Output& out = context.Out;
+    const Request request = Parse(options, out);
+    const std::string look = LookCommand(options);
+    WriteReport before(out); // until it is known what differs
+    before.Add(Format("sectors %d to %d", request.First, request.Last), look);
+    CardSession card(context.Parameters);
+    before.BeginCard(card);
+    RequireSameCard(card, request, options);
+    RequireSize(card, request);
+    const RestorePlan plan = MakePlan(card, request, options.HasTrailers);
+    plan.Show(out);
+    const int status = plan.LeavesOut() ? Failed : Done;
+    const std::vector<RestoreStep> steps = plan.Steps();
+    if (steps.empty()) {
+        out.Print(plan.LeavesOut() ? "Nothing can be written." : "There is nothing to write.");
+        return status;
+    }
+    WriteReport report(out);
+    for (const RestoreStep& step : steps) {
+        report.Add(step.Name(), look);
+    }
+    if (!plan.Frozen().empty() && !options.IsForGood) {
+        throw UsageError{
+            Format("this freezes sector %d for good. Give --for-good if it is meant", plan.Frozen().front())};
+    }
+    if (options.IsDryRun) {
+        out.Print("Nothing was written: --dry-run.");
+        return status;
+    }
+    if (!options.IsAgreedTo && !IsAgreedTo()) {
+        throw OtherFailure{"not agreed to"};
+    }
+    card.Select();
+    for (const RestoreStep& step : steps) {
+        Write(card, step, request.Wanted, report);
+    }
+    out.Print("Written, and read back.");
+    return status;
+}
+
+} // namespace
+
+void AddRestore(CommandLine& commands)
+{
+    auto [command, options] =
+        commands.Add("restore", "Writes what differs from a dump onto the card in the field",
+                     "acg restore card.txt 1-15 --key-file keys.txt --dry-run", Restore);
+    command.Argument("DUMP", options.File,
+                     "A dump, raw bytes or text. Its keys are tried first; block 0 is never written");
+    command.Argument("SECTORS", options.Sectors, "A sector, or the first and the last one; default: all",
+                     Need::Optional);
+    AddKeyRingOptions(command, options.Key);
+    command.Flag("--trailers", options.HasTrailers,
+                 "Write the trailers too, with the dump's keys and rights");
+    command.Flag("--other-card", options.IsOtherCard, "Allow a card with another serial number");
+    command.Flag("--dry-run", options.IsDryRun, "Only show what would be written");
+    command.Flag("--yes", options.IsAgreedTo, "Don't ask");
+    command.Flag("--for-good", options.IsForGood, "Allow what can never be changed again");
+}
+
+} // namespace acg::tool
