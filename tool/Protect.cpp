@@ -161,10 +161,8 @@ void ShowChange(const Request& request, const Trailer& onCard, Output& out)
                              Deviations(request.Levels, request.Bytes, sector)};
     out.Json["before"] = ToJson(before);
     out.Json["after"] = ToJson(after);
-    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector,
-                     FormatLevels(before.Bytes).c_str(), onCard.UserByte, AccessTable(before).c_str()));
-    out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
-                     FormatLevels(after.Bytes).c_str(), *request.BX, AccessTable(after).c_str()));
+    out.Print(AccessHead(Format("Sector %d now", sector), before) + "\n\n" + AccessTable(before) + '\n');
+    out.Print(AccessHead(Format("Sector %d afterwards", sector), after) + "\n\n" + AccessTable(after));
     WarnOfPurses(before.Bytes, after.Bytes, sector, out);
 }
 

@@ -1,5 +1,4 @@
 // acg trailer: what the keys of a sector may do.
-#include "acg/platform/HexText.h"
 #include "tool/AccessWords.h"
 #include "tool/CardSession.h"
 #include "tool/CommandLine.h"
@@ -24,12 +23,9 @@ int ShowTrailer(const Options& options, Context& context)
     const LoginKey key = ReadLoginKey(options.Key);
     CardSession card(context.Parameters);
     const Trailer trailer = ReadTrailer(card, sector, key);
-    const ConditionBytes& bytes = trailer.Conditions;
-    const AccessReport access{sector, bytes, trailer.UserByte, {}};
+    const AccessReport access{sector, trailer.Conditions, trailer.UserByte, {}};
     context.Out.Json = ToJson(access);
-    context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
-                             ToHex(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
-                             AccessTable(access).c_str()));
+    context.Out.Print(AccessHead(Format("Sector %d", sector), access) + "\n\n" + AccessTable(access));
     return Done;
 }
 
