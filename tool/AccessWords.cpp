@@ -172,9 +172,8 @@ std::string FormatLevels(const ConditionBytes& bytes)
 
 std::string AccessHead(const std::string& title, const AccessReport& access)
 {
-    const std::string userByte = access.UserByte ? Format(", byte 9 is %d", *access.UserByte) : "";
-    return Format("%s: access bits %s%s\nLevels %s", title.c_str(), ToHex(access.Bytes).c_str(),
-                  userByte.c_str(), FormatLevels(access.Bytes).c_str());
+    return Format("%s: access bits %s, byte 9 is %d\nLevels %s", title.c_str(), ToHex(access.Bytes).c_str(),
+                  access.UserByte.value_or(0), FormatLevels(access.Bytes).c_str());
 }
 
 std::string AccessTable(const AccessReport& access)

@@ -44,7 +44,7 @@ struct AccessReport {
     std::vector<std::string> Deviations;
 };
 
-/// Two lines: "title: access bits FF0780, byte 9 is 105" and the levels.
+/// Two lines: "title: access bits FF0780, byte 9 is 105" and the levels. UserByte isn't none.
 [[nodiscard]] std::string AccessHead(const std::string& title, const AccessReport& access);
 /// The table, and below it who can change what again, and the deviations. Each thing that can never be
 /// changed again has a line that begins with "FOR GOOD".

@@ -342,7 +342,6 @@ void AddProtect(CommandLine& commands)
     AddSectorArgument(command, options.Sector);
     AddLoginOptions(command, options.Key);
     AddLevelOptions(command, options.Levels, "1 for key A alone, 2 for both keys; default: as on the card",
-                    Need::Optional,
                     "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
                     "written again with its value, and "
                     "levels 9 and 13 grant the rights of a purse");

@@ -115,16 +115,15 @@ void AddSectorArgument(CommandOptions& command, std::string& sector)
     command.Argument("SECTOR", sector, "The sector, 0 to 15, on a 4K card to 39");
 }
 
-void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
+void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys,
                      const char* aboutValue)
 {
     command.Option(
         "--levels", "L0,L1,L2,LT", levels.Levels,
         "The levels of the three data blocks and of the trailer, 0 to 15, as in 13,13,13,12; or what "
         "key A/key B may, as in r/rw,r/rw,r/rw,-/keys+bits: of a data block -, r, w or rw, of the "
-        "trailer -, keys, bits or keys+bits",
-        Need::Required);
-    command.Option("--keys", "1|2", levels.KeysToUse, aboutKeys, keysNeeded);
+        "trailer -, keys, bits or keys+bits");
+    command.Option("--keys", "1|2", levels.KeysToUse, aboutKeys);
     command.Option("--value", "0,1,2", levels.ValueBlocks, aboutValue);
 }
 

@@ -22,7 +22,7 @@ struct LevelOptions {
 
 void AddSectorArgument(CommandOptions& command, std::string& sector);
 /// aboutKeys, aboutValue: the help of --keys and of --value.
-void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys, Need keysNeeded,
+void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys,
                      const char* aboutValue);
 
 /// Throws UsageError for a sector that no card has.
