@@ -112,7 +112,8 @@ Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key)
 
 void AddSectorArgument(CommandOptions& command, std::string& sector)
 {
-    command.Argument("SECTOR", sector, "The sector, 0 to 15, on a 4K card to 39");
+    command.Argument("SECTOR", sector,
+                     "A sector, 0 to 15, on a 4K card to 39, or the first and the last one: SECTOR-SECTOR");
 }
 
 void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* aboutKeys,
