@@ -55,6 +55,9 @@ std::array<int32_t, SectorSlots> ParseLevelList(std::string_view text, const std
 
 SectorLevels ParseLevels(const LevelOptions& options)
 {
+    if (options.Levels.empty()) {
+        throw UsageError{"--levels is required, as in --levels 13,13,13,12"};
+    }
     SectorLevels levels{.Levels = ParseLevelList(options.Levels, "--levels"), .KeysToUse = KeysAsOnCard};
     if (!options.ValueBlocks.empty()) {
         for (const std::string_view part : Split(options.ValueBlocks, ',')) {
@@ -100,7 +103,12 @@ ConditionBytes EncodeOrRefuse(const SectorLevels& levels)
 
 Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key)
 {
-    Trailer trailer(card.ReadBlock(TrailerBlock(sector), key));
+    return JudgeTrailer(card.ReadBlock(TrailerBlock(sector), key), sector);
+}
+
+Trailer JudgeTrailer(const Block& block, int32_t sector)
+{
+    Trailer trailer(block);
     if (!InvertedCopiesAgree(trailer.Conditions)) {
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "

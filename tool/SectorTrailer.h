@@ -40,6 +40,9 @@ void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* 
 /// The access bits; throws UsageError for levels that can't be stored.
 [[nodiscard]] ConditionBytes EncodeOrRefuse(const SectorLevels& levels);
 
+/// Throws OtherFailure if the access bits contradict themselves.
+[[nodiscard]] Trailer JudgeTrailer(const Block& block, int32_t sector);
+
 /// Throws OtherFailure if the reply isn't a whole block, or the access bits contradict themselves.
 [[nodiscard]] Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key);
 
