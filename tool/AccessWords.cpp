@@ -149,11 +149,31 @@ std::string NameOfSlot(unsigned slot, SectorNumber sector)
     return inSlot == 1 ? Format("block %d", block) : Format("blocks %d-%d", block, block + inSlot - 1);
 }
 
+std::string LevelWords(const SectorRights& rights, unsigned slot)
+{
+    const KeyWords& words = slot == TrailerSlot ? TrailerWords : BlockWords;
+    const auto level = static_cast<size_t>(LevelIn(rights, slot));
+    return std::string(words[level % words.size()]).append("/").append(words[level / words.size()]);
+}
+
+std::string LevelWords(const SectorRights& rights)
+{
+    return LevelWords(rights, 0) + ',' + LevelWords(rights, 1) + ',' + LevelWords(rights, 2) + ',' +
+           LevelWords(rights, TrailerSlot);
+}
+
 std::string FormatLevels(const ConditionBytes& bytes)
 {
     const auto [first, second, third, trailer] = LevelsIn(bytes);
-    return Format("%d,%d,%d,%d with %s", first, second, third, trailer,
-                  KeysUsedBy(TrailerRightsIn(bytes)) == KeyAAlone ? "key A alone" : "both keys");
+    return Format("%d,%d,%d,%d with %s: %s", first, second, third, trailer,
+                  KeysUsedBy(TrailerRightsIn(bytes)) == KeyAAlone ? "key A alone" : "both keys",
+                  LevelWords(RightsOfBits(bytes)).c_str());
+}
+
+std::string AccessHead(const std::string& title, const AccessReport& access)
+{
+    return Format("%s: access bits %s, byte 9 is %d\nLevels %s", title.c_str(), ToHex(access.Bytes).c_str(),
+                  access.UserByte.value_or(0), FormatLevels(access.Bytes).c_str());
 }
 
 std::string AccessTable(const AccessReport& access)
@@ -189,6 +209,7 @@ JsonObject ToJson(const AccessReport& access)
         {"accessBits", ToHex(access.Bytes)},
         {"byte9", access.UserByte ? JsonObject(*access.UserByte) : JsonObject()},
         {"levels", LevelsIn(access.Bytes)},
+        {"levelsInWords", LevelWords(RightsOfBits(access.Bytes))},
         {"keys", KeysUsedBy(trailer)},
         {"may", rows},
         {"accessFixedForGood", AreConditionsFixed(trailer)},

@@ -16,10 +16,10 @@ void RequireSomebodyToAsk(const Output& out)
     }
 }
 
-bool IsAgreedTo()
+bool IsAgreedTo(const std::string& what)
 {
     std::fflush(stdout);
-    std::fputs("Write this? Type yes: ", stderr);
+    std::fprintf(stderr, "Write %s? Type yes: ", what.c_str());
     char answer[8] = {};
     const bool isAnswered = std::fgets(answer, sizeof answer, stdin) != nullptr;
     if (WasInterrupted()) {

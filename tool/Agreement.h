@@ -3,13 +3,15 @@
 
 #include "tool/Output.h"
 
+#include <string>
+
 namespace acg::tool
 {
 
 /// Throws UsageError if nobody can be asked: with --json, or if standard input isn't a terminal.
 void RequireSomebodyToAsk(const Output& out);
 
-/// Asks on the terminal. Throws Interruption after Ctrl-C.
-[[nodiscard]] bool IsAgreedTo();
+/// Asks on the terminal whether that is to be written. Throws Interruption after Ctrl-C.
+[[nodiscard]] bool IsAgreedTo(const std::string& what = "this");
 
 } // namespace acg::tool

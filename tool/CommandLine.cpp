@@ -113,9 +113,13 @@ void CommandOptions::Option(const char* name, const char* type, std::string& val
     }
 }
 
-void CommandOptions::Flag(const char* name, bool& isGiven, const char* description)
+void CommandOptions::Flag(const char* name, bool& isGiven, const char* description,
+                          std::initializer_list<const char*> others)
 {
-    m_app.add_flag(name, isGiven, description);
+    CLI::Option* const flag = m_app.add_flag(name, isGiven, description);
+    for (const char* const other : others) {
+        flag->excludes(m_app.get_option(other));
+    }
 }
 
 CommandLine::CommandLine()

@@ -44,7 +44,8 @@ public:
     /// order and have other words than the program's own messages.
     void Option(const char* name, const char* type, std::string& value, const char* description,
                 Need need = Need::Optional, std::initializer_list<const char*> others = {});
-    void Flag(const char* name, bool& isGiven, const char* description);
+    void Flag(const char* name, bool& isGiven, const char* description,
+              std::initializer_list<const char*> others = {});
 
 private:
     CLI::App& m_app;

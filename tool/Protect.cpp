@@ -1,16 +1,15 @@
-// acg protect: new keys and levels for a sector, with all that can't be undone said before it is done.
+// acg protect: new keys and levels for sectors, with all that can't be undone said before it is done.
 #include "acg/cards/BlockAddress.h"
 #include "tool/AccessWords.h"
 #include "tool/Agreement.h"
-#include "tool/Blocks.h"
-#include "tool/CardSession.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
+#include "tool/SectorPlan.h"
 #include "tool/SectorTrailer.h"
 #include "tool/Text.h"
-#include "tool/WriteReport.h"
 
 #include <algorithm>
+#include <span>
 
 namespace acg::tool
 {
@@ -19,32 +18,18 @@ namespace
 {
 
 struct Options {
-    std::string Sector;
+    std::string Sectors;
     KeyOptions Key;
     LevelOptions Levels;
     std::string NewA;        ///< --new-a
     std::string NewB;        ///< --new-b
     std::string NewKeysFile; ///< --new-keys
     std::string BX;          ///< --bx
+    bool IsFactory = false;  ///< --factory
+    bool Erases = false;     ///< --erase
     bool IsForGood = false;  ///< --for-good
     bool IsDryRun = false;   ///< --dry-run
     bool IsAgreedTo = false; ///< --yes
-};
-
-struct Request {
-    int32_t Sector;
-    LoginKey Login;
-    std::vector<Key> Keys; ///< the new keys A and B; empty: they stay as they are
-    // KeysToUse is KeysAsOnCard, and BX none, if they aren't given, until Complete.
-    SectorLevels Levels;
-    std::optional<uint8_t> BX;
-    ConditionBytes Bytes{}; ///< the access bits of the levels; set by Complete
-};
-
-/// A value block that is written again before the trailer, so that the class stores the rights of a purse.
-struct Purse {
-    int32_t Block;
-    int32_t Value;
 };
 
 std::vector<Key> ParseNewKeys(const Options& options)
@@ -65,13 +50,25 @@ std::vector<Key> ParseNewKeys(const Options& options)
     return keyA ? std::vector{*keyA, *keyB} : std::vector<Key>();
 }
 
-Request Parse(const Options& options, const Output& out)
+ProtectRequest Parse(const Options& options, int32_t firstSector, const Output& out)
 {
-    Request request{.Sector = ParseSector(options.Sector),
-                    .Login = ReadLoginKey(options.Key),
-                    .Keys = ParseNewKeys(options),
-                    .Levels = ParseLevels(options.Levels)};
-    if (request.Sector == 0 && request.Levels.IsValueBlock[0]) {
+    constexpr uint8_t FactoryUserByte = 105;
+    ProtectRequest request{
+        .Login = ReadLoginKey(options.Key), .IsFactory = options.IsFactory, .Erases = options.Erases};
+    if (options.Erases && !options.IsFactory) {
+        throw UsageError{
+            "--erase goes with --factory, as in acg protect 1-15 --factory --erase --key-file a.txt"};
+    }
+    if (options.IsFactory) {
+        const Key key = ParseKey("FFFFFFFFFFFF", {});
+        request.Keys = {key, key};
+        request.Levels = {.Levels = {3, 3, 3, 3}, .KeysToUse = KeyAAlone}; // read back as 15,15,15,3
+        request.BX = FactoryUserByte;
+    } else {
+        request.Keys = ParseNewKeys(options);
+        request.Levels = ParseLevels(options.Levels);
+    }
+    if (firstSector == 0 && request.Levels.IsValueBlock[0]) {
         throw UsageError{"block 0 is the manufacturer's and can't be written: --value 0 isn't for sector 0"};
     }
     if (request.Levels.KeysToUse != KeysAsOnCard) {
@@ -87,60 +84,8 @@ Request Parse(const Options& options, const Output& out)
     return request;
 }
 
-/// The class stores a purse's rights for a slot by these blocks, also in a sector of 16 blocks.
-int32_t PurseBlock(const Request& request, unsigned slot)
-{
-    return TrailerBlock(request.Sector) - static_cast<int32_t>(DataSlots - slot);
-}
-
-/// The slot whose access bits hold for that block.
-unsigned SlotOfPurse(const Request& request, unsigned slot)
-{
-    const bool isLarge =
-        TrailerBlock(request.Sector) - TrailerBlock(request.Sector - 1) > int32_t{SectorSlots};
-    return isLarge ? DataSlots - 1 : slot;
-}
-
-void AddParts(const Request& request, WriteReport& report)
-{
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (request.Levels.IsValueBlock[slot]) {
-            const int32_t block = PurseBlock(request, slot);
-            report.Add(Format("block %d", block), ReadCommand(block, request.Login));
-        }
-    }
-    const char* with = request.Login.Option();
-    if (!request.Keys.empty()) {
-        with = request.Login.IsB() ? ", with the new key A, or if that fails with the old key and --as-b"
-                                   : ", with the new key A, or if that fails with the old key";
-    } else if (request.Levels.KeysToUse == KeyAAlone) {
-        with = ", with key A";
-    }
-    const std::string look = Format("acg trailer %d --key KEY%s", request.Sector, with);
-    report.Add(Format(request.Keys.empty() ? "the access bits of sector %d"
-                                           : "the keys and the access bits of sector %d",
-                      request.Sector),
-               look);
-}
-
-/// Takes what isn't given from the card, so that nothing comes from what the class reads on writing.
-void Complete(Request& request, const Trailer& onCard)
-{
-    if (request.Levels.KeysToUse == KeysAsOnCard) {
-        request.Levels.KeysToUse = KeysUsedBy(TrailerRightsIn(onCard.Conditions));
-    }
-    request.BX = request.BX.value_or(onCard.UserByte);
-    request.Bytes = EncodeOrRefuse(request.Levels);
-}
-
-/// Key B is a key once the trailer is written.
-bool IsKeyB(const Request& request)
-{
-    return KeysUsedBy(TrailerRightsIn(request.Bytes)) == BothKeys;
-}
-
 /// The class stores the rights of a purse only for a block that it has written as a value block itself.
-void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int32_t sector, Output& out)
+void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, SectorNumber sector, Output& out)
 {
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         if (TripleIn(before, slot) == AccessTriple::Bits110 &&
@@ -152,172 +97,187 @@ void WarnOfPurses(const ConditionBytes& before, const ConditionBytes& after, int
     }
 }
 
-void ShowChange(const Request& request, const Trailer& onCard, Output& out)
+using Plans = std::vector<SectorPlan>;
+
+/// "sector 4", or "sectors 1-3, 5", of those plans for which it is true.
+template <class Predicate>
+std::string SectorsOf(const Plans& plans, Predicate isMeant)
 {
-    const int32_t sector = request.Sector;
-    const AccessReport before{sector, onCard.Conditions, onCard.UserByte, {}};
-    const AccessReport after{sector, request.Bytes, request.BX,
-                             Deviations(request.Levels, request.Bytes, sector)};
-    out.Json["before"] = ToJson(before);
-    out.Json["after"] = ToJson(after);
-    out.Print(Format("Sector %d now: levels %s, byte 9 is %d\n\n%s\n", sector,
-                     FormatLevels(before.Bytes).c_str(), onCard.UserByte, AccessTable(before).c_str()));
-    out.Print(Format("Sector %d afterwards: levels %s, byte 9 is %d\n\n%s", sector,
-                     FormatLevels(after.Bytes).c_str(), *request.BX, AccessTable(after).c_str()));
+    std::string text;
+    int count = 0;
+    for (size_t at = 0; at < plans.size(); ++at) {
+        if (!isMeant(plans[at])) {
+            continue;
+        }
+        const size_t from = at;
+        while (at + 1 < plans.size() && isMeant(plans[at + 1])) {
+            ++at;
+        }
+        count += static_cast<int>(at - from) + 1;
+        text += (text.empty() ? "" : ", ") + std::to_string(plans[from].Sector) +
+                (at > from ? "-" + std::to_string(plans[at].Sector) : "");
+    }
+    return count == 0 ? "" : (count == 1 ? "sector " : "sectors ") + text;
+}
+
+bool IsLarge(int32_t sector)
+{
+    return TrailerBlock(sector) - TrailerBlock(sector - 1) > int32_t{SectorSlots};
+}
+
+/// The same tables hold for both.
+bool LookAlike(const SectorPlan& one, const SectorPlan& other)
+{
+    return one.Before == other.Before && one.UserByteBefore == other.UserByteBefore &&
+           one.Bytes == other.Bytes && one.BX == other.BX && IsLarge(one.Sector) == IsLarge(other.Sector) &&
+           (one.Sector == 0) == (other.Sector == 0) && one.IsDone == other.IsDone;
+}
+
+/// Sectors that look alike share their tables, in which the data blocks are then counted from 0.
+void ShowChange(const Plans& plans, const SectorPlan& plan, Output& out)
+{
+    const auto isMeant = [&](const SectorPlan& other) { return LookAlike(plan, other); };
+    const bool isAlone = std::ranges::count_if(plans, isMeant) == 1;
+    const SectorNumber sector = isAlone ? SectorNumber(plan.Sector) : std::nullopt;
+    const AccessReport before{sector, plan.Before, plan.UserByteBefore, {}};
+    const AccessReport after{sector, plan.Bytes, plan.BX, Deviations(plan.Levels, plan.Bytes, sector)};
+    std::string title = SectorsOf(plans, isMeant);
+    title.front() = 'S';
+    out.Print(AccessHead(title + " now", before) +
+              (!isAlone && IsLarge(plan.Sector) ? "\nA data block stands for five here." : "") + "\n\n" +
+              AccessTable(before) + '\n');
+    out.Print(AccessHead(title + " afterwards", after) + "\n\n" + AccessTable(after));
     WarnOfPurses(before.Bytes, after.Bytes, sector, out);
 }
 
-/// The class sends a whole trailer, of which the card silently takes what the key may write.
-void RequireRights(const Request& request, const TrailerRights& rights, bool changesConditions)
+void ShowChanges(const Plans& plans, Output& out)
 {
-    const KeySet key = request.Login.AsKeySet();
-    const bool mayWriteKeys = Has(rights.WriteKeys, key);
-    const bool mayWriteConditions = Has(rights.WriteConditions, key);
-    if (!mayWriteKeys && (!request.Keys.empty() || !mayWriteConditions)) {
-        throw OtherFailure{
-            Format("%s may not write the keys of this sector%s", NameOf(key),
-                   mayWriteConditions ? ": without new keys, the access bits alone are written" : "")};
-    }
-    if (mayWriteKeys && request.Keys.empty()) {
-        throw UsageError{
-            Format("%s may write the keys of this sector, so they have to be given, new or as they "
-                   "are: --new-a and --new-b, --new-keys, or the variables ACG_NEW_A and ACG_NEW_B",
-                   NameOf(key))};
-    }
-    if (changesConditions && !mayWriteConditions) {
-        throw OtherFailure{Format("%s may not write the access bits and byte 9 of this sector", NameOf(key))};
-    }
-}
-
-Purse ReadPurse(CardSession& card, const Request& request, unsigned slot, const ConditionBytes& before,
-                Output& out)
-{
-    const int32_t number = PurseBlock(request, slot);
-    const KeySet writers = RightsOfBits(before)[SlotOfPurse(request, slot)][Right::Write];
-    if (!Has(writers, request.Login.AsKeySet())) {
-        throw OtherFailure{
-            Format("--value %u writes block %d, which %s may write", slot, number, NameOf(writers))};
-    }
-    const ValueBlock block(card.ReadBlock(number, request.Login));
-    if (!block.IsValid()) {
-        throw OtherFailure{
-            Format("block %d isn't a value block; to make it one: acg value %d NUMBER --key KEY%s", number,
-                   number, request.Login.Option())};
-    }
-    out.Json["values"].push_back({{"block", number}, {"value", block.Value}});
-    const std::string others = SlotOfPurse(request, slot) != slot
-                                   ? Format(", for %s,", NameOfSlot(slot, request.Sector).c_str())
-                                   : "";
-    std::string line = Format("Block %d%s is written first, as a value block; its value stays %d", number,
-                              others.c_str(), block.Value);
-    const int address = block.Address.value_or(0); // it is a value block
-    line += address != number ? Format(", its address %d becomes %d", address, number) : "";
-    out.Print(line + ".");
-    return {number, block.Value};
-}
-
-void Write(CardSession& card, const Purse& purse, const LoginKey& key, WriteReport& report)
-{
-    Encoder& encoder = card.Class();
-    report.NoteSending(card, FailureOf(encoder, encoder.WriteValueBloc(purse.Block, DigitsOf(key.Bytes).Text,
-                                                                       key.Type, purse.Value)));
-    const bool isTaken = report.ReadBack(card, [&] {
-        const ValueBlock block(card.ReadBlock(purse.Block, key));
-        return block.HasCopies() && block.Value == purse.Value && block.Address == purse.Block;
-    });
-    if (!isTaken) {
-        throw OtherFailure{Format("block %d reads back as something other than was written", purse.Block)};
-    }
-}
-
-void Write(CardSession& card, const Request& request, WriteReport& report)
-{
-    const auto level = [&](size_t slot) {
-        return static_cast<SCBS_SecurityLevelEnum>(request.Levels.Levels[slot]);
-    };
-    // Without new ones the card ignores the keys, by the rights that RequireRights has seen. The key of the
-    // login would be the least harm if it took them.
-    const Key& keyA = request.Keys.empty() ? request.Login.Bytes : request.Keys.front();
-    const Key& keyB = request.Keys.empty() ? request.Login.Bytes : request.Keys.back();
-    Encoder& encoder = card.Class();
-    report.NoteSending(
-        card, FailureOf(encoder, encoder.WriteSectorTrailer(
-                                     request.Sector, DigitsOf(request.Login.Bytes).Text, request.Login.Type,
-                                     DigitsOf(keyA).Text, DigitsOf(keyB).Text, request.Levels.KeysToUse,
-                                     level(0), level(1), level(2),
-                                     static_cast<SCSS_SecurityLevelEnum>(request.Levels.Levels[TrailerSlot]),
-                                     *request.BX)));
-}
-
-/// Logs in with each key that the sector then has, and compares what reads back.
-bool IsTaken(CardSession& card, const Request& request)
-{
-    std::vector<LoginKey> logins = {request.Login};
-    if (!request.Keys.empty()) {
-        logins = {{request.Keys.front(), KeyTypeA}};
-        if (IsKeyB(request)) {
-            logins.push_back({request.Keys.back(), KeyTypeB});
+    for (auto plan = plans.begin(); plan != plans.end(); ++plan) {
+        const int32_t sector = plan->Sector;
+        JsonObject json;
+        json["before"] = ToJson({sector, plan->Before, plan->UserByteBefore, {}});
+        json["after"] =
+            ToJson({sector, plan->Bytes, plan->BX, Deviations(plan->Levels, plan->Bytes, sector)});
+        if (plans.size() == 1) {
+            out.Json.update(json);
+        } else {
+            out.Json["sectors"].push_back(json);
+        }
+        const auto isLike = [&](const SectorPlan& other) { return LookAlike(*plan, other); };
+        if (!plan->IsDone && std::none_of(plans.begin(), plan, isLike)) {
+            if (plan != plans.begin()) {
+                out.Print("");
+            }
+            ShowChange(plans, *plan, out);
         }
     }
-    return std::ranges::all_of(logins, [&](const LoginKey& key) {
-        const Trailer trailer = ReadTrailer(card, request.Sector, key);
-        return trailer.Conditions == request.Bytes && trailer.UserByte == request.BX &&
-               (request.Keys.empty() || IsKeyB(request) || trailer.KeyB == request.Keys.back());
-    });
+    const std::string done = SectorsOf(plans, [](const SectorPlan& plan) { return plan.IsDone; });
+    if (!done.empty()) {
+        out.Print("These keys and levels are there already: " + done + '.');
+    }
+}
+
+void ShowErasures(const Plans& plans, Output& out)
+{
+    const auto show = [&](Erasure when, const char* how) {
+        const std::string sectors =
+            SectorsOf(plans, [&](const SectorPlan& plan) { return plan.Erase == when; });
+        if (!sectors.empty()) {
+            out.Print(Wrap("The data blocks of " + sectors + " are filled with zeros, " + how, 0));
+        }
+    };
+    show(Erasure::First, "before the trailer is written.");
+    show(Erasure::Afterwards,
+         "with the new key A after the trailer is written, as the key of this login may not write "
+         "all of them.");
+}
+
+/// In a range, says which sector it was.
+template <class Step>
+void ForEach(Plans& plans, Output& out, Step step)
+{
+    for (SectorPlan& plan : plans) {
+        try {
+            step(plan);
+        } catch (const Interruption&) {
+            throw;
+        } catch (...) {
+            if (plans.size() > 1) {
+                out.Problem(Format("sector %d:", plan.Sector));
+            }
+            throw;
+        }
+    }
 }
 
 int Protect(const Options& options, Context& context)
 {
     Output& out = context.Out;
-    Request request = Parse(options, out);
+    const auto [first, last] = ParseRange(options.Sectors, ParseSector);
+    const ProtectRequest request = Parse(options, first, out);
+    Plans plans;
+    for (int32_t sector = first; sector <= last; ++sector) {
+        plans.push_back({.Sector = sector, .Erase = request.Erases ? Erasure::First : Erasure::None});
+    }
+    const bool isAlone = plans.size() == 1;
     WriteReport report(out);
-    AddParts(request, report);
+    const auto addParts = [&] {
+        report.Clear();
+        for (const SectorPlan& plan : plans) {
+            AddParts(request, plan, isAlone, report);
+        }
+    };
+    addParts();
     CardSession card(context.Parameters);
     report.BeginCard(card);
-    const Trailer onCard = ReadTrailer(card, request.Sector, request.Login);
-    const ConditionBytes before = onCard.Conditions;
-    const TrailerRights& rights = TrailerRightsIn(before);
-    Complete(request, onCard);
-    ShowChange(request, onCard, out);
+    ForEach(plans, out, [&](SectorPlan& plan) { plan = PlanSector(card, request, plan.Sector); });
+    ShowChanges(plans, out);
+    ForEach(plans, out, [&](SectorPlan& plan) { CompletePlan(card, request, plan, out); });
+    addParts();
 
-    RequireRights(request, rights, before != request.Bytes || onCard.UserByte != request.BX);
-    const bool canBeReadBack = !request.Keys.empty() || IsKeyB(request);
     if (request.Keys.empty()) {
         out.Print(Format("The keys stay as they are, since %s may not write them.",
                          NameOf(request.Login.AsKeySet())));
-    }
-    if (!canBeReadBack) {
-        out.Print("Key B opens nothing afterwards, so this can't be read back with it.");
-    }
-    std::vector<Purse> purses;
-    for (unsigned slot = 0; slot < DataSlots; ++slot) {
-        if (request.Levels.IsValueBlock[slot]) {
-            purses.push_back(ReadPurse(card, request, slot, before, out));
+        if (std::ranges::any_of(plans, [](const SectorPlan& plan) { return !plan.IsKeyB(); })) {
+            out.Print("Key B opens nothing afterwards, so this can't be read back with it.");
+            if (!isAlone) {
+                throw UsageError{
+                    "what can't be read back is written one sector at a time, as in acg protect 1"};
+            }
         }
     }
-    if (AreConditionsFixed(TrailerRightsIn(request.Bytes)) && !AreConditionsFixed(rights) &&
-        !options.IsForGood) {
-        throw UsageError{"this freezes the sector for good. Give --for-good if it is meant"};
+    ShowErasures(plans, out);
+    const std::string frozen = SectorsOf(plans, [](const SectorPlan& plan) {
+        return !plan.IsDone && AreConditionsFixed(TrailerRightsIn(plan.Bytes)) &&
+               !AreConditionsFixed(TrailerRightsIn(plan.Before));
+    });
+    if (!frozen.empty() && !options.IsForGood) {
+        throw UsageError{"this freezes " + (isAlone ? "the sector" : frozen) +
+                         " for good. Give --for-good if it is meant"};
     }
     if (options.IsDryRun) {
         out.Print("Nothing was written: --dry-run.");
         return Done;
     }
-    if (!options.IsAgreedTo && !IsAgreedTo()) {
+    const auto isToWrite = [](const SectorPlan& plan) { return !plan.IsDone || plan.Erase != Erasure::None; };
+    const auto sectors = static_cast<size_t>(std::ranges::count_if(plans, isToWrite));
+    if (sectors == 0) {
+        out.Print("Nothing is left to write.");
+        return Done;
+    }
+    if (!options.IsAgreedTo &&
+        !IsAgreedTo(sectors == 1 ? "this" : Format("these %d sectors", static_cast<int>(sectors)))) {
         throw OtherFailure{"not agreed to"};
     }
     card.Select();
-    for (const Purse& purse : purses) {
-        Write(card, purse, request.Login, report);
-    }
-    Write(card, request, report);
-    if (!canBeReadBack) {
-        throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
-    }
-    if (!report.ReadBack(card, [&] { return IsTaken(card, request); })) {
-        throw OtherFailure{"the card holds something other than was written"};
-    }
-    out.Print(request.Keys.empty() ? "Written, and read back." : "Written, and read back with the new keys.");
+    ForEach(plans, out, [&](const SectorPlan& plan) {
+        if (isToWrite(plan)) {
+            WriteSector(card, request, plan, report);
+            out.Print((isAlone ? "W" : Format("Sector %d: w", plan.Sector)) +
+                      (request.Keys.empty() ? "ritten, and read back."
+                                            : "ritten, and read back with the new keys."));
+        }
+    });
     return Done;
 }
 
@@ -326,12 +286,11 @@ int Protect(const Options& options, Context& context)
 void AddProtect(CommandLine& commands)
 {
     auto [command, options] = commands.Add(
-        "protect", "Writes new keys and levels for a sector, and says first what that means",
+        "protect", "Writes new keys and levels for sectors, and says first what that means",
         "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2", Protect);
-    AddSectorArgument(command, options.Sector);
+    AddSectorArgument(command, options.Sectors);
     AddLoginOptions(command, options.Key);
     AddLevelOptions(command, options.Levels, "1 for key A alone, 2 for both keys; default: as on the card",
-                    Need::Optional,
                     "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
                     "written again with its value, and "
                     "levels 9 and 13 grant the rights of a purse");
@@ -343,6 +302,13 @@ void AddProtect(CommandLine& commands)
     command.Option("--new-keys", "FILE", options.NewKeysFile, "A file with the new key A, then the new key B",
                    Need::Optional, {"--new-a", "--new-b"});
     command.Option("--bx", "N", options.BX, "Byte 9 of the trailer, 0 to 255; default: as on the card");
+    command.Flag(
+        "--factory", options.IsFactory,
+        "In place of keys and levels: as delivered, keys FFFFFFFFFFFF, levels 15,15,15,3 with key A alone, "
+        "byte 9 105",
+        {"--levels", "--keys", "--value", "--new-a", "--new-b", "--new-keys", "--bx"});
+    command.Flag("--erase", options.Erases,
+                 "With --factory: fill the data blocks with zeros, but for block 0");
     command.Flag("--dry-run", options.IsDryRun, "Only show what would happen");
     command.Flag("--yes", options.IsAgreedTo, "Don't ask");
     command.Flag("--for-good", options.IsForGood, "Allow what can never be changed again");

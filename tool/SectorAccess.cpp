@@ -2,6 +2,9 @@
 
 #include "acg/encoder/Enums.h"
 
+#include <bit>
+#include <tuple>
+
 namespace acg::tool
 {
 
@@ -26,13 +29,39 @@ Rights Without(Rights rights, const Rights& others)
     return rights;
 }
 
+constexpr int32_t ToKeyB = 4; ///< from a right of key A to that of key B, as a factor
+
 /// The keys that have a right by a level, of which it is the bit for key A.
 KeySet KeysIn(int32_t level, int32_t bit)
 {
-    constexpr int32_t ToKeyB = 4;
     const unsigned ofA = (level & bit) != 0 ? 1 : 0;
     const unsigned ofB = (level & bit * ToKeyB) != 0 ? 2 : 0;
     return static_cast<KeySet>(ofA | ofB);
+}
+
+/// The part of a level that a right is; the inverse of KeysIn.
+int32_t LevelOf(KeySet holders, int32_t bit)
+{
+    return (Has(holders, A) ? bit : 0) + (Has(holders, B) ? bit * ToKeyB : 0);
+}
+
+int32_t NearestLevel(const SectorLevels& levels, unsigned slot)
+{
+    const auto asked = static_cast<uint32_t>(levels.Levels[slot]);
+    const auto rank = [&](int32_t level) {
+        const auto granted = static_cast<uint32_t>(level);
+        return std::tuple(std::popcount(granted ^ asked), std::popcount(granted), level);
+    };
+    int32_t nearest = 0; // can be stored in any slot
+    for (int32_t level = 0; level <= HighestLevel; ++level) {
+        SectorLevels alone{.KeysToUse = levels.KeysToUse};
+        alone.Levels[slot] = level;
+        if (const std::optional<ConditionBytes> bytes = Encode(alone)) {
+            const int32_t granted = LevelIn(RightsOfBits(*bytes), slot);
+            nearest = rank(granted) < rank(nearest) ? granted : nearest;
+        }
+    }
+    return nearest;
 }
 
 } // namespace
@@ -98,6 +127,26 @@ SectorRights RightsOfLevels(const SectorLevels& levels)
     rights[Part::Keys][Right::Write] = KeysIn(levels.Levels[TrailerSlot], scss_A_WriteKeys);
     rights[Part::AccessBits][Right::Write] = KeysIn(levels.Levels[TrailerSlot], scss_A_WriteConditions);
     return rights;
+}
+
+int32_t LevelIn(const SectorRights& rights, unsigned slot)
+{
+    return slot == TrailerSlot ? LevelOf(rights[Part::Keys][Right::Write], scss_A_WriteKeys) +
+                                     LevelOf(rights[Part::AccessBits][Right::Write], scss_A_WriteConditions)
+                               : LevelOf(rights[slot][Right::Read], scbs_A_Read) +
+                                     LevelOf(rights[slot][Right::Write], scbs_A_Write);
+}
+
+SectorLevels NearestStorable(SectorLevels levels)
+{
+    for (unsigned slot = 0; slot < SectorSlots; ++slot) {
+        SectorLevels alone{.KeysToUse = levels.KeysToUse};
+        alone.Levels[slot] = levels.Levels[slot];
+        if (!Encode(alone)) {
+            levels.Levels[slot] = NearestLevel(levels, slot);
+        }
+    }
+    return levels;
 }
 
 SectorRights RightsNotIn(const SectorRights& others, const SectorRights& rights)

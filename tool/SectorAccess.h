@@ -61,6 +61,13 @@ using SectorRights = std::array<Rights, Part::Count>;
 /// increment it.
 [[nodiscard]] SectorRights RightsOfLevels(const SectorLevels& levels);
 
+/// What a slot's part of the rights is as a level: the sum of what key A and key B may.
+[[nodiscard]] int32_t LevelIn(const SectorRights& rights, unsigned slot);
+
+/// The levels, with each that the card can't store replaced by the nearest that it can: the one that grants
+/// the fewest other rights, and of several the one that grants least.
+[[nodiscard]] SectorLevels NearestStorable(SectorLevels levels);
+
 /// The rights to data blocks, and to write the trailer, that aren't among the others. A key that may
 /// write a block gains nothing by incrementing or decrementing it, so for such a key those don't count.
 [[nodiscard]] SectorRights RightsNotIn(const SectorRights& others, const SectorRights& rights);

@@ -1,4 +1,5 @@
 // acg trailer: what the keys of a sector may do.
+#include "acg/cards/BlockAddress.h"
 #include "acg/platform/HexText.h"
 #include "tool/AccessWords.h"
 #include "tool/CardSession.h"
@@ -14,23 +15,72 @@ namespace
 {
 
 struct Options {
-    std::string Sector;
+    std::string Sectors;
     KeyOptions Key;
 };
 
-int ShowTrailer(const Options& options, Context& context)
+int ShowOne(int32_t sector, const LoginKey& key, Context& context)
 {
-    const int32_t sector = ParseSector(options.Sector);
-    const LoginKey key = ReadLoginKey(options.Key);
     CardSession card(context.Parameters);
     const Trailer trailer = ReadTrailer(card, sector, key);
-    const ConditionBytes& bytes = trailer.Conditions;
-    const AccessReport access{sector, bytes, trailer.UserByte, {}};
+    const AccessReport access{sector, trailer.Conditions, trailer.UserByte, {}};
     context.Out.Json = ToJson(access);
-    context.Out.Print(Format("Sector %d: access bits %s, byte 9 is %d\nLevels %s\n\n%s", sector,
-                             ToHex(bytes).c_str(), trailer.UserByte, FormatLevels(bytes).c_str(),
-                             AccessTable(access).c_str()));
+    context.Out.Print(AccessHead(Format("Sector %d", sector), access) + "\n\n" + AccessTable(access));
     return Done;
+}
+
+/// Why the trailer can't be read, if others still can; nothing if access has it.
+std::string Read(CardSession& card, int32_t sector, const LoginKey& key, AccessReport& access)
+{
+    Block block{};
+    switch (card.TryReadBlock(TrailerBlock(sector), key, block)) {
+    case Refusal::WrongKey:
+        return Format("%s doesn't open it, or the card has no such sector", NameOf(key.AsKeySet()));
+    case Refusal::NotGranted:
+        return Format("opened, but %s may not read the trailer", NameOf(key.AsKeySet()));
+    case Refusal::None:
+        break;
+    }
+    const Trailer trailer(block);
+    access = {sector, trailer.Conditions, trailer.UserByte, {}};
+    return InvertedCopiesAgree(trailer.Conditions) ? ""
+                                                   : "access bits " + ToHex(trailer.Conditions) +
+                                                         " contradict their inverted copies: don't write it";
+}
+
+/// A line a sector; one that can't be read doesn't hide the others.
+int ShowAll(int32_t first, int32_t last, const LoginKey& key, Context& context)
+{
+    Output& out = context.Out;
+    JsonObject& sectors = out.Json["sectors"] = JsonObject::array();
+    CardSession card(context.Parameters);
+    out.Print("Sector, access bits, byte 9, levels. FOR GOOD: nobody can change them again.");
+    int32_t missing = 0;
+    for (int32_t sector = first; sector <= last; ++sector) {
+        AccessReport access{};
+        const std::string problem = Read(card, sector, key, access);
+        if (problem.empty()) {
+            const bool isFixed = AreConditionsFixed(TrailerRightsIn(access.Bytes));
+            out.Print(Format("%2d  %s  %3d  %s%s", sector, ToHex(access.Bytes).c_str(), *access.UserByte,
+                             FormatLevels(access.Bytes).c_str(), isFixed ? "  FOR GOOD" : ""));
+            sectors.push_back(ToJson(access));
+        } else {
+            ++missing;
+            out.Print(Format("%2d  %s", sector, problem.c_str()));
+            sectors.push_back({{"sector", sector}, {"problem", problem}});
+        }
+    }
+    if (missing != 0) {
+        throw OtherFailure{Format("%d of %d trailers couldn't be read", missing, last - first + 1)};
+    }
+    return Done;
+}
+
+int ShowTrailers(const Options& options, Context& context)
+{
+    const auto [first, last] = ParseRange(options.Sectors, ParseSector);
+    const LoginKey key = ReadLoginKey(options.Key);
+    return first == last ? ShowOne(first, key, context) : ShowAll(first, last, key, context);
 }
 
 } // namespace
@@ -38,8 +88,8 @@ int ShowTrailer(const Options& options, Context& context)
 void AddTrailer(CommandLine& commands)
 {
     auto [command, options] = commands.Add("trailer", "Shows what each key of a sector may do",
-                                           "acg trailer 1 --key FFFFFFFFFFFF", ShowTrailer);
-    AddSectorArgument(command, options.Sector);
+                                           "acg trailer 1 --key FFFFFFFFFFFF", ShowTrailers);
+    AddSectorArgument(command, options.Sectors);
     AddLoginOptions(command, options.Key);
 }
 

@@ -77,7 +77,10 @@ void AddValue(CommandLine& commands)
                                            "acg value 5 1000 --key FFFFFFFFFFFF", Value);
     command.Argument("BLOCK", options.Block,
                      "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
-    command.Argument("NUMBER", options.Number, "The value to write, from -2147483648 to 2147483647",
+    command.Argument("NUMBER", options.Number,
+                     "The value to write, from -2147483648 to 2147483647. The reader's interface can neither "
+                     "increment nor decrement: to "
+                     "change a value, read it and write the new one, with a key that may write the block",
                      Need::Optional);
     AddLoginOptions(command, options.Key);
 }

@@ -26,6 +26,13 @@ void WriteReport::Add(std::string what, std::string look)
     Tell();
 }
 
+void WriteReport::Clear()
+{
+    m_parts.clear();
+    m_out.Json.erase("writes");
+    Tell();
+}
+
 void WriteReport::BeginCard(CardSession& card)
 {
     m_out.Json["card"] = card.SerialNumber();

@@ -29,6 +29,9 @@ public:
     /// A part that is written after those before it. what: "block 4". look: the command that shows it.
     void Add(std::string what, std::string look);
 
+    /// Forgets all parts, before the first one is written.
+    void Clear();
+
     /// Remembers the card of the session. Throws as CardSession::SerialNumber does.
     void BeginCard(CardSession& card);
 
