@@ -10,17 +10,17 @@ namespace acg::tool
 namespace
 {
 
-/// The manufacturer's block can't be written, whatever the access bits say.
-SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
+constexpr KeySet Keys[] = {KeySet::A, KeySet::B};
+
+/// The words of key A and of key B.
+std::string ForBothKeys(KeySet one, KeySet other, const std::array<const char*, 4>& words)
 {
-    SectorRights rights = RightsOfBits(bytes);
-    if (sector == 0) {
-        rights[0] = {rights[0][Right::Read]};
-    }
-    return rights;
+    const auto of = [&](KeySet key) {
+        return words[(Has(one, key) ? 1U : 0U) + (Has(other, key) ? 2U : 0U)];
+    };
+    return Format("%s/%s", of(KeySet::A), of(KeySet::B));
 }
 
-constexpr KeySet Keys[] = {KeySet::A, KeySet::B};
 constexpr const char* AccessBits = "access bits"; ///< a row's name
 
 /// What each key may do with a block, or with a part of the trailer.
@@ -131,6 +131,26 @@ std::string PermanenceText(const AccessReport& access, const TrailerRights& trai
 }
 
 } // namespace
+
+SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
+{
+    SectorRights rights = RightsOfBits(bytes);
+    if (sector == 0) {
+        rights[0] = {rights[0][Right::Read]};
+    }
+    return rights;
+}
+
+std::string DataWords(const Rights& rights)
+{
+    return ForBothKeys(rights[Right::Read], rights[Right::Write], {"-", "r", "w", "rw"});
+}
+
+std::string TrailerWords(const SectorRights& rights)
+{
+    return ForBothKeys(rights[Part::Keys][Right::Write], rights[Part::AccessBits][Right::Write],
+                       {"-", "keys", "bits", "keys+bits"});
+}
 
 const char* NameOf(KeySet holders)
 {

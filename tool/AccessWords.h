@@ -18,6 +18,14 @@ using SectorNumber = std::optional<int32_t>;
 /// "nobody", "key A", "key B" or "key A or key B".
 [[nodiscard]] const char* NameOf(KeySet holders);
 
+/// What the card grants. The manufacturer's block can't be written, whatever the access bits say.
+[[nodiscard]] SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector);
+
+/// What key A may do with a data block, and what key B may, as in "r/rw": "-", "r", "w" or "rw".
+[[nodiscard]] std::string DataWords(const Rights& rights);
+/// What each may write of the trailer, as in "-/keys+bits": "-", "keys", "bits" or "keys+bits".
+[[nodiscard]] std::string TrailerWords(const SectorRights& rights);
+
 /// As --levels and --keys take it: "13,13,13,12 with both keys".
 [[nodiscard]] std::string FormatLevels(const ConditionBytes& bytes);
 
