@@ -64,6 +64,7 @@ int DumpCard(const Options& options, Context& context)
     CardSession session(context.Parameters);
     report.BeginCard(session);
     const WholeCard card = ReadWholeCard(session, keys, size, out);
+    SayWhatIsMissing(card, out);
     WriteDump(name, card.Blocks, existing);
     report.ConfirmFile();
     ShowOpenings(card.Openings, keys, out);
@@ -79,7 +80,7 @@ int DumpCard(const Options& options, Context& context)
     out.Json["sizeReason"] = card.Size.Reason;
     out.Json["blocks"] = blocks;
     out.Json["blocksRead"] = read;
-    return card.IsComplete ? Done : Failed;
+    return card.Missing.empty() ? Done : Failed;
 }
 
 } // namespace

@@ -88,6 +88,13 @@ Dump ReadDump(const std::string& name)
     return dump;
 }
 
+std::string SerialNumberIn(const Dump& card)
+{
+    constexpr size_t Size = 4;
+    const bool isKnown = (card.front().Known & BitsOf(0, Size)) == BitsOf(0, Size);
+    return isKnown ? Digits(card.front().Bytes, WholeBlock, "").substr(0, 2 * Size) : "";
+}
+
 void RequireWritable(const std::string& file, ExistingFile existing)
 {
     FileReplacement attempt; // removed at once, so that nothing is left if the program is killed meanwhile

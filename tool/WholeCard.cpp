@@ -35,13 +35,7 @@ public:
 private:
     std::optional<size_t> FindKey(int32_t sector, uint8_t type);
     void ReadUnread(const LoginKey& key);
-    void SayWhatIsMissing(int32_t sector, const Opening& opening, bool isTrailerRead);
-    void Miss(const std::string& what)
-    {
-        m_result.IsComplete = false;
-        m_bar.Erase();
-        m_out.Problem(what);
-    }
+    void NoteWhatIsMissing(int32_t sector, const Opening& opening, bool isTrailerRead);
 
     CardSession& m_card;
     const KeyRing& m_keys;
@@ -106,6 +100,17 @@ void PutKey(const Key* key, size_t at, uint16_t bytes, DumpedBlock& trailer)
     }
 }
 
+/// The key's place in the list; it is added if it isn't there.
+size_t PlaceOf(const Key& key, KeyRing& keys)
+{
+    const auto found = std::ranges::find(keys, key, &NamedKey::Bytes);
+    const auto place = static_cast<size_t>(found - keys.begin());
+    if (found == keys.end()) {
+        keys.push_back({key, "a key of the dump"});
+    }
+    return place;
+}
+
 void Reading::ReadSector()
 {
     const auto sector = static_cast<int32_t>(m_result.Openings.size());
@@ -134,7 +139,7 @@ void Reading::ReadSector()
     if (!opening.ShowsB) {
         PutKey(keyAt(opening.B), KeyBAt, KeyBBits, trailer);
     }
-    SayWhatIsMissing(sector, opening, isTrailerRead);
+    NoteWhatIsMissing(sector, opening, isTrailerRead);
     m_result.Blocks.insert(m_result.Blocks.end(), m_blocks.begin(), m_blocks.end());
     m_result.Openings.push_back(opening);
     m_bar.Show(last + 1);
@@ -143,7 +148,9 @@ void Reading::ReadSector()
 void Reading::FindSize()
 {
     try {
-        m_result.Size = tool::FindSize(m_card, m_keys);
+        m_result.Size = tool::FindSize(m_card, m_keys, LastSector)
+                            .value_or(CardSize{LastSector1K,
+                                               Format("no key opens a sector from %d on", LastSector1K + 1)});
     } catch (const CardFailure&) {
         m_bar.Erase();
         m_out.Problem("whether the card has a sector 16 isn't known; --card 1k doesn't ask");
@@ -152,26 +159,30 @@ void Reading::FindSize()
     m_bar.SetSteps(TrailerBlock(m_result.Size.LastSector) + 1);
 }
 
-void Reading::SayWhatIsMissing(int32_t sector, const Opening& opening, bool isTrailerRead)
+void Reading::NoteWhatIsMissing(int32_t sector, const Opening& opening, bool isTrailerRead)
 {
+    std::vector<std::string>& missing = m_result.Missing;
     const int32_t last = TrailerBlock(sector);
     if (!opening.A && !opening.B) {
-        Miss(Format("blocks %d to %d, sector %d: not read, as no key opens it", m_first, last, sector));
+        missing.push_back(
+            Format("blocks %d to %d, sector %d: not read, as no key opens it", m_first, last, sector));
         return;
     }
     for (size_t at = 0; at + 1 < m_blocks.size(); ++at) {
         if (m_blocks[at].Known == 0) {
-            Miss(Format("block %d: not read: ", m_first + static_cast<int32_t>(at)) +
-                 (m_refusals[at].empty() ? "its access bits allow it to no key that opens the sector"
-                                         : m_refusals[at]));
+            missing.push_back(Format("block %d: not read: ", m_first + static_cast<int32_t>(at)) +
+                              (m_refusals[at].empty()
+                                   ? "its access bits allow it to no key that opens the sector"
+                                   : m_refusals[at]));
         }
     }
     if (!isTrailerRead) {
-        Miss(Format("block %d, the trailer of sector %d: not read", last, sector));
+        missing.push_back(Format("block %d, the trailer of sector %d: not read", last, sector));
     }
     for (const auto& [name, bytes] : {std::pair{'A', KeyABits}, std::pair{'B', KeyBBits}}) {
         if ((m_blocks.back().Known & bytes) == 0) {
-            Miss(Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
+            missing.push_back(
+                Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
         }
     }
 }
@@ -195,23 +206,23 @@ std::optional<CardSize> ParseCardSize(const std::string& size)
     return CardSize{size == "1k" ? LastSector1K : LastSector, "--card says so"};
 }
 
-CardSize FindSize(CardSession& card, const KeyRing& keys)
+std::optional<CardSize> FindSize(CardSession& card, const KeyRing& keys, int32_t lastTried)
 {
     bool isAbsent = true; // by the letter that the simulated reader has for it
-    for (int32_t sector = LastSector1K + 1; sector <= LastSector; ++sector) {
+    for (int32_t sector = LastSector1K + 1; sector <= lastTried; ++sector) {
         for (const NamedKey& key : keys) {
             for (const uint8_t type : {KeyTypeA, KeyTypeB}) {
                 if (card.TryLogIn(sector, {key.Bytes, type}) == Refusal::None) {
-                    return {LastSector, Format("a key opens sector %d", sector)};
+                    return CardSize{LastSector, Format("a key opens sector %d", sector)};
                 }
                 isAbsent = isAbsent && card.LastRefusal().RdrRetCode == L"R";
             }
         }
         if (isAbsent) {
-            return {LastSector1K, Format("the reader answers R to a login on sector %d", sector)};
+            return CardSize{LastSector1K, Format("the reader answers R to a login on sector %d", sector)};
         }
     }
-    return {LastSector1K, Format("no key opens a sector from %d on", LastSector1K + 1)};
+    return std::nullopt;
 }
 
 WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys, const std::optional<CardSize>& size,
@@ -233,6 +244,40 @@ WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys, const std::optio
         }
     }
     return reading.Take();
+}
+
+void SayWhatIsMissing(const WholeCard& card, Output& out)
+{
+    for (const std::string& what : card.Missing) {
+        out.Problem(what);
+    }
+}
+
+WholeCard CardFrom(Dump blocks, KeyRing& keys)
+{
+    const auto count = static_cast<int32_t>(blocks.size());
+    const int32_t lastSector = SectorOf(count - 1);
+    WholeCard card{.Size = {lastSector, Format("the dump has %d blocks", count)},
+                   .Blocks = std::move(blocks)};
+    card.Blocks.resize(static_cast<size_t>(TrailerBlock(lastSector)) + 1);
+    card.SerialNumber = SerialNumberIn(card.Blocks);
+    for (int32_t sector = 0; sector <= lastSector; ++sector) {
+        const DumpedBlock& block = card.Blocks[static_cast<size_t>(TrailerBlock(sector))];
+        const auto knows = [&](uint16_t bytes) { return (block.Known & bytes) == bytes; };
+        const Trailer trailer(block.Bytes);
+        Opening& opening = card.Openings.emplace_back();
+        if (knows(AccessBytes) && !InvertedCopiesAgree(trailer.Conditions)) {
+            continue;
+        }
+        opening.ShowsB = knows(AccessBytes) && KeysUsedBy(TrailerRightsIn(trailer.Conditions)) == KeyAAlone;
+        if (knows(KeyABits)) {
+            opening.A = PlaceOf(trailer.KeyA, keys);
+        }
+        if (knows(KeyBBits) && !opening.ShowsB) {
+            opening.B = PlaceOf(trailer.KeyB, keys);
+        }
+    }
+    return card;
 }
 
 } // namespace acg::tool
