@@ -76,7 +76,7 @@ int DumpCard(const Options& options, Context& context)
     out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read; the file is %s",
                      card.SerialNumber.c_str(), card.Size.Name(), card.Size.Reason.c_str(), read, blocks,
                      MaskKeys(name).c_str()));
-    out.Json["size"] = card.Size.LastSector == LastSector1K ? "1k" : "4k";
+    out.Json["size"] = card.Size.JsonName();
     out.Json["sizeReason"] = card.Size.Reason;
     out.Json["blocks"] = blocks;
     out.Json["blocksRead"] = read;

@@ -88,6 +88,15 @@ Dump ReadDump(const std::string& name)
     return dump;
 }
 
+const DumpedBlock& BlockIn(const Dump& card, int32_t number)
+{
+    if (number >= static_cast<int32_t>(card.size())) {
+        throw OtherFailure{Format("the dump has no block %d: it ends with block %d", number,
+                                  static_cast<int32_t>(card.size()) - 1)};
+    }
+    return card[static_cast<size_t>(number)];
+}
+
 std::string SerialNumberIn(const Dump& card)
 {
     constexpr size_t Size = 4;

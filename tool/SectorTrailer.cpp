@@ -2,6 +2,7 @@
 
 #include "acg/cards/BlockAddress.h"
 #include "acg/platform/HexText.h"
+#include "tool/Blocks.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
@@ -58,9 +59,12 @@ ConditionBytes EncodeOrRefuse(const SectorLevels& levels)
                levels.Levels[TrailerSlot])};
 }
 
-Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key)
+namespace
 {
-    Trailer trailer(card.ReadBlock(TrailerBlock(sector), key));
+
+Trailer Checked(const Block& block, int32_t sector)
+{
+    Trailer trailer(block);
     if (!InvertedCopiesAgree(trailer.Conditions)) {
         throw OtherFailure{
             Format("the access bits that were read of sector %d, %s, contradict their inverted "
@@ -68,6 +72,23 @@ Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key)
                    sector, ToHex(trailer.Conditions).c_str())};
     }
     return trailer;
+}
+
+} // namespace
+
+Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key)
+{
+    return Checked(card.ReadBlock(TrailerBlock(sector), key), sector);
+}
+
+Trailer TrailerIn(const Dump& card, int32_t sector)
+{
+    constexpr uint16_t Needed = AccessBytes | BitsOf(UserByteAt, 1);
+    const DumpedBlock& block = BlockIn(card, TrailerBlock(sector));
+    if ((block.Known & Needed) != Needed) {
+        throw OtherFailure{Format("the dump doesn't have the access bits of sector %d", sector)};
+    }
+    return Checked(block.Bytes, sector);
 }
 
 void AddSectorArgument(CommandOptions& command, std::string& sector)

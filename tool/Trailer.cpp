@@ -16,14 +16,23 @@ namespace
 struct Options {
     std::string Sector;
     KeyOptions Key;
+    std::string From; ///< --from
 };
+
+Trailer TakeTrailer(const Options& options, int32_t sector, Context& context)
+{
+    if (!options.From.empty()) {
+        return TrailerIn(ReadDump(options.From), sector);
+    }
+    const LoginKey key = ReadLoginKey(options.Key);
+    CardSession card(context.Parameters);
+    return ReadTrailer(card, sector, key);
+}
 
 int ShowTrailer(const Options& options, Context& context)
 {
     const int32_t sector = ParseSector(options.Sector);
-    const LoginKey key = ReadLoginKey(options.Key);
-    CardSession card(context.Parameters);
-    const Trailer trailer = ReadTrailer(card, sector, key);
+    const Trailer trailer = TakeTrailer(options, sector, context);
     const ConditionBytes& bytes = trailer.Conditions;
     const AccessReport access{sector, bytes, trailer.UserByte, {}};
     context.Out.Json = ToJson(access);
@@ -41,6 +50,7 @@ void AddTrailer(CommandLine& commands)
                                            "acg trailer 1 --key FFFFFFFFFFFF", ShowTrailer);
     AddSectorArgument(command, options.Sector);
     AddLoginOptions(command, options.Key);
+    AddFromOption(command, options.From, {"--key", "--key-file", "--as-b"});
 }
 
 } // namespace acg::tool

@@ -280,4 +280,14 @@ WholeCard CardFrom(Dump blocks, KeyRing& keys)
     return card;
 }
 
+WholeCard TakeCard(const std::string& from, const std::optional<CardSize>& size, KeyRing& keys,
+                   Context& context)
+{
+    if (!from.empty()) {
+        return CardFrom(ReadDump(from), keys);
+    }
+    CardSession session(context.Parameters);
+    return ReadWholeCard(session, keys, size, context.Out);
+}
+
 } // namespace acg::tool

@@ -21,6 +21,7 @@ struct CardSize {
     std::string Reason; ///< how it was found out, as in "a key opens sector 16"
 
     [[nodiscard]] const char* Name() const { return LastSector <= LastSector1K ? "1K" : "4K"; }
+    [[nodiscard]] const char* JsonName() const { return LastSector <= LastSector1K ? "1k" : "4k"; }
 };
 
 /// Which key of the list opens a sector, as the index; nothing if none does.
@@ -60,5 +61,9 @@ void SayWhatIsMissing(const WholeCard& card, Output& out);
 /// The card that was dumped; each sector is opened by its keys in the dump. Those that aren't in the list are
 /// added to it, as "a key of the dump". No key opens a sector whose access bits contradict themselves.
 [[nodiscard]] WholeCard CardFrom(Dump blocks, KeyRing& keys);
+
+/// The card in the dump of --from, or, if from is empty, the one in the field, as ReadWholeCard reads it.
+[[nodiscard]] WholeCard TakeCard(const std::string& from, const std::optional<CardSize>& size, KeyRing& keys,
+                                 Context& context);
 
 } // namespace acg::tool
