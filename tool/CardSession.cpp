@@ -44,11 +44,19 @@ Refusal RefusalIn(const CError& record)
     return isLogin || letter == L'O' || letter == L'R' ? Refusal::WrongKey : Refusal::NotGranted;
 }
 
+std::unique_ptr<Encoder> OpenedEncoder(const std::string& parameters)
+{
+    auto encoder = MakeEncoder(parameters);
+    Open(*encoder);
+    return encoder;
+}
+
 } // namespace
 
-CardSession::CardSession(const std::string& parameters) : m_encoder(MakeEncoder(parameters))
+CardSession::CardSession(const std::string& parameters) : CardSession(OpenedEncoder(parameters)) {}
+
+CardSession::CardSession(std::unique_ptr<Encoder> opened) : m_encoder(std::move(opened))
 {
-    Open(*m_encoder);
     try {
         m_readerType = m_encoder->ReaderType();
     } catch (const RaisedFailure&) {

@@ -32,6 +32,8 @@ class CardSession
 public:
     /// Opens the reader with the settings of MakeEncoder, and waits up to 5 seconds for a card.
     explicit CardSession(const std::string& parameters);
+    /// Of an encoder that is open.
+    explicit CardSession(std::unique_ptr<Encoder> opened);
 
     /// For operations of the class, which select the card and log in by themselves.
     [[nodiscard]] Encoder& Class();
