@@ -10,17 +10,8 @@ namespace acg::tool
 namespace
 {
 
-/// The manufacturer's block can't be written, whatever the access bits say.
-SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
-{
-    SectorRights rights = RightsOfBits(bytes);
-    if (sector == 0) {
-        rights[0] = {rights[0][Right::Read]};
-    }
-    return rights;
-}
-
 constexpr KeySet Keys[] = {KeySet::A, KeySet::B};
+
 constexpr const char* AccessBits = "access bits"; ///< a row's name
 
 /// What each key may do with a block, or with a part of the trailer.
@@ -131,6 +122,15 @@ std::string PermanenceText(const AccessReport& access, const TrailerRights& trai
 }
 
 } // namespace
+
+SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
+{
+    SectorRights rights = RightsOfBits(bytes);
+    if (sector == 0) {
+        rights[0] = {rights[0][Right::Read]};
+    }
+    return rights;
+}
 
 const char* NameOf(KeySet holders)
 {

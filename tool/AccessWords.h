@@ -20,6 +20,9 @@ using SectorNumber = std::optional<int32_t>;
 /// "nobody", "key A", "key B" or "key A or key B".
 [[nodiscard]] const char* NameOf(KeySet holders);
 
+/// What the card grants. The manufacturer's block can't be written, whatever the access bits say.
+[[nodiscard]] SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector);
+
 /// What a level lets one key do, in words: of a data block's level, or of the trailer's. The index is that
 /// key's part of the level, 0 to 3.
 using KeyWords = std::array<std::string_view, 4>;

@@ -27,6 +27,7 @@ inline constexpr uint16_t WholeBlock = 0xFFFF;
 // Of a sector trailer.
 inline constexpr uint16_t KeyABits = BitsOf(0, KeySize);
 inline constexpr uint16_t KeyBBits = BitsOf(KeyBAt, KeySize);
+inline constexpr uint16_t AccessBytes = BitsOf(AccessBitsAt, std::tuple_size_v<ConditionBytes>);
 inline constexpr uint16_t AllButKeys = WholeBlock & ~(KeyABits | KeyBBits);
 
 [[nodiscard]] bool IsTrailer(int32_t number);

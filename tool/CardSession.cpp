@@ -44,12 +44,22 @@ Refusal RefusalIn(const CError& record)
     return isLogin || letter == L'O' || letter == L'R' ? Refusal::WrongKey : Refusal::NotGranted;
 }
 
+std::unique_ptr<Encoder> OpenedEncoder(const std::string& parameters, CardWait wait)
+{
+    auto encoder = MakeEncoder(parameters, wait);
+    Open(*encoder);
+    return encoder;
+}
+
 } // namespace
 
 CardSession::CardSession(const std::string& parameters, CardWait wait)
-    : m_encoder(MakeEncoder(parameters, wait))
+    : CardSession(OpenedEncoder(parameters, wait))
 {
-    Open(*m_encoder);
+}
+
+CardSession::CardSession(std::shared_ptr<Encoder> opened) : m_encoder(std::move(opened))
+{
     try {
         m_readerType = m_encoder->ReaderType();
     } catch (const RaisedFailure&) {

@@ -32,6 +32,8 @@ class CardSession
 public:
     /// Opens the reader with the settings of MakeEncoder.
     explicit CardSession(const std::string& parameters, CardWait wait = CardWait::FiveSeconds);
+    /// Of an encoder that is open.
+    explicit CardSession(std::shared_ptr<Encoder> opened);
 
     /// For operations of the class, which select the card and log in by themselves.
     [[nodiscard]] Encoder& Class();
@@ -69,7 +71,7 @@ private:
     void LogIn(int32_t sector, const LoginKey& key);
     [[nodiscard]] std::optional<CError> Send(const char* command, const CommandData& data, ByteString& reply);
 
-    std::unique_ptr<Encoder> m_encoder;
+    std::shared_ptr<Encoder> m_encoder;
     ReaderDLL m_library;
     std::wstring m_readerType; ///< in lower case
     std::optional<std::string> m_serial;

@@ -252,4 +252,9 @@ void AddLoginOptions(CommandOptions& command, KeyOptions& key)
     command.Flag("--as-b", key.AsB, "Log in with it as key B; default: as key A");
 }
 
+void AddFromOption(CommandOptions& command, std::string& dump, std::initializer_list<const char*> others)
+{
+    command.Option("--from", "DUMP", dump, "Show this of a dump, without a reader", Need::Optional, others);
+}
+
 } // namespace acg::tool

@@ -90,6 +90,7 @@ private:
 };
 
 void AddInfo(CommandLine& commands);
+void AddCard(CommandLine& commands);
 void AddRead(CommandLine& commands);
 void AddWrite(CommandLine& commands);
 void AddValue(CommandLine& commands);
@@ -103,13 +104,15 @@ void AddWatch(CommandLine& commands);
 
 /// In the order in which --help lists them.
 inline constexpr void (*AllCommands[])(CommandLine&) = {
-    AddInfo,    AddRead, AddWrite,   AddValue,   AddTrailer, AddPreview,
-    AddProtect, AddDump, AddCompare, AddRestore, AddWatch,
+    AddInfo,    AddCard,    AddRead, AddWrite,   AddValue,   AddTrailer,
+    AddPreview, AddProtect, AddDump, AddCompare, AddRestore, AddWatch,
 };
 
 /// The options of a command that tries a list of keys: ReadKeyRing.
 void AddKeyRingOptions(CommandOptions& command, KeyOptions& key);
 /// The options of a command that logs in with one key: ReadLoginKey.
 void AddLoginOptions(CommandOptions& command, KeyOptions& key);
+/// --from, a dump in place of the card in the field. others: options that can't be given with it.
+void AddFromOption(CommandOptions& command, std::string& dump, std::initializer_list<const char*> others);
 
 } // namespace acg::tool

@@ -1,8 +1,9 @@
-// acg compare: the differences of two dumps.
+// acg compare: the differences of two dumps, or of a dump and the card in the field.
 #include "tool/CommandLine.h"
 #include "tool/DumpDifference.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
+#include "tool/WholeCard.h"
 
 #include <algorithm>
 
@@ -14,15 +15,38 @@ namespace
 
 struct Options {
     std::string First;
-    std::string Second;
+    std::string Second; ///< empty for the card in the field
+    KeyOptions Key;
+    std::string Card; ///< --card
 };
+
+struct Named {
+    std::string Name;
+    Dump Blocks;
+};
+
+/// The second file, or the card.
+Named TakeSecond(const Options& options, Context& context)
+{
+    if (!options.Second.empty()) {
+        if (!options.Key.Text.empty() || !options.Key.File.empty() || !options.Card.empty()) {
+            throw UsageError{
+                "--key, --key-file and --card are for the card; two files are compared without it"};
+        }
+        return {MaskKeys(options.Second), ReadDump(options.Second)};
+    }
+    KeyRing keys = ReadKeyRing(options.Key);
+    WholeCard card = TakeCard(/*from=*/{}, ParseCardSize(options.Card), keys, context);
+    SayWhatIsMissing(card, context.Out);
+    return {"card " + card.SerialNumber, std::move(card.Blocks)};
+}
 
 int Compare(const Options& options, Context& context)
 {
     Output& out = context.Out;
     const Dump one = ReadDump(options.First);
-    const Dump other = ReadDump(options.Second);
-    const std::string names[] = {MaskKeys(options.First), MaskKeys(options.Second)};
+    const auto [otherName, other] = TakeSecond(options, context);
+    const std::string names[] = {MaskKeys(options.First), otherName};
     out.Print(Format("< %s\n> %s", names[0].c_str(), names[1].c_str()));
     out.Json["files"] = names;
     const int32_t sizes[] = {static_cast<int32_t>(one.size()), static_cast<int32_t>(other.size())};
@@ -50,11 +74,15 @@ int Compare(const Options& options, Context& context)
 
 void AddCompare(CommandLine& commands)
 {
-    auto [command, options] =
-        commands.Add("compare", "Shows where two dumps differ; exit status 1 if they do",
-                     "acg compare before.bin after.txt", Compare);
+    auto [command, options] = commands.Add(
+        "compare", "Shows where two dumps differ, or a dump and the card; exit status 1 if they do",
+        "acg compare before.bin after.txt", Compare);
     command.Argument("FILE1", options.First, "A dump, raw bytes or text; its lines begin with \"<\"");
-    command.Argument("FILE2", options.Second, "Another; its lines begin with \">\"");
+    command.Argument("FILE2", options.Second,
+                     "Another; its lines begin with \">\". Without it: the card in the field",
+                     Need::Optional);
+    AddKeyRingOptions(command, options.Key);
+    AddCardOption(command, options.Card);
 }
 
 } // namespace acg::tool

@@ -64,6 +64,7 @@ int DumpCard(const Options& options, Context& context)
     CardSession session(context.Parameters);
     report.BeginCard(session);
     const WholeCard card = ReadWholeCard(session, keys, size, out);
+    SayWhatIsMissing(card, out);
     WriteDump(name, card.Blocks, existing);
     report.ConfirmFile();
     ShowOpenings(card.Openings, keys, out);
@@ -75,11 +76,11 @@ int DumpCard(const Options& options, Context& context)
     out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read; the file is %s",
                      card.SerialNumber.c_str(), card.Size.Name(), card.Size.Reason.c_str(), read, blocks,
                      MaskKeys(name).c_str()));
-    out.Json["size"] = card.Size.LastSector == LastSector1K ? "1k" : "4k";
+    out.Json["size"] = card.Size.JsonName();
     out.Json["sizeReason"] = card.Size.Reason;
     out.Json["blocks"] = blocks;
     out.Json["blocksRead"] = read;
-    return card.IsComplete ? Done : Failed;
+    return card.Missing.empty() ? Done : Failed;
 }
 
 } // namespace

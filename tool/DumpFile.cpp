@@ -88,6 +88,22 @@ Dump ReadDump(const std::string& name)
     return dump;
 }
 
+const DumpedBlock& BlockIn(const Dump& card, int32_t number)
+{
+    if (number >= static_cast<int32_t>(card.size())) {
+        throw OtherFailure{Format("the dump has no block %d: it ends with block %d", number,
+                                  static_cast<int32_t>(card.size()) - 1)};
+    }
+    return card[static_cast<size_t>(number)];
+}
+
+std::string SerialNumberIn(const Dump& card)
+{
+    constexpr size_t Size = 4;
+    const bool isKnown = (card.front().Known & BitsOf(0, Size)) == BitsOf(0, Size);
+    return isKnown ? Digits(card.front().Bytes, WholeBlock, "").substr(0, 2 * Size) : "";
+}
+
 void RequireWritable(const std::string& file, ExistingFile existing)
 {
     FileReplacement attempt; // removed at once, so that nothing is left if the program is killed meanwhile

@@ -25,6 +25,12 @@ using Dump = std::vector<DumpedBlock>;
 /// Throws UsageError if the file can't be read or isn't a dump.
 [[nodiscard]] Dump ReadDump(const std::string& name);
 
+/// Throws OtherFailure if the dump ends before that block.
+[[nodiscard]] const DumpedBlock& BlockIn(const Dump& card, int32_t number);
+
+/// The first four bytes of block 0; empty if they aren't known.
+[[nodiscard]] std::string SerialNumberIn(const Dump& card);
+
 /// Throws UsageError if the file can't be created or replaced, or if it exists and is to be kept. Creates
 /// nothing that stays.
 void RequireWritable(const std::string& file, ExistingFile existing);

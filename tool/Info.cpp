@@ -3,7 +3,10 @@
 #include "tool/Failures.h"
 #include "tool/System.h"
 #include "tool/Text.h"
+#include "tool/WholeCard.h"
 
+#include <exception>
+#include <memory>
 #include <optional>
 
 namespace acg::tool
@@ -57,20 +60,28 @@ void Show(const char* name, const char* member, const std::string& value, Output
     out.Json[member] = value.empty() ? JsonObject() : JsonObject(value);
 }
 
-int Info(Context& context)
+struct Options {
+    KeyOptions Key;
+};
+
+int Info(const Options& options, Context& context)
 {
-    const auto encoder = MakeEncoder(context.Parameters);
+    const KeyRing keys = ReadKeyRing(options.Key);
+    const std::shared_ptr<Encoder> encoder = MakeEncoder(context.Parameters);
     std::string type;
     std::string serial;
-    std::optional<CardFailure> failed;
+    std::optional<CardSize> size;
+    std::exception_ptr failed;
     try {
         Open(*encoder);
         type = TypeOf(*encoder);
-        std::wstring text;
-        ThrowIfFailed(*encoder, encoder->ReadSerialNumber(text));
-        serial = ToUtf8(text);
-    } catch (const CardFailure& failure) {
-        failed = failure;
+        CardSession card(encoder);
+        serial = card.SerialNumber();
+        size = FindSize(card, keys, LastSector1K + 1); // more sectors would take too long
+    } catch (const CardFailure&) {
+        failed = std::current_exception();
+    } catch (const OtherFailure&) {
+        failed = std::current_exception();
     }
     const LoadedLibrary library = LibraryInUse();
     Show("Library", "libraryPath", library.Path, context.Out);
@@ -80,8 +91,13 @@ int Info(Context& context)
     Show("Reader type", "readerType", type, context.Out);
     Show("State", "state", StateOf(*encoder), context.Out);
     Show("Serial", "serial", serial, context.Out);
+    const std::string unknown = serial.empty() || failed ? "-" : "not known: no key given opens sector 16";
+    context.Out.Print(Format("%-12s ", "Size") +
+                      (size ? Format("%s, since %s", size->Name(), size->Reason.c_str()) : unknown));
+    context.Out.Json["size"] = size ? JsonObject(size->JsonName()) : JsonObject();
+    context.Out.Json["sizeReason"] = size ? JsonObject(size->Reason) : JsonObject();
     if (failed) {
-        throw CardFailure(*failed);
+        std::rethrow_exception(failed);
     }
     return Done;
 }
@@ -90,8 +106,10 @@ int Info(Context& context)
 
 void AddInfo(CommandLine& commands)
 {
-    commands.Add("info", "Shows the reader, its type and state, and the card's serial number",
-                 "acg info --reader \"Device=com3;Baud rate=19200\"", Info);
+    auto [command, options] =
+        commands.Add("info", "Shows the reader, its type and state, and the card's serial number and size",
+                     "acg info --reader \"Device=com3;Baud rate=19200\"", Info);
+    AddKeyRingOptions(command, options.Key);
 }
 
 } // namespace acg::tool

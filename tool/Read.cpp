@@ -2,6 +2,7 @@
 #include "tool/Blocks.h"
 #include "tool/CardSession.h"
 #include "tool/CommandLine.h"
+#include "tool/DumpFile.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
@@ -14,20 +15,31 @@ namespace
 struct Options {
     std::string Blocks;
     KeyOptions Key;
+    std::string From; ///< --from
 };
 
 int Read(const Options& options, Context& context)
 {
     const auto [first, last] = ParseRange(options.Blocks, ParseBlockNumber);
-    const LoginKey key = ReadLoginKey(options.Key);
     JsonObject& blocks = context.Out.Json["blocks"] = JsonObject::array();
+    const auto show = [&](int32_t number, const DumpedBlock& block) {
+        const auto known = static_cast<uint16_t>(block.Known & (IsTrailer(number) ? AllButKeys : WholeBlock));
+        context.Out.Print(HexDump(number, block.Bytes, known));
+        blocks.push_back({{"block", number},
+                          {"hex", Digits(block.Bytes, known, "")},
+                          {"characters", Characters(block.Bytes, known)}});
+    };
+    if (!options.From.empty()) {
+        const Dump dump = ReadDump(options.From);
+        for (int32_t number = first; number <= last; ++number) {
+            show(number, BlockIn(dump, number));
+        }
+        return Done;
+    }
+    const LoginKey key = ReadLoginKey(options.Key);
     CardSession card(context.Parameters);
     for (int32_t number = first; number <= last; ++number) {
-        const Block block = card.ReadBlock(number, key);
-        const uint16_t known = IsTrailer(number) ? AllButKeys : WholeBlock;
-        context.Out.Print(HexDump(number, block, known));
-        blocks.push_back(
-            {{"block", number}, {"hex", Digits(block, known, "")}, {"characters", Characters(block, known)}});
+        show(number, {card.ReadBlock(number, key), WholeBlock});
     }
     return Done;
 }
@@ -40,6 +52,7 @@ void AddRead(CommandLine& commands)
                                            "acg read 4-6 --key FFFFFFFFFFFF", Read);
     command.Argument("BLOCK", options.Blocks, "A block, or the first and the last one: BLOCK-BLOCK");
     AddLoginOptions(command, options.Key);
+    AddFromOption(command, options.From, {"--key", "--key-file", "--as-b"});
 }
 
 } // namespace acg::tool

@@ -38,7 +38,7 @@ struct Request {
     KeyRing Keys;
 };
 
-const DumpedBlock& TrailerIn(const Dump& dump, int32_t sector)
+const DumpedBlock& WantedTrailer(const Dump& dump, int32_t sector)
 {
     return dump[static_cast<size_t>(TrailerBlock(sector))];
 }
@@ -61,7 +61,7 @@ Request Parse(const Options& options, const Output& out)
         }
     }
     for (int32_t sector = request.First; options.HasTrailers && sector <= request.Last; ++sector) {
-        if (IsContradictory(TrailerIn(request.Wanted, sector))) {
+        if (IsContradictory(WantedTrailer(request.Wanted, sector))) {
             throw UsageError{Format("the access bits that %s has for sector %d contradict themselves: with "
                                     "them, the card would block the sector for good",
                                     options.File.c_str(), sector)};
@@ -104,14 +104,14 @@ void RequireSize(CardSession& card, const Request& request)
     }
     KeyRing keys;
     for (int32_t sector = LastSector1K + 1; sector <= LastSector; ++sector) {
-        AddKeys(TrailerIn(request.Wanted, sector), keys);
+        AddKeys(WantedTrailer(request.Wanted, sector), keys);
     }
     keys.insert(keys.end(), request.Keys.begin(), request.Keys.end());
-    const CardSize size = FindSize(card, keys);
-    if (size.LastSector == LastSector1K) {
+    const std::optional<CardSize> size = FindSize(card, keys, LastSector);
+    if (!size || size->LastSector == LastSector1K) {
         throw OtherFailure{Format("the card is taken for 1K, since %s; sectors up to 15 can be restored: acg "
                                   "restore DUMP 0-15",
-                                  size.Reason.c_str())};
+                                  size ? size->Reason.c_str() : "no key opens a sector from 16 on")};
     }
 }
 
@@ -121,7 +121,7 @@ RestorePlan MakePlan(CardSession& card, const Request& request, bool hasTrailers
     const ProgressBar bar(TrailerBlock(request.Last) + 1);
     for (int32_t sector = request.First; sector <= request.Last; ++sector) {
         KeyRing keys;
-        AddKeys(TrailerIn(request.Wanted, sector), keys); // they fit if the card has been restored already
+        AddKeys(WantedTrailer(request.Wanted, sector), keys); // they fit if the card has been restored already
         keys.insert(keys.end(), request.Keys.begin(), request.Keys.end());
         plan.Add(sector, ReadSector(card, sector, keys, bar), keys);
     }

@@ -3,6 +3,7 @@
 #include "acg/cards/BlockAddress.h"
 #include "acg/platform/HexText.h"
 #include "tool/AccessWords.h"
+#include "tool/Blocks.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
@@ -101,11 +102,6 @@ ConditionBytes EncodeOrRefuse(const SectorLevels& levels)
         advice};
 }
 
-Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key)
-{
-    return JudgeTrailer(card.ReadBlock(TrailerBlock(sector), key), sector);
-}
-
 Trailer JudgeTrailer(const Block& block, int32_t sector)
 {
     Trailer trailer(block);
@@ -116,6 +112,21 @@ Trailer JudgeTrailer(const Block& block, int32_t sector)
                    sector, ToHex(trailer.Conditions).c_str())};
     }
     return trailer;
+}
+
+Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key)
+{
+    return JudgeTrailer(card.ReadBlock(TrailerBlock(sector), key), sector);
+}
+
+Trailer TrailerIn(const Dump& card, int32_t sector)
+{
+    constexpr uint16_t Needed = AccessBytes | BitsOf(UserByteAt, 1);
+    const DumpedBlock& block = BlockIn(card, TrailerBlock(sector));
+    if ((block.Known & Needed) != Needed) {
+        throw OtherFailure{Format("the dump doesn't have the access bits of sector %d", sector)};
+    }
+    return JudgeTrailer(block.Bytes, sector);
 }
 
 void AddSectorArgument(CommandOptions& command, std::string& sector)

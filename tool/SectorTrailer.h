@@ -3,6 +3,7 @@
 
 #include "tool/CardSession.h"
 #include "tool/CommandLine.h"
+#include "tool/DumpFile.h"
 #include "tool/SectorAccess.h"
 
 #include <array>
@@ -45,5 +46,7 @@ void AddLevelOptions(CommandOptions& command, LevelOptions& levels, const char* 
 
 /// Throws OtherFailure if the reply isn't a whole block, or the access bits contradict themselves.
 [[nodiscard]] Trailer ReadTrailer(CardSession& card, int32_t sector, const LoginKey& key);
+/// The trailer in a dump. Throws OtherFailure as ReadTrailer does, and if its access bits aren't known.
+[[nodiscard]] Trailer TrailerIn(const Dump& card, int32_t sector);
 
 } // namespace acg::tool

@@ -8,6 +8,8 @@
 #include "tool/SectorTrailer.h"
 #include "tool/Text.h"
 
+#include <functional>
+
 namespace acg::tool
 {
 
@@ -17,12 +19,11 @@ namespace
 struct Options {
     std::string Sectors;
     KeyOptions Key;
+    std::string From; ///< --from
 };
 
-int ShowOne(int32_t sector, const LoginKey& key, Context& context)
+int ShowOne(int32_t sector, const Trailer& trailer, Context& context)
 {
-    CardSession card(context.Parameters);
-    const Trailer trailer = ReadTrailer(card, sector, key);
     const AccessReport access{sector, trailer.Conditions, trailer.UserByte, {}};
     context.Out.Json = ToJson(access);
     context.Out.Print(AccessHead(Format("Sector %d", sector), access) + "\n\n" + AccessTable(access));
@@ -48,17 +49,29 @@ std::string Read(CardSession& card, int32_t sector, const LoginKey& key, AccessR
                                                          " contradict their inverted copies: don't write it";
 }
 
-/// A line a sector; one that can't be read doesn't hide the others.
-int ShowAll(int32_t first, int32_t last, const LoginKey& key, Context& context)
+std::string Read(const Dump& dump, int32_t sector, AccessReport& access)
+{
+    try {
+        const Trailer trailer = TrailerIn(dump, sector);
+        access = {sector, trailer.Conditions, trailer.UserByte, {}};
+        return {};
+    } catch (const OtherFailure& failure) {
+        return failure.Text;
+    }
+}
+
+/// A line a sector; one that can't be read doesn't hide the others. read: returns why it can't be, or
+/// nothing.
+int ShowAll(int32_t first, int32_t last, const std::function<std::string(int32_t, AccessReport&)>& read,
+            Context& context)
 {
     Output& out = context.Out;
     JsonObject& sectors = out.Json["sectors"] = JsonObject::array();
-    CardSession card(context.Parameters);
     out.Print("Sector, access bits, byte 9, levels. FOR GOOD: nobody can change them again.");
     int32_t missing = 0;
     for (int32_t sector = first; sector <= last; ++sector) {
         AccessReport access{};
-        const std::string problem = Read(card, sector, key, access);
+        const std::string problem = read(sector, access);
         if (problem.empty()) {
             const bool isFixed = AreConditionsFixed(TrailerRightsIn(access.Bytes));
             out.Print(Format("%2d  %s  %3d  %s%s", sector, ToHex(access.Bytes).c_str(), *access.UserByte,
@@ -79,8 +92,23 @@ int ShowAll(int32_t first, int32_t last, const LoginKey& key, Context& context)
 int ShowTrailers(const Options& options, Context& context)
 {
     const auto [first, last] = ParseRange(options.Sectors, ParseSector);
+    if (!options.From.empty()) {
+        const Dump dump = ReadDump(options.From);
+        return first == last
+                   ? ShowOne(first, TrailerIn(dump, first), context)
+                   : ShowAll(
+                         first, last,
+                         [&](int32_t sector, AccessReport& access) { return Read(dump, sector, access); },
+                         context);
+    }
     const LoginKey key = ReadLoginKey(options.Key);
-    return first == last ? ShowOne(first, key, context) : ShowAll(first, last, key, context);
+    CardSession card(context.Parameters);
+    return first == last
+               ? ShowOne(first, ReadTrailer(card, first, key), context)
+               : ShowAll(
+                     first, last,
+                     [&](int32_t sector, AccessReport& access) { return Read(card, sector, key, access); },
+                     context);
 }
 
 } // namespace
@@ -91,6 +119,7 @@ void AddTrailer(CommandLine& commands)
                                            "acg trailer 1 --key FFFFFFFFFFFF", ShowTrailers);
     AddSectorArgument(command, options.Sectors);
     AddLoginOptions(command, options.Key);
+    AddFromOption(command, options.From, {"--key", "--key-file", "--as-b"});
 }
 
 } // namespace acg::tool

@@ -21,8 +21,9 @@ struct Options {
 /// What is known of a card when it leaves.
 struct PlacedCard {
     std::string SerialNumber;
-    std::optional<CardSize> Size;
+    std::optional<CardSize> Size;       ///< none also if no key shows it
     std::optional<std::string> Sector0; ///< which key opens it: "A", "B", or empty
+    bool HasLeft = false;               ///< before all of this was known
 };
 
 /// Of the first key.
@@ -41,12 +42,14 @@ PlacedCard Look(CardSession& card, const KeyRing& keys)
     PlacedCard placed{.SerialNumber = card.SerialNumber()};
     try {
         placed.Sector0 = OpeningOfSector0(card, keys.front().Bytes);
-        placed.Size = FindSize(card, keys);
+        placed.Size = FindSize(card, keys, LastSector1K + 1); // more sectors would take too long
     } catch (const AnotherCard&) {
+        placed.HasLeft = true;
     } catch (const CardFailure& failure) {
         if (!MeansNoCard(failure.Record)) {
             throw;
         }
+        placed.HasLeft = true;
     }
     return placed;
 }
@@ -69,7 +72,7 @@ void Show(const PlacedCard& placed, Output& out)
     }
     if (placed.Size) {
         line += Format("  %s", placed.Size->Name());
-        out.Json["size"] = placed.Size->LastSector == LastSector1K ? "1k" : "4k";
+        out.Json["size"] = placed.Size->JsonName();
         out.Json["sizeReason"] = placed.Size->Reason;
     }
     if (placed.Sector0) {
@@ -77,7 +80,7 @@ void Show(const PlacedCard& placed, Output& out)
         line += placed.Sector0->empty() ? "  the key doesn't open sector 0"
                                         : "  the key opens sector 0 as key " + *placed.Sector0;
     }
-    out.Print(line + (placed.Size ? "" : "  left too early"));
+    out.Print(line + (placed.HasLeft ? "  left too early" : ""));
 }
 
 int Watch(const Options& options, Context& context)

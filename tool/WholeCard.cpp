@@ -136,13 +136,7 @@ public:
     [[nodiscard]] WholeCard Take() { return std::move(m_result); }
 
 private:
-    void SayWhatIsMissing(int32_t sector, const SectorContents& contents);
-    void Miss(const std::string& what)
-    {
-        m_result.IsComplete = false;
-        m_bar.Erase();
-        m_out.Problem(what);
-    }
+    void NoteWhatIsMissing(int32_t sector, const SectorContents& contents);
 
     CardSession& m_card;
     const KeyRing& m_keys;
@@ -151,11 +145,22 @@ private:
     ProgressBar m_bar;
 };
 
+/// The key's place in the list; it is added if it isn't there.
+size_t PlaceOf(const Key& key, KeyRing& keys)
+{
+    const auto found = std::ranges::find(keys, key, &NamedKey::Bytes);
+    const auto place = static_cast<size_t>(found - keys.begin());
+    if (found == keys.end()) {
+        keys.push_back({key, "a key of the dump"});
+    }
+    return place;
+}
+
 void Reading::ReadSector()
 {
     const auto sector = static_cast<int32_t>(m_result.Openings.size());
     const SectorContents contents = tool::ReadSector(m_card, sector, m_keys, m_bar);
-    SayWhatIsMissing(sector, contents);
+    NoteWhatIsMissing(sector, contents);
     m_result.Blocks.insert(m_result.Blocks.end(), contents.Blocks.begin(), contents.Blocks.end());
     m_result.Openings.push_back(contents.Keys);
 }
@@ -163,7 +168,9 @@ void Reading::ReadSector()
 void Reading::FindSize()
 {
     try {
-        m_result.Size = tool::FindSize(m_card, m_keys);
+        m_result.Size = tool::FindSize(m_card, m_keys, LastSector)
+                            .value_or(CardSize{LastSector1K,
+                                               Format("no key opens a sector from %d on", LastSector1K + 1)});
     } catch (const CardFailure&) {
         m_bar.Erase();
         m_out.Problem("whether the card has a sector 16 isn't known; --card 1k doesn't ask");
@@ -172,28 +179,32 @@ void Reading::FindSize()
     m_bar.SetSteps(TrailerBlock(m_result.Size.LastSector) + 1);
 }
 
-void Reading::SayWhatIsMissing(int32_t sector, const SectorContents& contents)
+void Reading::NoteWhatIsMissing(int32_t sector, const SectorContents& contents)
 {
+    std::vector<std::string>& missing = m_result.Missing;
     const Dump& blocks = contents.Blocks;
     const int32_t last = TrailerBlock(sector);
     const int32_t first = TrailerBlock(sector - 1) + 1;
     if (!contents.Keys.A && !contents.Keys.B) {
-        Miss(Format("blocks %d to %d, sector %d: not read, as no key opens it", first, last, sector));
+        missing.push_back(
+            Format("blocks %d to %d, sector %d: not read, as no key opens it", first, last, sector));
         return;
     }
     for (size_t at = 0; at + 1 < blocks.size(); ++at) {
         if (blocks[at].Known == 0) {
-            Miss(Format("block %d: not read: ", first + static_cast<int32_t>(at)) +
-                 (contents.Refusals[at].empty() ? "its access bits allow it to no key that opens the sector"
-                                                : contents.Refusals[at]));
+            missing.push_back(Format("block %d: not read: ", first + static_cast<int32_t>(at)) +
+                              (contents.Refusals[at].empty()
+                                   ? "its access bits allow it to no key that opens the sector"
+                                   : contents.Refusals[at]));
         }
     }
     if (!contents.IsTrailerRead) {
-        Miss(Format("block %d, the trailer of sector %d: not read", last, sector));
+        missing.push_back(Format("block %d, the trailer of sector %d: not read", last, sector));
     }
     for (const auto& [name, bytes] : {std::pair{'A', KeyABits}, std::pair{'B', KeyBBits}}) {
         if ((blocks.back().Known & bytes) == 0) {
-            Miss(Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
+            missing.push_back(
+                Format("block %d, the trailer of sector %d: key %c isn't known", last, sector, name));
         }
     }
 }
@@ -217,23 +228,23 @@ std::optional<CardSize> ParseCardSize(const std::string& size)
     return CardSize{size == "1k" ? LastSector1K : LastSector, "--card says so"};
 }
 
-CardSize FindSize(CardSession& card, const KeyRing& keys)
+std::optional<CardSize> FindSize(CardSession& card, const KeyRing& keys, int32_t lastTried)
 {
     bool isAbsent = true; // by the letter that the simulated reader has for it
-    for (int32_t sector = LastSector1K + 1; sector <= LastSector; ++sector) {
+    for (int32_t sector = LastSector1K + 1; sector <= lastTried; ++sector) {
         for (const NamedKey& key : keys) {
             for (const uint8_t type : {KeyTypeA, KeyTypeB}) {
                 if (card.TryLogIn(sector, {key.Bytes, type}) == Refusal::None) {
-                    return {LastSector, Format("a key opens sector %d", sector)};
+                    return CardSize{LastSector, Format("a key opens sector %d", sector)};
                 }
                 isAbsent = isAbsent && card.LastRefusal().RdrRetCode == L"R";
             }
         }
         if (isAbsent) {
-            return {LastSector1K, Format("the reader answers R to a login on sector %d", sector)};
+            return CardSize{LastSector1K, Format("the reader answers R to a login on sector %d", sector)};
         }
     }
-    return {LastSector1K, Format("no key opens a sector from %d on", LastSector1K + 1)};
+    return std::nullopt;
 }
 
 SectorContents ReadSector(CardSession& card, int32_t sector, const KeyRing& keys, const ProgressBar& bar)
@@ -260,6 +271,50 @@ WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys, const std::optio
         }
     }
     return reading.Take();
+}
+
+void SayWhatIsMissing(const WholeCard& card, Output& out)
+{
+    for (const std::string& what : card.Missing) {
+        out.Problem(what);
+    }
+}
+
+WholeCard CardFrom(Dump blocks, KeyRing& keys)
+{
+    const auto count = static_cast<int32_t>(blocks.size());
+    const int32_t lastSector = SectorOf(count - 1);
+    WholeCard card{.Size = {lastSector, Format("the dump has %d blocks", count)},
+                   .Blocks = std::move(blocks)};
+    card.Blocks.resize(static_cast<size_t>(TrailerBlock(lastSector)) + 1);
+    card.SerialNumber = SerialNumberIn(card.Blocks);
+    for (int32_t sector = 0; sector <= lastSector; ++sector) {
+        const DumpedBlock& block = card.Blocks[static_cast<size_t>(TrailerBlock(sector))];
+        const auto knows = [&](uint16_t bytes) { return (block.Known & bytes) == bytes; };
+        const Trailer trailer(block.Bytes);
+        Opening& opening = card.Openings.emplace_back();
+        if (knows(AccessBytes) && !InvertedCopiesAgree(trailer.Conditions)) {
+            continue;
+        }
+        opening.ShowsB = knows(AccessBytes) && KeysUsedBy(TrailerRightsIn(trailer.Conditions)) == KeyAAlone;
+        if (knows(KeyABits)) {
+            opening.A = PlaceOf(trailer.KeyA, keys);
+        }
+        if (knows(KeyBBits) && !opening.ShowsB) {
+            opening.B = PlaceOf(trailer.KeyB, keys);
+        }
+    }
+    return card;
+}
+
+WholeCard TakeCard(const std::string& from, const std::optional<CardSize>& size, KeyRing& keys,
+                   Context& context)
+{
+    if (!from.empty()) {
+        return CardFrom(ReadDump(from), keys);
+    }
+    CardSession session(context.Parameters);
+    return ReadWholeCard(session, keys, size, context.Out);
 }
 
 } // namespace acg::tool

@@ -22,6 +22,7 @@ struct CardSize {
     std::string Reason; ///< how it was found out, as in "a key opens sector 16"
 
     [[nodiscard]] const char* Name() const { return LastSector <= LastSector1K ? "1K" : "4K"; }
+    [[nodiscard]] const char* JsonName() const { return LastSector <= LastSector1K ? "1k" : "4k"; }
 };
 
 /// Which key of the list opens a sector, as the index; nothing if none does.
@@ -42,11 +43,11 @@ struct SectorContents {
 };
 
 struct WholeCard {
-    std::string SerialNumber;
+    std::string SerialNumber; ///< empty if a dump doesn't have it
     CardSize Size;
-    Dump Blocks;                   ///< a trailer has the keys that opened the sector
-    std::vector<Opening> Openings; ///< one for each sector
-    bool IsComplete = true;        ///< otherwise what is missing has been said, by Output::Problem
+    Dump Blocks;                      ///< whole sectors; a trailer has the keys that opened the sector
+    std::vector<Opening> Openings;    ///< one for each sector
+    std::vector<std::string> Missing; ///< what couldn't be read, and why, a line each
 };
 
 void AddCardOption(CommandOptions& command, std::string& size);
@@ -54,9 +55,10 @@ void AddCardOption(CommandOptions& command, std::string& size);
 /// --card: the size that it says, or nothing if it is empty. Throws UsageError.
 [[nodiscard]] std::optional<CardSize> ParseCardSize(const std::string& size);
 
-/// 4K if a key opens a sector that a card of 1K lacks. Throws CardFailure if a reply concerns more than the
-/// sector: if the card has left, for example.
-[[nodiscard]] CardSize FindSize(CardSession& card, const KeyRing& keys);
+/// 4K if a key opens a sector from 16 to lastTried; 1K if the reader says that the card lacks one of them;
+/// nothing if neither. Throws CardFailure if a reply concerns more than the sector: if the card has left, for
+/// example.
+[[nodiscard]] std::optional<CardSize> FindSize(CardSession& card, const KeyRing& keys, int32_t lastTried);
 
 /// Tries all keys. Throws as CardSession does. bar: its steps are the card's blocks.
 [[nodiscard]] SectorContents ReadSector(CardSession& card, int32_t sector, const KeyRing& keys,
@@ -66,5 +68,15 @@ void AddCardOption(CommandOptions& command, std::string& size);
 /// sector. size: none to find it out. Throws as CardSession does.
 [[nodiscard]] WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys,
                                       const std::optional<CardSize>& size, Output& out);
+/// By Output::Problem.
+void SayWhatIsMissing(const WholeCard& card, Output& out);
+
+/// The card that was dumped; each sector is opened by its keys in the dump. Those that aren't in the list are
+/// added to it, as "a key of the dump". No key opens a sector whose access bits contradict themselves.
+[[nodiscard]] WholeCard CardFrom(Dump blocks, KeyRing& keys);
+
+/// The card in the dump of --from, or, if from is empty, the one in the field, as ReadWholeCard reads it.
+[[nodiscard]] WholeCard TakeCard(const std::string& from, const std::optional<CardSize>& size, KeyRing& keys,
+                                 Context& context);
 
 } // namespace acg::tool
