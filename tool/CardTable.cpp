@@ -162,7 +162,7 @@ void ShowKeys(const std::vector<Opening>& openings, const KeyRing& keys, Output&
     std::vector<int32_t> idle;
     for (size_t at = 0; at < keys.size(); ++at) {
         const auto same = std::ranges::find(keys, keys[at].Bytes, &NamedKey::Bytes) - keys.begin();
-        const size_t first = static_cast<size_t>(same);
+        const auto first = static_cast<size_t>(same);
         const bool isUsed = used.contains(first);
         const std::string name =
             keys[at].Name + (first != at ? Format(": the same as key %d", NumberOf(first)) : "");

@@ -36,7 +36,7 @@ std::string Now()
 JournalEntry ParseEntry(std::string_view line, const std::string& problem)
 {
     const std::vector<std::string_view> parts = Split(line, '\t');
-    const auto step = std::ranges::find(StepNames, parts.size() == 5 ? parts[3] : "");
+    const auto* const step = std::ranges::find(StepNames, parts.size() == 5 ? parts[3] : "");
     if (step == StepNames.end()) {
         throw UsageError{problem};
     }
