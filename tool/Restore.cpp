@@ -5,9 +5,9 @@
 #include "tool/Blocks.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
-#include "tool/RestorePlan.h"
 #include "tool/SectorTrailer.h"
 #include "tool/Text.h"
+#include "tool/WritePlan.h"
 #include "tool/WriteReport.h"
 
 #include <algorithm>
@@ -115,13 +115,14 @@ void RequireSize(CardSession& card, const Request& request)
     }
 }
 
-RestorePlan MakePlan(CardSession& card, const Request& request, bool hasTrailers)
+WritePlan MakePlan(CardSession& card, const Request& request, Asked asked)
 {
-    RestorePlan plan(request.Wanted, hasTrailers);
+    WritePlan plan(request.Wanted, asked);
     const ProgressBar bar(TrailerBlock(request.Last) + 1);
     for (int32_t sector = request.First; sector <= request.Last; ++sector) {
         KeyRing keys;
-        AddKeys(WantedTrailer(request.Wanted, sector), keys); // they fit if the card has been restored already
+        AddKeys(WantedTrailer(request.Wanted, sector),
+                keys); // they fit if the card has been restored already
         keys.insert(keys.end(), request.Keys.begin(), request.Keys.end());
         plan.Add(sector, ReadSector(card, sector, keys, bar), keys);
     }
@@ -140,35 +141,6 @@ std::string LookCommand(const Options& options)
            " --dry-run";
 }
 
-/// Logs in with each key that the sector then has.
-bool HoldsTrailer(CardSession& card, int32_t number, const DumpedBlock& wanted)
-{
-    const Trailer trailer(wanted.Bytes);
-    const std::vector<LoginKey> logins = LoginsOf(trailer);
-    return std::ranges::all_of(logins, [&](const LoginKey& key) {
-        const Trailer onCard(card.ReadBlock(number, key));
-        return onCard.Conditions == trailer.Conditions && onCard.UserByte == trailer.UserByte &&
-               (logins.size() > 1 || onCard.KeyB == trailer.KeyB);
-    });
-}
-
-void Write(CardSession& card, const RestoreStep& step, const Dump& wanted, WriteReport& report)
-{
-    const auto at = [&](int32_t number) -> const DumpedBlock& { return wanted[static_cast<size_t>(number)]; };
-    for (const int32_t number : step.Blocks) {
-        report.NoteSending(card, card.WriteBlock(number, step.Login, at(number).Bytes));
-    }
-    const bool isTaken = report.ReadBack(card, [&] {
-        return std::ranges::all_of(step.Blocks, [&](int32_t number) {
-            return step.IsOfTrailer() ? HoldsTrailer(card, number, at(number))
-                                      : card.ReadBlock(number, step.Login) == at(number).Bytes;
-        });
-    });
-    if (!isTaken) {
-        throw OtherFailure{step.Name() + ": the card holds something other than was written"};
-    }
-}
-
 int Restore(const Options& options, Context& context)
 {
     Output& out = context.Out;
@@ -180,16 +152,16 @@ int Restore(const Options& options, Context& context)
     before.BeginCard(card);
     RequireSameCard(card, request, options);
     RequireSize(card, request);
-    const RestorePlan plan = MakePlan(card, request, options.HasTrailers);
+    const WritePlan plan = MakePlan(card, request, options.HasTrailers ? Asked::All : Asked::Data);
     plan.Show(out);
     const int status = plan.LeavesOut() ? Failed : Done;
-    const std::vector<RestoreStep> steps = plan.Steps();
+    const std::vector<WriteStep> steps = plan.Steps();
     if (steps.empty()) {
         out.Print(plan.LeavesOut() ? "Nothing can be written." : "There is nothing to write.");
         return status;
     }
     WriteReport report(out);
-    for (const RestoreStep& step : steps) {
+    for (const WriteStep& step : steps) {
         report.Add(step.Name(), look);
     }
     if (!plan.Frozen().empty() && !options.IsForGood) {
@@ -204,7 +176,7 @@ int Restore(const Options& options, Context& context)
         throw OtherFailure{"not agreed to"};
     }
     card.Select();
-    for (const RestoreStep& step : steps) {
+    for (const WriteStep& step : steps) {
         Write(card, step, request.Wanted, report);
     }
     out.Print("Written, and read back.");

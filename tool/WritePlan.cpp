@@ -1,9 +1,10 @@
-#include "tool/RestorePlan.h"
+#include "tool/WritePlan.h"
 
 #include "acg/cards/BlockAddress.h"
 #include "tool/AccessWords.h"
 #include "tool/Blocks.h"
 #include "tool/DumpDifference.h"
+#include "tool/Failures.h"
 #include "tool/SectorAccess.h"
 #include "tool/Text.h"
 
@@ -68,7 +69,7 @@ std::string OnlyMay(KeySet holders, const char* what)
                : Format("only %s may write %s, and %s isn't known", NameOf(holders), what, NameOf(holders));
 }
 
-void AddBlock(std::vector<RestoreStep>& steps, int32_t number, const LoginKey& key)
+void AddBlock(std::vector<WriteStep>& steps, int32_t number, const LoginKey& key)
 {
     const int32_t sector = SectorOf(number);
     if (steps.empty() || steps.back().Sector != sector || steps.back().Login != key) {
@@ -77,14 +78,26 @@ void AddBlock(std::vector<RestoreStep>& steps, int32_t number, const LoginKey& k
     steps.back().Blocks.push_back(number);
 }
 
+/// Logs in with each key that the sector then has.
+bool HoldsTrailer(CardSession& card, int32_t number, const DumpedBlock& wanted)
+{
+    const Trailer trailer(wanted.Bytes);
+    const std::vector<LoginKey> logins = LoginsOf(trailer);
+    return std::ranges::all_of(logins, [&](const LoginKey& key) {
+        const Trailer onCard(card.ReadBlock(number, key));
+        return onCard.Conditions == trailer.Conditions && onCard.UserByte == trailer.UserByte &&
+               (logins.size() > 1 || onCard.KeyB == trailer.KeyB);
+    });
+}
+
 } // namespace
 
-bool RestoreStep::IsOfTrailer() const
+bool WriteStep::IsOfTrailer() const
 {
     return IsTrailer(Blocks.front());
 }
 
-std::string RestoreStep::Name() const
+std::string WriteStep::Name() const
 {
     return NameOfBlocks(Blocks);
 }
@@ -114,7 +127,7 @@ bool IsContradictory(const DumpedBlock& trailer)
            !InvertedCopiesAgree(Trailer(trailer.Bytes).Conditions);
 }
 
-void RestorePlan::LeaveOut(int32_t number, const std::string& reason)
+void WritePlan::LeaveOut(int32_t number, const std::string& reason)
 {
     if (m_leftOut.empty() || m_leftOut.back().Reason != reason || IsTrailer(number) ||
         SectorOf(m_leftOut.back().Blocks.front()) != SectorOf(number)) {
@@ -123,7 +136,14 @@ void RestorePlan::LeaveOut(int32_t number, const std::string& reason)
     m_leftOut.back().Blocks.push_back(number);
 }
 
-void RestorePlan::Add(int32_t sector, const SectorContents& contents, const KeyRing& keys)
+bool WritePlan::IsAskedFor(int32_t number) const
+{
+    return number > 0 && (m_asked == Asked::Known  ? m_dump[static_cast<size_t>(number)].Known != 0
+                          : m_asked == Asked::Data ? !IsTrailer(number)
+                                                   : true);
+}
+
+void WritePlan::Add(int32_t sector, const SectorContents& contents, const KeyRing& keys)
 {
     const int32_t last = TrailerBlock(sector);
     const int32_t first = last + 1 - static_cast<int32_t>(contents.Blocks.size());
@@ -138,8 +158,10 @@ void RestorePlan::Add(int32_t sector, const SectorContents& contents, const KeyR
                            : IsContradictory(trailer) ? "the access bits of the sector contradict themselves"
                                                       : nullptr;
     if (obstacle != nullptr) {
-        for (int32_t number = std::max(first, 1); number < last + (m_hasTrailers ? 1 : 0); ++number) {
-            LeaveOut(number, obstacle);
+        for (int32_t number = first; number <= last; ++number) {
+            if (IsAskedFor(number)) {
+                LeaveOut(number, obstacle);
+            }
         }
         return;
     }
@@ -150,14 +172,16 @@ void RestorePlan::Add(int32_t sector, const SectorContents& contents, const KeyR
     if (contents.Keys.B) {
         logins.push_back({keys[*contents.Keys.B].Bytes, KeyTypeB});
     }
-    const bool replacesTrailer = m_hasTrailers && AddTrailer(sector, trailer, logins);
-    for (int32_t number = std::max(first, 1); number < last; ++number) {
-        AddData(number, contents.Blocks[static_cast<size_t>(number - first)],
-                Trailer(trailer.Bytes).Conditions, logins, replacesTrailer);
+    const bool replacesTrailer = IsAskedFor(last) && AddTrailer(sector, trailer, logins);
+    for (int32_t number = first; number < last; ++number) {
+        if (IsAskedFor(number)) {
+            AddData(number, contents.Blocks[static_cast<size_t>(number - first)],
+                    Trailer(trailer.Bytes).Conditions, logins, replacesTrailer);
+        }
     }
 }
 
-bool RestorePlan::AddTrailer(int32_t sector, const DumpedBlock& onCard, const std::vector<LoginKey>& logins)
+bool WritePlan::AddTrailer(int32_t sector, const DumpedBlock& onCard, const std::vector<LoginKey>& logins)
 {
     const int32_t number = TrailerBlock(sector);
     const DumpedBlock& wanted = m_dump[static_cast<size_t>(number)];
@@ -189,8 +213,8 @@ bool RestorePlan::AddTrailer(int32_t sector, const DumpedBlock& onCard, const st
     return true;
 }
 
-void RestorePlan::AddData(int32_t number, const DumpedBlock& onCard, const ConditionBytes& conditions,
-                          const std::vector<LoginKey>& logins, bool replacesTrailer)
+void WritePlan::AddData(int32_t number, const DumpedBlock& onCard, const ConditionBytes& conditions,
+                        const std::vector<LoginKey>& logins, bool replacesTrailer)
 {
     const DumpedBlock& wanted = m_dump[static_cast<size_t>(number)];
     if (wanted.Known != WholeBlock) {
@@ -216,36 +240,62 @@ void RestorePlan::AddData(int32_t number, const DumpedBlock& onCard, const Condi
     LeaveOut(number, OnlyMay(writers, "it"));
 }
 
-std::vector<RestoreStep> RestorePlan::Steps() const
+std::vector<WriteStep> WritePlan::Steps() const
 {
-    std::vector<RestoreStep> steps = m_data;
+    std::vector<WriteStep> steps = m_data;
     steps.insert(steps.end(), m_trailers.begin(), m_trailers.end());
     steps.insert(steps.end(), m_lateData.begin(), m_lateData.end());
     return steps;
 }
 
-void RestorePlan::Show(Output& out) const
+void WritePlan::Show(Output& out) const
 {
     out.Json["blocks"] = JsonObject::array();
-    const std::vector<RestoreStep> steps = Steps();
+    const std::vector<WriteStep> steps = Steps();
     if (!steps.empty()) {
         out.Print("< the card as it is\n> the dump");
     }
-    for (const RestoreStep& step : steps) {
+    for (const WriteStep& step : steps) {
         for (const int32_t number : step.Blocks) {
             const auto at = static_cast<size_t>(number);
             ShowDifference(number, m_card[at], m_dump[at], out);
         }
     }
-    for (const RestoreStep& step : m_lateData) {
+    for (const WriteStep& step : m_lateData) {
         out.Print(step.Name() + ": written last, as only the new trailer allows it");
     }
     for (const int32_t sector : m_frozen) {
         out.Print(
             Format("FOR GOOD: nobody can ever change again what the keys of sector %d may do.", sector));
     }
+    for (const std::string& line : LeftOut()) {
+        out.Problem(line);
+    }
+}
+
+std::vector<std::string> WritePlan::LeftOut() const
+{
+    std::vector<std::string> lines;
     for (const auto& [blocks, reason] : m_leftOut) {
-        out.Problem(NameOfBlocks(blocks) + ": not restored: " + reason);
+        lines.push_back(NameOfBlocks(blocks) + ": not written: " + reason);
+    }
+    return lines;
+}
+
+void Write(CardSession& card, const WriteStep& step, const Dump& wanted, WriteReport& report)
+{
+    const auto at = [&](int32_t number) -> const DumpedBlock& { return wanted[static_cast<size_t>(number)]; };
+    for (const int32_t number : step.Blocks) {
+        report.NoteSending(card, card.WriteBlock(number, step.Login, at(number).Bytes));
+    }
+    const bool isTaken = report.ReadBack(card, [&] {
+        return std::ranges::all_of(step.Blocks, [&](int32_t number) {
+            return step.IsOfTrailer() ? HoldsTrailer(card, number, at(number))
+                                      : card.ReadBlock(number, step.Login) == at(number).Bytes;
+        });
+    });
+    if (!isTaken) {
+        throw OtherFailure{step.Name() + ": the card holds something other than was written"};
     }
 }
 
