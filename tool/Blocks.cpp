@@ -58,7 +58,9 @@ unsigned SlotOf(int32_t number)
 
 int32_t ParseBlockNumber(std::string_view text)
 {
-    return ParseNumber(text, 0, LastBlock, "BLOCK is a number from 0 to 255, on a 1K card to 63");
+    return ParseNumber(
+        text, 0, LastBlock,
+        "a block is a number from 0 to 255, on a 1K card to 63; acg read takes several, as in 4-6");
 }
 
 int32_t ParseDataBlock(std::string_view text)

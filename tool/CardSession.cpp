@@ -14,7 +14,9 @@ namespace acg::tool
 namespace
 {
 
-/// As the class records a failed exchange.
+constexpr const char* NoSerialNumber = "the reader's reply to selecting the card has no serial number";
+
+/// As the class records a failed exchange, but without the operation.
 CError RecordOf(const Failure& failure, const char* command)
 {
     return {.Number = failure.Number,
@@ -81,7 +83,7 @@ const std::string& CardSession::SerialNumber()
         Select();
     }
     if (m_serial->empty()) {
-        throw OtherFailure{"the reader's reply to selecting the card has no serial number"};
+        throw OtherFailure{NoSerialNumber};
     }
     return *m_serial;
 }
@@ -91,6 +93,9 @@ void CardSession::Select()
     std::wstring serial;
     ThrowIfFailed(*m_encoder, Class().ReadSerialNumber(serial));
     const std::string now = ToUtf8(serial);
+    if (now.empty() && m_serial && !m_serial->empty()) {
+        throw OtherFailure{NoSerialNumber};
+    }
     m_serial = m_serial.value_or(now);
     if (now != *m_serial) {
         throw AnotherCard{{Format("another card lies in the field: %s; the first one was %s", now.c_str(),

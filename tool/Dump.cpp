@@ -51,6 +51,12 @@ bool IsRead(const DumpedBlock& block, int32_t number)
     return (block.Known & shown) == shown;
 }
 
+bool AreAllRead(const Dump& card)
+{
+    int32_t number = 0;
+    return std::ranges::all_of(card, [&](const DumpedBlock& block) { return IsRead(block, number++); });
+}
+
 int DumpCard(const Options& options, Context& context)
 {
     Output& out = context.Out;
@@ -65,6 +71,11 @@ int DumpCard(const Options& options, Context& context)
     report.BeginCard(session);
     const WholeCard card = ReadWholeCard(session, keys, size, out);
     SayWhatIsMissing(card, out);
+    if (!IsTextDump(name) && !AreAllRead(card.Blocks)) {
+        throw OtherFailure{
+            "a file of raw bytes can't say which blocks weren't read; a file whose name ends in "
+            ".txt can: acg dump card.txt"};
+    }
     WriteDump(name, card.Blocks, existing);
     report.ConfirmFile();
     ShowOpenings(card.Openings, keys, out);

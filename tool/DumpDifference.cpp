@@ -15,10 +15,9 @@ namespace
 void ShowTrailer(int32_t number, const DumpedBlock& one, const DumpedBlock& other, Output& out)
 {
     constexpr Block Factory = {0, 0, 0, 0, 0, 0, 0xFF, 0x07, 0x80};
-    constexpr unsigned AccessBytes = BitsOf(AccessBitsAt, std::tuple_size_v<ConditionBytes>);
     unsigned known = one.Known & other.Known;
     if ((known & AccessBytes) != AccessBytes) {
-        known &= ~AccessBytes;
+        known &= ~unsigned{AccessBytes};
     }
     Block first = one.Bytes;
     Block second = other.Bytes;

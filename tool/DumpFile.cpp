@@ -1,5 +1,6 @@
 #include "tool/DumpFile.h"
 
+#include "acg/cards/BlockAddress.h"
 #include "acg/platform/AnsiText.h"
 #include "acg/platform/TextCase.h"
 #include "tool/Blocks.h"
@@ -42,6 +43,25 @@ DumpedBlock ParseLine(std::string line, const std::string& place)
     return block;
 }
 
+/// Raw bytes have zeros for what wasn't read. No card has a trailer or a key of zeros to show; so a sector
+/// with such a trailer wasn't read, nor were its data blocks of zeros.
+void ForgetUnread(Dump& dump)
+{
+    for (int32_t sector = 0; TrailerBlock(sector) < static_cast<int32_t>(dump.size()); ++sector) {
+        DumpedBlock& trailer = dump[static_cast<size_t>(TrailerBlock(sector))];
+        if (trailer.Bytes == Block{}) {
+            for (int32_t number = TrailerBlock(sector - 1) + 1; number <= TrailerBlock(sector); ++number) {
+                DumpedBlock& block = dump[static_cast<size_t>(number)];
+                block.Known = block.Bytes == Block{} ? 0 : block.Known;
+            }
+        }
+        const Trailer parts(trailer.Bytes);
+        const unsigned unknown =
+            (parts.KeyA == Key() ? KeyABits : 0U) | (parts.KeyB == Key() ? KeyBBits : 0U);
+        trailer.Known = static_cast<uint16_t>(trailer.Known & ~unknown);
+    }
+}
+
 std::string InWords(const std::error_code& error, const std::string& file)
 {
     if (error == std::errc::file_exists) {
@@ -52,6 +72,11 @@ std::string InWords(const std::error_code& error, const std::string& file)
 }
 
 } // namespace
+
+bool IsTextDump(const std::string& name)
+{
+    return IsText(ToPath(name));
+}
 
 Dump ReadDump(const std::string& name)
 {
@@ -67,6 +92,7 @@ Dump ReadDump(const std::string& name)
     Dump dump;
     if (IsText(path)) {
         std::string_view text = bytes;
+        text.remove_prefix(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
         text.remove_suffix(text.ends_with('\n') ? 1 : 0);
         for (std::string_view line : Split(text, '\n')) {
             line.remove_suffix(line.ends_with('\r') ? 1 : 0);
@@ -79,6 +105,7 @@ Dump ReadDump(const std::string& name)
             std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), block.Bytes.size(),
                         block.Bytes.begin());
         }
+        ForgetUnread(dump);
     }
     const bool isWhole = IsText(path) || bytes.size() % std::size(Block()) == 0;
     if (!isWhole || dump.size() > LastBlock + 1) {

@@ -11,7 +11,8 @@
 namespace acg::tool
 {
 
-/// In text an unknown byte is "--", in raw bytes 00, which reads as known.
+/// In text an unknown byte is "--", in raw bytes 00. A key of zeros in raw bytes reads as unknown, and so
+/// does a sector whose trailer has only zeros.
 struct DumpedBlock {
     Block Bytes = {};   ///< an unknown byte has any value; from a text file, 0
     uint16_t Known = 0; ///< bit 0 for byte 0
@@ -21,6 +22,9 @@ struct DumpedBlock {
 
 /// The blocks of a card, from block 0 on.
 using Dump = std::vector<DumpedBlock>;
+
+/// The name says that the file has 32 digits a line.
+[[nodiscard]] bool IsTextDump(const std::string& name);
 
 /// Throws UsageError if the file can't be read or isn't a dump.
 [[nodiscard]] Dump ReadDump(const std::string& name);

@@ -34,6 +34,9 @@ constexpr Remedy All[] = {
     {-5, "select", "",
      "the reader refused to select the card; with the simulated reader, C: several cards in the field",
      "lay one card alone on the reader, then: acg info"},
+    {-5, "read block", "N",
+     "the reader refused the command; with the simulated reader: the card left the field",
+     "hold the card still, and try again"},
     {-5, "block", "N",
      "the reader refused the command; with the simulated reader: the card left the field, and it isn't known "
      "whether a write was done",
@@ -76,6 +79,12 @@ const Remedy* FindRemedy(const CError& record)
         return row.Number == record.Number && path.ends_with(row.Path) && hasLetter;
     });
     return found != std::end(All) ? found : nullptr;
+}
+
+std::string MeaningOf(const CError& record)
+{
+    const Remedy* const remedy = FindRemedy(record);
+    return remedy != nullptr ? std::string(remedy->Meaning) : ToUtf8(record.Description);
 }
 
 std::string ActionOf(const Remedy& row)

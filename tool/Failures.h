@@ -53,6 +53,9 @@ struct Remedy {
 /// The row of a record; null if there is none.
 [[nodiscard]] const Remedy* FindRemedy(const CError& record);
 
+/// The meaning of a record, or its description if it has no row.
+[[nodiscard]] std::string MeaningOf(const CError& record);
+
 /// The action of a remedy; if the library wasn't found, also where it was searched for.
 [[nodiscard]] std::string ActionOf(const Remedy& row);
 

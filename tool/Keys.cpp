@@ -1,6 +1,7 @@
 #include "tool/Keys.h"
 
 #include "acg/platform/HexText.h"
+#include "acg/platform/TextCase.h"
 #include "tool/Failures.h"
 #include "tool/System.h"
 #include "tool/Text.h"
@@ -23,6 +24,26 @@ std::string CommentIn(std::string_view line)
     }
     line = line.substr(from, line.find_last_not_of(" \t\r") + 1 - from);
     return ", " + Printable(MaskKeys(line));
+}
+
+std::string PlaceInFile(size_t at)
+{
+    return Format("key %d of the file", static_cast<int>(at) + 1);
+}
+
+/// The text has all digits of a key, whatever stands between its bytes.
+bool ShowsKey(const std::string& text, const KeyRing& keys)
+{
+    std::string digits;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '0' && at + 1 < text.size() && AsciiToLower(text[at + 1]) == 'x') {
+            ++at; // "0x"
+        } else if (HexDigit(text[at])) {
+            digits += AsciiToUpper(text[at]);
+        }
+    }
+    return std::ranges::any_of(
+        keys, [&](const NamedKey& key) { return digits.find(ToHex(key.Bytes)) != std::string::npos; });
 }
 
 } // namespace
@@ -82,9 +103,13 @@ KeyRing ReadKeys(const std::string& file)
         std::ranges::replace_if(
             key, [](char blank) { return blank == '\t' || blank == '\r'; }, ' ');
         if (key.find_first_not_of(' ') != std::string::npos) {
-            keys.push_back(
-                {ParseKey(key, Format("%s, line %d", file.c_str(), number)),
-                 Format("key %d of the file", static_cast<int>(keys.size()) + 1) + CommentIn(line)});
+            keys.push_back({ParseKey(key, Format("%s, line %d", file.c_str(), number)),
+                            PlaceInFile(keys.size()) + CommentIn(line)});
+        }
+    }
+    if (std::ranges::any_of(keys, [&](const NamedKey& key) { return ShowsKey(key.Name, keys); })) {
+        for (size_t at = 0; at < keys.size(); ++at) {
+            keys[at].Name = PlaceInFile(at);
         }
     }
     if (keys.empty()) {
@@ -98,8 +123,10 @@ KeyRing ReadKeyRing(const KeyOptions& options)
     if (!options.File.empty()) {
         return ReadKeys(options.File);
     }
-    return {
-        {KeyFromOption(options.Text, "--key", "ACG_KEY").value_or(ParseKey("FFFFFFFFFFFF", {})), "the key"}};
+    if (const auto key = KeyFromOption(options.Text, "--key", "ACG_KEY")) {
+        return {{*key, "the key"}};
+    }
+    return {{ParseKey("FFFFFFFFFFFF", {}), "the factory's key"}};
 }
 
 } // namespace acg::tool

@@ -38,10 +38,21 @@ int Read(const Options& options, Context& context)
     }
     const LoginKey key = ReadLoginKey(options.Key);
     CardSession card(context.Parameters);
-    for (int32_t number = first; number <= last; ++number) {
-        show(number, {card.ReadBlock(number, key), WholeBlock});
+    if (first == last) {
+        show(first, {card.ReadBlock(first, key), WholeBlock});
+        return Done;
     }
-    return Done;
+    bool isAll = true;
+    for (int32_t number = first; number <= last; ++number) {
+        DumpedBlock block{.Known = WholeBlock};
+        if (card.TryReadBlock(number, key, block.Bytes) == Refusal::None) {
+            show(number, block);
+        } else {
+            isAll = false;
+            context.Out.Problem(Format("block %d: not read: ", number) + MeaningOf(card.LastRefusal()));
+        }
+    }
+    return isAll ? Done : Failed;
 }
 
 } // namespace

@@ -121,11 +121,12 @@ WritePlan MakePlan(CardSession& card, const Request& request, Asked asked)
     const ProgressBar bar(TrailerBlock(request.Last) + 1);
     for (int32_t sector = request.First; sector <= request.Last; ++sector) {
         KeyRing keys;
-        AddKeys(WantedTrailer(request.Wanted, sector),
-                keys); // they fit if the card has been restored already
+        // These fit if the card has been restored already.
+        AddKeys(WantedTrailer(request.Wanted, sector), keys);
         keys.insert(keys.end(), request.Keys.begin(), request.Keys.end());
         plan.Add(sector, ReadSector(card, sector, keys, bar), keys);
     }
+    card.Select(); // all of it was read of one card
     return plan;
 }
 

@@ -56,8 +56,9 @@ void RequireRights(const ProtectRequest& request, const SectorPlan& plan)
     if (!mayWriteKeys && (!request.Keys.empty() || !mayWriteConditions)) {
         const char* const others = !mayWriteConditions ? ""
                                    : request.IsFactory
-                                       ? ", only its levels: first give it --levels rw/-,rw/-,rw/-,"
-                                         "keys+bits/- --keys 1, then --factory with key A"
+                                       ? ", only its levels. Sector by sector: acg protect SECTOR --levels "
+                                         "rw/-,rw/-,rw/-,keys+bits/- --keys 1 --as-b, which can't be read "
+                                         "back with key B; then --factory with key A"
                                        : ": without new keys, the access bits alone are written";
         throw OtherFailure{Format("%s may not write the keys of this sector%s%s", NameOf(key),
                                   mayWriteConditions ? "" : OtherKey(rights.WriteKeys).c_str(), others)};

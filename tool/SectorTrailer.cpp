@@ -20,8 +20,8 @@ int32_t ParseLevel(std::string_view text, unsigned slot, const std::string& what
     const bool isTrailer = slot == TrailerSlot;
     const KeyWords& words = isTrailer ? TrailerWords : BlockWords;
     const size_t slash = text.find('/');
-    const auto keyA = std::ranges::find(words, text.substr(0, slash));
-    const auto keyB = std::ranges::find(words, text.substr(std::min(slash, text.size() - 1) + 1));
+    const auto* const keyA = std::ranges::find(words, text.substr(0, slash));
+    const auto* const keyB = std::ranges::find(words, text.substr(std::min(slash, text.size() - 1) + 1));
     if (slash != std::string_view::npos && keyA != words.end() && keyB != words.end()) {
         return static_cast<int32_t>((keyA - words.begin()) + (keyB - words.begin()) * std::ssize(words));
     }
@@ -37,7 +37,8 @@ int32_t ParseLevel(std::string_view text, unsigned slot, const std::string& what
 
 int32_t ParseSector(std::string_view text)
 {
-    return ParseNumber(text, 0, LastSector, "SECTOR is a number from 0 to 39, on a 1K card to 15");
+    return ParseNumber(text, 0, LastSector,
+                       "a sector is a number from 0 to 39, on a 1K card to 15; several are given as in 1-15");
 }
 
 std::array<int32_t, SectorSlots> ParseLevelList(std::string_view text, const std::string& what)

@@ -29,19 +29,19 @@ uint64_t DigestOf(std::string_view bytes)
 
 char SeparatorOf(std::string_view text)
 {
-    constexpr std::array separators = {',', ';', '\t'};
-    std::array<int, separators.size()> counts = {};
+    constexpr std::array Separators = {',', ';', '\t'};
+    std::array<int, Separators.size()> counts = {};
     bool isQuoted = false;
     for (const char character : text) {
         isQuoted = isQuoted != (character == Quote);
         if (character == '\n' && !isQuoted) {
             break;
         }
-        for (size_t at = 0; at < separators.size(); ++at) {
-            counts[at] += character == separators[at] && !isQuoted ? 1 : 0;
+        for (size_t at = 0; at < Separators.size(); ++at) {
+            counts[at] += character == Separators[at] && !isQuoted ? 1 : 0;
         }
     }
-    return separators[static_cast<size_t>(std::ranges::max_element(counts) - counts.begin())];
+    return Separators[static_cast<size_t>(std::ranges::max_element(counts) - counts.begin())];
 }
 
 /// Takes row after row from a text.

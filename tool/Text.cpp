@@ -212,7 +212,7 @@ std::pair<int32_t, int32_t> ParseRange(std::string_view text, int32_t (*parse)(s
     const int32_t first = parse(text.substr(0, sign));
     const int32_t last = sign == std::string_view::npos ? first : parse(text.substr(sign + 1));
     if (last < first) {
-        throw UsageError{std::string(text) + " ends before it begins"};
+        throw UsageError{std::string(text) + " ends before it begins; a range is as in 4-6"};
     }
     return {first, last};
 }

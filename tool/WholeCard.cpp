@@ -20,7 +20,7 @@ public:
     SectorReading(CardSession& card, int32_t sector, const KeyRing& keys, const ProgressBar& bar)
         : m_card(card), m_keys(keys), m_bar(bar), m_sector(sector), m_first(TrailerBlock(sector - 1) + 1)
     {
-        m_result.Blocks.resize(static_cast<size_t>(TrailerBlock(sector) - m_first + 1));
+        m_result.Blocks.resize(static_cast<size_t>(TrailerBlock(sector)) - static_cast<size_t>(m_first) + 1);
         m_result.Refusals.resize(m_result.Blocks.size());
     }
 
@@ -61,9 +61,7 @@ void SectorReading::ReadUnread(const LoginKey& key)
             block.Known = WholeBlock;
             return;
         }
-        const CError& record = m_card.LastRefusal();
-        const Remedy* const remedy = FindRemedy(record);
-        m_result.Refusals[at] = remedy != nullptr ? std::string(remedy->Meaning) : ToUtf8(record.Description);
+        m_result.Refusals[at] = MeaningOf(m_card.LastRefusal());
     };
     const size_t last = blocks.size() - 1;
     if (blocks[last].Known == 0) {

@@ -188,7 +188,7 @@ bool WritePlan::AddTrailer(int32_t sector, const DumpedBlock& onCard, const std:
     const Trailer after(wanted.Bytes);
     const bool needsKeyB = LoginsOf(after).size() > 1;
     if (wanted.Known != WholeBlock || !KeyAIn(wanted) || (needsKeyB && !KeyBIn(wanted))) {
-        LeaveOut(number, "the dump doesn't have all of it");
+        LeaveOut(number, "the dump has only a part of it");
         return false;
     }
     if (onCard == wanted) {
@@ -218,7 +218,7 @@ void WritePlan::AddData(int32_t number, const DumpedBlock& onCard, const Conditi
 {
     const DumpedBlock& wanted = m_dump[static_cast<size_t>(number)];
     if (wanted.Known != WholeBlock) {
-        LeaveOut(number, "the dump doesn't have it");
+        LeaveOut(number, "not in the dump");
         return;
     }
     if (onCard == wanted) {

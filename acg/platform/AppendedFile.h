@@ -27,12 +27,12 @@ public:
     [[nodiscard]] uint32_t Append(std::string_view text);
     /// Locks the file until this object goes, for those who lock it too. Returns 0, LockedByAnother, or the
     /// system's error code.
-    [[nodiscard]] uint32_t Lock();
+    [[nodiscard]] uint32_t Lock() const;
     static const uint32_t LockedByAnother;
     /// Cuts the file to so many bytes, the last one a line feed. Returns 0, or the system's error code.
     [[nodiscard]] uint32_t CutTo(uint64_t size);
     /// Returns 0 once what was appended is on the disk, or the system's error code.
-    [[nodiscard]] uint32_t Sync();
+    [[nodiscard]] uint32_t Sync() const;
 
 private:
     static constexpr intptr_t Closed = -1;

@@ -97,7 +97,7 @@ void AppendedFile::CutBack(size_t bytes)
     }
 }
 
-uint32_t AppendedFile::Lock()
+uint32_t AppendedFile::Lock() const
 {
     return flock(static_cast<int>(m_file), LOCK_EX | LOCK_NB) == 0 ? 0 : LastError();
 }
@@ -110,7 +110,7 @@ uint32_t AppendedFile::CutTo(uint64_t size)
     return ftruncate(static_cast<int>(m_file), static_cast<off_t>(size)) == 0 ? 0 : LastError();
 }
 
-uint32_t AppendedFile::Sync()
+uint32_t AppendedFile::Sync() const
 {
     return fsync(static_cast<int>(m_file)) == 0 ? 0 : LastError();
 }

@@ -57,7 +57,7 @@ void AppendedFile::CutBack(size_t bytes)
     }
 }
 
-uint32_t AppendedFile::Lock()
+uint32_t AppendedFile::Lock() const
 {
     OVERLAPPED farAway = {}; // a byte that the file doesn't have, since others may read those that it has
     farAway.OffsetHigh = 0x7FFFFFFF;
@@ -80,7 +80,7 @@ uint32_t AppendedFile::CutTo(uint64_t size)
     return isCut ? 0 : GetLastError();
 }
 
-uint32_t AppendedFile::Sync()
+uint32_t AppendedFile::Sync() const
 {
     return FlushFileBuffers(reinterpret_cast<HANDLE>(m_file)) != 0 ? 0 : GetLastError();
 }
