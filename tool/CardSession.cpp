@@ -60,7 +60,8 @@ CardSession::CardSession(const std::string& parameters, CardWait wait)
 {
 }
 
-CardSession::CardSession(std::shared_ptr<Encoder> opened) : m_encoder(std::move(opened))
+CardSession::CardSession(std::shared_ptr<Encoder> opened, ReaderDLL library)
+    : m_encoder(std::move(opened)), m_library(std::move(library))
 {
     try {
         m_readerType = m_encoder->ReaderType();

@@ -212,7 +212,10 @@ SectorPlan PlanSector(CardSession& card, const ProtectRequest& request, int32_t 
     }
     plan.BX = request.BX.value_or(onCard.UserByte);
     plan.Bytes = EncodeOrRefuse(plan.Levels);
-    if (plan.IsDone && !IsTaken(card, request, plan)) {
+    const auto hasNewKeyB = [&] {
+        return !plan.IsKeyB() || card.TryLogIn(sector, {request.Keys.back(), KeyTypeB}) == Refusal::None;
+    };
+    if (plan.IsDone && (!hasNewKeyB() || !IsTaken(card, request, plan))) {
         throw OtherFailure{
             Format("sector %d opens with the new key A, but has other levels or another key B: log in "
                    "with that key",

@@ -54,7 +54,7 @@ struct SectorPlan {
 
 /// Reads the trailer, with the new key A if the login's key doesn't open the sector. Throws as CardSession
 /// does, UsageError for levels that can't be stored, and OtherFailure for a sector that has the new key A and
-/// other levels.
+/// other levels or another key B.
 [[nodiscard]] SectorPlan PlanSector(CardSession& card, const ProtectRequest& request, int32_t sector);
 
 /// Throws OtherFailure or UsageError if the login's key may not write all that the plan has; says what is
