@@ -1,6 +1,6 @@
 // What acg restore writes of a dump, with which key and in which order, and what it leaves out and why.
 #include "tests/tool/Sectors.h"
-#include "tool/RestorePlan.h"
+#include "tool/WritePlan.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ struct RestoreCase {
     std::string LeftOut = "";
     int32_t Sector = 1;
 };
-using RestorePlanTest = testing::TestWithParam<RestoreCase>;
+using WritePlanTest = testing::TestWithParam<RestoreCase>;
 
 // Access bits: FF0780 of a fresh card; 787788 key B alone writes anything; FF0F00 key A writes the keys,
 // nobody the access bits; F78F00 the same with key B; F78780 key B writes the access bits, nobody the keys;
@@ -86,7 +86,7 @@ const RestoreCase RestoreCases[] = {
      "the trailer of sector 1 AF", "block 4: not restored: nobody may write it"},
 };
 
-TEST_P(RestorePlanTest, WritesWhatDiffersWithAKeyThatMay)
+TEST_P(WritePlanTest, WritesWhatDiffersWithAKeyThatMay)
 {
     const auto& [name, dumped, onCard, opens, steps, leftOut, sector] = GetParam();
     const bool hasTrailers = std::ranges::count(dumped, ' ') == 3;
@@ -100,10 +100,10 @@ TEST_P(RestorePlanTest, WritesWhatDiffersWithAKeyThatMay)
     card.Keys.B = opens.find('B') != std::string::npos ? std::optional<size_t>(1) : std::nullopt;
     const KeyRing keys = {{Trailer(trailer.Bytes).KeyA, ""}, {Trailer(trailer.Bytes).KeyB, ""}};
 
-    RestorePlan plan(dump, hasTrailers);
+    WritePlan plan(dump, hasTrailers);
     plan.Add(sector, card, keys);
     std::string planned;
-    for (const RestoreStep& step : plan.Steps()) {
+    for (const WriteStep& step : plan.Steps()) {
         planned += planned.empty() ? "" : ", ";
         planned +=
             step.Name() + (step.Login.IsB() ? " B" : " A") + "0123456789ABCDEF"[step.Login.Bytes[0] & 15];
@@ -122,7 +122,7 @@ TEST_P(RestorePlanTest, WritesWhatDiffersWithAKeyThatMay)
     EXPECT_EQ(plan.LeavesOut(), !said.empty());
     testing::internal::GetCapturedStderr();
 }
-INSTANTIATE_TEST_SUITE_P(, RestorePlanTest, testing::ValuesIn(RestoreCases),
+INSTANTIATE_TEST_SUITE_P(, WritePlanTest, testing::ValuesIn(RestoreCases),
                          [](const auto& row) { return row.param.Name; });
 
 } // namespace
