@@ -16,14 +16,14 @@ using namespace acg::tool;
 namespace
 {
 
-/// Sector 1 as words before and after; the login and the new keys as in "AF" and "AB"; Levels, keys and value
-/// blocks as the command line takes them. Parts: what is written, in its order, or of the failure a part.
+/// Sector 1 as words before and after; the login and the new keys as in "AF" and "AB"; --levels, --keys and
+/// --value. Parts: what is written, in its order, or of the failure a part.
 struct ProtectCase {
     std::string Name;
     std::string Before;
     std::string Login;
     std::string NewKeys;
-    LevelOptions Options;
+    std::string Levels;
     std::string Parts;
     std::string After = "";
     bool Erases = false;
@@ -34,29 +34,22 @@ const std::string Fresh = "11 22 33 FFF078069F";
 const std::string Protected = "11 22 33 A78778869B"; // 13,13,13,12
 const std::string TheTrailer = "the trailer of sector 1";
 const std::string TheData = "the data blocks of sector 1";
-const LevelOptions KeyBWrites = {"13,13,13,12", "2", ""};
-const LevelOptions Transport = {"15,15,15,3", "1", ""};
+const std::string KeyBWrites = "13,13,13,12 2";
+const std::string Transport = "15,15,15,3 1";
 
-// Access bits: as in the tests of RestorePlan; F787B0: key A and key B may only read block 6, nobody changes
-// keys.
+// The access bits are those of the tests of RestorePlan.
 const ProtectCase ProtectCases[] = {
     {"AFreshSector", Fresh, "AF", "AB", KeyBWrites, TheTrailer, Protected},
     {"ASectorThatIsDone", Protected, "AF", "AB", KeyBWrites, "", Protected},
     {"NewKeysOverTheSameLevels", Protected, "BB", "CD", KeyBWrites, TheTrailer, "11 22 33 C78778869D"},
-    {"LevelsOfTheCardsOwnKeys",
-     Protected,
-     "BB",
-     "AB",
-     {"0,4,5,12", "", ""},
-     TheTrailer,
-     "11 22 33 A6C30F969B"},
+    {"LevelsOfTheCardsOwnKeys", Protected, "BB", "AB", "0,4,5,12", TheTrailer, "11 22 33 A6C30F969B"},
     {"NewKeyAWithOtherLevels", "11 22 33 AFF078069B", "AF", "AB", KeyBWrites,
      "opens with the new key A, but has"},
     {"NewKeyAWithAnotherKeyB", "11 22 33 A78778869C", "AF", "AB", KeyBWrites,
      "opens with the new key A, but has"},
     {"NeitherKey", "11 22 33 C78778869D", "AF", "AB", KeyBWrites, "failure -7"},
     {"NoNewKeysNorTheOld", Protected, "AF", "", KeyBWrites, "failure -7"},
-    {"LevelsThatCannotBeStored", Fresh, "AF", "AB", {"1,3,3,12", "2", ""}, "level 1 can't be stored"},
+    {"LevelsThatCannotBeStored", Fresh, "AF", "AB", "1,3,3,12 2", "level 1 can't be stored"},
     {"ContradictoryAccessBits", "11 22 33 FFF078169F", "AF", "AB", KeyBWrites, "failure -7"},
     {"KeyAWhereKeyBWrites", Protected, "AA", "CD", KeyBWrites,
      "key A may not write the keys of this sector; key B"},
@@ -68,38 +61,14 @@ const ProtectCase ProtectCases[] = {
     {"KeysThatHaveToBeGiven", Fresh, "AF", "", KeyBWrites, "so they have to be given"},
     {"AccessBitsOfNobody", "11 22 33 FFF0F0069F", "AF", "AB", Transport,
      "may not write the access bits and byte 9"},
-    {"KeysUnderFixedAccessBits",
-     "11 22 33 FFF0F0069F",
-     "AF",
-     "AB",
-     {"15,15,15,1", "1", ""},
-     TheTrailer,
+    {"KeysUnderFixedAccessBits", "11 22 33 FFF0F0069F", "AF", "AB", "15,15,15,1 1", TheTrailer,
      "11 22 33 AFF0F0069B"},
-    {"APurse",
-     "=5 22 33 FFF078069F",
-     "AF",
-     "AB",
-     {"13,13,13,12", "2", "0"},
-     "block 4, " + TheTrailer,
+    {"APurse", "=5 22 33 FFF078069F", "AF", "AB", "13,13,13,12 2 0", "block 4, " + TheTrailer,
      "=5 22 33 A68778969B"},
-    {"APurseThatIsNone",
-     "11 =5 33 FFF078069F",
-     "AF",
-     "AB",
-     {"13,13,13,12", "2", "0,1"},
+    {"APurseThatIsNone", "11 =5 33 FFF078069F", "AF", "AB", "13,13,13,12 2 0,1",
      "block 4 isn't a value block"},
-    {"APurseThatKeyBWrites",
-     "11 =5 33 A78778869B",
-     "AA",
-     "",
-     {"13,13,13,12", "2", "1"},
-     "may not write the keys"},
-    {"APurseOfNobody",
-     "=5 =5 33 F8870F769F",
-     "AF",
-     "AB",
-     {"13,13,13,12", "2", "1"},
-     "which nobody may write"},
+    {"APurseThatKeyBWrites", "11 =5 33 A78778869B", "AA", "", "13,13,13,12 2 1", "may not write the keys"},
+    {"APurseOfNobody", "=5 =5 33 F8870F769F", "AF", "AB", "13,13,13,12 2 1", "which nobody may write"},
     {"Erased", Fresh, "AF", "AB", KeyBWrites, TheData + ", " + TheTrailer, "00 00 00 A78778869B", true},
     {"ErasedAfterwards", "11 22 33 F8870F769F", "AF", "AB", Transport, TheTrailer + ", " + TheData,
      "00 00 00 AFF078069B", true},
@@ -111,7 +80,7 @@ const ProtectCase ProtectCases[] = {
 
 TEST_P(SectorPlanTest, IsRefusedOrWrittenAndReadBack)
 {
-    const auto& [name, before, login, newKeys, options, parts, after, erases] = GetParam();
+    const auto& [name, before, login, newKeys, levels, parts, after, erases] = GetParam();
     const TemporaryFolder folder;
     const std::string file = (folder.Path / "card.bin").string();
     static int32_t cards = 0x5EC00000; // a card of its own for each test
@@ -120,6 +89,8 @@ TEST_P(SectorPlanTest, IsRefusedOrWrittenAndReadBack)
         std::ranges::copy(SectorOfWords(sector == 1 ? before : Fresh, sector), std::back_inserter(card));
     }
     WriteDump(file, card, ExistingFile::Kept);
+    LevelOptions options;
+    std::istringstream(levels) >> options.Levels >> options.KeysToUse >> options.ValueBlocks;
     ProtectRequest request{.Login = LoginOf(login), .Levels = ParseLevels(options), .Erases = erases};
     for (const char digit : newKeys) {
         request.Keys.push_back(KeyOf(digit));
