@@ -100,7 +100,7 @@ TEST_P(WritePlanTest, WritesWhatDiffersWithAKeyThatMay)
     card.Keys.B = opens.find('B') != std::string::npos ? std::optional<size_t>(1) : std::nullopt;
     const KeyRing keys = {{Trailer(trailer.Bytes).KeyA, ""}, {Trailer(trailer.Bytes).KeyB, ""}};
 
-    WritePlan plan(dump, hasTrailers);
+    WritePlan plan(dump, hasTrailers ? Asked::All : Asked::Data);
     plan.Add(sector, card, keys);
     std::string planned;
     for (const WriteStep& step : plan.Steps()) {
