@@ -4,28 +4,56 @@
 #include "tool/System.h"
 
 #include <cstdio>
-#include <string_view>
 
 namespace acg::tool
 {
 
-void RequireSomebodyToAsk(const Output& out)
+namespace
 {
-    if (out.IsJson || !IsTerminal(stdin)) {
-        throw UsageError{"there is nobody to ask: give --yes to write, or --dry-run to look"};
-    }
-}
 
-bool IsAgreedTo(const std::string& what)
+/// What is typed, with the end of the line; nothing if the input has ended. Throws Interruption after Ctrl-C.
+std::string Answer(const std::string& question)
 {
     std::fflush(stdout);
-    std::fprintf(stderr, "Write %s? Type yes: ", what.c_str());
+    std::fputs(question.c_str(), stderr);
     char answer[8] = {};
     const bool isAnswered = std::fgets(answer, sizeof answer, stdin) != nullptr;
     if (WasInterrupted()) {
         throw Interruption{};
     }
-    return isAnswered && std::string_view(answer) == "yes\n";
+    return isAnswered ? answer : "";
+}
+
+} // namespace
+
+bool IsSomebodyToAsk(const Output& out)
+{
+    return !out.IsJson && IsTerminal(stdin);
+}
+
+void RequireSomebodyToAsk(const Output& out, const std::string& look)
+{
+    if (!IsSomebodyToAsk(out)) {
+        throw UsageError{"there is nobody to ask: give --yes to write, or " + look + " to look"};
+    }
+}
+
+bool IsAgreedTo(const std::string& what)
+{
+    return Answer("Write " + what + "? Type yes: ") == "yes\n";
+}
+
+char Ask(const std::string& question, const std::string& answers)
+{
+    for (;;) {
+        const std::string answer = Answer(question + ' ');
+        if (answer.empty()) {
+            return answers.back();
+        }
+        if (answer.size() == 2 && answers.find(answer.front()) != std::string::npos) {
+            return answer.front();
+        }
+    }
 }
 
 } // namespace acg::tool

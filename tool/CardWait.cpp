@@ -11,7 +11,7 @@ namespace acg::tool
 namespace
 {
 
-constexpr std::chrono::milliseconds PollInterval{200};
+constexpr std::chrono::milliseconds PollInterval{100};
 
 } // namespace
 

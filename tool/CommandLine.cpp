@@ -71,6 +71,13 @@ JsonObject ToJson(const CError& failure)
     };
 }
 
+Ending InText(int status, const std::string& text)
+{
+    // What is typed or written in the wrong place may be a key.
+    const std::string shown = status == WrongUse ? MaskKeys(text) : text;
+    return {status, shown, JsonObject{{"description", shown}}};
+}
+
 /// The parser takes an empty argument for one that isn't there.
 void RefuseEmpty(const std::vector<std::string>& arguments)
 {
@@ -113,12 +120,35 @@ void CommandOptions::Option(const char* name, const char* type, std::string& val
     }
 }
 
+void CommandOptions::List(const char* name, const char* type, std::vector<std::string>& values,
+                          const char* description)
+{
+    m_app.add_option(name, values, description)->type_name(type)->allow_extra_args(false);
+}
+
 void CommandOptions::Flag(const char* name, bool& isGiven, const char* description,
                           std::initializer_list<const char*> others)
 {
     CLI::Option* const flag = m_app.add_flag(name, isGiven, description);
     for (const char* const other : others) {
         flag->excludes(m_app.get_option(other));
+    }
+}
+
+Ending CurrentEnding()
+{
+    try {
+        throw;
+    } catch (const CardFailure& failure) {
+        return {Failed, InWords(failure.Record), ToJson(failure.Record)};
+    } catch (const OtherFailure& failure) {
+        return InText(Failed, failure.Text);
+    } catch (const UsageError& error) {
+        return InText(WrongUse, error.Text);
+    } catch (const Interruption&) {
+        return InText(Interrupted, "interrupted; the reader is closed");
+    } catch (const std::exception& error) { // no memory
+        return InText(Failed, error.what());
     }
 }
 
@@ -168,11 +198,10 @@ int CommandLine::Run(std::vector<std::string> arguments)
     }
     int status = Done;
     std::string problem;
-    const auto fail = [&](int exitStatus, std::string text, JsonObject failure = {}) {
-        status = exitStatus;
-        // What is typed or written in the wrong place may be a key.
-        problem = exitStatus == WrongUse ? MaskKeys(text) : std::move(text);
-        out.Json["failure"] = failure.is_null() ? JsonObject{{"description", problem}} : std::move(failure);
+    const auto fail = [&](Ending ending) {
+        status = ending.Status;
+        problem = std::move(ending.Text);
+        out.Json["failure"] = std::move(ending.Failure);
     };
     try {
         RefuseEmpty(arguments);
@@ -185,17 +214,9 @@ int CommandLine::Run(std::vector<std::string> arguments)
         out.Print(text.str());
         out.Json["text"] = text.str();
     } catch (const CLI::ParseError& error) {
-        fail(WrongUse, Explain(error));
-    } catch (const CardFailure& failure) {
-        fail(Failed, InWords(failure.Record), ToJson(failure.Record));
-    } catch (const OtherFailure& failure) {
-        fail(Failed, failure.Text);
-    } catch (const UsageError& error) {
-        fail(WrongUse, error.Text);
-    } catch (const Interruption&) {
-        fail(Interrupted, "interrupted; the reader is closed");
-    } catch (const std::exception& error) { // no memory
-        fail(Failed, error.what());
+        fail(InText(WrongUse, Explain(error)));
+    } catch (...) {
+        fail(CurrentEnding());
     }
     if (!out.Finish()) {
         problem += (problem.empty() ? "" : "\n") + std::string("standard output can't be written");

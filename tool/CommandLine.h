@@ -44,12 +44,25 @@ public:
     /// order and have other words than the program's own messages.
     void Option(const char* name, const char* type, std::string& value, const char* description,
                 Need need = Need::Optional, std::initializer_list<const char*> others = {});
+    /// One that may be given several times.
+    void List(const char* name, const char* type, std::vector<std::string>& values, const char* description);
     void Flag(const char* name, bool& isGiven, const char* description,
               std::initializer_list<const char*> others = {});
 
 private:
     CLI::App& m_app;
 };
+
+/// What a failure is in words, and what it makes of the program.
+struct Ending {
+    int Status;
+    std::string Text;
+    JsonObject Failure; ///< the member "failure"
+};
+
+/// Of the exception that is being handled, one of tool/Failures.h or of the standard library. Others are
+/// thrown again.
+[[nodiscard]] Ending CurrentEnding();
 
 class CommandLine
 {
@@ -101,11 +114,12 @@ void AddDump(CommandLine& commands);
 void AddCompare(CommandLine& commands);
 void AddRestore(CommandLine& commands);
 void AddWatch(CommandLine& commands);
+void AddIssue(CommandLine& commands);
 
 /// In the order in which --help lists them.
 inline constexpr void (*AllCommands[])(CommandLine&) = {
-    AddInfo,    AddCard,    AddRead, AddWrite,   AddValue,   AddTrailer,
-    AddPreview, AddProtect, AddDump, AddCompare, AddRestore, AddWatch,
+    AddInfo,    AddCard, AddRead,    AddWrite,   AddValue, AddTrailer, AddPreview,
+    AddProtect, AddDump, AddCompare, AddRestore, AddWatch, AddIssue,
 };
 
 /// The options of a command that tries a list of keys: ReadKeyRing.

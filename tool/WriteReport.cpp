@@ -4,6 +4,8 @@
 #include "tool/System.h"
 #include "tool/Text.h"
 
+#include <algorithm>
+
 namespace acg::tool
 {
 
@@ -69,6 +71,11 @@ bool WriteReport::ReadBack(CardSession& card, const std::function<bool()>& isTak
     Tell(isSame ? "yes" : "unknown", isSame ? "yes" : "not known; it reads back as something else");
     ++m_at;
     return isSame;
+}
+
+bool WriteReport::HasWrittenNothing() const
+{
+    return std::ranges::all_of(m_parts, [](const Part& part) { return part.Written == "no"; });
 }
 
 void WriteReport::RequireFirstCard(CardSession& card, bool isSame)

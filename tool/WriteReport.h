@@ -44,6 +44,9 @@ public:
     /// afterwards, even if the reading failed; otherwise what isTaken or CardSession::Select throws.
     [[nodiscard]] bool ReadBack(CardSession& card, const std::function<bool()>& isTaken);
 
+    /// No part has been written, or may have been.
+    [[nodiscard]] bool HasWrittenNothing() const;
+
     /// The part is a file, which isn't read back.
     void ConfirmFile() { Tell("yes", "yes"); }
 
