@@ -119,7 +119,7 @@ private:
     template <class... Arguments>
     std::string AnswerIn(Buffer buffer, const std::string& text, const Arguments&... arguments)
     {
-        const std::string_view all(buffer.data(), buffer.size() + 1);
+        const std::string_view all(buffer.data(), buffer.data() != nullptr ? buffer.size() + 1 : 0);
         EXPECT_EQ(all.find_first_not_of('\0'), std::string_view::npos);
         std::ranges::fill(buffer, 'z');
         return Answer(text, arguments...);

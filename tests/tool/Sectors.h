@@ -2,6 +2,7 @@
 #pragma once
 
 #include "acg/cards/BlockAddress.h"
+#include "acg/platform/HexText.h"
 #include "tool/Blocks.h"
 #include "tool/DumpFile.h"
 
@@ -14,7 +15,7 @@ namespace acg::tool
 inline Key KeyOf(char digit)
 {
     Key key;
-    std::ranges::copy_n(ParseBlock(std::string(32, digit))->begin(), KeySize, key.begin());
+    key.fill(static_cast<uint8_t>(HexDigit(digit).value_or(0) * 0x11));
     return key;
 }
 
@@ -38,11 +39,15 @@ inline Dump SectorOfWords(const std::string& words, int32_t sector = 1)
         const std::string& word = slots[SlotOf(number)];
         std::string digits;
         if (word[0] == '=') {
-            digits = "0" + word.substr(1) + "000000F" + Digits({uint8_t(~word[1] & 15)}, 1, "")[1] +
-                     "FFFFFF0" + word.substr(1) + "000000";
-            digits += Digits({uint8_t(number), uint8_t(~number), uint8_t(number), uint8_t(~number)}, 15, "");
-            digits.resize(32);
-        } else if (IsTrailer(number) && word.size() > 2) {
+            const auto value = static_cast<uint8_t>(word[1] - '0');
+            const auto address = static_cast<uint8_t>(number);
+            const auto inverted = [](uint8_t byte) { return static_cast<uint8_t>(~byte); };
+            blocks.push_back({{value, 0, 0, 0, inverted(value), 0xFF, 0xFF, 0xFF, value, 0, 0, 0, address,
+                               inverted(address), address, inverted(address)},
+                              WholeBlock});
+            continue;
+        }
+        if (IsTrailer(number) && word.size() > 2) {
             digits = std::string(12, word.front()) + word.substr(1, 8) + std::string(12, word.back());
         }
         for (size_t at = 0; digits.size() < 32; ++at) {
