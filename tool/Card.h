@@ -6,6 +6,7 @@
 #include "acg/encoder/Encoder.h"
 #include "acg/platform/Secret.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -22,6 +23,12 @@ struct Key : std::array<uint8_t, KeySize> {
     Key(const Key&) = default;
     Key& operator=(const Key&) = default;
     ~Key() { Wipe(data(), size()); }
+
+    /// As a card shows a key that can't be read.
+    [[nodiscard]] bool IsZeros() const
+    {
+        return std::ranges::all_of(*this, [](uint8_t byte) { return byte == 0; });
+    }
 };
 
 /// As an encoder takes it: 12 hexadecimal digits.

@@ -114,7 +114,7 @@ Block EncodeText(std::string_view text, const std::string& encoding)
         bytes = text;
     } else {
         for (const wchar_t character : ToWide(text)) {
-            const auto code = static_cast<uint32_t>(character);
+            const auto code = static_cast<char32_t>(character);
             if (code > (encoding == "latin-1" ? 0xFFU : 0xFFFFU)) {
                 throw UsageError{"the text has a character that " + encoding + " lacks"};
             }
@@ -162,7 +162,7 @@ DumpedBlock Encode(const NewTrailer& trailer, bool isForGood)
     if (!trailer.KeyA || !trailer.KeyB || !trailer.Levels) {
         throw UsageError{"key A, key B and the levels of a sector are given together, or none of them"};
     }
-    if (*trailer.KeyA == Key() || *trailer.KeyB == Key()) {
+    if (trailer.KeyA->IsZeros() || trailer.KeyB->IsZeros()) {
         throw UsageError{"a new key can't be zeros"};
     }
     constexpr int32_t RightsOfKeyA = scss_A_WriteKeys | scss_A_WriteConditions;

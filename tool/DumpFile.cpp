@@ -57,7 +57,7 @@ void ForgetUnread(Dump& dump)
         }
         const Trailer parts(trailer.Bytes);
         const unsigned unknown =
-            (parts.KeyA == Key() ? KeyABits : 0U) | (parts.KeyB == Key() ? KeyBBits : 0U);
+            (parts.KeyA.IsZeros() ? KeyABits : 0U) | (parts.KeyB.IsZeros() ? KeyBBits : 0U);
         trailer.Known = static_cast<uint16_t>(trailer.Known & ~unknown);
     }
 }

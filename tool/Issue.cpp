@@ -354,7 +354,7 @@ void AddIssue(CommandLine& commands)
     command.List("--set", "NAME=CELL", options.Orders.Columns,
                  "A column that has the same cell in each row; may be given several times. Keys are better "
                  "in the table: see --key");
-    command.Option("--ignore-columns", "NAME,NAME", options.Ignored, "Columns that are only for others");
+    command.Option("--ignore-columns", "NAMES", options.Ignored, "Columns that are only for others");
     command.Option("--encoding", "NAME", options.Orders.Encoding,
                    "Of texts on the card: utf-8 (default), latin-1, or utf-16, the low byte first");
     command.Flag("--check", options.IsCheck, "Only check the whole table, without a reader");

@@ -36,7 +36,7 @@ std::string NameOfBlocks(const std::vector<int32_t>& blocks)
 
 std::optional<Key> KeyIn(const DumpedBlock& trailer, uint16_t bits, const Key& key)
 {
-    return (trailer.Known & bits) == bits && key != Key() ? std::optional(key) : std::nullopt;
+    return (trailer.Known & bits) == bits && !key.IsZeros() ? std::optional(key) : std::nullopt;
 }
 
 bool AreEqual(const DumpedBlock& one, const DumpedBlock& other, uint16_t bits)
