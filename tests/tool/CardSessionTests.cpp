@@ -38,9 +38,9 @@ struct SessionCase {
     std::string Name;
     std::string Steps;
     std::string Commands;
-    std::string End = "";
-    std::string Command = ""; ///< is answered with
-    std::string Reply = "";   ///< this, a letter alone as a status
+    std::string End;
+    std::string Command; ///< is answered with
+    std::string Reply;   ///< this, a letter alone as a status
     std::string ReaderType = "MultiISO 2.5";
 };
 class CardSessionTest : public EncoderTest, public testing::WithParamInterface<SessionCase>
@@ -157,7 +157,7 @@ struct ReportCase {
     char Taken;
     std::string Cards;
     std::string Outcome;
-    std::string End = "";
+    std::string End;
 };
 class WriteReportTest : public EncoderTest, public testing::WithParamInterface<ReportCase>
 {
@@ -195,7 +195,8 @@ const ReportCase ReportCases[] = {
 
 TEST_P(WriteReportTest, SaysWhatIsWrittenWhateverEndsIt)
 {
-    const auto& [name, sending, taken, cards, outcome, expectedEnd] = GetParam();
+    const ReportCase& row = GetParam();
+    const std::string& outcome = row.Outcome;
     Open();
     const auto lay = [&](char card) {
         reader.Replies["select"] = card == 'N' ? ScriptedReader::Status('N') : std::string(8, card);
@@ -208,14 +209,14 @@ TEST_P(WriteReportTest, SaysWhatIsWrittenWhateverEndsIt)
     report.Add("block 4", "look at block 4");
     report.Add("block 5", "look at block 5");
     const std::string end = EndOf([&] {
-        lay(cards[0]);
-        report.NoteSending(card, sending.Number != 0 ? std::optional(sending) : std::nullopt);
-        EXPECT_EQ(taken == 'y', report.ReadBack(card, [&] {
-            lay(cards[1]);
-            return taken != 'x' ? taken == 'y' : throw CardFailure{RefusedWrite};
+        lay(row.Cards[0]);
+        report.NoteSending(card, row.Sending.Number != 0 ? std::optional(row.Sending) : std::nullopt);
+        EXPECT_EQ(row.Taken == 'y', report.ReadBack(card, [&] {
+            lay(row.Cards[1]);
+            return row.Taken != 'x' ? row.Taken == 'y' : throw CardFailure{RefusedWrite};
         }));
     });
-    EXPECT_EQ(end, expectedEnd);
+    EXPECT_EQ(end, row.End);
     const bool isWritten = outcome == "yes";
     const std::string others = outcome == "no" ? ", block 5" : "\n  written   no: block 5";
     const std::string next = isWritten || outcome == "no" ? "" : "\n  next      look at block 4";

@@ -25,7 +25,7 @@ struct ProtectCase {
     std::string NewKeys;
     std::string Levels;
     std::string Parts;
-    std::string After = "";
+    std::string After;
     bool Erases = false;
 };
 using SectorPlanTest = testing::TestWithParam<ProtectCase>;

@@ -18,7 +18,7 @@ struct RestoreCase {
     std::string OnCard;
     std::string Opens;
     std::string Steps;
-    std::string LeftOut = "";
+    std::string LeftOut;
     int32_t Sector = 1;
 };
 using WritePlanTest = testing::TestWithParam<RestoreCase>;
