@@ -249,10 +249,9 @@ void OrderInProgress::Add(const Column& column, std::string_view cell)
         Store(column.Number, EncodeText(cell, m_encoding));
         break;
     case Kind::Value:
-        Store(column.Number,
-              ValueBlockOf(ParseNumber(trimmed, INT32_MIN, INT32_MAX,
-                                       "the cell isn't a whole number from -2147483648 to 2147483647"),
-                           column.Number));
+        Store(column.Number, ValueBlockOf(ParseNumber(trimmed, INT32_MIN, INT32_MAX,
+                                                      "the cell isn't a whole number of 32 bits"),
+                                          column.Number));
         m_values.push_back(column.Number);
         break;
     case Kind::Key: {
@@ -340,6 +339,7 @@ std::vector<CardOrder> ReadOrders(const Table& table, const OrderOptions& option
     std::vector<CardOrder> orders;
     std::map<std::string, int32_t> rowOfSerial;
     for (const Table::Row& row : table.Rows()) {
+        const size_t problemsBefore = problems.size();
         OrderInProgress order(row.Number, options.Encoding);
         const auto refuse = [&](const std::string& place, const UsageError& problem) {
             problems.push_back(Format("row %d, %s: %s", row.Number, place.c_str(), problem.Text.c_str()));
@@ -361,7 +361,7 @@ std::vector<CardOrder> ReadOrders(const Table& table, const OrderOptions& option
         if (!serial.empty() && !isNew) {
             refuse("column \"serial\"", {Format("row %d has the same serial number", first->second)});
         }
-        if (orders.back().Wanted.empty()) {
+        if (orders.back().Wanted.empty() && problems.size() == problemsBefore) {
             refuse("the whole row", {"there is nothing to write"});
         }
     }

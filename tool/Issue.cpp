@@ -32,6 +32,11 @@ struct Options {
 
 using Step = JournalEntry::Step;
 
+std::string CountOf(size_t cards)
+{
+    return std::to_string(cards) + (cards == 1 ? " card" : " cards");
+}
+
 /// The sectors of which something is written.
 std::vector<int32_t> SectorsOf(const Dump& wanted)
 {
@@ -227,7 +232,7 @@ void IssueRun::WaitForCardOf(CardSession& card, const CardOrder& order)
         if (owner == 0 && (wanted.empty() || wanted == serial)) {
             return;
         }
-        m_out.Problem(serial + " is " + (owner != 0 ? m_ledger.NameOf(owner) : "another card") +
+        m_out.Problem(serial + (owner != 0 ? " is " + m_ledger.NameOf(owner) : " isn't " + wanted) +
                       "; remove it");
     }
 }
@@ -286,11 +291,11 @@ void IssueRun::SayDone(const CardOrder& order, const std::string& serial)
 
 void IssueRun::Summarise()
 {
-    const auto count = static_cast<int>(m_ledger.Orders().size());
+    const size_t count = m_ledger.Orders().size();
     const int left = m_ledger.CountLeft();
-    m_out.Print(left == 0 ? Format("All %d cards are done.", count)
-                          : Format("%d of %d cards are done.", count - left, count));
-    m_out.Json["done"] = count - left;
+    const int done = static_cast<int>(count) - left;
+    m_out.Print(Format("Done: %d of %s.", done, CountOf(count).c_str()));
+    m_out.Json["done"] = done;
     m_out.Json["left"] = left;
     m_out.Json["failed"] = JsonObject::array();
     for (const auto& [row, reason] : m_reasons) {
@@ -312,7 +317,7 @@ int RunIssue(const Options& options, Context& context)
     std::vector<CardOrder> orders = ReadOrders(table, orderOptions);
     KeyRing keys = ReadKeyRing(options.Key);
     if (options.IsCheck) {
-        out.Print(Format("%d cards can be written; nothing has been.", static_cast<int>(orders.size())));
+        out.Print(CountOf(orders.size()) + " can be written; nothing has been.");
         out.Json["cards"] = orders.size();
         return Done;
     }
@@ -323,7 +328,7 @@ int RunIssue(const Options& options, Context& context)
                       options.IsResumed ? CardLedger::Changed::Accepted : CardLedger::Changed::Refused);
     IssueRun run(options, std::move(keys), ledger, out);
     if (const int left = ledger.CountLeft()) {
-        if (!options.IsAgreedTo && !IsAgreedTo(left == 1 ? "1 card" : Format("%d cards", left))) {
+        if (!options.IsAgreedTo && !IsAgreedTo(CountOf(static_cast<size_t>(left)))) {
             throw OtherFailure{"not agreed to"};
         }
         CardSession card(context.Parameters, CardWait::None);
@@ -354,7 +359,8 @@ void AddIssue(CommandLine& commands)
     command.List("--set", "NAME=CELL", options.Orders.Columns,
                  "A column that has the same cell in each row; may be given several times. Keys are better "
                  "in the table: see --key");
-    command.Option("--ignore-columns", "NAMES", options.Ignored, "Columns that are only for others");
+    command.Option("--ignore-columns", "NAMES", options.Ignored,
+                   "Columns that are only for others, joined by commas");
     command.Option("--encoding", "NAME", options.Orders.Encoding,
                    "Of texts on the card: utf-8 (default), latin-1, or utf-16, the low byte first");
     command.Flag("--check", options.IsCheck, "Only check the whole table, without a reader");

@@ -34,7 +34,7 @@ else
     trap 'rm -r "$folder"' EXIT
 fi
 ln -s "$PWD/tests" "$folder"
-cp examples/cards.csv "$folder"
+cp examples/members.csv "$folder"
 failed=0
 for file; do
     shown=$(awk -v native="$native" '
