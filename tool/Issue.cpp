@@ -127,7 +127,7 @@ void WriteCard(CardSession& card, const CardOrder& order, CardState state, const
     }
     card.Select();
     for (const WriteStep& step : steps) {
-        Write(card, step, wanted, report);
+        WriteBlocks(card, step, wanted, report);
     }
     // Under the new rights, and with the new keys.
     Dump ofNewTrailers(wanted.size());
@@ -243,7 +243,10 @@ bool IssueRun::IssueCard(CardSession& card, const CardOrder& order)
     WaitForCardOf(card, order);
     const std::string serial = card.SerialNumber();
     m_out.Json.update({{"row", order.Row}, {"note", order.Note}, {"result", "failed"}});
-    const std::string next = "acg issue " + MaskKeys(m_options.File);
+    std::string next = "acg issue " + MaskKeys(m_options.File);
+    for (const std::string& column : m_options.Orders.Columns) {
+        next += " --set \"" + MaskKeys(column) + '"';
+    }
     WriteReport report(m_out);
     report.Add("card " + serial, next);
     report.BeginCard(card);

@@ -178,7 +178,7 @@ int Restore(const Options& options, Context& context)
     }
     card.Select();
     for (const WriteStep& step : steps) {
-        Write(card, step, request.Wanted, report);
+        WriteBlocks(card, step, request.Wanted, report);
     }
     out.Print("Written, and read back.");
     return status;

@@ -282,7 +282,7 @@ std::vector<std::string> WritePlan::LeftOut() const
     return lines;
 }
 
-void Write(CardSession& card, const WriteStep& step, const Dump& wanted, WriteReport& report)
+void WriteBlocks(CardSession& card, const WriteStep& step, const Dump& wanted, WriteReport& report)
 {
     const auto at = [&](int32_t number) -> const DumpedBlock& { return wanted[static_cast<size_t>(number)]; };
     for (const int32_t number : step.Blocks) {

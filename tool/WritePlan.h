@@ -90,6 +90,6 @@ private:
 
 /// Writes a step's blocks, the next part of the report, and reads them back, a trailer with the keys that it
 /// has. Throws OtherFailure if they hold something else, and as WriteReport does.
-void Write(CardSession& card, const WriteStep& step, const Dump& wanted, WriteReport& report);
+void WriteBlocks(CardSession& card, const WriteStep& step, const Dump& wanted, WriteReport& report);
 
 } // namespace acg::tool
