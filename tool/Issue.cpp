@@ -232,8 +232,8 @@ void IssueRun::WaitForCardOf(CardSession& card, const CardOrder& order)
         if (owner == 0 && (wanted.empty() || wanted == serial)) {
             return;
         }
-        m_out.Problem(serial + (owner != 0 ? " is " + m_ledger.NameOf(owner) : " isn't " + wanted) +
-                      "; remove it");
+        const std::string what = owner != 0 ? "is " + m_ledger.NameOf(owner) : "isn't " + wanted;
+        m_out.Problem(Format("%s %s; remove it", serial.c_str(), what.c_str()));
     }
 }
 
@@ -245,7 +245,7 @@ bool IssueRun::IssueCard(CardSession& card, const CardOrder& order)
     m_out.Json.update({{"row", order.Row}, {"note", order.Note}, {"result", "failed"}});
     std::string next = "acg issue " + MaskKeys(m_options.File);
     for (const std::string& column : m_options.Orders.Columns) {
-        next += " --set \"" + MaskKeys(column) + '"';
+        next += Format(" --set \"%s\"", MaskKeys(column).c_str());
     }
     WriteReport report(m_out);
     report.Add("card " + serial, next);
