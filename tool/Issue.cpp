@@ -327,7 +327,12 @@ int RunIssue(const Options& options, Context& context)
     if (!options.IsAgreedTo) {
         RequireSomebodyToAsk(out, "--check");
     }
-    CardLedger ledger(options.File, table.Digest(), std::move(orders),
+    // What is given once for all rows counts as a part of the table.
+    uint64_t digest = DigestOf(orderOptions.Encoding, table.Digest());
+    for (const std::string& column : orderOptions.Columns) {
+        digest = DigestOf(column + '\n', digest);
+    }
+    CardLedger ledger(options.File, digest, std::move(orders),
                       options.IsResumed ? CardLedger::Changed::Accepted : CardLedger::Changed::Refused);
     IssueRun run(options, std::move(keys), ledger, out);
     if (const int left = ledger.CountLeft()) {

@@ -17,16 +17,6 @@ namespace
 constexpr size_t MaxSize = 1 << 24;
 constexpr char Quote = '"';
 
-/// http://www.isthe.com/chongo/tech/comp/fnv: 64 bits, FNV-1a.
-uint64_t DigestOf(std::string_view bytes)
-{
-    uint64_t digest = 0xCBF29CE484222325;
-    for (const char byte : bytes) {
-        digest = (digest ^ static_cast<uint8_t>(byte)) * 0x100000001B3;
-    }
-    return digest;
-}
-
 char SeparatorOf(std::string_view text)
 {
     constexpr std::array Separators = {',', ';', '\t'};
@@ -134,6 +124,14 @@ size_t CountOf(const std::vector<std::string_view>& cells)
 }
 
 } // namespace
+
+uint64_t DigestOf(std::string_view bytes, uint64_t digest)
+{
+    for (const char byte : bytes) {
+        digest = (digest ^ static_cast<uint8_t>(byte)) * 0x100000001B3;
+    }
+    return digest;
+}
 
 Table::Table(const std::string& name)
     : m_text(ReadTextFile(name, "table", MaxSize)), m_digest(DigestOf(m_text.Text))

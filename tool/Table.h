@@ -11,6 +11,10 @@
 namespace acg::tool
 {
 
+/// FNV-1a of 64 bits (http://www.isthe.com/chongo/tech/comp/fnv), continued from the digest of what comes
+/// before.
+[[nodiscard]] uint64_t DigestOf(std::string_view bytes, uint64_t digest = 0xCBF29CE484222325);
+
 /// RFC 4180, in UTF-8. Cells are separated by commas, semicolons or tabs, whichever the first row has most
 /// of. A cell may hold a key: all of them are views of one text, which is wiped with the table.
 class Table
@@ -30,7 +34,7 @@ public:
     [[nodiscard]] const std::vector<std::string_view>& Names() const { return m_names; }
     /// Those that aren't empty, each with as many cells as there are names.
     [[nodiscard]] const std::vector<Row>& Rows() const { return m_rows; }
-    /// Of the file's bytes, by FNV-1a: it shows that the file has been changed, but not that somebody meant
+    /// DigestOf the file's bytes: it shows that the file has been changed, but not that somebody meant
     /// to hide it.
     [[nodiscard]] uint64_t Digest() const { return m_digest; }
 
