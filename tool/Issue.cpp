@@ -178,7 +178,7 @@ private:
     const KeyRing m_keys;
     CardLedger& m_ledger;
     Output& m_out;
-    std::map<int32_t, std::string> m_reasons; ///< by row, why it has failed
+    std::map<int32_t, std::string> m_reasons; ///< by row, why it isn't done
     int m_count = 0;                          ///< of the cards written
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
@@ -258,8 +258,10 @@ bool IssueRun::IssueCard(CardSession& card, const CardOrder& order)
         ending = CurrentEnding();
     }
     if (ending.Status == Done) {
-        m_out.Outcome.clear();
+        m_reasons[order.Row] =
+            "card " + serial + " is written, but not noted as done; run the same command again";
         m_ledger.Note(order, serial, Step::CardDone);
+        m_out.Outcome.clear();
         SayDone(order, serial);
         return true;
     }
