@@ -16,12 +16,17 @@ std::string Answer(const std::string& question)
 {
     std::fflush(stdout);
     std::fputs(question.c_str(), stderr);
-    char answer[8] = {};
-    const bool isAnswered = std::fgets(answer, sizeof answer, stdin) != nullptr;
+    std::string answer;
+    for (int letter = std::fgetc(stdin); letter != EOF; letter = std::fgetc(stdin)) {
+        answer += static_cast<char>(letter);
+        if (letter == '\n') {
+            break;
+        }
+    }
     if (WasInterrupted()) {
         throw Interruption{};
     }
-    return isAnswered ? answer : "";
+    return answer;
 }
 
 } // namespace
