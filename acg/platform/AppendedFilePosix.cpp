@@ -46,6 +46,17 @@ uint32_t LastError()
     return static_cast<uint32_t>(errno);
 }
 
+/// So that a new file outlasts a power failure. Not every file system can.
+void SyncFolderOf(const std::filesystem::path& file)
+{
+    const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
+    const int handle = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (handle >= 0) {
+        fsync(handle);
+        close(handle);
+    }
+}
+
 } // namespace
 
 AppendedFile::~AppendedFile()
@@ -63,6 +74,9 @@ uint32_t AppendedFile::Open(const std::filesystem::path& file)
     }
     struct stat found = {};
     m_isInLine = fstat(static_cast<int>(m_file), &found) == 0 && found.st_size != 0;
+    if (!m_isInLine) {
+        SyncFolderOf(file);
+    }
     return 0;
 }
 
