@@ -1,5 +1,6 @@
 #include "tool/CardLedger.h"
 
+#include "acg/platform/HexText.h"
 #include "tool/Failures.h"
 #include "tool/Text.h"
 
@@ -9,21 +10,94 @@
 namespace acg::tool
 {
 
-CardLedger::CardLedger(const std::string& table, uint64_t digest, std::vector<CardOrder> orders,
-                       Changed changed)
-    : m_orders(std::move(orders)), m_journal(table, digest)
+namespace
+{
+
+uint32_t ContentsOf(const CardOrder& order)
+{
+    uint64_t digest = DigestOf(order.SerialNumber);
+    for (const DumpedBlock& block : order.Wanted) {
+        digest = DigestOf(Format("%04X", static_cast<unsigned>(block.Known)) + ToHex(block.Bytes), digest);
+    }
+    return static_cast<uint32_t>(digest ^ (digest >> 32));
+}
+
+} // namespace
+
+CardLedger::CardLedger(const std::string& table, uint64_t digest, std::vector<CardOrder> orders)
+    : m_table(table), m_orders(std::move(orders)), m_journal(table, digest)
 {
     for (const JournalEntry& entry : m_journal.Entries()) {
-        State& state = m_states[entry.Row];
-        state = {state.IsDone || entry.What == JournalEntry::Step::CardDone, entry.Serial};
+        Take(entry);
     }
+}
+
+void CardLedger::Take(const JournalEntry& entry)
+{
+    using enum JournalEntry::Step;
+    State& state = m_states[entry.Row];
+    if (entry.What == CardGivenUp) {
+        m_givenUp.insert(entry.Serial);
+        state = {};
+        return;
+    }
+    state = {.IsDone = state.IsDone || entry.What == CardDone,
+             .Serial = entry.Serial,
+             .Contents = entry.Contents,
+             .Reason = entry.What == CardFailed    ? entry.Reason
+                       : entry.What == CardSkipped ? state.Reason
+                                                   : ""};
+}
+
+void CardLedger::GiveUp(int32_t row)
+{
+    const auto found = m_states.find(row);
+    if (found == m_states.end() || found->second.IsDone || found->second.Serial.empty()) {
+        throw UsageError{Format("row %d has no card that was begun", row)};
+    }
+    const JournalEntry entry{
+        .Row = row, .Serial = found->second.Serial, .What = JournalEntry::Step::CardGivenUp};
+    m_journal.Append(entry);
+    Take(entry);
+}
+
+void CardLedger::Accept(Changed changed)
+{
     if (!m_journal.IsOfTable() && changed == Changed::Refused) {
-        throw UsageError{table + " has changed since its journal was begun. Give --resume if the rows that "
-                                 "are done still stand"};
+        throw UsageError{m_table +
+                         ", or what is given for all its rows, has changed since its journal was begun. "
+                         "Give --resume if the rows that are done still stand"};
     }
+    RequireRows();
     RequireCards();
     if (!m_journal.IsOfTable()) {
         m_journal.AcceptTable();
+    }
+}
+
+/// A row that was inserted, removed or sorted would take the place of another one.
+void CardLedger::RequireRows() const
+{
+    for (const auto& [row, state] : m_states) {
+        const auto own = std::ranges::find(m_orders, row, &CardOrder::Row);
+        if (state.Serial.empty() || (own != m_orders.end() && ContentsOf(*own) == state.Contents)) {
+            continue;
+        }
+        const std::string what =
+            Format("row %d was %s on card %s", row, state.IsDone ? "written" : "begun", state.Serial.c_str());
+        const auto now = std::ranges::find(m_orders, state.Contents, ContentsOf);
+        if (now != m_orders.end()) {
+            throw UsageError{what +
+                             Format(", and what it had is in row %d now. The rows keep their order: put "
+                                    "new ones at the end, and leave the others",
+                                    now->Row)};
+        }
+        if (!state.IsDone) {
+            throw UsageError{what +
+                             ", and has changed since. Put it back, and finish that card first; if it is "
+                             "lost, give it up by " +
+                             Format("--give-up %d", row)};
+        }
     }
 }
 
@@ -39,19 +113,22 @@ int CardLedger::CountLeft() const
         std::ranges::count_if(m_orders, [&](const CardOrder& order) { return !StateOf(order).IsDone; }));
 }
 
-int32_t CardLedger::OtherOwner(const std::string& serial, int32_t row) const
+std::string CardLedger::WhyNotFor(int32_t row, const std::string& serial) const
 {
+    if (m_givenUp.contains(serial)) {
+        return "was given up";
+    }
     for (const auto& [other, state] : m_states) {
         if (other != row && state.Serial == serial) {
-            return other;
+            return "is " + NameOf(other);
         }
     }
     for (const CardOrder& order : m_orders) {
         if (order.Row != row && order.SerialNumber == serial) {
-            return order.Row;
+            return "is for " + NameOf(order.Row);
         }
     }
-    return 0;
+    return {};
 }
 
 std::string CardLedger::NameOf(int32_t row) const
@@ -73,9 +150,9 @@ void CardLedger::RequireCards() const
             throw UsageError{Format("row %d was begun with card %s, and now names %s", order.Row,
                                     state.Serial.c_str(), order.SerialNumber.c_str())};
         }
-        if (const int32_t owner = OtherOwner(order.SerialNumber, order.Row)) {
-            throw UsageError{Format("row %d names card %s, which has been written for row %d", order.Row,
-                                    order.SerialNumber.c_str(), owner)};
+        if (const std::string reason = WhyNotFor(order.Row, order.SerialNumber); !reason.empty()) {
+            throw UsageError{Format("row %d names card %s, which %s", order.Row, order.SerialNumber.c_str(),
+                                    reason.c_str())};
         }
     }
 }
@@ -83,8 +160,10 @@ void CardLedger::RequireCards() const
 void CardLedger::Note(const CardOrder& order, const std::string& serial, JournalEntry::Step step,
                       const std::string& reason)
 {
-    m_journal.Append({.Row = order.Row, .Serial = serial, .What = step, .Reason = reason});
-    m_states[order.Row] = {step == JournalEntry::Step::CardDone, serial};
+    const JournalEntry entry{
+        .Row = order.Row, .Serial = serial, .What = step, .Reason = reason, .Contents = ContentsOf(order)};
+    m_journal.Append(entry);
+    Take(entry);
 }
 
 } // namespace acg::tool

@@ -154,6 +154,7 @@ struct NewTrailer {
     std::optional<uint8_t> UserByte;
     std::array<bool, DataSlots> IsValueBlock{};
     std::array<bool, DataSlots> IsWritten{}; ///< the row writes a data block there
+    bool IsRefused = false;                  ///< one of its cells is
 };
 
 /// Throws UsageError for one that can't be written.
@@ -198,6 +199,8 @@ public:
 
     /// Throws UsageError for a cell that can't be used.
     void Add(const Column& column, std::string_view cell);
+    /// After a failed Add.
+    void Refuse(const Column& column);
 
     using Refusals = std::function<void(const std::string& place, const UsageError& problem)>;
     [[nodiscard]] CardOrder Finish(bool isForGood, const Refusals& refuse);
@@ -279,9 +282,20 @@ void OrderInProgress::Add(const Column& column, std::string_view cell)
     }
 }
 
+void OrderInProgress::Refuse(const Column& column)
+{
+    if (column.Holds == Kind::NewKeyA || column.Holds == Kind::NewKeyB || column.Holds == Kind::Levels ||
+        column.Holds == Kind::UserByte) {
+        m_trailers[column.Number].IsRefused = true;
+    }
+}
+
 CardOrder OrderInProgress::Finish(bool isForGood, const Refusals& refuse)
 {
     for (auto& [sector, trailer] : m_trailers) {
+        if (trailer.IsRefused) {
+            continue;
+        }
         for (int32_t number = TrailerBlock(sector - 1) + 1; number < TrailerBlock(sector); ++number) {
             trailer.IsWritten[SlotOf(number)] |= BlockAt(number).Known != 0;
             trailer.IsValueBlock[SlotOf(number)] |= std::ranges::find(m_values, number) != m_values.end();
@@ -309,6 +323,10 @@ std::vector<Column> ParseColumns(const Table& table, const OrderOptions& options
                 })) {
                 throw UsageError{"there is such a column already"};
             }
+            if (!at && (column.Holds == Kind::Key || column.Holds == Kind::NewKeyA ||
+                        column.Holds == Kind::NewKeyB)) {
+                throw UsageError{"other programs could see a key in the command; it belongs into the table"};
+            }
             column.At = at;
             column.Cell = cell;
             columns.push_back(std::move(column));
@@ -324,6 +342,12 @@ std::vector<Column> ParseColumns(const Table& table, const OrderOptions& options
         const size_t sign = std::min(text.find('='), text.size() - 1);
         add(text.substr(0, sign), "--set", {}, text.substr(sign + 1));
     }
+    for (const std::string& name : options.Ignored) {
+        const auto isNamed = [&](const std::string_view other) { return Lower(other) == Lower(name); };
+        if (std::ranges::none_of(table.Names(), isNamed)) {
+            problems.push_back("--ignore-columns: there is no column \"" + Printable(MaskKeys(name)) + '"');
+        }
+    }
     return columns;
 }
 
@@ -336,6 +360,7 @@ std::vector<CardOrder> ReadOrders(const Table& table, const OrderOptions& option
     }
     std::vector<std::string> problems;
     const std::vector<Column> columns = ParseColumns(table, options, problems);
+    const bool areColumnsKnown = problems.empty();
     std::vector<CardOrder> orders;
     std::map<std::string, int32_t> rowOfSerial;
     for (const Table::Row& row : table.Rows()) {
@@ -352,6 +377,7 @@ std::vector<CardOrder> ReadOrders(const Table& table, const OrderOptions& option
             try {
                 order.Add(column, cell);
             } catch (const UsageError& problem) {
+                order.Refuse(column);
                 refuse("column \"" + column.Name + '"', problem);
             }
         }
@@ -361,7 +387,7 @@ std::vector<CardOrder> ReadOrders(const Table& table, const OrderOptions& option
         if (!serial.empty() && !isNew) {
             refuse("column \"serial\"", {Format("row %d has the same serial number", first->second)});
         }
-        if (orders.back().Wanted.empty() && problems.size() == problemsBefore) {
+        if (areColumnsKnown && orders.back().Wanted.empty() && problems.size() == problemsBefore) {
             refuse("the whole row", {"there is nothing to write"});
         }
     }

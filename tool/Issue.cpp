@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 
 namespace acg::tool
 {
@@ -24,6 +25,7 @@ struct Options {
     KeyOptions Key;
     OrderOptions Orders;
     std::string Ignored;     ///< --ignore-columns
+    std::string GivenUp;     ///< --give-up
     bool IsCheck = false;    ///< --check
     bool IsResumed = false;  ///< --resume
     bool GoesOn = false;     ///< --continue
@@ -49,6 +51,9 @@ std::vector<int32_t> SectorsOf(const Dump& wanted)
     }
     return sectors;
 }
+
+/// What completes a card that may be written in part.
+constexpr const char* Next = "give the same command again, and lay this card on the reader";
 
 /// Which keys a card has.
 enum class CardState {
@@ -109,13 +114,16 @@ void Look(CardSession& card, const CardOrder& order, CardState state, const KeyR
         for (const std::string& line : plan.LeftOut()) {
             text += (text.empty() ? "" : "\n  ") + line;
         }
+        if (SectorOf(static_cast<int32_t>(wanted.size()) - 1) > LastSector1K) {
+            text += Format("\n  a 1K card has sectors 0 to %d only", LastSector1K);
+        }
         throw OtherFailure{text};
     }
 }
 
-/// report: has one part, for all of it. next: the command that completes the card.
+/// report: has one part, for all of it.
 void WriteCard(CardSession& card, const CardOrder& order, CardState state, const KeyRing& given,
-               const std::string& next, WriteReport& report)
+               WriteReport& report)
 {
     Dump wanted = order.Wanted;
     WritePlan plan(wanted, Asked::Known);
@@ -123,7 +131,7 @@ void WriteCard(CardSession& card, const CardOrder& order, CardState state, const
     report.Clear();
     const std::vector<WriteStep> steps = plan.Steps();
     for (const WriteStep& step : steps) {
-        report.Add(step.Name(), next);
+        report.Add(step.Name(), Next);
     }
     card.Select();
     for (const WriteStep& step : steps) {
@@ -147,6 +155,23 @@ void WriteCard(CardSession& card, const CardOrder& order, CardState state, const
     card.Select();
 }
 
+Ending EndingOf(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (...) {
+        return CurrentEnding();
+    }
+    return {};
+}
+
+/// In a line.
+std::string ReasonOf(const Ending& ending)
+{
+    const std::string meaning = ending.Failure.value("meaning", "");
+    return ending.Text.substr(0, ending.Text.find('\n')) + (meaning.empty() ? "" : ": " + meaning);
+}
+
 /// One run over a table.
 class IssueRun
 {
@@ -154,6 +179,11 @@ public:
     IssueRun(const Options& options, KeyRing keys, CardLedger& ledger, Output& out)
         : m_options(options), m_keys(std::move(keys)), m_ledger(ledger), m_out(out)
     {
+        for (const CardOrder& order : ledger.Orders()) {
+            if (const std::string reason = ledger.StateOf(order).Reason; !reason.empty()) {
+                m_reasons[order.Row] = reason;
+            }
+        }
     }
 
     /// All rows that aren't done. Returns the exit status.
@@ -168,36 +198,33 @@ private:
     };
 
     [[nodiscard]] Answer AfterFailure() const;
-    /// Whether the card was written.
-    [[nodiscard]] bool IssueCard(CardSession& card, const CardOrder& order);
+    /// isNext: the last order's card may still lie there. Returns whether the card was written.
+    [[nodiscard]] bool IssueCard(CardSession& card, const CardOrder& order, bool isNext);
     void WaitForCardOf(CardSession& card, const CardOrder& order);
     void SayDone(const CardOrder& order, const std::string& serial);
-    void Note(const CardOrder& order, const std::string& serial, Step step, const std::string& reason = {});
+    void SayFailed(const CardOrder& order, const Ending& ending);
 
     const Options& m_options;
     const KeyRing m_keys;
     CardLedger& m_ledger;
     Output& m_out;
-    std::map<int32_t, std::string> m_reasons; ///< by row, why it isn't done
-    int m_count = 0;                          ///< of the cards written
-    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    std::map<int32_t, std::string> m_reasons;      ///< by row, why it isn't done
+    int m_count = 0;                               ///< of the cards written
+    std::chrono::steady_clock::time_point m_start; ///< when the first one was
 };
 
 int IssueRun::Run(CardSession& card)
 {
-    bool isFirst = true;
+    bool isNext = false;
     for (const CardOrder& order : m_ledger.Orders()) {
         if (m_ledger.StateOf(order).IsDone) {
             continue;
         }
-        if (!isFirst) {
-            WaitUntilGone(card);
-        }
-        isFirst = false;
         Answer answer = Answer::Again;
-        while (answer == Answer::Again && !IssueCard(card, order)) {
+        for (; answer == Answer::Again && !IssueCard(card, order, isNext); isNext = false) {
             answer = AfterFailure();
         }
+        isNext = true;
         if (answer == Answer::End) {
             break;
         }
@@ -224,39 +251,44 @@ void IssueRun::WaitForCardOf(CardSession& card, const CardOrder& order)
     m_out.Print(name + (order.Note.empty() ? "" : ": " + order.Note) +
                 (wanted.empty()  ? ""
                  : begun.empty() ? ": " + wanted
-                                 : ": " + wanted + ", which was begun and may be written in part"));
+                                 : Format(": %s, which was begun and may be written in part. If it is lost, "
+                                          "end this by Ctrl-C, and add --give-up %d",
+                                          wanted.c_str(), order.Row)));
     for (;; WaitUntilGone(card)) {
         WaitForCard(card);
         const std::string& serial = card.SerialNumber();
-        const int32_t owner = m_ledger.OtherOwner(serial, order.Row);
-        if (owner == 0 && (wanted.empty() || wanted == serial)) {
+        std::string reason = m_ledger.WhyNotFor(order.Row, serial);
+        if (reason.empty() && !wanted.empty() && wanted != serial) {
+            reason = "isn't " + wanted;
+        }
+        if (reason.empty()) {
             return;
         }
-        const std::string what = owner != 0 ? "is " + m_ledger.NameOf(owner) : "isn't " + wanted;
-        m_out.Problem(Format("%s %s; remove it", serial.c_str(), what.c_str()));
+        m_out.Problem(Format("%s %s; remove it", serial.c_str(), reason.c_str()));
     }
 }
 
-bool IssueRun::IssueCard(CardSession& card, const CardOrder& order)
+bool IssueRun::IssueCard(CardSession& card, const CardOrder& order, bool isNext)
 {
-    const bool wasBegun = !m_ledger.StateOf(order).Serial.empty();
-    WaitForCardOf(card, order);
-    const std::string serial = card.SerialNumber();
     m_out.Json.update({{"row", order.Row}, {"note", order.Note}, {"result", "failed"}});
-    std::string next = "acg issue " + MaskKeys(m_options.File);
-    for (const std::string& column : m_options.Orders.Columns) {
-        next += Format(" --set \"%s\"", MaskKeys(column).c_str());
+    Ending ending = EndingOf([&] {
+        if (isNext) {
+            WaitUntilGone(card);
+        }
+        WaitForCardOf(card, order);
+    });
+    if (ending.Status != Done) {
+        SayFailed(order, ending);
+        return false;
     }
+    const bool wasBegun = !m_ledger.StateOf(order).Serial.empty();
+    const std::string serial = card.SerialNumber();
     WriteReport report(m_out);
-    report.Add("card " + serial, next);
+    report.Add("card " + serial, Next);
     report.BeginCard(card);
     m_ledger.Note(order, serial, Step::CardBegun);
-    Ending ending{};
-    try {
-        WriteCard(card, order, wasBegun ? CardState::Begun : CardState::New, m_keys, next, report);
-    } catch (...) {
-        ending = CurrentEnding();
-    }
+    ending = EndingOf(
+        [&] { WriteCard(card, order, wasBegun ? CardState::Begun : CardState::New, m_keys, report); });
     if (ending.Status == Done) {
         m_reasons[order.Row] =
             "card " + serial + " is written, but not noted as done; run the same command again";
@@ -265,28 +297,41 @@ bool IssueRun::IssueCard(CardSession& card, const CardOrder& order)
         SayDone(order, serial);
         return true;
     }
-    // A card that nothing was written on is free for any row.
-    const std::string reason = ending.Text.substr(0, ending.Text.find('\n'));
-    m_ledger.Note(order, !wasBegun && report.HasWrittenNothing() ? "" : serial, Step::CardFailed, reason);
-    m_reasons[order.Row] = reason;
+    const bool isFree = !wasBegun && report.HasWrittenNothing();
+    if (!isFree && m_out.Json["next"].is_null()) {
+        m_out.Json["next"] = Next;
+        m_out.Outcome += "\n  next      ";
+        m_out.Outcome += Next;
+    }
+    m_reasons[order.Row] = ReasonOf(ending);
+    m_ledger.Note(order, isFree ? "" : serial, Step::CardFailed, m_reasons[order.Row]);
+    SayFailed(order, ending);
+    return false;
+}
+
+void IssueRun::SayFailed(const CardOrder& order, const Ending& ending)
+{
     if (ending.Status == Interrupted) {
         throw Interruption{};
     }
+    m_reasons[order.Row] = ReasonOf(ending);
     m_out.Json["failure"] = ending.Failure;
     PrintProblem(m_ledger.NameOf(order.Row) + ": " + ending.Text + m_out.Outcome);
     m_out.Outcome.clear();
     static_cast<void>(m_out.Finish());
-    return false;
 }
 
 void IssueRun::SayDone(const CardOrder& order, const std::string& serial)
 {
-    ++m_count;
     m_reasons.erase(order.Row);
-    const std::chrono::duration<double, std::ratio<60>> elapsed = std::chrono::steady_clock::now() - m_start;
+    const auto now = std::chrono::steady_clock::now();
+    const std::chrono::duration<double, std::ratio<60>> elapsed = now - m_start;
     const int left = m_ledger.CountLeft();
-    m_out.Print(Format("%s: done, %s, %d left, %.0f cards a minute", m_ledger.NameOf(order.Row).c_str(),
-                       serial.c_str(), left, m_count / elapsed.count()));
+    m_out.Print(Format("%s: done, %s, %d left", m_ledger.NameOf(order.Row).c_str(), serial.c_str(), left) +
+                (m_count == 0 ? "" : Format(", %.0f cards a minute", m_count / elapsed.count())));
+    if (m_count++ == 0) {
+        m_start = now;
+    }
     m_out.Json["result"] = "done";
     m_out.Json["left"] = left;
     if (!m_out.Finish()) {
@@ -331,11 +376,16 @@ int RunIssue(const Options& options, Context& context)
     }
     // What is given once for all rows counts as a part of the table.
     uint64_t digest = DigestOf(orderOptions.Encoding, table.Digest());
-    for (const std::string& column : orderOptions.Columns) {
-        digest = DigestOf(column + '\n', digest);
+    for (const std::vector<std::string>* const texts : {&orderOptions.Columns, &orderOptions.Ignored}) {
+        for (const std::string& text : *texts) {
+            digest = DigestOf(text + '\n', digest);
+        }
     }
-    CardLedger ledger(options.File, digest, std::move(orders),
-                      options.IsResumed ? CardLedger::Changed::Accepted : CardLedger::Changed::Refused);
+    CardLedger ledger(options.File, digest, std::move(orders));
+    if (!options.GivenUp.empty()) {
+        ledger.GiveUp(ParseNumber(options.GivenUp, 1, INT32_MAX, "--give-up is the number of a row"));
+    }
+    ledger.Accept(options.IsResumed ? CardLedger::Changed::Accepted : CardLedger::Changed::Refused);
     IssueRun run(options, std::move(keys), ledger, out);
     if (const int left = ledger.CountLeft()) {
         if (!options.IsAgreedTo && !IsAgreedTo(CountOf(static_cast<size_t>(left)))) {
@@ -367,8 +417,8 @@ void AddIssue(CommandLine& commands)
                      "value N, key N; and of a new trailer key A N, key B N, levels N, bx N");
     AddKeyRingOptions(command, options.Key);
     command.List("--set", "NAME=CELL", options.Orders.Columns,
-                 "A column that has the same cell in each row; may be given several times. Keys are better "
-                 "in the table: see --key");
+                 "A column that has the same cell in each row; may be given several times. A key "
+                 "isn't taken: it belongs into the table");
     command.Option("--ignore-columns", "NAMES", options.Ignored,
                    "Columns that are only for others, joined by commas");
     command.Option("--encoding", "NAME", options.Orders.Encoding,
@@ -376,6 +426,8 @@ void AddIssue(CommandLine& commands)
     command.Flag("--check", options.IsCheck, "Only check the whole table, without a reader");
     command.Flag("--resume", options.IsResumed,
                  "Go on although the table has changed: the rows that are done still stand");
+    command.Option("--give-up", "ROW", options.GivenUp,
+                   "The card that was begun for this row is lost: the row takes another one");
     command.Flag("--continue", options.GoesOn, "After a failure, go on with the next card");
     command.Flag("--yes", options.IsAgreedTo, "Don't ask");
     command.Flag("--for-good", options.Orders.IsForGood, "Allow what can never be changed again");

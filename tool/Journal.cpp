@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <filesystem>
 #include <optional>
@@ -19,7 +20,7 @@ namespace
 {
 
 constexpr std::string_view Version = "acg issue, journal 1, FNV-1a ";
-constexpr std::array<std::string_view, 4> StepNames = {"begun", "done", "failed", "skipped"};
+constexpr std::array<std::string_view, 5> StepNames = {"begun", "done", "failed", "skipped", "given up"};
 
 std::string Now()
 {
@@ -36,12 +37,20 @@ std::string Now()
 JournalEntry ParseEntry(std::string_view line, const std::string& problem)
 {
     const std::vector<std::string_view> parts = Split(line, '\t');
-    const auto* const step = std::ranges::find(StepNames, parts.size() == 5 ? parts[3] : "");
+    const auto* const step = std::ranges::find(StepNames, parts.size() == 6 ? parts[3] : "");
     if (step == StepNames.end()) {
         throw UsageError{problem};
     }
-    return {ParseNumber(parts[1], 1, INT32_MAX, problem), std::string(parts[2]),
-            static_cast<JournalEntry::Step>(step - StepNames.begin()), std::string(parts[4]),
+    uint32_t contents = 0;
+    const char* const end = parts[5].data() + parts[5].size();
+    if (std::from_chars(parts[5].data(), end, contents, 16).ptr != end) {
+        throw UsageError{problem};
+    }
+    return {ParseNumber(parts[1], 1, INT32_MAX, problem),
+            std::string(parts[2]),
+            static_cast<JournalEntry::Step>(step - StepNames.begin()),
+            std::string(parts[4]),
+            contents,
             std::string(parts[0])};
 }
 
@@ -52,7 +61,9 @@ Journal::Journal(const std::string& table, uint64_t digest)
       m_header(std::string(Version) + Format("%08X%08X", static_cast<unsigned>(digest >> 32),
                                              static_cast<unsigned>(digest & 0xFFFFFFFF)))
 {
-    const std::filesystem::path path = ToPath(m_name);
+    // Whatever other name the table has: its journal is one.
+    std::filesystem::path path = std::filesystem::weakly_canonical(ToPath(table));
+    path += ".journal";
     Check(m_file.Open(path));
     const uint32_t error = m_file.Lock();
     if (error == AppendedFile::LockedByAnother) {
@@ -106,7 +117,8 @@ void Journal::Append(JournalEntry entry)
     entry.Serial = Printable(entry.Serial);
     entry.Reason = Printable(MaskKeys(entry.Reason));
     Write(entry.Time + '\t' + std::to_string(entry.Row) + '\t' + entry.Serial + '\t' +
-          std::string(StepNames[static_cast<size_t>(entry.What)]) + '\t' + entry.Reason);
+          std::string(StepNames[static_cast<size_t>(entry.What)]) + '\t' + entry.Reason + '\t' +
+          Format("%08X", entry.Contents));
     m_entries.push_back(std::move(entry));
 }
 

@@ -16,13 +16,15 @@ struct JournalEntry {
         CardBegun,
         CardDone,
         CardFailed,
-        CardSkipped
+        CardSkipped,
+        CardGivenUp ///< the row takes another card from then on
     };
 
     int32_t Row = 0; ///< as a spreadsheet counts, from 1
     std::string Serial;
     Step What = Step::CardBegun;
     std::string Reason = {}; ///< no key; control characters are shown by digits
+    uint32_t Contents = 0;   ///< a digest of what is to be written, too short to find a key by it
     std::string Time = {};   ///< of Append: UTC, as in 2026-11-23T09:30:00Z
 };
 

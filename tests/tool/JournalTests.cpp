@@ -12,7 +12,7 @@ using namespace acg::tool;
 TEST(ToolJournal, IsReadAgainWithoutAnUnfinishedLineAndRefusedIfDamaged)
 {
     const std::string first = "acg issue, journal 1, FNV-1a 00000001FFFFFFFF\n";
-    const std::string begun = "2026-11-23T09:30:00Z\t2\tA1000001\tbegun\t\n";
+    const std::string begun = "2026-11-23T09:30:00Z\t2\tA1000001\tbegun\t\t0000ABCD\n";
     const std::pair<std::string, int> rows[] = {
         {"", 0},
         {"acg is", 0},
@@ -24,8 +24,9 @@ TEST(ToolJournal, IsReadAgainWithoutAnUnfinishedLineAndRefusedIfDamaged)
         {begun, -1},
         {first + "\n", -1},
         {first + begun.substr(1, 30) + '\n', -1},
-        {first + "t\t0\tA1000001\tbegun\t\n", -1},
-        {first + "t\t2\tA1000001\tgone\t\n", -1},
+        {first + "t\t0\tA1000001\tbegun\t\t0000ABCD\n", -1},
+        {first + "t\t2\tA1000001\tbegun\t\tA1G\n", -1},
+        {first + "t\t2\tA1000001\tgone\t\t0\n", -1},
     };
     const TemporaryFolder folder;
     const std::string table = (folder.Path / "cards.csv").string();
@@ -36,7 +37,7 @@ TEST(ToolJournal, IsReadAgainWithoutAnUnfinishedLineAndRefusedIfDamaged)
             Journal journal(table, 0x1FFFFFFFF);
             EXPECT_THROW(Journal(table, 0), UsageError); // it is locked
             EXPECT_TRUE(journal.IsOfTable());
-            journal.Append({3, "A1\n", JournalEntry::Step::CardFailed, "A0A1A2A3A4A5\t"});
+            journal.Append({3, "A1\n", JournalEntry::Step::CardFailed, "A0A1A2A3A4A5\t", 7});
             entries = static_cast<int>(journal.Entries().size()) - 1;
         } catch (const UsageError&) {
         }
@@ -47,6 +48,7 @@ TEST(ToolJournal, IsReadAgainWithoutAnUnfinishedLineAndRefusedIfDamaged)
             journal.AcceptTable();
             EXPECT_EQ(journal.Entries().size(), static_cast<size_t>(count) + 1);
             EXPECT_EQ(journal.Entries().back().Reason, "************\\x09");
+            EXPECT_EQ(journal.Entries().back().Contents, 7U);
         }
     }
 }
