@@ -1,14 +1,11 @@
 // acg issue: a card for each row of a table.
-#include "acg/cards/BlockAddress.h"
-#include "acg/cards/TrailerLayout.h"
 #include "tool/Agreement.h"
-#include "tool/Blocks.h"
 #include "tool/CardLedger.h"
 #include "tool/CardWait.h"
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
+#include "tool/OrderWriting.h"
 #include "tool/Text.h"
-#include "tool/WritePlan.h"
 
 #include <algorithm>
 #include <chrono>
@@ -37,122 +34,6 @@ using Step = JournalEntry::Step;
 std::string CountOf(size_t cards)
 {
     return std::to_string(cards) + (cards == 1 ? " card" : " cards");
-}
-
-/// The sectors of which something is written.
-std::vector<int32_t> SectorsOf(const Dump& wanted)
-{
-    std::vector<int32_t> sectors;
-    for (size_t at = 0; at < wanted.size(); ++at) {
-        const int32_t sector = SectorOf(static_cast<int32_t>(at));
-        if (wanted[at].Known != 0 && (sectors.empty() || sectors.back() != sector)) {
-            sectors.push_back(sector);
-        }
-    }
-    return sectors;
-}
-
-/// What completes a card that may be written in part.
-constexpr const char* Next = "give the same command again, and lay this card on the reader";
-
-/// Which keys a card has.
-enum class CardState {
-    New,   ///< those that it came with
-    Begun, ///< those, and perhaps new ones already
-    Written
-};
-
-void AppendNew(const KeyRing& more, KeyRing& keys)
-{
-    for (const NamedKey& key : more) {
-        if (std::ranges::find(keys, key.Bytes, &NamedKey::Bytes) == keys.end()) {
-            keys.push_back(key);
-        }
-    }
-}
-
-/// What may open a sector, the likeliest first.
-KeyRing KeysFor(const CardOrder& order, int32_t sector, CardState state, const KeyRing& given)
-{
-    KeyRing keys;
-    const DumpedBlock& trailer = order.Wanted[static_cast<size_t>(TrailerBlock(sector))];
-    for (const std::optional<Key>& key : {KeyAIn(trailer), KeyBIn(trailer)}) {
-        if (key && state != CardState::New) {
-            AppendNew({{*key, "the new key"}}, keys);
-        }
-    }
-    if (state != CardState::Written || trailer.Known == 0) {
-        const auto ofRow = order.Keys.find(sector);
-        AppendNew(ofRow != order.Keys.end() ? ofRow->second : given, keys);
-    }
-    return keys;
-}
-
-/// Byte 9 stays the card's if the order leaves it open.
-void Complete(DumpedBlock& trailer, const DumpedBlock& onCard)
-{
-    constexpr uint16_t Open = BitsOf(UserByteAt, 1);
-    if ((trailer.Known | Open) == WholeBlock && (onCard.Known & ~trailer.Known & Open) != 0) {
-        trailer.Bytes[UserByteAt] = onCard.Bytes[UserByteAt];
-        trailer.Known = WholeBlock;
-    }
-}
-
-/// Adds what differs in these sectors of the card from the wanted blocks, and completes those.
-void Look(CardSession& card, const CardOrder& order, CardState state, const KeyRing& given, Dump& wanted,
-          WritePlan& plan)
-{
-    const ProgressBar bar(static_cast<int>(wanted.size()));
-    for (const int32_t sector : SectorsOf(wanted)) {
-        const KeyRing keys = KeysFor(order, sector, state, given);
-        const SectorContents contents = ReadSector(card, sector, keys, bar);
-        Complete(wanted[static_cast<size_t>(TrailerBlock(sector))], contents.Blocks.back());
-        plan.Add(sector, contents, keys);
-    }
-    if (plan.LeavesOut()) {
-        std::string text;
-        for (const std::string& line : plan.LeftOut()) {
-            text += (text.empty() ? "" : "\n  ") + line;
-        }
-        if (SectorOf(static_cast<int32_t>(wanted.size()) - 1) > LastSector1K) {
-            text += Format("\n  a 1K card has sectors 0 to %d only", LastSector1K);
-        }
-        throw OtherFailure{text};
-    }
-}
-
-/// report: has one part, for all of it.
-void WriteCard(CardSession& card, const CardOrder& order, CardState state, const KeyRing& given,
-               WriteReport& report)
-{
-    Dump wanted = order.Wanted;
-    WritePlan plan(wanted, Asked::Known);
-    Look(card, order, state, given, wanted, plan);
-    report.Clear();
-    const std::vector<WriteStep> steps = plan.Steps();
-    for (const WriteStep& step : steps) {
-        report.Add(step.Name(), Next);
-    }
-    card.Select();
-    for (const WriteStep& step : steps) {
-        WriteBlocks(card, step, wanted, report);
-    }
-    // Under the new rights, and with the new keys.
-    Dump ofNewTrailers(wanted.size());
-    for (const WriteStep& step : steps) {
-        const int32_t last = TrailerBlock(step.Sector);
-        for (int32_t number = TrailerBlock(step.Sector - 1) + 1; step.IsOfTrailer() && number <= last;
-             ++number) {
-            ofNewTrailers[static_cast<size_t>(number)] = wanted[static_cast<size_t>(number)];
-        }
-    }
-    WritePlan remaining(ofNewTrailers, Asked::Known);
-    Look(card, order, CardState::Written, given, ofNewTrailers, remaining);
-    if (!remaining.Steps().empty()) {
-        throw OtherFailure{remaining.Steps().front().Name() + ": with the new keys, the card holds something "
-                                                              "other than was written"};
-    }
-    card.Select();
 }
 
 Ending EndingOf(const std::function<void()>& action)
@@ -284,11 +165,11 @@ bool IssueRun::IssueCard(CardSession& card, const CardOrder& order, bool isNext)
     const bool wasBegun = !m_ledger.StateOf(order).Serial.empty();
     const std::string serial = card.SerialNumber();
     WriteReport report(m_out);
-    report.Add("card " + serial, Next);
+    report.Add("card " + serial, NextOfOrder);
     report.BeginCard(card);
     m_ledger.Note(order, serial, Step::CardBegun);
     ending = EndingOf(
-        [&] { WriteCard(card, order, wasBegun ? CardState::Begun : CardState::New, m_keys, report); });
+        [&] { WriteOrder(card, order, wasBegun ? CardState::Begun : CardState::New, m_keys, report); });
     if (ending.Status == Done) {
         m_reasons[order.Row] =
             "card " + serial + " is written, but not noted as done; run the same command again";
@@ -299,9 +180,9 @@ bool IssueRun::IssueCard(CardSession& card, const CardOrder& order, bool isNext)
     }
     const bool isFree = !wasBegun && report.HasWrittenNothing();
     if (!isFree && m_out.Json["next"].is_null()) {
-        m_out.Json["next"] = Next;
+        m_out.Json["next"] = NextOfOrder;
         m_out.Outcome += "\n  next      ";
-        m_out.Outcome += Next;
+        m_out.Outcome += NextOfOrder;
     }
     m_reasons[order.Row] = ReasonOf(ending);
     m_ledger.Note(order, isFree ? "" : serial, Step::CardFailed, m_reasons[order.Row]);
