@@ -141,8 +141,8 @@ void WriteCard(CardSession& card, const CardOrder& order, CardState state, const
     WritePlan remaining(ofNewTrailers, Asked::Known);
     Look(card, order, CardState::Written, given, ofNewTrailers, remaining);
     if (!remaining.Steps().empty()) {
-        throw OtherFailure{remaining.Steps().front().Name() + ": with the new keys, the card holds something "
-                                                              "other than was written"};
+        throw OtherFailure{remaining.Steps().front().Name() +
+                           ": it doesn't read back as written with the new keys"};
     }
     card.Select();
 }
@@ -288,7 +288,7 @@ void IssueRun::SayDone(const CardOrder& order, const std::string& serial)
     m_out.Json["result"] = "done";
     m_out.Json["left"] = left;
     if (!m_out.Finish()) {
-        throw OtherFailure{"nothing more is written"};
+        throw OtherFailure{"the rest isn't written"};
     }
 }
 
@@ -339,7 +339,7 @@ int RunIssue(const Options& options, Context& context)
         if (!options.IsAgreedTo && !IsAgreedTo(CountOf(static_cast<size_t>(left)))) {
             throw OtherFailure{"not agreed to"};
         }
-        CardSession card(context.Parameters, CardWait::None);
+        CardSession card(context.Reader, CardWait::None);
         try {
             const int status = run.Run(card);
             run.Summarise();
@@ -365,18 +365,17 @@ void AddIssue(CommandLine& commands)
                      "value N, key N; and of a new trailer key A N, key B N, levels N, bx N");
     AddKeyRingOptions(command, options.Key);
     command.List("--set", "NAME=CELL", options.Orders.Columns,
-                 "A column that has the same cell in each row; may be given several times. Keys are better "
-                 "in the table: see --key");
-    command.Option("--ignore-columns", "NAMES", options.Ignored,
-                   "Columns that are only for others, joined by commas");
+                 "A column with the same cell in each row; may be repeated. Put keys into the table "
+                 "instead: see --key");
+    command.Option("--ignore-columns", "LIST", options.Ignored, "Columns to ignore, separated by commas");
     command.Option("--encoding", "NAME", options.Orders.Encoding,
-                   "Of texts on the card: utf-8 (default), latin-1, or utf-16, the low byte first");
-    command.Flag("--check", options.IsCheck, "Only check the whole table, without a reader");
+                   "Encoding of texts on the card: utf-8 (default), latin-1, or utf-16 (little-endian)");
+    command.Flag("--check", options.IsCheck, "Check the whole table and exit; needs no reader");
     command.Flag("--resume", options.IsResumed,
-                 "Go on although the table has changed: the rows that are done still stand");
-    command.Flag("--continue", options.GoesOn, "After a failure, go on with the next card");
-    command.Flag("--yes", options.IsAgreedTo, "Don't ask");
-    command.Flag("--for-good", options.Orders.IsForGood, "Allow what can never be changed again");
+                 "Continue although the table has changed: the rows already done remain valid");
+    command.Flag("--continue", options.GoesOn, "After a failure, continue with the next card");
+    command.Flag("--yes", options.IsAgreedTo, "Don't ask for confirmation");
+    command.Flag("--for-good", options.Orders.IsForGood, "Allow changes that can never be undone");
 }
 
 } // namespace acg::tool

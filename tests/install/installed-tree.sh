@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # installed-tree.sh BUILD: what BUILD installs can be moved, and serves README's first program: by find_package, by
-# pkg-config, and inside a shared library.
+# pkg-config, and inside a shared library; its acg finds the simulated reader library.
 set -euo pipefail
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -30,3 +30,4 @@ g++ -std=c++20 first.cpp $(pkg-config --cflags --libs acg) -o other
 for program in first outside other; do
     [ "$("./$program")" = 'Block 4: 00000000000000000000000000000000' ]
 done
+acg/bin/acg --simulate info
