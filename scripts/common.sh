@@ -62,6 +62,10 @@ bench_tools=(
 picture_tools=(
     'have xdotool|xdotool'
     'have import|imagemagick'
+    'have pango-view|pango1.0-tools'
+    'test -e /usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf|fonts-dejavu-core'
+    'have chromium|chromium'
+    'have unzip|unzip'
 )
 
 # missing_packages ENTRY...: the packages of the entries that aren't there, one a line.

@@ -12,8 +12,6 @@ mv "$folder/first place" "$folder/acg"
 readme_block cpp >"$folder/first.cpp"
 echo >"$folder/empty.cpp" # its main is the shared library's
 {
-    echo 'cmake_minimum_required(VERSION 3.25)'
-    echo 'project(hosts CXX)'
     readme_block cmake
     echo 'add_library(inside SHARED first.cpp)'
     echo 'target_link_libraries(inside PRIVATE acg::acg)'
