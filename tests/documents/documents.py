@@ -18,7 +18,8 @@ class Page(HTMLParser):
         self.path, self.ids, self.links, self.headings, self.examples, self.marks = path, {""}, [], [], [], set()
         self.inside = []
         isPage = path.parent.name == "pages"
-        form = ["-f", "markdown", "--template=package/pages/page.html", "--toc"] if isPage else ["-f", "gfm"]
+        form = ["-f", "markdown", "--template=package/pages/page.html", "--toc",
+                "--fail-if-warnings"] if isPage else ["-f", "gfm"]
         self.feed(path.read_text() if path.suffix == ".html" else subprocess.run(
             ["pandoc", *form, "--no-highlight", str(path)], capture_output=True, text=True, check=True).stdout)
 
