@@ -171,7 +171,7 @@ CommandLine::CommandLine()
     m_program->add_flag("--simulate", m_context.Reader.IsSimulated, "Use the simulated reader");
     m_program->add_flag_callback(
         "--json", [this] { m_context.Out.IsJson = true; }, "Print one JSON object, also after a failure");
-    m_program->footer("Exit status: 0 success, 1 failure or a difference found, 2 wrong use, 130 Ctrl-C.\n"
+    m_program->footer("Exit status: 0 success, 1 failure or difference found, 2 wrong use, 130 Ctrl-C.\n"
                       "acg COMMAND --help lists the options of a command, with an example.");
     for (const auto add : AllCommands) {
         add(*this);
