@@ -32,6 +32,10 @@ style_tools=(
     'have clang-format|clang-format'
     'have clang-tidy|clang-tidy'
 )
+document_tools=(
+    'have python3|python3'
+    'have pandoc|pandoc'
+)
 # The Windows build and its package.
 windows_tools=(
     'have i686-w64-mingw32-g++-win32|g++-mingw-w64-i686-win32'
