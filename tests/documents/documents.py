@@ -26,7 +26,7 @@ class Page(HTMLParser):
         given = dict(attributes)
         self.ids |= {given[name] for name in ("id", "name") if given.get(name)}
         self.links += [given[name] for name in ("href", "src", "srcset") if given.get(name)]
-        self.inside += [tag] if tag in ("pre", "code", "style", "td", "th") else []
+        self.inside += [tag] if tag in ("pre", "code", "style") else []
         if tag == "pre":
             self.examples.append("")
         elif re.fullmatch("h[1-6]", tag):
@@ -40,7 +40,8 @@ class Page(HTMLParser):
         if "pre" in self.inside:
             self.examples[-1] += data
         elif "style" not in self.inside:
-            self.marks |= {" ".join(data.split())} if "code" in self.inside else set(re.findall(r"(?<![\w.,-])-?\d+\b", data))
+            numbers = re.findall(r"(?<![\w.,-])-?\d+\b", data)
+            self.marks |= {" ".join(data.split())} if "code" in self.inside else set(numbers)
 
 
 def complaints(pages):
