@@ -32,6 +32,10 @@ style_tools=(
     'have clang-format|clang-format'
     'have clang-tidy|clang-tidy'
 )
+document_tools=(
+    'have python3|python3'
+    'have pandoc|pandoc'
+)
 # The Windows build and its package.
 windows_tools=(
     'have i686-w64-mingw32-g++-win32|g++-mingw-w64-i686-win32'
@@ -62,6 +66,10 @@ bench_tools=(
 picture_tools=(
     'have xdotool|xdotool'
     'have import|imagemagick'
+    'have pango-view|pango1.0-tools'
+    'test -e /usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf|fonts-dejavu-core'
+    'have chromium|chromium'
+    'have unzip|unzip'
 )
 
 # missing_packages ENTRY...: the packages of the entries that aren't there, one a line.

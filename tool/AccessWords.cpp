@@ -103,9 +103,9 @@ void AddDeviations(std::vector<std::string>& lines, const SectorRights& rights, 
 /// What nobody can change again, if the access bits are fixed.
 std::string PermanenceText(const AccessReport& access, const TrailerRights& trailer)
 {
-    std::string text = "FOR GOOD: nobody can ever change again what the keys of this sector may do.\n";
+    std::string text = "FOR GOOD: the rights of this sector's keys can never be changed again.\n";
     text += AreKeysFixed(trailer)
-                ? "FOR GOOD: nobody can ever change the keys of this sector again.\n"
+                ? "FOR GOOD: the keys of this sector can never be changed again.\n"
                 : Format("The keys can be changed again by %s.\n", NameOf(trailer.WriteKeys));
     const SectorRights rights = RightsIn(access.Bytes, access.Sector);
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
@@ -134,7 +134,7 @@ SectorRights RightsIn(const ConditionBytes& bytes, SectorNumber sector)
 
 const char* NameOf(KeySet holders)
 {
-    constexpr const char* Names[] = {"nobody", "key A", "key B", "key A or key B"};
+    constexpr const char* Names[] = {"no key", "key A", "key B", "key A or key B"};
     return Names[static_cast<size_t>(holders)];
 }
 

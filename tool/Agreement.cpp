@@ -39,7 +39,7 @@ bool IsSomebodyToAsk(const Output& out)
 void RequireSomebodyToAsk(const Output& out, const std::string& look)
 {
     if (!IsSomebodyToAsk(out)) {
-        throw UsageError{"there is nobody to ask: give --yes to write, or " + look + " to look"};
+        throw UsageError{"can't ask for confirmation: give --yes to write, or " + look + " to look"};
     }
 }
 

@@ -67,7 +67,7 @@ int32_t ParseDataBlock(std::string_view text)
 {
     const int32_t number = ParseBlockNumber(text);
     if (number == 0) {
-        throw UsageError{"block 0 can't be written: it is the manufacturer's; acg read 0 shows it"};
+        throw UsageError{"block 0, the manufacturer's, can't be written; acg read 0 shows it"};
     }
     if (IsTrailer(number)) {
         throw UsageError{Format("block %d is the trailer of sector %d, with its keys: acg protect writes it",

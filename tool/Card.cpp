@@ -1,8 +1,10 @@
 #include "tool/Card.h"
 
+#include "abi/ACGReader330.h"
 #include "acg/encoder/NumberReading.h"
 #include "acg/encoder/Parameters.h"
 #include "acg/platform/HexText.h"
+#include "acg/platform/LibraryFile.h"
 #include "tool/Failures.h"
 #include "tool/System.h"
 #include "tool/Text.h"
@@ -29,8 +31,8 @@ void CheckParameters(std::wstring_view text)
             throw UsageError{"a setting has no \"=\", as in Device=com1;Timeout=500"};
         }
         if (!isNumber && entry.Key != L"device") {
-            throw UsageError{"no such setting: " + ToUtf8(entry.Key) +
-                             "; there are Device, Autodetect, Baud rate, Timeout"};
+            throw UsageError{"unknown setting: " + ToUtf8(entry.Key) +
+                             "; the settings are Device, Autodetect, Baud rate, Timeout"};
         }
         const bool fits = isAutodetect ? ReadField<uint8_t>(*entry.Value).has_value()
                                        : ReadField<int32_t>(*entry.Value).has_value();
@@ -71,16 +73,35 @@ Trailer::Trailer(const Block& block) : UserByte(block[UserByteAt])
     std::copy_n(block.begin() + KeyBAt, KeySize, KeyB.begin());
 }
 
-std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters, CardWait wait)
+EntryPointLookUp LookUpOf(const ReaderOptions& reader)
+{
+    if (!reader.IsSimulated) {
+        return FindInLibrary;
+    }
+    std::string searched;
+    for (const char* const folder : {"simulator", ACG_SIMULATOR_FOLDER}) {
+        const std::filesystem::path file =
+            (std::filesystem::path(OwnFolder()) / folder / LibraryFileName("ACGReader330"))
+                .lexically_normal();
+        std::error_code error;
+        if (std::filesystem::exists(file, error)) {
+            return [file](ReaderFunction function) { return FindInFile(file.native(), NameOf(function)); };
+        }
+        searched += (searched.empty() ? "" : " or ") + Utf8Of(file);
+    }
+    throw OtherFailure{"there is no simulated reader library: no file " + searched};
+}
+
+std::unique_ptr<Encoder> MakeEncoder(const ReaderOptions& reader, CardWait wait)
 {
     // After Ctrl-C the clock advances by an hour at each look, so that a wait ends; without a wait, always.
     const auto clock = [wait, late = std::chrono::hours(0)]() mutable {
         late += std::chrono::hours(wait == CardWait::None || WasInterrupted() ? 1 : 0);
         return std::chrono::steady_clock::now() + late;
     };
-    auto encoder = std::make_unique<Encoder>(ReaderDLL(), clock);
+    auto encoder = std::make_unique<Encoder>(ReaderDLL(LookUpOf(reader)), clock);
     const std::wstring text =
-        ToWide(!parameters.empty() ? parameters : Variable("ACG_PARAMETERS").value_or(""));
+        ToWide(!reader.Parameters.empty() ? reader.Parameters : Variable("ACG_PARAMETERS").value_or(""));
     CheckParameters(text);
     encoder->Parameters(text);
     return encoder;

@@ -68,9 +68,19 @@ enum class CardWait {
     None
 };
 
+/// The options that say which reader a command uses.
+struct ReaderOptions {
+    std::string Parameters;   ///< --reader
+    bool IsSimulated = false; ///< --simulate
+};
+
+/// The look-up in the reader library of the process, or in the simulated one. Throws OtherFailure if there is
+/// no simulated one where a build, the package or an installation has it.
+[[nodiscard]] EntryPointLookUp LookUpOf(const ReaderOptions& reader);
+
 /// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if --reader is empty, else
 /// with the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
-[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters,
+[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const ReaderOptions& reader,
                                                    CardWait wait = CardWait::FiveSeconds);
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends a wait for a card.

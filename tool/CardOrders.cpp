@@ -87,7 +87,7 @@ Column ParseColumn(std::string_view name, const std::vector<std::string>& ignore
     const auto* const known = std::ranges::find(
         NumberedColumns, Trimmed(std::string_view(lower).substr(0, blank)), &NumberedColumn::Name);
     if (blank == lower.size() || known == std::end(NumberedColumns)) {
-        throw UsageError{"there is no such column; there are serial, note, block N, text N, value N, key N, "
+        throw UsageError{"unknown column; the columns are serial, note, block N, text N, value N, key N, "
                          "key A N, key B N, levels N and bx N, and --ignore-columns leaves one out"};
     }
     column.Holds = known->Holds;
@@ -172,7 +172,7 @@ DumpedBlock Encode(const NewTrailer& trailer, bool isForGood)
                                                  .KeysToUse = isKeyAAlone ? KeyAAlone : BothKeys,
                                                  .IsValueBlock = trailer.IsValueBlock});
     if (AreConditionsFixed(TrailerRightsIn(bytes)) && !isForGood) {
-        throw UsageError{"these levels freeze the sector for good. Give --for-good if it is meant"};
+        throw UsageError{"these levels freeze the sector for good; --for-good allows it"};
     }
     for (unsigned slot = 0; slot < DataSlots; ++slot) {
         if (trailer.IsWritten[slot] && RightsOfBits(bytes)[slot][Right::Read] == KeySet::None) {
@@ -321,7 +321,7 @@ std::vector<Column> ParseColumns(const Table& table, const OrderOptions& options
             if (!mayRepeat && std::ranges::any_of(columns, [&](const Column& other) {
                     return other.Holds == column.Holds && other.Number == column.Number;
                 })) {
-                throw UsageError{"there is such a column already"};
+                throw UsageError{"a second column of that name"};
             }
             if (!at && (column.Holds == Kind::Key || column.Holds == Kind::NewKeyA ||
                         column.Holds == Kind::NewKeyB)) {

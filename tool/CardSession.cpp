@@ -46,17 +46,17 @@ Refusal RefusalIn(const CError& record)
     return isLogin || letter == L'O' || letter == L'R' ? Refusal::WrongKey : Refusal::NotGranted;
 }
 
-std::unique_ptr<Encoder> OpenedEncoder(const std::string& parameters, CardWait wait)
+std::unique_ptr<Encoder> OpenedEncoder(const ReaderOptions& reader, CardWait wait)
 {
-    auto encoder = MakeEncoder(parameters, wait);
+    auto encoder = MakeEncoder(reader, wait);
     Open(*encoder);
     return encoder;
 }
 
 } // namespace
 
-CardSession::CardSession(const std::string& parameters, CardWait wait)
-    : CardSession(OpenedEncoder(parameters, wait))
+CardSession::CardSession(const ReaderOptions& reader, CardWait wait)
+    : CardSession(OpenedEncoder(reader, wait), ReaderDLL(LookUpOf(reader)))
 {
 }
 
@@ -99,7 +99,7 @@ void CardSession::Select()
     }
     m_serial = m_serial.value_or(now);
     if (now != *m_serial) {
-        throw AnotherCard{{Format("another card lies in the field: %s; the first one was %s", now.c_str(),
+        throw AnotherCard{{Format("another card is in the field: %s; the first one was %s", now.c_str(),
                                   m_serial->c_str())},
                           now};
     }

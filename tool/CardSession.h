@@ -31,9 +31,9 @@ class CardSession
 {
 public:
     /// Opens the reader with the settings of MakeEncoder.
-    explicit CardSession(const std::string& parameters, CardWait wait = CardWait::FiveSeconds);
+    explicit CardSession(const ReaderOptions& reader, CardWait wait = CardWait::FiveSeconds);
     /// Of an encoder that is open, and the library that it uses.
-    explicit CardSession(std::shared_ptr<Encoder> opened, ReaderDLL library = ReaderDLL());
+    CardSession(std::shared_ptr<Encoder> opened, ReaderDLL library);
 
     /// For operations of the class, which select the card and log in by themselves.
     [[nodiscard]] Encoder& Class();

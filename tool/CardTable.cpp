@@ -174,7 +174,7 @@ void ShowKeys(const std::vector<Opening>& openings, const KeyRing& keys, Output&
         }
     }
     if (!idle.empty()) {
-        out.Print(Wrap("Opening nothing: " + std::string(idle.size() == 1 ? "key " : "keys ") + Ranges(idle),
+        out.Print(Wrap("Unused: " + std::string(idle.size() == 1 ? "key " : "keys ") + Ranges(idle),
                        /*indent=*/0));
     }
 }
@@ -209,9 +209,9 @@ int ShowCard(const Options& options, Context& context)
 
 void AddCard(CommandLine& commands)
 {
-    auto [command, options] =
-        commands.Add("card", "Shows the whole card in a table: which keys open it, what they may do",
-                     "acg card --key-file keys.txt", ShowCard);
+    auto [command, options] = commands.Add(
+        "card", "Shows the whole card in a table: which keys open which sector, and their rights",
+        "acg card --key-file keys.txt", ShowCard);
     AddKeyRingOptions(command, options.Key);
     AddCardOption(command, options.Card);
     AddFromOption(command, options.From, {"--card"});

@@ -98,8 +98,8 @@ void AddKeyOptions(CommandOptions& command, KeyOptions& key, const char* aboutFi
 {
     command.Option(
         "--key", "KEY", key.Text,
-        "The key to log in with, 12 hexadecimal digits. An option stands in the process list and in "
-        "the shell's history; a file or a variable doesn't");
+        "The key to log in with, 12 hexadecimal digits. Unlike a file or a variable, an option is visible "
+        "in the process list and the shell's history");
     command.Option("--key-file", "FILE", key.File, aboutFile, Need::Optional, {"--key"});
 }
 
@@ -160,18 +160,19 @@ CommandLine::CommandLine()
     m_program->require_subcommand(1);
     m_program->allow_windows_style_options(false);
     m_program->formatter_fn(Help);
-    m_program->set_help_flag("-h,--help", "Print this help and end");
+    m_program->set_help_flag("-h,--help", "Print this help and exit");
     m_program->option_defaults()->disable_flag_override();
-    m_program->set_version_flag("--version", ACG_VERSION, "Print the version and end");
+    m_program->set_version_flag("--version", ACG_VERSION, "Print the version and exit");
     m_program
-        ->add_option("--reader", m_context.Parameters,
+        ->add_option("--reader", m_context.Reader.Parameters,
                      "The reader's settings, as in \"Device=com1;Baud rate=9600\"; default: the variable "
                      "ACG_PARAMETERS")
         ->type_name("TEXT");
+    m_program->add_flag("--simulate", m_context.Reader.IsSimulated, "Use the simulated reader");
     m_program->add_flag_callback(
-        "--json", [this] { m_context.Out.IsJson = true; }, "Print one JSON object, whatever the end");
-    m_program->footer("Exit status: 0 done, 1 failed or a difference found, 2 wrong use, 130 Ctrl-C.\n"
-                      "acg COMMAND --help shows what a command takes, with an example.");
+        "--json", [this] { m_context.Out.IsJson = true; }, "Print one JSON object, also after a failure");
+    m_program->footer("Exit status: 0 success, 1 failure or difference found, 2 wrong use, 130 Ctrl-C.\n"
+                      "acg COMMAND --help lists the options of a command, with an example.");
     for (const auto add : AllCommands) {
         add(*this);
     }
@@ -244,38 +245,38 @@ std::string CommandLine::Explain(const CLI::Error& error) const
                                   : " may be given only once");
     } else if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExcludesError)) {
         text = what.substr(0, what.find(' ')) + " and " + what.substr(what.rfind(' ') + 1) +
-               " can't both be given";
+               " exclude each other";
     } else if (!extras.empty()) {
         const std::string& word = extras.front();
-        text = word.starts_with('-') ? "there is no option " + word.substr(0, word.find('='))
-               : chosen.empty()      ? "there is no command " + word
-                                     : "an argument too many: " + word;
+        text = word.starts_with('-') ? "unknown option " + word.substr(0, word.find('='))
+               : chosen.empty()      ? "unknown command " + word
+                                     : "unexpected argument: " + word;
     } else if (chosen.empty()) {
         text = "a command is required";
     }
-    return text + "; acg " + (chosen.empty() ? "" : chosen.front()->get_name() + ' ') +
-           "--help shows what there is";
+    return text + "; see acg " + (chosen.empty() ? "" : chosen.front()->get_name() + ' ') + "--help";
 }
 
 void AddKeyRingOptions(CommandOptions& command, KeyOptions& key)
 {
     AddKeyOptions(
         command, key,
-        "A file of keys, all of them tried in turn; one a line, \"#\" begins a comment. Without both "
-        "options: the variable ACG_KEY, else FFFFFFFFFFFF");
+        "A file of keys, one per line, \"#\" begins a comment; all are tried in turn. If neither option is "
+        "given: the variable ACG_KEY, or FFFFFFFFFFFF");
 }
 
 void AddLoginOptions(CommandOptions& command, KeyOptions& key)
 {
-    AddKeyOptions(command, key,
-                  "A file whose first key counts; one a line, \"#\" begins a comment. Without both options: "
-                  "the variable ACG_KEY");
-    command.Flag("--as-b", key.AsB, "Log in with it as key B; default: as key A");
+    AddKeyOptions(
+        command, key,
+        "A file of keys, one per line, \"#\" begins a comment; the first is used. If neither option is "
+        "given: the variable ACG_KEY");
+    command.Flag("--as-b", key.AsB, "Log in with key B instead of key A");
 }
 
 void AddFromOption(CommandOptions& command, std::string& dump, std::initializer_list<const char*> others)
 {
-    command.Option("--from", "DUMP", dump, "Show this of a dump, without a reader", Need::Optional, others);
+    command.Option("--from", "DUMP", dump, "Read a dump instead of the card", Need::Optional, others);
 }
 
 } // namespace acg::tool

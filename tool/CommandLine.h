@@ -1,6 +1,7 @@
 // The command line. What a command takes and does is in a file of its own.
 #pragma once
 
+#include "tool/Card.h"
 #include "tool/Keys.h"
 #include "tool/Output.h"
 
@@ -22,7 +23,7 @@ namespace acg::tool
 
 /// What every command gets beside its own options.
 struct Context {
-    std::string Parameters; ///< --reader
+    ReaderOptions Reader;
     Output Out;
 };
 

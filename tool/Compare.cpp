@@ -31,7 +31,7 @@ Named TakeSecond(const Options& options, Context& context)
     if (!options.Second.empty()) {
         if (!options.Key.Text.empty() || !options.Key.File.empty() || !options.Card.empty()) {
             throw UsageError{
-                "--key, --key-file and --card are for the card; two files are compared without it"};
+                "--key, --key-file and --card apply to the card; two files are compared without it"};
         }
         return {MaskKeys(options.Second), ReadDump(options.Second)};
     }
@@ -74,12 +74,12 @@ int Compare(const Options& options, Context& context)
 
 void AddCompare(CommandLine& commands)
 {
-    auto [command, options] = commands.Add(
-        "compare", "Shows where two dumps differ, or a dump and the card; exit status 1 if they do",
-        "acg compare before.bin after.txt", Compare);
+    auto [command, options] =
+        commands.Add("compare", "Shows the differences of two dumps, or of a dump and the card",
+                     "acg compare before.bin after.txt", Compare);
     command.Argument("FILE1", options.First, "A dump, raw bytes or text; its lines begin with \"<\"");
     command.Argument("FILE2", options.Second,
-                     "Another; its lines begin with \">\". Without it: the card in the field",
+                     "Another one; its lines begin with \">\". Default: the card in the field",
                      Need::Optional);
     AddKeyRingOptions(command, options.Key);
     AddCardOption(command, options.Card);

@@ -67,7 +67,7 @@ int DumpCard(const Options& options, Context& context)
     RequireWritable(name, existing);
     WriteReport report(out);
     report.Add(MaskKeys(name), /*look=*/{});
-    CardSession session(context.Parameters);
+    CardSession session(context.Reader);
     report.BeginCard(session);
     const WholeCard card = ReadWholeCard(session, keys, size, out);
     SayWhatIsMissing(card, out);
@@ -84,7 +84,7 @@ int DumpCard(const Options& options, Context& context)
     for (const DumpedBlock& block : card.Blocks) {
         read += IsRead(block, blocks++) ? 1 : 0;
     }
-    out.Print(Format("card %s, taken for %s, since %s\n%d of %d blocks read; the file is %s",
+    out.Print(Format("card %s, assumed to be %s, since %s\n%d of %d blocks read; the file is %s",
                      card.SerialNumber.c_str(), card.Size.Name(), card.Size.Reason.c_str(), read, blocks,
                      MaskKeys(name).c_str()));
     out.Json["size"] = card.Size.JsonName();

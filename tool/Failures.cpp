@@ -21,7 +21,7 @@ constexpr const char* CheckTheKey = "check the key, and whether it is key B (--a
 // The library's calls, then the component's own: acg/encoder/Failures.h.
 constexpr Remedy All[] = {
     {LibraryNotFound, "", "", "the reader library isn't there, or can't be loaded",
-     "put the reader's library, or the simulated one, beside acg"},
+     "put the reader's library beside acg, or give --simulate to work without a reader"},
     {453, "", "", "the reader library lacks that function",
      "put the library that belongs to the reader beside acg, then: acg info"},
     {-2, "OpenComm", "", "the reader library couldn't open the device",
@@ -33,14 +33,14 @@ constexpr Remedy All[] = {
      "check power and cable; try another speed: acg info --reader \"Device=com1;Baud rate=19200\""},
     {-5, "select", "",
      "the reader refused to select the card; with the simulated reader, C: several cards in the field",
-     "lay one card alone on the reader, then: acg info"},
+     "place a single card on the reader, then: acg info"},
     {-5, "read block", "N",
      "the reader refused the command; with the simulated reader: the card left the field",
      "hold the card still, and try again"},
     {-5, "block", "N",
      "the reader refused the command; with the simulated reader: the card left the field, and it isn't known "
      "whether a write was done",
-     "lay the card back on the reader, and look at it before you write again"},
+     "put the card back on the reader, and read it before you write again"},
     {-5, "block", "RO",
      "the reader refused the command; with the simulated reader: the card has no such block, or, if the "
      "reader's type is MultiISO 1.0, the key is wrong or the sector blocked",
@@ -59,7 +59,7 @@ constexpr Remedy All[] = {
     {-7, "login", "N", "the reader refused the login; with the simulated reader: the card left the field",
      "hold the card still, and try again"},
     {-7, "login", "", "the login didn't succeed, as with a wrong key", CheckTheKey},
-    {-8, "", "", "no card in the field", "lay a card on the reader, then: acg info"},
+    {-8, "", "", "no card in the field", "place a card on the reader, then: acg info"},
 };
 
 } // namespace

@@ -37,7 +37,7 @@ struct UsageError {
 struct Interruption {
 };
 
-/// What a failure means, in the words of the README's table "What goes wrong", and what a person at a prompt
+/// What a failure means, as docs/troubleshooting.md has it, and what a person at a prompt
 /// can do about it. A letter that the component gives no meaning to has one with the simulated reader only.
 struct Remedy {
     int32_t Number;
@@ -47,7 +47,7 @@ struct Remedy {
     std::string_view Action;
 };
 
-/// Those that this program can meet, in the order of the README; of several that fit, the first one counts.
+/// Those that this program can meet, in the order of that page; of several that fit, the first one counts.
 [[nodiscard]] std::span<const Remedy> Remedies();
 
 /// The row of a record; null if there is none.

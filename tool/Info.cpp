@@ -43,10 +43,10 @@ const char* StateOf(Encoder& encoder)
 }
 
 /// The reader library that is loaded, whichever of its functions it has.
-LoadedLibrary LibraryInUse()
+LoadedLibrary LibraryInUse(const EntryPointLookUp& lookUp)
 {
     for (int function = 0; function < ReaderFunctionCount; ++function) {
-        const EntryPoint entry = FindInLibrary(static_cast<ReaderFunction>(function));
+        const EntryPoint entry = lookUp(static_cast<ReaderFunction>(function));
         if (entry.Address != nullptr) {
             return LibraryOf(entry.Address);
         }
@@ -67,7 +67,8 @@ struct Options {
 int Info(const Options& options, Context& context)
 {
     const KeyRing keys = ReadKeyRing(options.Key);
-    const std::shared_ptr<Encoder> encoder = MakeEncoder(context.Parameters);
+    const EntryPointLookUp lookUp = LookUpOf(context.Reader);
+    const std::shared_ptr<Encoder> encoder = MakeEncoder(context.Reader);
     std::string type;
     std::string serial;
     std::optional<CardSize> size;
@@ -75,7 +76,7 @@ int Info(const Options& options, Context& context)
     try {
         Open(*encoder);
         type = TypeOf(*encoder);
-        CardSession card(encoder);
+        CardSession card(encoder, ReaderDLL(lookUp));
         serial = card.SerialNumber();
         size = FindSize(card, keys, LastSector1K + 1); // more sectors would take too long
     } catch (const CardFailure&) {
@@ -83,7 +84,7 @@ int Info(const Options& options, Context& context)
     } catch (const OtherFailure&) {
         failed = std::current_exception();
     }
-    const LoadedLibrary library = LibraryInUse();
+    const LoadedLibrary library = LibraryInUse(lookUp);
     Show("Library", "libraryPath", library.Path, context.Out);
     Show("Description", "libraryDescription", library.Description, context.Out);
     Show("Version", "libraryVersion", library.Version, context.Out);

@@ -172,7 +172,7 @@ bool IssueRun::IssueCard(CardSession& card, const CardOrder& order, bool isNext)
         [&] { WriteOrder(card, order, wasBegun ? CardState::Begun : CardState::New, m_keys, report); });
     if (ending.Status == Done) {
         m_reasons[order.Row] =
-            "card " + serial + " is written, but not noted as done; run the same command again";
+            "card " + serial + " is written, but not recorded as done; repeat the same command";
         m_ledger.Note(order, serial, Step::CardDone);
         m_out.Outcome.clear();
         SayDone(order, serial);
@@ -216,7 +216,7 @@ void IssueRun::SayDone(const CardOrder& order, const std::string& serial)
     m_out.Json["result"] = "done";
     m_out.Json["left"] = left;
     if (!m_out.Finish()) {
-        throw OtherFailure{"nothing more is written"};
+        throw OtherFailure{"the rest isn't written"};
     }
 }
 
@@ -272,7 +272,7 @@ int RunIssue(const Options& options, Context& context)
         if (!options.IsAgreedTo && !IsAgreedTo(CountOf(static_cast<size_t>(left)))) {
             throw OtherFailure{"not agreed to"};
         }
-        CardSession card(context.Parameters, CardWait::None);
+        CardSession card(context.Reader, CardWait::None);
         try {
             const int status = run.Run(card);
             run.Summarise();
@@ -297,21 +297,21 @@ void AddIssue(CommandLine& commands)
                      "A CSV file in UTF-8. Its first row names the columns: serial, note, block N, text N, "
                      "value N, key N; and of a new trailer key A N, key B N, levels N, bx N");
     AddKeyRingOptions(command, options.Key);
-    command.List("--set", "NAME=CELL", options.Orders.Columns,
-                 "A column that has the same cell in each row; may be given several times. A key "
-                 "isn't taken: it belongs into the table");
-    command.Option("--ignore-columns", "NAMES", options.Ignored,
-                   "Columns that are only for others, joined by commas");
+    command.List(
+        "--set", "NAME=CELL", options.Orders.Columns,
+        "A column with the same cell in each row; may be repeated. A key is refused: it belongs into "
+        "the table");
+    command.Option("--ignore-columns", "LIST", options.Ignored, "Columns to ignore, separated by commas");
     command.Option("--encoding", "NAME", options.Orders.Encoding,
-                   "Of texts on the card: utf-8 (default), latin-1, or utf-16, the low byte first");
-    command.Flag("--check", options.IsCheck, "Only check the whole table, without a reader");
+                   "Encoding of texts on the card: utf-8 (default), latin-1, or utf-16 (little-endian)");
+    command.Flag("--check", options.IsCheck, "Check the whole table and exit; needs no reader");
     command.Flag("--resume", options.IsResumed,
-                 "Go on although the table has changed: the rows that are done still stand");
+                 "Continue although the table has changed: the rows already done remain valid");
     command.Option("--give-up", "ROW", options.GivenUp,
-                   "The card that was begun for this row is lost: the row takes another one");
-    command.Flag("--continue", options.GoesOn, "After a failure, go on with the next card");
-    command.Flag("--yes", options.IsAgreedTo, "Don't ask");
-    command.Flag("--for-good", options.Orders.IsForGood, "Allow what can never be changed again");
+                   "The card begun for this row is lost: the row takes another card");
+    command.Flag("--continue", options.GoesOn, "After a failure, continue with the next card");
+    command.Flag("--yes", options.IsAgreedTo, "Don't ask for confirmation");
+    command.Flag("--for-good", options.Orders.IsForGood, "Allow changes that can never be undone");
 }
 
 } // namespace acg::tool

@@ -67,7 +67,7 @@ Journal::Journal(const std::string& table, uint64_t digest)
     Check(m_file.Open(path));
     const uint32_t error = m_file.Lock();
     if (error == AppendedFile::LockedByAnother) {
-        throw UsageError{table + " is being issued by another run"};
+        throw UsageError{table + " is in use by another run"};
     }
     Check(error);
     std::error_code unreadable;

@@ -116,8 +116,8 @@ void WriteOrder(CardSession& card, const CardOrder& order, CardState state, cons
     WritePlan remaining(ofNewTrailers, Asked::Known);
     Look(card, order, CardState::Written, given, ofNewTrailers, remaining);
     if (!remaining.Steps().empty()) {
-        throw OtherFailure{remaining.Steps().front().Name() + ": with the new keys, the card holds something "
-                                                              "other than was written"};
+        throw OtherFailure{remaining.Steps().front().Name() +
+                           ": it doesn't read back as written with the new keys"};
     }
     card.Select();
 }

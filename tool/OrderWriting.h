@@ -9,7 +9,7 @@ namespace acg::tool
 {
 
 /// To the person who lays the cards: what completes a card that may be written in part.
-constexpr const char* NextOfOrder = "give the same command again, and lay this card on the reader";
+constexpr const char* NextOfOrder = "repeat the same command, and place this card on the reader";
 
 /// Which keys a card has.
 enum class CardState {

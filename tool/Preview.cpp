@@ -66,13 +66,13 @@ int Preview(const Options& options, Context& context)
 void AddPreview(CommandLine& commands)
 {
     auto [command, options] =
-        commands.Add("preview", "Shows what levels, or access bits, let each key do, without a card",
+        commands.Add("preview", "Shows what levels or access bits allow each key, without a card",
                      "acg preview --levels 13,13,13,12 --keys 2 --value 0", Preview);
     AddLevelOptions(command, options.Levels, "1 for key A alone, 2 for both keys",
                     "Which of the data blocks 0, 1 and 2 are value blocks, as in 0,2");
     command.Option(
         "--bits", "HEX", options.Bits,
-        "In place of levels: the access bits, bytes 6 to 8 of a trailer, as in FF0780; or bytes 6 to 9",
+        "Instead of levels: the access bits, bytes 6 to 8 of a trailer, as in FF0780; or bytes 6 to 9",
         Need::Optional, {"--levels", "--keys", "--value"});
 }
 

@@ -37,7 +37,7 @@ std::vector<Key> ParseNewKeys(const Options& options)
     if (!options.NewKeysFile.empty()) {
         const KeyRing keys = ReadKeys(options.NewKeysFile);
         if (keys.size() != 2) {
-            throw UsageError{options.NewKeysFile + " has to have two keys: A, then B"};
+            throw UsageError{options.NewKeysFile + " must have two keys: A, then B"};
         }
         return {keys.front().Bytes, keys.back().Bytes};
     }
@@ -173,7 +173,7 @@ void ShowChanges(const Plans& plans, Output& out)
     }
     const std::string done = SectorsOf(plans, [](const SectorPlan& plan) { return plan.IsDone; });
     if (!done.empty()) {
-        out.Print("These keys and levels are there already: " + done + '.');
+        out.Print("Unchanged, with these keys and levels already: " + done + '.');
     }
 }
 
@@ -228,7 +228,7 @@ int Protect(const Options& options, Context& context)
         }
     };
     addParts();
-    CardSession card(context.Parameters);
+    CardSession card(context.Reader);
     report.BeginCard(card);
     ForEach(plans, out, [&](SectorPlan& plan) { plan = PlanSector(card, request, plan.Sector); });
     ShowChanges(plans, out);
@@ -253,7 +253,7 @@ int Protect(const Options& options, Context& context)
     });
     if (!frozen.empty() && !options.IsForGood) {
         throw UsageError{"this freezes " + (isAlone ? "the sector" : frozen) +
-                         " for good. Give --for-good if it is meant"};
+                         " for good; --for-good allows it"};
     }
     if (options.IsDryRun) {
         out.Print("Nothing was written: --dry-run.");
@@ -286,11 +286,11 @@ int Protect(const Options& options, Context& context)
 void AddProtect(CommandLine& commands)
 {
     auto [command, options] = commands.Add(
-        "protect", "Writes new keys and levels for sectors, and says first what that means",
+        "protect", "Writes new keys and levels to sectors, after showing their effect",
         "acg protect 1 --key-file a.txt --new-keys b.txt --levels 13,13,13,12 --keys 2", Protect);
     AddSectorArgument(command, options.Sectors);
     AddLoginOptions(command, options.Key);
-    AddLevelOptions(command, options.Levels, "1 for key A alone, 2 for both keys; default: as on the card",
+    AddLevelOptions(command, options.Levels, "1 for key A alone, 2 for both keys; default: keep the card's",
                     "Which of the sector's data blocks 0, 1 and 2 are value blocks, as in 0,2: each is "
                     "written again with its value, and "
                     "levels 9 and 13 grant the rights of a purse");
@@ -301,17 +301,17 @@ void AddProtect(CommandLine& commands)
     command.Option("--new-b", "KEY", options.NewB, "The new key B; default: the variable ACG_NEW_B");
     command.Option("--new-keys", "FILE", options.NewKeysFile, "A file with the new key A, then the new key B",
                    Need::Optional, {"--new-a", "--new-b"});
-    command.Option("--bx", "N", options.BX, "Byte 9 of the trailer, 0 to 255; default: as on the card");
+    command.Option("--bx", "N", options.BX, "Byte 9 of the trailer, 0 to 255; default: keep the card's");
     command.Flag(
         "--factory", options.IsFactory,
-        "In place of keys and levels: as delivered, keys FFFFFFFFFFFF, levels 15,15,15,3 with key A alone, "
+        "Instead of keys and levels: as delivered, keys FFFFFFFFFFFF, levels 15,15,15,3 with key A alone, "
         "byte 9 105",
         {"--levels", "--keys", "--value", "--new-a", "--new-b", "--new-keys", "--bx"});
     command.Flag("--erase", options.Erases,
-                 "With --factory: fill the data blocks with zeros, but for block 0");
-    command.Flag("--dry-run", options.IsDryRun, "Only show what would happen");
-    command.Flag("--yes", options.IsAgreedTo, "Don't ask");
-    command.Flag("--for-good", options.IsForGood, "Allow what can never be changed again");
+                 "With --factory: fill the data blocks, except block 0, with zeros");
+    command.Flag("--dry-run", options.IsDryRun, "Show what would be written, and write nothing");
+    command.Flag("--yes", options.IsAgreedTo, "Don't ask for confirmation");
+    command.Flag("--for-good", options.IsForGood, "Allow changes that can never be undone");
 }
 
 } // namespace acg::tool

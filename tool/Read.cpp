@@ -37,7 +37,7 @@ int Read(const Options& options, Context& context)
         return Done;
     }
     const LoginKey key = ReadLoginKey(options.Key);
-    CardSession card(context.Parameters);
+    CardSession card(context.Reader);
     if (first == last) {
         show(first, {card.ReadBlock(first, key), WholeBlock});
         return Done;
@@ -59,7 +59,7 @@ int Read(const Options& options, Context& context)
 
 void AddRead(CommandLine& commands)
 {
-    auto [command, options] = commands.Add("read", "Shows blocks in hexadecimal and as characters",
+    auto [command, options] = commands.Add("read", "Shows blocks, in hexadecimal and as characters",
                                            "acg read 4-6 --key FFFFFFFFFFFF", Read);
     command.Argument("BLOCK", options.Blocks, "A block, or the first and the last one: BLOCK-BLOCK");
     AddLoginOptions(command, options.Key);

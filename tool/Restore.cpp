@@ -90,8 +90,8 @@ void RequireSameCard(CardSession& card, const Request& request, const Options& o
     const std::string ofDump = ToHex(std::span(block.Bytes).first(SerialSize));
     if ((block.Known & SerialBits) == SerialBits && !card.SerialNumber().starts_with(ofDump) &&
         !options.IsOtherCard) {
-        throw UsageError{Format("the dump is of card %s, and card %s lies in the field. Give --other-card "
-                                "if it is meant",
+        throw UsageError{Format("the dump is of card %s, and card %s is in the field; --other-card "
+                                "allows it",
                                 ofDump.c_str(), card.SerialNumber().c_str())};
     }
 }
@@ -109,9 +109,10 @@ void RequireSize(CardSession& card, const Request& request)
     keys.insert(keys.end(), request.Keys.begin(), request.Keys.end());
     const std::optional<CardSize> size = FindSize(card, keys, LastSector);
     if (!size || size->LastSector == LastSector1K) {
-        throw OtherFailure{Format("the card is taken for 1K, since %s; sectors up to 15 can be restored: acg "
-                                  "restore DUMP 0-15",
-                                  size ? size->Reason.c_str() : "no key opens a sector from 16 on")};
+        throw OtherFailure{
+            Format("the card is assumed to be 1K, since %s; sectors up to 15 can be restored: acg "
+                   "restore DUMP 0-15",
+                   size ? size->Reason.c_str() : "no key opens a sector from 16 on")};
     }
 }
 
@@ -149,7 +150,7 @@ int Restore(const Options& options, Context& context)
     const std::string look = LookCommand(options);
     WriteReport before(out); // until it is known what differs
     before.Add(Format("sectors %d to %d", request.First, request.Last), look);
-    CardSession card(context.Parameters);
+    CardSession card(context.Reader);
     before.BeginCard(card);
     RequireSameCard(card, request, options);
     RequireSize(card, request);
@@ -167,7 +168,7 @@ int Restore(const Options& options, Context& context)
     }
     if (!plan.Frozen().empty() && !options.IsForGood) {
         throw UsageError{
-            Format("this freezes sector %d for good. Give --for-good if it is meant", plan.Frozen().front())};
+            Format("this freezes sector %d for good; --for-good allows it", plan.Frozen().front())};
     }
     if (options.IsDryRun) {
         out.Print("Nothing was written: --dry-run.");
@@ -189,7 +190,7 @@ int Restore(const Options& options, Context& context)
 void AddRestore(CommandLine& commands)
 {
     auto [command, options] =
-        commands.Add("restore", "Writes what differs from a dump onto the card in the field",
+        commands.Add("restore", "Writes a dump back: the blocks of the card that differ from it",
                      "acg restore card.txt 1-15 --key-file keys.txt --dry-run", Restore);
     command.Argument("DUMP", options.File,
                      "A dump, raw bytes or text. Its keys are tried first; block 0 is never written");
@@ -199,9 +200,9 @@ void AddRestore(CommandLine& commands)
     command.Flag("--trailers", options.HasTrailers,
                  "Write the trailers too, with the dump's keys and rights");
     command.Flag("--other-card", options.IsOtherCard, "Allow a card with another serial number");
-    command.Flag("--dry-run", options.IsDryRun, "Only show what would be written");
-    command.Flag("--yes", options.IsAgreedTo, "Don't ask");
-    command.Flag("--for-good", options.IsForGood, "Allow what can never be changed again");
+    command.Flag("--dry-run", options.IsDryRun, "Show what would be written, and write nothing");
+    command.Flag("--yes", options.IsAgreedTo, "Don't ask for confirmation");
+    command.Flag("--for-good", options.IsForGood, "Allow changes that can never be undone");
 }
 
 } // namespace acg::tool

@@ -41,7 +41,7 @@ std::vector<int32_t> DataBlocksOf(int32_t sector)
 std::string OtherKey(KeySet holders)
 {
     return holders == KeySet::None
-               ? "; nobody may"
+               ? "; no key may"
                : Format("; %s may%s", NameOf(holders), holders == KeySet::B ? ": --as-b" : "");
 }
 
@@ -65,8 +65,8 @@ void RequireRights(const ProtectRequest& request, const SectorPlan& plan)
     }
     if (mayWriteKeys && request.Keys.empty()) {
         throw UsageError{
-            Format("%s may write the keys of this sector, so they have to be given, new or as they "
-                   "are: --new-a and --new-b, --new-keys, or the variables ACG_NEW_A and ACG_NEW_B",
+            Format("%s may write the keys of this sector, so give both, new or "
+                   "unchanged: --new-a and --new-b, --new-keys, or the variables ACG_NEW_A and ACG_NEW_B",
                    NameOf(key))};
     }
     if (changesConditions && !mayWriteConditions) {
@@ -132,8 +132,7 @@ void Erase(CardSession& card, int32_t sector, const LoginKey& key, WriteReport& 
         report.NoteSending(card, card.WriteBlock(block, key, {}));
     }
     if (!report.ReadBack(card, [&] { return IsErased(card, sector, key); })) {
-        throw OtherFailure{
-            Format("a data block of sector %d reads back as something other than zeros", sector)};
+        throw OtherFailure{Format("a data block of sector %d doesn't read back as zeros", sector)};
     }
 }
 
@@ -147,7 +146,7 @@ void WritePurse(CardSession& card, const Purse& purse, const LoginKey& key, Writ
         return block.HasCopies() && block.Value == purse.Value && block.Address == purse.Block;
     });
     if (!isTaken) {
-        throw OtherFailure{Format("block %d reads back as something other than was written", purse.Block)};
+        throw OtherFailure{Format("block %d doesn't read back as written", purse.Block)};
     }
 }
 
@@ -288,7 +287,7 @@ void WriteSector(CardSession& card, const ProtectRequest& request, const SectorP
             throw OtherFailure{"key B opens nothing now, so what was written can't be read back with it"};
         }
         if (!report.ReadBack(card, [&] { return IsTaken(card, request, plan); })) {
-            throw OtherFailure{"the card holds something other than was written"};
+            throw OtherFailure{"the card doesn't read back as written"};
         }
     }
     if (plan.Erase == Erasure::Afterwards) {

@@ -67,7 +67,7 @@ int ShowAll(int32_t first, int32_t last, const std::function<std::string(int32_t
 {
     Output& out = context.Out;
     JsonObject& sectors = out.Json["sectors"] = JsonObject::array();
-    out.Print("Sector, access bits, byte 9, levels. FOR GOOD: nobody can change them again.");
+    out.Print("Sector, access bits, byte 9, levels. FOR GOOD: they can never be changed again.");
     int32_t missing = 0;
     for (int32_t sector = first; sector <= last; ++sector) {
         AccessReport access{};
@@ -102,7 +102,7 @@ int ShowTrailers(const Options& options, Context& context)
                          context);
     }
     const LoginKey key = ReadLoginKey(options.Key);
-    CardSession card(context.Parameters);
+    CardSession card(context.Reader);
     return first == last
                ? ShowOne(first, ReadTrailer(card, first, key), context)
                : ShowAll(

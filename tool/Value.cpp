@@ -43,7 +43,7 @@ int Value(const Options& options, Context& context)
     if (wanted) {
         report.Add(Format("block %d", number), ReadCommand(number, key));
     }
-    CardSession card(context.Parameters);
+    CardSession card(context.Reader);
     ValueBlock block;
     const auto read = [&] {
         block = ValueBlock(card.ReadBlock(number, key));
@@ -62,9 +62,8 @@ int Value(const Options& options, Context& context)
     context.Out.Json["block"] = number;
     Show(block, context.Out);
     if (!isAsWanted) {
-        throw OtherFailure{Format(wanted ? "block %d reads back as something other than was written"
-                                         : "block %d isn't a value block",
-                                  number)};
+        throw OtherFailure{Format(
+            wanted ? "block %d doesn't read back as written" : "block %d isn't a value block", number)};
     }
     return Done;
 }

@@ -88,7 +88,7 @@ int Watch(const Options& options, Context& context)
     const int32_t count =
         options.Count.empty() ? 0 : ParseNumber(options.Count, 1, INT32_MAX, "--count is a number from 1 on");
     const KeyRing keys = ReadKeyRing(options.Key);
-    CardSession card(context.Parameters, CardWait::None);
+    CardSession card(context.Reader, CardWait::None);
     for (int32_t seen = 0; count == 0 || seen < count; ++seen) {
         if (seen > 0) {
             WaitUntilGone(card);
@@ -109,7 +109,7 @@ void AddWatch(CommandLine& commands)
     auto [command, options] = commands.Add("watch", "Shows each card that is placed, until Ctrl-C or --count",
                                            "acg watch --key-file keys.txt --count 10", Watch);
     AddKeyRingOptions(command, options.Key);
-    command.Option("--count", "N", options.Count, "End after so many cards; default: never");
+    command.Option("--count", "N", options.Count, "Exit after N cards; default: never");
 }
 
 } // namespace acg::tool

@@ -212,7 +212,7 @@ void Reading::NoteWhatIsMissing(int32_t sector, const SectorContents& contents)
 void AddCardOption(CommandOptions& command, std::string& size)
 {
     command.Option("--card", "1k|4k", size,
-                   "The card's size; without it, 4K if a key opens a sector from 16 on, otherwise 1K");
+                   "The card's size; default: 4K if a key opens a sector from 16 on, otherwise 1K");
 }
 
 std::optional<CardSize> ParseCardSize(const std::string& size)
@@ -223,7 +223,7 @@ std::optional<CardSize> ParseCardSize(const std::string& size)
     if (size != "1k" && size != "4k") {
         throw UsageError{"--card is 1k or 4k"};
     }
-    return CardSize{size == "1k" ? LastSector1K : LastSector, "--card says so"};
+    return CardSize{size == "1k" ? LastSector1K : LastSector, "--card was given"};
 }
 
 std::optional<CardSize> FindSize(CardSession& card, const KeyRing& keys, int32_t lastTried)
@@ -260,9 +260,9 @@ WholeCard ReadWholeCard(CardSession& card, const KeyRing& keys, const std::optio
             card.Select();
         } catch (const AnotherCard& other) {
             const std::string known =
-                sector == 0 ? "no block is surely"
-                            : Format("only blocks 0 to %d are surely", TrailerBlock(sector - 1));
-            throw AnotherCard{{other.Text + "; " + known + " of that"}, other.Now};
+                sector == 0 ? "no block is certain to be"
+                            : Format("only blocks 0 to %d are certain to be", TrailerBlock(sector - 1));
+            throw AnotherCard{{other.Text + "; " + known + " from the first"}, other.Now};
         }
         if (sector == LastSector1K && !size) {
             reading.FindSize();
@@ -311,7 +311,7 @@ WholeCard TakeCard(const std::string& from, const std::optional<CardSize>& size,
     if (!from.empty()) {
         return CardFrom(ReadDump(from), keys);
     }
-    CardSession session(context.Parameters);
+    CardSession session(context.Reader);
     return ReadWholeCard(session, keys, size, context.Out);
 }
 

@@ -67,7 +67,7 @@ int Write(const Options& options, Context& context)
     const LoginKey key = ReadLoginKey(options.Key);
     WriteReport report(context.Out);
     report.Add(Format("block %d", number), ReadCommand(number, key));
-    CardSession card(context.Parameters);
+    CardSession card(context.Reader);
     report.BeginCard(card);
     report.NoteSending(card, card.WriteBlock(number, key, wanted));
     Block written;
@@ -79,7 +79,7 @@ int Write(const Options& options, Context& context)
     context.Out.Json["block"] = number;
     context.Out.Json["hex"] = ToHex(written);
     if (!isTaken) {
-        throw OtherFailure{Format("block %d reads back as something other than was written", number)};
+        throw OtherFailure{Format("block %d doesn't read back as written", number)};
     }
     return Done;
 }
@@ -93,12 +93,12 @@ void AddWrite(CommandLine& commands)
                      "acg write 4 54617276656C6C6F2073617973206869 --key FFFFFFFFFFFF", Write);
     command.Argument("BLOCK", options.Block,
                      "The block, 1 to 62, on a 4K card to 254; not a sector's last one");
-    command.Argument("HEX", options.Contents, "Its 16 bytes, in 32 hexadecimal digits; or --text or --from",
+    command.Argument("HEX", options.Contents, "The 16 bytes as 32 hexadecimal digits; or --text, or --from",
                      Need::Optional);
     command.Option("--text", "TEXT", options.Text,
-                   "Its contents as text: up to 16 bytes of UTF-8, the rest zeros", Need::Optional, {"HEX"});
-    command.Option("--from", "FILE", options.File,
-                   "A file with its 16 bytes as they are, neither more nor fewer", Need::Optional,
+                   "The contents as text: up to 16 bytes of UTF-8, padded with zeros", Need::Optional,
+                   {"HEX"});
+    command.Option("--from", "FILE", options.File, "A binary file of exactly 16 bytes", Need::Optional,
                    {"HEX", "--text"});
     AddLoginOptions(command, options.Key);
 }

@@ -65,7 +65,7 @@ KeySet WritersOf(int32_t number, const ConditionBytes& conditions)
 std::string OnlyMay(KeySet holders, const char* what)
 {
     return holders == KeySet::None
-               ? Format("nobody may write %s", what)
+               ? Format("no key may write %s", what)
                : Format("only %s may write %s, and %s isn't known", NameOf(holders), what, NameOf(holders));
 }
 
@@ -266,7 +266,7 @@ void WritePlan::Show(Output& out) const
     }
     for (const int32_t sector : m_frozen) {
         out.Print(
-            Format("FOR GOOD: nobody can ever change again what the keys of sector %d may do.", sector));
+            Format("FOR GOOD: the rights of the keys of sector %d can never be changed again.", sector));
     }
     for (const std::string& line : LeftOut()) {
         out.Problem(line);
@@ -295,7 +295,7 @@ void WriteBlocks(CardSession& card, const WriteStep& step, const Dump& wanted, W
         });
     });
     if (!isTaken) {
-        throw OtherFailure{step.Name() + ": the card holds something other than was written"};
+        throw OtherFailure{step.Name() + ": it doesn't read back as written"};
     }
 }
 

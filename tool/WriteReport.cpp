@@ -68,7 +68,7 @@ bool WriteReport::ReadBack(CardSession& card, const std::function<bool()>& isTak
         Tell("unknown", "yes, but perhaps on another card than " + card.SerialNumber());
     }
     RequireFirstCard(card, isSame);
-    Tell(isSame ? "yes" : "unknown", isSame ? "yes" : "not known; it reads back as something else");
+    Tell(isSame ? "yes" : "unknown", isSame ? "yes" : "not known; it doesn't read back as written");
     ++m_at;
     return isSame;
 }

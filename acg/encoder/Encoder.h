@@ -52,8 +52,8 @@ using Clock = std::function<std::chrono::steady_clock::time_point()>;
 /// they don't throw. Every access to a block selects the card and logs in again.
 ///
 /// A success means that the reader refused nothing. No write is read back, a reply that is too short counts
-/// as zeros (LastReplyWasWhole says so), and a card that was swapped between two accesses isn't noticed; so a
-/// card can be destroyed by calls that succeed. Which ones, and what to do about it: docs/access-levels.md,
+/// as zeros (LastReplyWasWhole says so), and a card that was swapped between two accesses isn't detected; so
+/// a card can be destroyed by calls that succeed. Which ones, and what to do about it: docs/access-levels.md,
 /// "Read this first".
 ///
 /// Block and sector numbers aren't tested: what is sent is the low byte, so a number beyond the card may

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # installed-tree.sh BUILD: what BUILD installs can be moved, and serves README's first program: by find_package, by
-# pkg-config, and inside a shared library.
+# pkg-config, and inside a shared library; its acg finds the simulated reader library.
 set -euo pipefail
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -12,8 +12,6 @@ mv "$folder/first place" "$folder/acg"
 readme_block cpp >"$folder/first.cpp"
 echo >"$folder/empty.cpp" # its main is the shared library's
 {
-    echo 'cmake_minimum_required(VERSION 3.25)'
-    echo 'project(hosts CXX)'
     readme_block cmake
     echo 'add_library(inside SHARED first.cpp)'
     echo 'target_link_libraries(inside PRIVATE acg::acg)'
@@ -30,3 +28,4 @@ g++ -std=c++20 first.cpp $(pkg-config --cflags --libs acg) -o other
 for program in first outside other; do
     [ "$("./$program")" = 'Block 4: 00000000000000000000000000000000' ]
 done
+acg/bin/acg --simulate info

@@ -175,7 +175,7 @@ const std::string Another = "another card: 22222222";
 
 const ReportCase ReportCases[] = {
     {"Written", Sent, 'y', "11", "yes"},
-    {"SomethingElseIsThere", Sent, 'n', "11", "not known; it reads back as something else"},
+    {"SomethingElseIsThere", Sent, 'n', "11", "not known; it doesn't read back as written"},
     {"NotReadBack", Sent, 'x', "11", "not known", "failure -5"},
     {"NoCardToReadBack", Sent, 'x', "1N", "not known", "failure -5"},
     {"NoCardAfterTheSending", Sent, 'y', "N1", "not known", "failure -8"},

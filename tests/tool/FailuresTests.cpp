@@ -1,4 +1,4 @@
-// The README's table "What goes wrong" against what acg says that a failure means, row by row.
+// The sections of docs/troubleshooting.md against what acg says of a failure.
 #include "tool/Failures.h"
 
 #include <fstream>
@@ -6,23 +6,23 @@
 #include <regex>
 #include <sstream>
 
-TEST(Failures, ReadmeMeansTheSameByEach)
+TEST(Failures, TroubleshootingSaysTheSameOfEach)
 {
-    std::string readme = (std::ostringstream() << std::ifstream(ACG_DOCS "/../README.md").rdbuf()).str();
-    readme = std::regex_replace(readme, std::regex(R"(`|\[(.*?)\]\(.*?\))"), "$1"); // code and links
-    const std::regex pattern(
-        R"(\n\| (-?\d+) .*? \| ?(.*?) \| ?(?:. or another|(.*?)) \| (.*?) \| .*? \|(?=\n))");
-    std::sregex_iterator row(readme.begin(), readme.end(), pattern);
-    std::string path;
+    std::string page = (std::ostringstream() << std::ifstream(ACG_DOCS "/troubleshooting.md").rdbuf()).str();
+    page = std::regex_replace(page, std::regex("\n  (?! )"), " "); // an item's further lines
+    page = std::regex_replace(page, std::regex("`"), "");
+    const std::regex pattern("\n## (-?\\d+): .*\n\n- Record: RdrCommand (.*?)(?:; RdrRetCode (.*))?\n"
+                             "- Meaning: (.*)\n- In a program: .*\n- With acg: (.*)\n");
+    std::sregex_iterator section(page.begin(), page.end(), pattern);
     for (const acg::tool::Remedy& known : acg::tool::Remedies()) {
-        ASSERT_NE(row, std::sregex_iterator()) << known.Meaning;
-        const std::smatch& cells = *row;
-        path = cells[2] == "the same" ? path : cells[2].str();
-        EXPECT_EQ(cells[1], std::to_string(known.Number));
-        EXPECT_NE(path.find(known.Path), std::string::npos) << path << " has no " << known.Path;
-        EXPECT_EQ(std::regex_replace(cells[3].str(), std::regex(", "), ""), known.Letters);
-        EXPECT_EQ(cells[4], std::string(known.Meaning));
-        ++row;
+        ASSERT_NE(section, std::sregex_iterator()) << known.Meaning;
+        const std::smatch& parts = *section;
+        EXPECT_EQ(parts[1], std::to_string(known.Number));
+        EXPECT_NE(parts[2].str().find(known.Path), std::string::npos) << parts[2] << " has no " << known.Path;
+        EXPECT_EQ(std::regex_replace(parts[3].str(), std::regex(", "), ""), known.Letters);
+        EXPECT_EQ(parts[4], std::string(known.Meaning));
+        EXPECT_EQ(parts[5], std::string(known.Action));
+        ++section;
     }
-    EXPECT_EQ(row, std::sregex_iterator()) << row->str();
+    EXPECT_EQ(section, std::sregex_iterator()) << section->str();
 }

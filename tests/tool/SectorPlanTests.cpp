@@ -58,7 +58,7 @@ const ProtectCase ProtectCases[] = {
     {"AccessBitsAlone", "11 22 33 AF7878069B", "BB", "", KeyBWrites, TheTrailer, Protected},
     {"AccessBitsThatMakeKeyBData", "11 22 33 AF7878069B", "BB", "", Transport, "key B opens nothing now",
      "11 22 33 AFF078069B"},
-    {"KeysThatHaveToBeGiven", Fresh, "AF", "", KeyBWrites, "so they have to be given"},
+    {"KeysThatHaveToBeGiven", Fresh, "AF", "", KeyBWrites, "so give both"},
     {"AccessBitsOfNobody", "11 22 33 FFF0F0069F", "AF", "AB", Transport,
      "may not write the access bits and byte 9"},
     {"KeysUnderFixedAccessBits", "11 22 33 FFF0F0069F", "AF", "AB", "15,15,15,1 1", TheTrailer,
@@ -68,7 +68,7 @@ const ProtectCase ProtectCases[] = {
     {"APurseThatIsNone", "11 =5 33 FFF078069F", "AF", "AB", "13,13,13,12 2 0,1",
      "block 4 isn't a value block"},
     {"APurseThatKeyBWrites", "11 =5 33 A78778869B", "AA", "", "13,13,13,12 2 1", "may not write the keys"},
-    {"APurseOfNobody", "=5 =5 33 F8870F769F", "AF", "AB", "13,13,13,12 2 1", "which nobody may write"},
+    {"APurseOfNobody", "=5 =5 33 F8870F769F", "AF", "AB", "13,13,13,12 2 1", "which no key may write"},
     {"Erased", Fresh, "AF", "AB", KeyBWrites, TheData + ", " + TheTrailer, "00 00 00 A78778869B", true},
     {"ErasedAfterwards", "11 22 33 F8870F769F", "AF", "AB", Transport, TheTrailer + ", " + TheData,
      "00 00 00 AFF078069B", true},
@@ -98,7 +98,7 @@ TEST_P(SectorPlanTest, IsRefusedOrWrittenAndReadBack)
     Output out{.IsJson = true};
     std::string done;
     try {
-        CardSession session(Format("Device=x,uid=%08X,image=", ++cards) + file + ",save=" + file);
+        CardSession session({Format("Device=x,uid=%08X,image=", ++cards) + file + ",save=" + file});
         WriteReport report(out);
         report.BeginCard(session);
         SectorPlan plan = PlanSector(session, request, 1);

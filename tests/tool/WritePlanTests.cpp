@@ -36,7 +36,7 @@ const RestoreCase RestoreCases[] = {
     {"KeyBThatIsNone", "11 22 33", "00 22 33 -FF078069F", "B", "",
      "block 4: not written: only key A may write it, and key A isn't known"},
     {"DataOfNobody", "11 22 33", "00 00 33 F8870F769F", "A", "",
-     "blocks 4-5: not written: nobody may write it"},
+     "blocks 4-5: not written: no key may write it"},
     {"UnknownOfTheDump", "11 -- 33", "00 00 00 FFF078069F", "A", "blocks 4, 6 AF",
      "block 5: not written: not in the dump"},
     {"UnreadOfTheCard", "11 22 33", "11 -- 33 FFF078069F", "A", "block 5 AF"},
@@ -61,9 +61,9 @@ const RestoreCase RestoreCases[] = {
      "the trailer of sector 1: not written: only key B may write its keys, and key B isn't known"},
     {"AccessBitsAlone", "11 22 33 AFF078069B", "11 22 33 AF7878069B", "AB", "the trailer of sector 1 BB"},
     {"KeysOfNobody", "11 22 33 CF7878069B", "11 22 33 AF7878069B", "AB", "",
-     "the trailer of sector 1: not written: nobody may write its keys"},
+     "the trailer of sector 1: not written: no key may write its keys"},
     {"AccessBitsOfNobody", "11 22 33 CFF078069D", "11 22 33 AF78F0069B", "AB", "",
-     "the trailer of sector 1: not written: nobody may write its access bits"},
+     "the trailer of sector 1: not written: no key may write its access bits"},
     {"KeysButNotTheAccessBits", "11 22 33 CF78F0069D", "11 22 33 AF78F0069B", "AB",
      "the trailer of sector 1 BB"},
     {"KeyAUnknown", "11 22 33 -FF078069F", "11 22 33 FFF078069F", "A", "",
@@ -83,7 +83,7 @@ const RestoreCase RestoreCases[] = {
     {"DataAfterTheTrailerWithKeyB", "11 22 33 A78778869B", "00 22 33 F8870F769F", "A",
      "the trailer of sector 1 AF, block 4 BB"},
     {"DataThatTheTrailerDoesNotAllow", "11 22 33 AFF069069B", "00 22 33 F8870F769F", "A",
-     "the trailer of sector 1 AF", "block 4: not written: nobody may write it"},
+     "the trailer of sector 1 AF", "block 4: not written: no key may write it"},
 };
 
 TEST_P(WritePlanTest, WritesWhatDiffersWithAKeyThatMay)

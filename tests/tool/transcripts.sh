@@ -40,7 +40,7 @@ for file; do
     shown=$(awk -v native="$native" '
         /^```/ { inside = 0 }
         /^\$ (.* )?acg / { inside = $0 !~ native }
-        inside' "$file")
+        inside' "$file" | sed -E ':a; /^\$ .*\\$/{N; s/ *\\\n */ /; ba}') # a command may have several lines
     [ -n "$shown" ]
     diff <(echo "$shown") <(cd "$folder" && grep -E '^\$ (.* )?acg ' <<<"$shown" | while read -r line; do
         echo "$line"
