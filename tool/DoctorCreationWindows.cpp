@@ -58,6 +58,7 @@ std::optional<HRESULT> CreateInSurrogate()
     for (DWORD time = 0; time < Limit && waited == WAIT_TIMEOUT && !WasInterrupted(); time += Step) {
         waited = WaitForSingleObject(thread, Step);
     }
+    CloseHandle(thread);
     if (WasInterrupted()) {
         throw Interruption{};
     }

@@ -59,7 +59,10 @@ DoctorLibrary FindReaderLibrary(const DoctorReport& report, std::vector<fs::path
             const bool is64 = Is64Bit(file);
             library.Problem =
                 Utf8Of(file) + ", " + (is64 ? report.In(texts::Is64) : SystemText(entry.SystemError));
-            library.Remedy = is64 ? texts::Take : texts::Reinstall;
+            library.Remedy = is64 ? texts::Take
+                             : entry.SystemError == ERROR_INVALID_PARAMETER
+                                 ? texts::Update // its flags are unknown
+                                 : texts::Reinstall;
         }
     }
     return library;

@@ -85,8 +85,9 @@ inline constexpr DoctorText NoFile = {", there is no file ", ", fichier absent :
 inline constexpr DoctorText NoAnswer = {"no answer for 20 seconds", "pas de réponse pendant 20 secondes"};
 inline constexpr DoctorText NotIn = {"not found in ", "absente de "};
 inline constexpr DoctorText LoaderPath = {"the system's loader path", "le chemin du chargeur du système"};
-inline constexpr DoctorText Simulated = {"; the simulator is loaded, no real reader is used",
-                                         " ; c'est le simulateur qui est chargé, sans lecteur réel"};
+inline constexpr DoctorText Simulated = {
+    "; the simulator is loaded, no real reader is used",
+    " ; c'est celle du lecteur simulé, aucun lecteur réel n'est utilisé"};
 inline constexpr DoctorText Lacks = {"it lacks", "il manque"};
 inline constexpr DoctorText In = {", in ", ", dans "};
 inline constexpr DoctorText SystemError = {", system error ", ", erreur système "};
@@ -126,6 +127,8 @@ inline constexpr DoctorText Take = {
 inline constexpr DoctorText Reinstall = {
     "it is damaged, or needs a library that isn't there: reinstall it",
     "elle est endommagée, ou il lui manque une bibliothèque : réinstallez-la"};
+inline constexpr DoctorText Update = {"install the update KB2533623 of Windows 7",
+                                      "installez la mise à jour KB2533623 de Windows 7"};
 inline constexpr DoctorText Device = {
     "is Device right (for example: --reader Device=com3)? Is another program using the reader?",
     "le port est-il le bon (par exemple : --reader Device=com3) ? Un autre programme utilise-t-il le lecteur "

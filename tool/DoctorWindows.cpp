@@ -168,9 +168,10 @@ DoctorLibrary CheckInstallation(DoctorReport& report, const std::string& host)
     std::vector<fs::path> folders = {isServed            ? manifest.File.parent_path()
                                      : component.empty() ? fs::path(OwnFolder()).parent_path()
                                                          : component.parent_path()};
-    if (!host.empty()) {
-        std::error_code error;
-        folders.push_back(fs::is_directory(hostPath, error) ? hostPath : hostPath.parent_path());
+    std::error_code error;
+    const fs::path hostFolder = fs::is_directory(hostPath, error) ? hostPath : hostPath.parent_path();
+    if (!host.empty() && hostFolder != folders.front()) {
+        folders.push_back(hostFolder);
     }
     return FindReaderLibrary(report, std::move(folders));
 }
