@@ -25,8 +25,7 @@ finds fuuuufuuuu class failed null 'register .* with the 32-bit regsvr32'
 register; finds oooonfuuuu 'reader library' failed 'not found in C:/ACG, C:/windows/syswow64' 'put .* into C:/ACG'
 mv ACG_MultiISO_TV.dll away.dll; finds ofuuufuuuu file failed null 'unpack ACG_MultiISO_TV.dll'
 head -c 10000 away.dll >ACG_MultiISO_TV.dll; finds ooofufuuuu component failed 8 'the file is damaged'
-LC_ALL=C sed 's/MSFT/TFSM/' away.dll >ACG_MultiISO_TV.dll # where a type library begins
-finds ooofufuuuu component failed 8 'the file is damaged'
+LC_ALL=C sed s/MSFT/TFSM/ away.dll >ACG_MultiISO_TV.dll; finds ooofufuuuu component failed 8 the # its type library
 mv away.dll ACG_MultiISO_TV.dll; key='HKLM\Software\Classes\TypeLib\{F7AA3FEF-4DC8-45C9-BE9F-1C10F86CD5FF}\2.1'
 registry add "$key\\409\\win32" /ve /d 'C:\windows\win.ini' /f
 finds oofonfuuuu 'type library' failed C:/windows/win.ini 'register .* with the 32-bit regsvr32'
@@ -35,9 +34,11 @@ finds oofonfuuuu 'type library' failed 'missing in the registry: TypeLib/.*/0/wi
 registry import 64-bit-hosts.reg; finds oofoofuuuu '64-bit programs' ok null null
 registry delete 'HKLM\Software\Classes\CLSID\{7F51482E-7387-41BF-9478-E44FB07C38B7}' /f
 finds oofoffuuuu '64-bit programs' failed 'missing in the 64-bit registry: .*/AppID' 'import 64-bit-hosts.reg again'
+registry import 64-bit-hosts.reg
+registry add 'HKLM\Software\Classes\AppID\{7F51482E-7387-41BF-9478-E44FB07C38B7}' /v DllSurrogate /d notepad.exe /f
+finds oofoffuuuu '64-bit programs' failed 'no answer for 20 seconds' 'end dllhost.exe'
 
-register /u
-altered s/GetDeviceID/GetDeviceIX/; finds fuuuuofooo functions failed 'it lacks GetDeviceID"' 'use .* that belongs'
+register /u; altered s/GetDeviceID/GetDeviceIX/; finds fuuuuofooo functions failed 'it lacks GetDeviceID"' 'use .* that'
 altered s/GetReaderType/GetReaderTypX/; finds fuuuuofofo 'reader type' failed '453 ' 'use .* that belongs'
 cp {ACG_MultiISO_TV,ACGReader330}.dll; finds fuuuuoffuu functions failed 'it lacks OpenComm .* CloseComm"' use
 cp ../windows/system32/version.dll ACGReader330.dll; finds fuuuufuuuu 'reader library' failed '.*, it is a 64-bit' use
@@ -47,7 +48,6 @@ finds fuuuuooooo 'reader library' ok '.*/syswow64/.*; the simulator is loaded' n
 finds fuuuuoofuu opening failed '-2 ' 'is Device right' --reader Device=com1,card=2k
 finds fuuuuoofuu opening failed '-4 ' "check the reader's power and cable" --reader Device=com1,readers=
 finds fuuuuooofu 'reader type' failed 'it returns none' 'switch the reader' --reader Device=com1,reader=,card=none
-
 identity='<assemblyIdentity type="win32" version="1.0.0.0" processorArchitecture="x86" name'
 manifest() { echo "<assembly xmlns='urn:schemas-microsoft-com:asm.v1' manifestVersion='1.0'>$identity=$*</assembly>"; }
 manifest "'A'/><dependency><dependentAssembly>$identity='B'/></dependentAssembly></dependency>" >acg.exe.manifest
