@@ -6,10 +6,10 @@
 #include "acg/platform/HexText.h"
 #include "acg/platform/LibraryFile.h"
 #include "tool/Failures.h"
-#include "tool/System.h"
 #include "tool/Text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace acg::tool
 {
@@ -92,19 +92,49 @@ EntryPointLookUp LookUpOf(const ReaderOptions& reader)
     throw OtherFailure{"there is no simulated reader library: no file " + searched};
 }
 
-std::unique_ptr<Encoder> MakeEncoder(const ReaderOptions& reader, CardWait wait)
+std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters, CardWait wait, ReaderDLL library)
 {
     // After Ctrl-C the clock advances by an hour at each look, so that a wait ends; without a wait, always.
     const auto clock = [wait, late = std::chrono::hours(0)]() mutable {
         late += std::chrono::hours(wait == CardWait::None || WasInterrupted() ? 1 : 0);
         return std::chrono::steady_clock::now() + late;
     };
-    auto encoder = std::make_unique<Encoder>(ReaderDLL(LookUpOf(reader)), clock);
+    auto encoder = std::make_unique<Encoder>(std::move(library), clock);
     const std::wstring text =
-        ToWide(!reader.Parameters.empty() ? reader.Parameters : Variable("ACG_PARAMETERS").value_or(""));
+        ToWide(!parameters.empty() ? parameters : Variable("ACG_PARAMETERS").value_or(""));
     CheckParameters(text);
     encoder->Parameters(text);
     return encoder;
+}
+
+std::string SettingsOf(Encoder& encoder)
+{
+    std::string text = ToUtf8(encoder.Parameters());
+    text.erase(0, text.find("Device="));
+    for (size_t at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n")) {
+        text = text.substr(0, at) + ';' + text.substr(at + 2);
+    }
+    return MaskKeys(text);
+}
+
+std::string TypeOf(Encoder& encoder)
+{
+    try {
+        return ToUtf8(encoder.ReaderType());
+    } catch (const RaisedFailure&) {
+        throw CardFailure{*encoder.LastError()};
+    }
+}
+
+LoadedLibrary LibraryInUse(const EntryPointLookUp& lookUp)
+{
+    for (int function = 0; function < ReaderFunctionCount; ++function) {
+        const EntryPoint entry = lookUp(static_cast<ReaderFunction>(function));
+        if (entry.Address != nullptr) {
+            return LibraryOf(entry.Address);
+        }
+    }
+    return {};
 }
 
 void Open(Encoder& encoder)

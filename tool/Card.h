@@ -5,6 +5,7 @@
 #include "acg/cards/TrailerLayout.h"
 #include "acg/encoder/Encoder.h"
 #include "acg/platform/Secret.h"
+#include "tool/System.h"
 
 #include <algorithm>
 #include <array>
@@ -80,8 +81,17 @@ struct ReaderOptions {
 
 /// An encoder with the settings of --reader, or of the variable ACG_PARAMETERS if --reader is empty, else
 /// with the class's own. Throws UsageError for a setting that the class would ignore, or read only in part.
-[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const ReaderOptions& reader,
-                                                   CardWait wait = CardWait::FiveSeconds);
+[[nodiscard]] std::unique_ptr<Encoder> MakeEncoder(const std::string& parameters, CardWait wait,
+                                                   ReaderDLL library);
+
+/// The settings as --reader takes them. What may be a key is masked.
+[[nodiscard]] std::string SettingsOf(Encoder& encoder);
+
+/// The type of the opened reader. Throws CardFailure.
+[[nodiscard]] std::string TypeOf(Encoder& encoder);
+
+/// The reader library that is loaded, whichever of its functions it has; empty if there is none.
+[[nodiscard]] LoadedLibrary LibraryInUse(const EntryPointLookUp& lookUp);
 
 /// Opens it. Its destruction closes it again. Ctrl-C ends a wait for a card.
 void Open(Encoder& encoder);

@@ -116,11 +116,12 @@ void AddCompare(CommandLine& commands);
 void AddRestore(CommandLine& commands);
 void AddWatch(CommandLine& commands);
 void AddIssue(CommandLine& commands);
+void AddDoctor(CommandLine& commands);
 
 /// In the order in which --help lists them.
 inline constexpr void (*AllCommands[])(CommandLine&) = {
     AddInfo,    AddCard, AddRead,    AddWrite,   AddValue, AddTrailer, AddPreview,
-    AddProtect, AddDump, AddCompare, AddRestore, AddWatch, AddIssue,
+    AddProtect, AddDump, AddCompare, AddRestore, AddWatch, AddIssue,   AddDoctor,
 };
 
 /// The options of a command that tries a list of keys: ReadKeyRing.

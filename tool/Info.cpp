@@ -1,7 +1,6 @@
 // acg info: the reader, and the card in its field.
 #include "tool/CommandLine.h"
 #include "tool/Failures.h"
-#include "tool/System.h"
 #include "tool/Text.h"
 #include "tool/WholeCard.h"
 
@@ -15,43 +14,11 @@ namespace acg::tool
 namespace
 {
 
-/// The settings as --reader takes them.
-std::string SettingsOf(Encoder& encoder)
-{
-    std::string text = ToUtf8(encoder.Parameters());
-    text.erase(0, text.find("Device="));
-    for (size_t at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n")) {
-        text = text.substr(0, at) + ';' + text.substr(at + 2);
-    }
-    return text;
-}
-
-std::string TypeOf(Encoder& encoder)
-{
-    try {
-        return ToUtf8(encoder.ReaderType());
-    } catch (const RaisedFailure&) {
-        throw CardFailure{*encoder.LastError()};
-    }
-}
-
 const char* StateOf(Encoder& encoder)
 {
     constexpr const char* States[] = {"unknown", "closed", "opened, no card in the field", "ready"};
     static_assert(sceUnknown == 0 && sceClosed == 1 && sceOpened == 2 && sceReady == 3);
     return States[encoder.EncoderState()];
-}
-
-/// The reader library that is loaded, whichever of its functions it has.
-LoadedLibrary LibraryInUse(const EntryPointLookUp& lookUp)
-{
-    for (int function = 0; function < ReaderFunctionCount; ++function) {
-        const EntryPoint entry = lookUp(static_cast<ReaderFunction>(function));
-        if (entry.Address != nullptr) {
-            return LibraryOf(entry.Address);
-        }
-    }
-    return {};
 }
 
 void Show(const char* name, const char* member, const std::string& value, Output& out)
@@ -68,7 +35,8 @@ int Info(const Options& options, Context& context)
 {
     const KeyRing keys = ReadKeyRing(options.Key);
     const EntryPointLookUp lookUp = LookUpOf(context.Reader);
-    const std::shared_ptr<Encoder> encoder = MakeEncoder(context.Reader);
+    const std::shared_ptr<Encoder> encoder =
+        MakeEncoder(context.Reader.Parameters, CardWait::FiveSeconds, ReaderDLL(lookUp));
     std::string type;
     std::string serial;
     std::optional<CardSize> size;
@@ -88,7 +56,7 @@ int Info(const Options& options, Context& context)
     Show("Library", "libraryPath", library.Path, context.Out);
     Show("Description", "libraryDescription", library.Description, context.Out);
     Show("Version", "libraryVersion", library.Version, context.Out);
-    Show("Settings", "settings", MaskKeys(SettingsOf(*encoder)), context.Out);
+    Show("Settings", "settings", SettingsOf(*encoder), context.Out);
     Show("Reader type", "readerType", type, context.Out);
     Show("State", "state", StateOf(*encoder), context.Out);
     Show("Serial", "serial", serial, context.Out);

@@ -1,5 +1,5 @@
-// What the program needs of the system: its arguments, the terminal, and Ctrl-C. All text is
-// UTF-8.
+// What the program needs of the system: its arguments, the user's language, the terminal, and Ctrl-C. All
+// text is UTF-8.
 #pragma once
 
 #include "acg/platform/Library.h"
@@ -14,6 +14,9 @@ namespace acg::tool
 
 /// The arguments after the program's name.
 [[nodiscard]] std::vector<std::string> Arguments(int count, char** values);
+
+/// The user's language by its two letters, as in "fr"; empty if it isn't known.
+[[nodiscard]] std::string UserLanguage();
 
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
 /// True for a terminal that understands the escape sequences of colour.

@@ -32,6 +32,16 @@ std::vector<std::string> Arguments(int count, char** values)
     return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
 }
 
+std::string UserLanguage()
+{
+    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        if (const std::optional<std::string> locale = Variable(name)) { // as in fr_FR.UTF-8
+            return locale->substr(0, locale->find_first_of("_.@"));
+        }
+    }
+    return {};
+}
+
 bool IsTerminal(std::FILE* stream)
 {
     return isatty(fileno(stream)) == 1;

@@ -65,6 +65,12 @@ std::vector<std::string> Arguments(int /*count*/, char** /*values*/)
     return arguments;
 }
 
+std::string UserLanguage()
+{
+    const LANGID language = PRIMARYLANGID(GetUserDefaultUILanguage());
+    return language == LANG_FRENCH ? "fr" : language == LANG_ENGLISH ? "en" : "";
+}
+
 bool IsTerminal(std::FILE* stream)
 {
     DWORD mode = 0;

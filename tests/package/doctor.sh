@@ -1,58 +1,58 @@
 #!/usr/bin/env bash
-# doctor.sh ZIP: the doctor names each fault of an installation, and its remedy.
+# doctor.sh ZIP: acg doctor names each fault of an installation, and its remedy.
 set -euo pipefail
-. "$(dirname "$0")/unpacked.sh"
+. "$(dirname "$0")/unpacked.sh" "$1" win64
 
-register() { on_wine regsvr32 /s ACG_MultiISO_TV.dll; }
-
-# finds LINES WHAT REMEDY [PARAMETERS]: LINES has the first character of each line, of ok, FAILED or -. The
-# simulated reader has lines of its own among them.
+register() { on_wine regsvr32 /s "$@" ACG_MultiISO_TV.dll; }
+registry() { on_wine cmd /c 'C:\windows\sysnative\reg.exe' "$@" >/dev/null; } # of 64 bits
+altered() { sed "$1" simulator/ACGReader330.dll >ACGReader330.dll; }
+# finds STATUSES STEP STATUS DETAIL REMEDY [OPTION...]: STATUSES has the first character of each step's but the
+# manifest's, of ok, failed, unknown and not set up; the other words are of one step.
 finds() {
-    local status=0 output
-    output=$(on_wine cscript //nologo "${script:-doctor.vbs}" "${@:4}") || status=$?
-    if [ "$status" -ne 1 ] || [ "$(grep -v '^ \|^ACGR' <<<"$output" | cut -c 1 | tr -d '\n')" != "$1" ] ||
-        ! grep -A 1 "^FAILED  $2" <<<"$output" | grep -q "^        remedy: $3"; then
-        printf 'status %s, not found: %s, %s, %s, but:\n%s\n' "$status" "$1" "$2" "$3" "$output"
+    local status=0 output statuses
+    output=$(on_wine acg.exe doctor --lang en --json "${@:6}" |
+        sed -n '/^{/ { s/},{/\n/g; s/\\\\/\//g; p }') || status=$?
+    statuses=$(grep -v '"name":"manifest"' <<<"$output" | sed -E 's/.*"status":"(.).*/\1/' | tr -d '\n')
+    if [[ $status != $([[ $1$3 = *f* ]] && echo 1 || echo 0) || $statuses != "$1" ]] ||
+        ! grep -qE "\"name\":\"$2\",\"status\":\"$3\",\"detail\":\"?$4.*,\"remedy\":\"?$5" <<<"$output"; then
+        printf 'status %s, not found: %s, but:\n%s\n' "$status" "$*" "$output"
         exit 1
     fi
 }
 
-finds oF--------- 'The class is registered' 'register .* by the 32-bit regsvr32'
-{ on_wine cscript //nologo doctor.vbs /fr || true; } | LC_ALL=C grep -q '^.CHEC   La classe est enregistr.e$'
-register
-# Wine runs 32-bit programs only here: so the doctor's copy says otherwise.
-sed 's/^processor = .*/processor = "AMD64"\r/' doctor.vbs >other.vbs
-script=other.vbs finds F---------- 'The script host is 32-bit' 'run this script by C:.*SysWOW64.cscript.exe'
-finds oooooF----- 'The reader library is found' "put the vendor's ACGReader330.dll beside the component"
+finds fuuuufuuuu class failed null 'register .* with the 32-bit regsvr32'
+{ on_wine acg.exe doctor --lang fr || true; } | grep -q '^ÉCHEC   La classe est inscrite dans le registre$'
+register; finds oooonfuuuu 'reader library' failed 'not found in C:/ACG, C:/windows/syswow64' 'put .* into C:/ACG'
+mv ACG_MultiISO_TV.dll away.dll; finds ofuuufuuuu file failed null 'unpack ACG_MultiISO_TV.dll'
+head -c 10000 away.dll >ACG_MultiISO_TV.dll; finds ooofufuuuu component failed 8 'the file is damaged'
+LC_ALL=C sed s/MSFT/TFSM/ away.dll >ACG_MultiISO_TV.dll; finds ooofufuuuu component failed 8 the # its type library
+mv away.dll ACG_MultiISO_TV.dll; key='HKLM\Software\Classes\TypeLib\{F7AA3FEF-4DC8-45C9-BE9F-1C10F86CD5FF}\2.1'
+registry add "$key\\409\\win32" /ve /d 'C:\windows\win.ini' /f
+finds oofonfuuuu 'type library' failed C:/windows/win.ini 'register .* with the 32-bit regsvr32'
+register; registry delete "$key\\0" /f
+finds oofonfuuuu 'type library' failed 'missing in the registry: TypeLib/.*/0/win32' register
+registry import 64-bit-hosts.reg; finds oofoofuuuu '64-bit programs' ok null null
+registry delete 'HKLM\Software\Classes\CLSID\{7F51482E-7387-41BF-9478-E44FB07C38B7}' /f
+finds oofoffuuuu '64-bit programs' failed 'missing in the 64-bit registry: .*/AppID' 'import 64-bit-hosts.reg again'
+registry import 64-bit-hosts.reg
+registry add 'HKLM\Software\Classes\AppID\{7F51482E-7387-41BF-9478-E44FB07C38B7}' /v DllSurrogate /d notepad.exe /f
+finds oofoffuuuu '64-bit programs' failed 'no answer for 20 seconds' 'end dllhost.exe'
 
-cp simulator/ACGReader330.dll .
-mv ACG_MultiISO_TV.dll away.dll
-finds ooF-------- "The component's file is there" 'unpack ACG_MultiISO_TV.dll'
-head -c 10000 away.dll >ACG_MultiISO_TV.dll
-finds ooooF------ 'The component loads' 'the file is damaged'
-LC_ALL=C sed 's/MSFT/TFSM/' away.dll >ACG_MultiISO_TV.dll # where a type library begins
-finds ooooF------ 'The component loads, and its type library' 'the file is damaged'
-mv away.dll ACG_MultiISO_TV.dll
-key='HKLM\Software\Classes\TypeLib\{F7AA3FEF-4DC8-45C9-BE9F-1C10F86CD5FF}'
-on_wine reg add "$key\\2.1\\409\\win32" /ve /d 'C:\windows\win.ini' /f >/dev/null
-finds oooFoooooo- 'The type library is registered: C:.windows.win.ini' 'register .* by the 32-bit regsvr32'
-on_wine reg delete "$key" /f >/dev/null
-finds oooFoooooo- 'The type library is registered' 'register .* by the 32-bit regsvr32'
-register
-
-sed 's/GetDeviceID/GetDeviceIX/' simulator/ACGReader330.dll >ACGReader330.dll
-finds ooooooFooo- 'The reader library has its thirteen functions: it lacks GetDeviceID$' 'take the 32-bit'
-sed 's/GetReaderType/GetReaderTypX/' simulator/ACGReader330.dll >ACGReader330.dll
-finds ooooooFoFo- 'The reader names its type: 453 ' 'take the ACGReader330.dll that belongs'
-cp ACG_MultiISO_TV.dll ACGReader330.dll # names the functions, but has none
-finds ooooooFF--- 'The reader library .*: it lacks OpenComm .* CloseComm$' 'take the 32-bit'
-finds ooooooFF--- 'The reader opens.*: 453 ' 'take the ACGReader330.dll that belongs'
-perl -0777pe 's/(PE\0\0)L\x01(.{18}\x0B)\x01/$1d\x86$2\x02/s' simulator/ACGReader330.dll >ACGReader330.dll # as of 64 bits
-finds ooooooFF--- 'The reader library .*: it is a 64-bit file$' 'take the 32-bit'
-finds ooooooFF--- 'The reader opens.*: 53 ' 'it is damaged, or needs a library'
-
-mv simulator/ACGReader330.dll "$WINEPREFIX/drive_c/windows/system32"
-rm ACGReader330.dll # now that of the system's folder is found
-finds oooooooF--- 'The reader opens.*: -2 ' 'is Device right' Device=com1,card=2k
-finds oooooooF--- 'The reader opens.*: -4 ' "check the reader's power and cable" Device=com1,readers=
-finds ooooooooF-- 'The reader names its type: it returns none' 'switch the reader off and on' Device=com1,reader=,card=none
+register /u; altered s/GetDeviceID/GetDeviceIX/; finds fuuuuofooo functions failed 'it lacks GetDeviceID"' 'use .* that'
+altered s/GetReaderType/GetReaderTypX/; finds fuuuuofofo 'reader type' failed '453 ' 'use .* that belongs'
+cp {ACG_MultiISO_TV,ACGReader330}.dll; finds fuuuuoffuu functions failed 'it lacks OpenComm .* CloseComm"' use
+cp ../windows/system32/version.dll ACGReader330.dll; finds fuuuufuuuu 'reader library' failed '.*, it is a 64-bit' use
+echo >ACGReader330.dll; finds fuuuufuuuu 'reader library' failed 'C:/ACG/ACGReader330.dll, 193' 'it is damaged'
+mv simulator/ACGReader330.dll ../windows/syswow64 # where it is found now
+finds fuuuuooooo 'reader library' ok '.*/syswow64/.*; the simulator is loaded' null
+finds fuuuuoofuu opening failed '-2 ' 'is Device right' --reader Device=com1,card=2k
+finds fuuuuoofuu opening failed '-4 ' "check the reader's power and cable" --reader Device=com1,readers=
+finds fuuuuooofu 'reader type' failed 'it returns none' 'switch the reader' --reader Device=com1,reader=,card=none
+identity='<assemblyIdentity type="win32" version="1.0.0.0" processorArchitecture="x86" name'
+manifest() { echo "<assembly xmlns='urn:schemas-microsoft-com:asm.v1' manifestVersion='1.0'>$identity=$*</assembly>"; }
+manifest "'A'/><dependency><dependentAssembly>$identity='B'/></dependentAssembly></dependency>" >acg.exe.manifest
+manifest "'B'/><file name='ACG_MultiISO_TV.dll'><comClass clsid='{7F51482E-7387-41BF-9478-E44FB07C38B7}'/></file>" \
+    >B.manifest
+finds nuuuuooooo manifest ok C:/ACG/ACG_MultiISO_TV.dll null --host acg.exe
+rm ACG_MultiISO_TV.dll; finds fuuuuooooo manifest failed 'C:/ACG/acg.exe, .*, there is no file' 'put ' --host acg.exe
+rm B.manifest; finds fuuuuooooo manifest failed 'C:/ACG/acg.exe, 14001' 'put ' --host acg.exe
