@@ -3,7 +3,10 @@
 '     cscript //nologo script-host.vbs [PARAMETERS]      as in: script-host.vbs Device=com1,card=4k
 '
 ' with the 32-bit cscript: on 64-bit Windows %SystemRoot%\SysWOW64\cscript.exe. Ends with status 1, and the
-' record shown, if a step fails that shouldn't. The sector keeps the factory's keys.
+' record shown, if a step fails that shouldn't.
+'
+' It is for a new card. It writes blocks 4 and 5, and rewrites the trailer of sector 1 twice: to levels 13 13 13
+' and 12, with the factory's keys, and at the end to those of a new card.
 Option Explicit
 
 Const sceSuccess = 0, sceError = 2
@@ -11,7 +14,7 @@ Const KeyTypeA = 1, KeyTypeB = 2, KeyAAlone = 1, BothKeys = 2
 Const AReadsBWrites = 13         ' scbs_A_Read + scbs_B_ReadWrite
 Const BWritesTrailer = 12        ' scss_B_WriteKeysConditions
 Const AWrites = 3                ' scbs_A_ReadWrite, and for the trailer scss_A_WriteKeysConditions
-Const FactoryKey = "FFFFFFFFFFFF", Sector = 1, Block = 4, ValueBlock = 5
+Const FactoryKey = "FFFFFFFFFFFF", FactoryBX = 105, Sector = 1, Block = 4, ValueBlock = 5
 
 Dim encoder, information, fields, serial, contents, result, cardType
 Dim keys, level0, level1, level2, trailer, bx
@@ -45,8 +48,9 @@ Show "CardType raises", Err.Number & ", " & Err.Description
 On Error GoTo 0
 
 ' Key A reads and key B writes; a value block; and the sector as the factory made it.
+Show "Sector 1", "gets levels 13 13 13 and 12, then 3 3 3 and 3, as on a new card"
 MustSucceed "WriteSectorTrailer", encoder.WriteSectorTrailer(Sector, FactoryKey, KeyTypeA, FactoryKey, _
-    FactoryKey, BothKeys, AReadsBWrites, AReadsBWrites, AReadsBWrites, BWritesTrailer)
+    FactoryKey, BothKeys, AReadsBWrites, AReadsBWrites, AReadsBWrites, BWritesTrailer, FactoryBX)
 MustSucceed "ReadSectorTrailer", encoder.ReadSectorTrailer(Sector, FactoryKey, KeyTypeA, keys, level0, _
     level1, level2, trailer, bx)
 Show "Sector trailer", "keys " & keys & ", blocks " & level0 & " " & level1 & " " & level2 & _
@@ -55,7 +59,7 @@ MustSucceed "WriteValueBloc", encoder.WriteValueBloc(ValueBlock, FactoryKey, Key
 MustSucceed "ReadDataBloc", encoder.ReadDataBloc(ValueBlock, FactoryKey, KeyTypeA, contents)
 Show "Value block", contents
 MustSucceed "WriteSectorTrailer", encoder.WriteSectorTrailer(Sector, FactoryKey, KeyTypeB, FactoryKey, _
-    FactoryKey, KeyAAlone, AWrites, AWrites, AWrites, AWrites)
+    FactoryKey, KeyAAlone, AWrites, AWrites, AWrites, AWrites, FactoryBX)
 
 MustSucceed "CloseEncoder", encoder.CloseEncoder
 Show "State", StateName(encoder.EncoderState)

@@ -48,7 +48,7 @@ Refusal RefusalIn(const CError& record)
 
 std::unique_ptr<Encoder> OpenedEncoder(const ReaderOptions& reader, CardWait wait)
 {
-    auto encoder = MakeEncoder(reader, wait);
+    auto encoder = MakeEncoder(reader.Parameters, wait, ReaderDLL(LookUpOf(reader)));
     Open(*encoder);
     return encoder;
 }

@@ -126,10 +126,13 @@ int Doctor(const Options& options, Context& context)
     }
     DoctorLibrary library;
     const std::unique_ptr<Encoder> encoder =
-        MakeEncoder(context.Parameters, CardWait::None,
+        MakeEncoder(context.Reader.Parameters, CardWait::None,
                     ReaderDLL([&library](ReaderFunction function) { return library.LookUp(function); }));
     DoctorReport report(context.Out, (options.Language.empty() ? UserLanguage() : options.Language) == "fr");
     library = CheckInstallation(report, options.Host);
+    if (context.Reader.IsSimulated) {
+        library = {.LookUp = LookUpOf(context.Reader)};
+    }
     if (CheckLibrary(report, library)) {
         CheckFunctions(report, library.LookUp);
         if (CheckOpening(report, *encoder)) {

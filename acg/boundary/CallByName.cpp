@@ -24,6 +24,21 @@ void PassReference(Passed& passed, VARTYPE type, void* variable)
     V_BYREF(&passed.Argument) = variable;
 }
 
+/// The type that the type library would declare for an integer of that size; any other type unchanged.
+VARTYPE DeclaredTypeOf(VARTYPE type)
+{
+    switch (type) {
+    case VT_INT:
+    case VT_UINT:
+    case VT_UI4:
+        return VT_I4;
+    case VT_I1:
+        return VT_UI1;
+    default:
+        return type;
+    }
+}
+
 HRESULT Pass(const Member::Parameter& parameter, VARIANTARG& argument, LCID language, Passed& passed)
 {
     if (IsLeftOut(argument) && !parameter.IsOptional) {
@@ -38,8 +53,9 @@ HRESULT Pass(const Member::Parameter& parameter, VARIANTARG& argument, LCID lang
         return dereferenced;
     }
     if (parameter.IsReference && V_ISBYREF(value)) { // a variable with a type, as a compiled host names it
-        passed.Argument = *value;
-        return V_VT(value) == (VT_BYREF | parameter.Type) ? S_OK : DISP_E_TYPEMISMATCH;
+        const auto variable = static_cast<VARTYPE>(V_VT(value) & ~VT_BYREF);
+        PassReference(passed, parameter.Type, V_BYREF(value));
+        return DeclaredTypeOf(variable) == parameter.Type ? S_OK : DISP_E_TYPEMISMATCH;
     }
     if (!parameter.IsReference && V_VT(&argument) == parameter.Type) {
         passed.Argument = argument;
@@ -83,11 +99,14 @@ HRESULT PassAll(const Member& member, const DISPPARAMS& arguments, LCID language
 {
     for (UINT at = 0; at < arguments.cArgs; ++at) {
         const size_t index = ParameterOf(at, arguments, member);
-        if (index >= all.size() || member.Parameters[index].IsResult ||
-            V_VT(&all[index].Argument) != VT_EMPTY) {
+        const bool isThere = index < all.size() && !member.Parameters[index].IsResult;
+        const bool isNamed = at < arguments.cNamedArgs;
+        if ((!isThere && !isNamed) || (isThere && V_VT(&all[index].Argument) != VT_EMPTY)) {
             return DISP_E_BADPARAMCOUNT;
         }
-        const HRESULT result = Pass(member.Parameters[index], arguments.rgvarg[at], language, all[index]);
+        const HRESULT result =
+            isThere ? Pass(member.Parameters[index], arguments.rgvarg[at], language, all[index])
+                    : DISP_E_PARAMNOTFOUND;
         if (FAILED(result)) {
             if (badArgument != nullptr) {
                 *badArgument = at;

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # reference-pages.sh ZIP: both reference pages have every member of the type library with its arguments, every value
-# of its enums, and every failure; and their examples, one after the other, print what they say.
+# of its enums, and every failure; they have the same programs; and their examples, one after the other, print what
+# they say.
 set -euo pipefail
 . "$(dirname "$0")/unpacked.sh"
 
@@ -20,11 +21,15 @@ mapfile -t failures < <(grep -oP 'Failure \w+\{\K-\d+' "$repository/acg/encoder/
 entry '<h3 id="NAME">|<td><code>NAME</code></td>' "${members[@]}"
 entry '<td><code>NAME</code></td>' "${values[@]}"
 entry '^<p><code>NAME</code>' "${calls[@]}"
-entry '<td>NAME [A-Z]' "${failures[@]}"
+entry 'id="failure-?NAME">NAME [A-Z]' "${failures[@]}"
 
-examples() { sed 's/\r//' "$repository/package/pages/reference-$1.md" | sed -n '/^```vb/,/^```/{/^```/!p}' | grep -v Configure; }
-diff <(examples en) <(examples fr)
+programs() { sed -n "/^\`\`\`${2:-}/,/^\`\`\`/p" "$repository/package/pages/reference-$1.md"; }
+diff <(programs en) <(programs fr)
+# A dialog waits for a person, and Wine has no Sleep.
+examples() { programs en "$1" | grep -vE '^```|Configure|Sleep'; }
 on_wine regsvr32 /s ACG_MultiISO_TV.dll
 cp simulator/ACGReader330.dll .
-examples en | sed 's/$/\r/' >examples.vbs
-diff <(examples en | sed -n "s/.* ' //p") <(on_wine cscript //nologo examples.vbs)
+examples vb | sed 's/$/\r/' >examples.vbs
+diff <(examples vb | sed -n "s/.* ' //p") <(on_wine cscript //nologo examples.vbs)
+examples js >examples.js
+diff <(examples js | sed -n 's|.* // ||p') <(on_wine cscript //nologo examples.js)

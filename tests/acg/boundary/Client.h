@@ -73,8 +73,9 @@ Member Find(const wchar_t* name, size_t arguments)
 
 enum class Way {
     BySlot,
-    ByName,   ///< with arguments and references of the declared types, as C++ and compiled Basic do
-    AsScript, ///< by name, and every argument a reference to a variant
+    ByName,    ///< with arguments and references of the declared types, as C++ and compiled Basic do
+    Generated, ///< the same, but the variables are of other integer types of the same size
+    AsScript,  ///< by name, and every argument a reference to a variant
 };
 
 inline VARIANTARG ReferenceTo(int type, void* variable)
@@ -83,6 +84,13 @@ inline VARIANTARG ReferenceTo(int type, void* variable)
     V_VT(&reference) = static_cast<VARTYPE>(VT_BYREF | type);
     V_BYREF(&reference) = variable;
     return reference;
+}
+
+/// Another integer type of the same size, if there is one.
+inline VARTYPE Alike(VARTYPE type, size_t at)
+{
+    constexpr VARTYPE numbers[] = {VT_INT, VT_UINT, VT_UI4};
+    return Plain(type) == VT_I4 ? numbers[at % 3] : Plain(type) == VT_UI1 ? VARTYPE{VT_I1} : type;
 }
 
 /// A call and how it ended. It is made at once, and can be repeated.
@@ -97,10 +105,12 @@ struct Call {
             if (isGiven && !asVariant) {
                 Arguments[at].ChangeType(Plain(type));
             }
-            Passed.push_back(at >= Called.Inputs ? ReferenceTo(type, &V_BYREF(&Value))
-                             : asVariant         ? ReferenceTo(VT_VARIANT, isGiven ? &Arguments[at] : nullptr)
-                             : (type & VT_BYREF) != 0 ? ReferenceTo(type, &V_BYREF(&Arguments[at]))
-                                                      : VARIANTARG(Arguments[at]));
+            Passed.push_back(
+                at >= Called.Inputs ? ReferenceTo(type, &V_BYREF(&Value))
+                : asVariant         ? ReferenceTo(VT_VARIANT, isGiven ? &Arguments[at] : nullptr)
+                : (type & VT_BYREF) != 0
+                    ? ReferenceTo(way == Way::Generated ? Alike(type, at) : type, &V_BYREF(&Arguments[at]))
+                    : VARIANTARG(Arguments[at]));
         }
         if (way != Way::BySlot) {
             Passed.resize(Arguments.size());

@@ -82,6 +82,7 @@ TEST(EncoderTest, OperationsAndRaisedFailuresComeThroughInEveryWay)
     ExpectOperations(Way::BySlot, L"00000011", 0x11);
     ExpectOperations(Way::ByName, L"00000012", 0x12);
     ExpectOperations(Way::AsScript, L"00000013", 0x13);
+    ExpectOperations(Way::Generated, L"00000015", 0x15);
 }
 
 TEST(RecordTest, FieldsHoldWhatIsWritten)
@@ -124,6 +125,7 @@ void ExpectRefusals(IDispatch& object, const Member& member)
             {ReferenceTo(VT_ARRAY | VT_I4, &array), DISP_E_TYPEMISMATCH},
             {ReferenceTo(VT_VARIANT, nullptr), E_POINTER},
             {ReferenceTo(plain, nullptr), E_POINTER},
+            {ReferenceTo(VT_I2, &variable), plain == member.Types[at] ? S_OK : DISP_E_TYPEMISMATCH},
             {_variant_t(DISP_E_PARAMNOTFOUND, VT_ERROR), DISP_E_PARAMNOTOPTIONAL},
             {_variant_t(3e11), plain == VT_BSTR ? S_OK : DISP_E_OVERFLOW}};
         for (size_t row = 0; row < std::size(rows) && at < member.Inputs && plain != VT_VARIANT; ++row) {
@@ -162,18 +164,22 @@ TEST(ObjectTest, TakesNamedArgumentsAndRefusesIncompleteLists)
 {
     const Ptr<_Encoder> encoder(__uuidof(Encoder));
     DISPID names[] = {2, 3}; // the key's type and the contents
+    DISPID unknown[] = {2, 99};
     _variant_t contents(12.0);
-    VARIANTARG given[6] = {_variant_t(1L), ReferenceTo(VT_VARIANT, &contents)};
+    VARIANTARG given[5] = {_variant_t(1L), ReferenceTo(VT_VARIANT, &contents)};
     const std::pair<DISPPARAMS, HRESULT> rows[] = {{{given, names, 4, 2}, S_OK},
+                                                   {{given, unknown, 4, 2}, DISP_E_PARAMNOTFOUND},
                                                    {{nullptr, nullptr, 4, 0}, E_INVALIDARG},
                                                    {{given, nullptr, 4, 2}, E_INVALIDARG},
                                                    {{given, names, 1, 2}, E_INVALIDARG},
                                                    {{given, nullptr, 3, 0}, DISP_E_BADPARAMCOUNT},
-                                                   {{given, nullptr, 6, 0}, DISP_E_BADPARAMCOUNT}};
+                                                   {{given, nullptr, 5, 0}, DISP_E_BADPARAMCOUNT}};
     for (auto [list, result] : rows) {
-        EXPECT_EQ(
-            encoder->Invoke(/*ReadDataBloc*/ 13, IID{}, 0, DISPATCH_METHOD, &list, nullptr, nullptr, nullptr),
-            result);
+        UINT badArgument = MAXUINT;
+        EXPECT_EQ(encoder->Invoke(/*ReadDataBloc*/ 13, IID{}, 0, DISPATCH_METHOD, &list, nullptr, nullptr,
+                                  &badArgument),
+                  result);
+        EXPECT_EQ(badArgument, result == DISP_E_PARAMNOTFOUND ? 1 : MAXUINT);
     }
     EXPECT_EQ(V_VT(&contents), VT_BSTR); // converted, though not read, as the encoder is closed
     EXPECT_EQ(Ptr<ISupportErrorInfo>(encoder)->InterfaceSupportsErrorInfo(__uuidof(_Encoder)), S_OK);
