@@ -239,6 +239,7 @@ Function AskIfUsed
         SetErrorLevel 1
         Quit
     goOn:
+        SetRebootFlag true
         Return
     again:
     ${Loop}
