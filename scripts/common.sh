@@ -46,6 +46,7 @@ windows_tools=(
     'have faketime|faketime'
     'have pandoc|pandoc'
     'have zip|zip'
+    'have makensis|nsis'
 )
 # What runs there, and the tests of the package.
 wine_tools=(
@@ -56,6 +57,10 @@ wine_tools=(
     'test -e /usr/share/wine/fonts/tahoma.ttf|fonts-wine'
     'have Xvfb|xvfb'
     'have unzip|unzip'
+)
+# The signed package, and its test.
+sign_tools=(
+    'have osslsigncode|osslsigncode'
 )
 coverage_tools=(
     'have llvm-cov|llvm'

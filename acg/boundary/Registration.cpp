@@ -112,8 +112,22 @@ HRESULT RegisterAll()
     return ResultOf(Write({library.Key + L"\\0\\win32", nullptr, path}), SELFREG_E_TYPELIB);
 }
 
+/// Whether hosts load another file than this one, and can: an earlier path of this one leads nowhere.
+bool AnotherIsRegistered()
+{
+    wchar_t path[MAX_PATH];
+    DWORD size = sizeof(path);
+    const std::wstring key = L"CLSID\\" + IdText(__uuidof(::Encoder)) + L"\\InprocServer32";
+    return RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, path, &size) ==
+               ERROR_SUCCESS &&
+           lstrcmpiW(path, OwnPath().c_str()) != 0 && GetFileAttributesW(path) != INVALID_FILE_ATTRIBUTES;
+}
+
 HRESULT UnregisterAll()
 {
+    if (AnotherIsRegistered()) {
+        return S_OK;
+    }
     TypeLibrary library;
     if (FAILED(Load(library))) {
         return SELFREG_E_TYPELIB;

@@ -14,7 +14,8 @@ inline constexpr wchar_t ErrorName[] = L"ACG_MultiISO_TV.CError";
 /// registered.
 HRESULT Register() noexcept;
 
-/// Removes all of that. It doesn't fail if there is nothing to remove.
+/// Removes all of that, unless it is the registration of another file, in another folder, that exists. It
+/// doesn't fail if there is nothing to remove.
 HRESULT Unregister() noexcept;
 
 } // namespace acg

@@ -314,8 +314,13 @@ int main(int argc, char* argv[])
     LoadLibraryA(SHARED_RUNTIME); // the component raises in a process that has it, too
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     testing::InitGoogleTest(&argc, argv);
-    client::CallExport("DllRegisterServer");
+    const bool registers = argc == 1; // with an argument a manifest is there
+    if (registers) {
+        client::CallExport("DllRegisterServer");
+    }
     const int status = RUN_ALL_TESTS();
-    client::CallExport("DllUnregisterServer");
+    if (registers) {
+        client::CallExport("DllUnregisterServer");
+    }
     return status;
 }
