@@ -4,18 +4,18 @@
 set -euo pipefail
 . "$(dirname "$0")/unpacked.sh" "$1" win64
 
-# commands PAGE [STEP]: what a page tells its reader to type.
+# commands STEP: what the page has its reader type.
 commands() {
-    sed 's|<pre>|\n&\n|; s|</pre>|\n&\n|' "$1" | awk -v step="${2:-}" '
+    sed 's|<pre[^>]*><code>|\n<pre>\n|; s|</code></pre>|\n</pre>\n|; s/&quot;/"/g' install-en.html | awk -v step="$1" '
         /<pre>/ { block++; inside = 1; next }
         /<\/pre>/ { inside = 0 }
-        inside && (step == "" || step == block)'
+        inside && step == block'
 }
 # A 64-bit command prompt; Wine starts 32-bit programs of a name first.
 on_64() { on_wine cmd /c 'C:\windows\sysnative\cmd.exe' /c "$@"; }
 # carry_out STEP
 carry_out() {
-    { echo '@cd /d C:\ACG' && commands install-en.html "$1" | sed 's/^/@/'; } | sed 's/$/\r/' >step.bat
+    { echo '@cd /d C:\ACG' && commands "$1" | sed 's/^/@/'; } | sed 's/$/\r/' >step.bat
     on_64 'C:\ACG\step.bat'
 }
 # What the registry knows of classes, type libraries and interfaces, in both views.
@@ -29,9 +29,6 @@ readme_below() {
 # The number that opens the encoder is new at each call.
 mask() { sed -E 's/\|[0-9]+\|Mifare/|NUMBER|Mifare/'; }
 
-# Both pages have the same commands, and tell the same failures, by their numbers.
-codes() { sed -nE 's/^<tr><td>[^0-9-]*(regsvr32|[0-9A-F-]+).*/\1/p' "$1"; }
-diff <(commands install-en.html; codes install-en.html) <(commands install-fr.html; codes install-fr.html)
 echo >empty.js
 on_wine cscript //nologo empty.js
 on_64 cscript //nologo empty.js # Wine's script host registers something of its own when it first runs

@@ -9,10 +9,8 @@ cp simulator/ACGReader330.dll "$WINEPREFIX/drive_c/windows/system32/cscript.exe"
 cp "$repository/build/windows/acg-boundary-tests.exe" .
 script() { on_wine 'C:\ACG\cscript.exe' //nologo script-host.vbs; }
 script | grep -q '^Block after' && exit 1
-# page LANGUAGE: the lines that it shows.
-page() { tr -d '\r' <"install-$1.html" | sed -n '/<pre id="manifest">/,/<\/pre>/{s/<[^>]*>//; s/&lt;/</g; s/&gt;/>/g; p}'; }
-page en | tee acg-boundary-tests.exe.manifest >cscript.exe.manifest
-diff <(page en) <(page fr)
+tr -d '\r' <install-en.html | sed -n '/<pre id="manifest">/,/<\/pre>/{s/<[^>]*>//g; s/&lt;/</g; s/&gt;/>/g; s/&quot;/"/g; p}' |
+    tee acg-boundary-tests.exe.manifest >cscript.exe.manifest
 script | grep -qx 'Block after      54617276656C6C6F2073617973206869'
 on_wine 'C:\ACG\acg-boundary-tests.exe' --gtest_filter=-RegistrationTest.* unregistered | grep -q '^\[  PASSED  \] [1-9]'
 known && exit 1 || true
