@@ -14,7 +14,7 @@ folder=../$programs/ACG_MultiISO_TV
 component="C:\\$programs\\ACG_MultiISO_TV\\ACG_MultiISO_TV.dll"
 uninstall="\"C:\\$programs\\ACG_MultiISO_TV\\uninstall.exe\" /S"
 make_setup() { # NAME VERSION: of the files that are here
-    makensis -V1 -INPUTCHARSET UTF8 -DVERSION="$2" -DFOLDER="$PWD" -DFILES="$repository/build/windows/files.nsh" \
+    makensis -V1 -INPUTCHARSET UTF8 -DVERSION="$2" -DFOLDER="$PWD" -DFILES="${zip%.zip}.nsh" \
         -DOUTPUT="$PWD/$1.exe" "$repository/package/setup.nsi"
 }
 # The registry's classes, whatever they are.
@@ -72,7 +72,7 @@ gives 0 older-setup.exe /S /hosts64
 same by-page-64 registered
 gives 0 this-setup.exe /S # an update keeps the option
 same by-page-64 registered
-diff <(sed 's/\\/\//g; s/.*"\(.*\)"/\1/' "$repository/build/windows/files.nsh"; echo uninstall.exe) \
+diff <(sed 's/\\/\//g; s/.*"\(.*\)"/\1/' "${zip%.zip}.nsh"; echo uninstall.exe) \
     <(cd "$folder" && find . -type f -printf '%P\n' | LC_ALL=C sort) 
 state >installed
 gives 1638 older-setup.exe /S
