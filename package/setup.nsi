@@ -53,7 +53,7 @@ Var Hosts64Were ; not empty if 64-bit programs could use it before
     LangString ${NAME} ${LANG_ENGLISH} "${ENGLISH}"
     LangString ${NAME} ${LANG_FRENCH} "${FRENCH}"
 !macroend
-!insertmacro Text For64Bit "For 64-bit programs" "Pour les programmes 64 bits"
+!insertmacro Text For64Bit "For 64-bit programs" "Programmes 64 bits"
 !insertmacro Text AboutComponent \
     "The component, registered for 32-bit programs; acg, the program for technicians; the documentation." \
     "Le composant, enregistré pour les programmes 32 bits ; acg, le programme des techniciens ; la documentation."
@@ -190,7 +190,7 @@ FunctionEnd
 ; The programs that have the file $0 open, as the system names them, to $1, with the words before them; else empty.
 Function FindHolders
     StrCpy $1 ""
-    System::Call 'rstrtmgr::RmStartSession(*i .r2, i 0, w "" r3) i .r4 ? u'
+    System::Call 'rstrtmgr::RmStartSession(*i .r2, i 0, w .r3) i .r4'
     ${If} $4 == 0
         System::Call 'rstrtmgr::RmRegisterResources(i r2, i 1, *w "$INSTDIR\$0", i 0, p 0, i 0, p 0) i .r4'
         System::Alloc 6680 ; ten of 668 bytes: a process, its name at 12, a service
