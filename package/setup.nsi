@@ -1,5 +1,6 @@
 ; setup.exe: what the install page has its reader do, done by a program. scripts/package makes it, and defines
-; VERSION; FOLDER, the files to install; FILES, a list of them, each as ${File} "PATH"; OUTPUT.
+; VERSION; FOLDER, the files to install; FILES, a list of them, each as ${File} "PATH"; OUTPUT; and SIGN, the command that signs the
+; uninstaller, if there is one.
 ;
 ; What an earlier version has is moved into a folder of its own first. So whatever fails, all can be put back; and a
 ; file that a program has loaded can be moved too, though not overwritten.
@@ -23,6 +24,9 @@ SetCompressor /SOLID lzma
 
 Name "${PRODUCT} ${VERSION}"
 OutFile "${OUTPUT}"
+!ifdef SIGN
+    !uninstfinalize '"${SIGN}" "%1"' = 0
+!endif
 InstallDir "$PROGRAMFILES32\${PRODUCT}"
 BrandingText "${PRODUCT} ${VERSION}"
 VIProductVersion "${VERSION}.0"

@@ -15,7 +15,7 @@ diff "$(dirname "$zip")/SHA256SUMS" "$folder/again/SHA256SUMS"
 
 openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=test -addext extendedKeyUsage=codeSigning \
     -keyout "$folder/key" -out "$folder/certificate" 2>/dev/null
-ACG_CERT=$folder/certificate ACG_KEY=$folder/key scripts/package "$folder/signed" >/dev/null
+ACG_CERT=$folder/certificate ACG_KEY=$folder/key scripts/package "$folder/signed" >/dev/null 2>&1
 cd "$folder/signed"
 unzip -q "$zip" -d plain
 unzip -q "$(basename "$zip")" -d made
