@@ -1,5 +1,6 @@
 ; setup.exe: what the install page has its reader do, done by a program. scripts/package makes it, and defines
-; VERSION; FOLDER, the files to install; FILES, a list of them, each as ${File} "PATH"; OUTPUT.
+; VERSION; FOLDER, the files to install; FILES, a list of them, each as ${File} "PATH"; OUTPUT; and SIGN, the command that signs the
+; uninstaller, if there is one.
 ;
 ; What an earlier version has is moved into a folder of its own first. So whatever fails, all can be put back; and a
 ; file that a program has loaded can be moved too, though not overwritten.
@@ -23,6 +24,9 @@ SetCompressor /SOLID lzma
 
 Name "${PRODUCT} ${VERSION}"
 OutFile "${OUTPUT}"
+!ifdef SIGN
+    !uninstfinalize '"${SIGN}" "%1"' = 0
+!endif
 InstallDir "$PROGRAMFILES32\${PRODUCT}"
 BrandingText "${PRODUCT} ${VERSION}"
 VIProductVersion "${VERSION}.0"
@@ -53,7 +57,7 @@ Var Hosts64Were ; not empty if 64-bit programs could use it before
     LangString ${NAME} ${LANG_ENGLISH} "${ENGLISH}"
     LangString ${NAME} ${LANG_FRENCH} "${FRENCH}"
 !macroend
-!insertmacro Text For64Bit "For 64-bit programs" "Pour les programmes 64 bits"
+!insertmacro Text For64Bit "For 64-bit programs" "Programmes 64 bits"
 !insertmacro Text AboutComponent \
     "The component, registered for 32-bit programs; acg, the program for technicians; the documentation." \
     "Le composant, enregistré pour les programmes 32 bits ; acg, le programme des techniciens ; la documentation."
@@ -190,7 +194,7 @@ FunctionEnd
 ; The programs that have the file $0 open, as the system names them, to $1, with the words before them; else empty.
 Function FindHolders
     StrCpy $1 ""
-    System::Call 'rstrtmgr::RmStartSession(*i .r2, i 0, w "" r3) i .r4 ? u'
+    System::Call 'rstrtmgr::RmStartSession(*i .r2, i 0, w .r3) i .r4'
     ${If} $4 == 0
         System::Call 'rstrtmgr::RmRegisterResources(i r2, i 1, *w "$INSTDIR\$0", i 0, p 0, i 0, p 0) i .r4'
         System::Alloc 6680 ; ten of 668 bytes: a process, its name at 12, a service

@@ -61,6 +61,7 @@ wine_tools=(
 # The signed package, and its test.
 sign_tools=(
     'have osslsigncode|osslsigncode'
+    'have openssl|openssl'
 )
 coverage_tools=(
     'have llvm-cov|llvm'
