@@ -68,7 +68,7 @@ inline constexpr DoctorText More = {"more on failures: ", "plus d'informations :
 inline constexpr DoctorText Page = {"install-en.html", "install-fr.html"};
 
 // What isn't set up.
-inline constexpr DoctorText NotSetUp = {"not set up", "non configuré"};
+inline constexpr DoctorText NotSetUp7 = {"not set up (step 7)", "non configuré (étape 7)"};
 inline constexpr DoctorText NotSetUp1 = {"not set up (step 1)", "non configuré (étape 1)"};
 inline constexpr DoctorText NotSetUp5 = {"not set up (step 5)", "non configuré (étape 5)"};
 inline constexpr DoctorText No64 = {"not needed, this Windows is a 32-bit one",

@@ -137,7 +137,7 @@ void ReportManifest(DoctorReport& report, const HostManifest& manifest)
     } else if (!manifest.File.empty()) {
         report.Passed(steps::Manifest, Utf8Of(manifest.File));
     } else {
-        report.NotSetUp(steps::Manifest, texts::NotSetUp);
+        report.NotSetUp(steps::Manifest, texts::NotSetUp7);
     }
 }
 
