@@ -112,15 +112,26 @@ HRESULT RegisterAll()
     return ResultOf(Write({library.Key + L"\\0\\win32", nullptr, path}), SELFREG_E_TYPELIB);
 }
 
+/// One spelling for all names of a file; empty if there is no such file.
+std::wstring LongPath(const std::wstring& path)
+{
+    wchar_t text[MAX_PATH];
+    const DWORD length = GetLongPathNameW(path.c_str(), text, MAX_PATH);
+    return {text, length < MAX_PATH ? length : 0};
+}
+
 /// Whether hosts load another file than this one, and can: an earlier path of this one leads nowhere.
 bool AnotherIsRegistered()
 {
     wchar_t path[MAX_PATH];
     DWORD size = sizeof(path);
     const std::wstring key = L"CLSID\\" + IdText(__uuidof(::Encoder)) + L"\\InprocServer32";
-    return RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, path, &size) ==
-               ERROR_SUCCESS &&
-           lstrcmpiW(path, OwnPath().c_str()) != 0 && GetFileAttributesW(path) != INVALID_FILE_ATTRIBUTES;
+    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, path, &size) !=
+        ERROR_SUCCESS) {
+        return false;
+    }
+    const std::wstring registered = LongPath(path);
+    return !registered.empty() && lstrcmpiW(registered.c_str(), LongPath(OwnPath()).c_str()) != 0;
 }
 
 HRESULT UnregisterAll()
